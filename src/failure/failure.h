@@ -1,0 +1,39 @@
+// Run-time failures: the numbered catalogue and the report.
+//
+// Any part of the library raises a failure by its catalogue number. A failure doesn't return and
+// doesn't throw: it writes out what the program's files still hold, reports, and leaves with
+// status 1; no exit routine and no destructor runs.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+
+namespace tarn::failure {
+
+inline constexpr int catalogue_size = 498;
+
+// The sentence of a number, as it stands in the catalogue; number 0's for one outside it.
+const char* text(int number);
+// The same as a report shows it: cut before its first `%`.
+std::string_view plain_text(int number);
+
+// Raises failure `number`: "*** Error %4d, %s\n" and the end.
+[[noreturn]] void fail(int number);
+// The same with more lines behind the sentence: where it happened, on which unit and file.
+// Each line ends in a line feed.
+[[noreturn]] void fail(int number, std::string_view more_lines);
+// Free text in place of a numbered sentence.
+[[noreturn]] void fail_text(std::string_view text);
+// "*** Error %4d, %s\n" without ending: what a warning prints on standard error.
+void warn(std::string_view text);
+
+// What the rooms above give this one at their start. Null: not there yet.
+struct Hooks {
+    void (*flush_everything)() = nullptr;              // every dirty unit and handle buffer
+    std::int32_t (*current_io_unit)() = nullptr;       // unit of the statement in progress, or 0
+    bool (*report_dialog)(std::string_view) = nullptr; // shows a report in a window; false: can't
+};
+Hooks& hooks();
+
+}  // namespace tarn::failure

@@ -1,0 +1,89 @@
+// The system file layer: the only place where units meet the operating system.
+//
+// A `File` is the file side of a unit: a descriptor, one buffer, and a logical position (where the
+// program stands) kept apart from the real one (where the system's file pointer stands). The
+// `sys_*` routines report failure by a platform error number and never raise anything; the caller
+// turns a non-zero number into a message.
+//
+// Invariants. With a clean buffer, buffer_position + read_index = logical_position, and the real
+// position stands at buffer_position + data_count. With a dirty buffer the real position may
+// differ; it is put right when the buffer is written.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace tarn::fio {
+
+inline constexpr std::uint32_t access_read = 0x80000000U;
+inline constexpr std::uint32_t access_write = 0x40000000U;
+
+struct File {
+    std::string path;                  // full path; empty for a unit that has no file
+    int descriptor = -1;               // -1: no open file
+    std::uint32_t access_bits = 0;     // access_read, access_write
+    char* buffer = nullptr;            // null until first used
+    std::size_t capacity = 0;          // of the buffer
+    std::int64_t logical_position = 0;
+    std::int64_t real_position = 0;
+    std::int64_t buffer_position = 0;  // file offset of the buffer's first byte
+    std::int64_t size = 0;             // largest end of file known
+    std::size_t read_index = 0;        // next byte of the buffer to read
+    std::size_t write_index = 0;       // next byte of the buffer to write
+    std::size_t data_count = 0;        // valid bytes in the buffer
+    bool dirty = false;                // the buffer holds bytes that are not on disk
+    bool buffered = true;
+    bool shared = false;               // other processes may write: no data is held back
+    bool append = false;               // every write goes to the end of the file (O_APPEND)
+    bool keep_tabs = false;
+    bool seekable = true;              // a disk file; pipes, terminals and devices are not
+    bool terminal = false;
+    bool owned = true;                 // close closes the descriptor (not so for 0, 1 and 2)
+    std::uint64_t device = 0;          // identity of the file, with inode; 0, 0 when unknown
+    std::uint64_t inode = 0;
+    std::int32_t position_state = 0;   // 0 ASIS, 1 REWIND, 2 APPEND as given at OPEN, 3 unknown
+    std::int64_t stream_read_position = 1;   // 1-based POS= of a stream unit
+    std::int64_t stream_write_position = 1;
+};
+
+struct Unit;
+
+// Error numbers that this layer sets itself; the others come from platform_error(errno).
+inline constexpr int error_access_denied = 5;
+inline constexpr int error_no_handle = 6;
+inline constexpr int error_disk_full = 39;
+
+// Opens a file by name. `mode`: bits 0 to 2 are the access (0 read, 1 write, 2 both), bits 4 to 6
+// the sharing (0x10 none, 0x20 read, 0x30 write, 0x40 and 0x00 both).
+void sys_fileOpen(Unit& unit, std::string_view name, int mode, int& err, bool create);
+void sys_fileClose(Unit& unit, int& err);
+void sys_fileSeekToEOF(Unit& unit, std::int64_t& position, int& err);
+void sys_getFilePos(Unit& unit, std::int64_t& position, int& err);
+void sys_fileSeek(Unit& unit, std::int64_t target, std::int64_t& position, int& err);
+void sys_logicalFileSync(Unit& unit);
+void sys_truncateFile(Unit& unit, bool to_zero, int& err);
+Unit* sys_findUnitFromFilename(std::string_view name);
+void sys_unbufferFile(Unit& unit);
+int sys_flushWriteBuffer(Unit& unit);
+void sys_fileWrite(Unit& unit, const char* bytes, std::size_t count, int& err);
+// Writes the bytes and the line end of the connection's dialect.
+void sys_fileWriteText(Unit& unit, const char* bytes, std::size_t count, int& err);
+// Refills the buffer; the number of bytes, or -1 on failure.
+std::ptrdiff_t sys_fillReadBuffer(Unit& unit);
+// Binary read; the number of bytes read. A short read is no error.
+std::size_t sys_fileRead(Unit& unit, char* bytes, std::size_t count, int& err);
+// Reads one text record by the rules of the connection's dialect; its length, or -1 at the end.
+std::ptrdiff_t sys_fileReadText(Unit& unit, char* bytes, std::size_t capacity, int& err);
+void sys_deleteFile(std::string_view name, int& err);
+void sys_renameFile(std::string_view old_name, std::string_view new_name, int& err);
+std::string sys_resolvePathName(std::string_view name, int& err);
+std::string sys_createTempFilename(int& err);
+bool sys_fileExists(std::string_view name);
+// The console. `sys_consoleRead`: one line of standard input; its length, or -1 at the end.
+std::ptrdiff_t sys_consoleRead(char* bytes, std::size_t capacity);
+void sys_consoleWriteLine(std::string_view text);
+void sys_consoleWrite(std::string_view text);
+
+}  // namespace tarn::fio

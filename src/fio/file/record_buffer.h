@@ -1,0 +1,54 @@
+// Records built and found in place, in a file's own buffer.
+//
+// Output: a record grows at the buffer's write index, behind the completed records that wait
+// there, so that a finished record is already where it has to be. Input: a record is handed out
+// where it lies in the buffer, with its line end found by one scan. A record of any length stays
+// contiguous: the buffer makes room by writing or dropping what precedes it, then by growing.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+namespace tarn::fio {
+
+struct File;
+
+// Where an output record stands. `limit` is the end of the room at hand.
+struct OutputRoom {
+    char* begin = nullptr;
+    char* limit = nullptr;
+};
+
+// The place where the next record is built, with at least `need` bytes of room. A file that was
+// being read is first brought to its logical position.
+// err: a platform error number when earlier records could not be written; the room is valid.
+OutputRoom begin_record(File& file, std::size_t need, int& err);
+
+// More room for the record that starts at `begin` and holds `length` bytes.
+OutputRoom grow_record(File& file, const char* begin, std::size_t length, std::size_t need,
+                       int& err);
+
+// Makes the record's first `length` bytes part of the file and writes the buffer out when it is
+// full, or when `now` asks for it.
+void end_record(File& file, std::size_t length, bool now, int& err);
+
+// A record lying in the buffer. `next` is the offset of what follows its line end.
+struct InputRecord {
+    char* begin = nullptr;
+    std::size_t length = 0;      // without the line end
+    std::size_t consumed = 0;    // with it
+    bool terminated = false;     // a line end was there (the last record may lack one)
+};
+
+// Finds the record at the logical position and leaves the position at its start; false at the end
+// of the file. A carriage return directly before the LF belongs to the line end.
+bool find_record(File& file, InputRecord& record, int& err);
+
+// Moves the logical position on by `count` bytes of the buffer.
+void consume(File& file, std::size_t count);
+
+// Makes `count` bytes from the logical position on contiguous in the buffer, as far as the file
+// has them; the number at hand.
+std::size_t peek_bytes(File& file, std::size_t count, char*& begin, int& err);
+
+}  // namespace tarn::fio

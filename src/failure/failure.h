@@ -30,9 +30,9 @@ void warn(std::string_view text);
 
 // What the rooms above give this one at their start. Null: not there yet.
 struct Hooks {
-    void (*flush_everything)() = nullptr;              // every dirty unit and handle buffer
-    std::int32_t (*current_io_unit)() = nullptr;       // unit of the statement in progress, or 0
-    bool (*report_dialog)(std::string_view) = nullptr; // shows a report in a window; false: can't
+    void (*flush_everything)() = nullptr;               // every dirty unit and handle buffer
+    std::int32_t (*current_io_unit)() = nullptr;        // unit of the statement in progress, or 0
+    bool (*report_dialog)(std::string_view) = nullptr;  // shows a report in a window; false: can't
 };
 Hooks& hooks();
 

@@ -12,14 +12,14 @@ namespace tarn::fio {
 
 struct Dialect {
     // Records of a formatted file.
-    std::string_view line_end;          // what ends a record
-    bool cuts_trailing_blanks;          // from each record of an ordinary text file
-    bool drops_control_z;               // byte 26 vanishes from what is read
-    bool expands_tabs;                  // to multiples of 8 columns, on reading
-    bool drops_carriage_returns;        // wherever they stand; otherwise only directly before LF
+    std::string_view line_end;    // what ends a record
+    bool cuts_trailing_blanks;    // from each record of an ordinary text file
+    bool drops_control_z;         // byte 26 vanishes from what is read
+    bool expands_tabs;            // to multiples of 8 columns, on reading
+    bool drops_carriage_returns;  // wherever they stand; otherwise only directly before LF
 
     // Names of files.
-    std::string_view scratch_prefix;    // how the name of a scratch file begins
+    std::string_view scratch_prefix;  // how the name of a scratch file begins
 };
 
 extern const Dialect native_dialect;

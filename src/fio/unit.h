@@ -43,7 +43,7 @@ struct IOStatus {
 
 // Where the records of a unit go.
 enum class UnitKind : std::int32_t {
-    driver = 0,   // a user device driver; unit -1 has this kind and reaches nothing
+    driver = 0,  // a user device driver; unit -1 has this kind and reaches nothing
     console = 1,
     window = 2,   // a text window or an edit box
     device3 = 3,  // old device names of FILETYPE=; connected but not a disk file
@@ -64,21 +64,21 @@ struct GnuConnection {
     Access access = Access::sequential;
     Form form = Form::formatted;
     Action action = Action::readwrite;
-    EditModes modes;                // BLANK=, DECIMAL=, ROUND=, SIGN=, DELIM=, PAD= of the OPEN
+    EditModes modes;  // BLANK=, DECIMAL=, ROUND=, SIGN=, DELIM=, PAD= of the OPEN
     Encoding encoding = Encoding::standard;
     Endian endian = Endian::native;
     CarriageControl carriage = CarriageControl::list;
     bool asynchronous = false;
-    bool delim_given = false;       // INQUIRE tells an unset DELIM= from NONE
-    bool preconnected = false;      // units 0, 5 and 6 as the program found them
-    bool new_unit = false;          // the number came from NEWUNIT=
-    bool unbuffered = false;        // every record leaves at once
+    bool delim_given = false;   // INQUIRE tells an unset DELIM= from NONE
+    bool preconnected = false;  // units 0, 5 and 6 as the program found them
+    bool new_unit = false;      // the number came from NEWUNIT=
+    bool unbuffered = false;    // every record leaves at once
     EndState end = EndState::before;
-    bool last_was_write = false;    // a write makes the file end behind it
-    bool record_open = false;       // a non-advancing statement left its record unfinished
-    std::size_t open_column = 0;    // where it stood in it, in bytes from the record's start
-    std::size_t open_length = 0;    // output: the furthest byte written in it
-    std::int64_t record_number = 0; // of a direct file: last record transferred
+    bool last_was_write = false;     // a write makes the file end behind it
+    bool record_open = false;        // a non-advancing statement left its record unfinished
+    std::size_t open_column = 0;     // where it stood in it, in bytes from the record's start
+    std::size_t open_length = 0;     // output: the furthest byte written in it
+    std::int64_t record_number = 0;  // of a direct file: last record transferred
     std::int64_t stream_position = 1;
     std::int32_t share = 0;
 };
@@ -86,32 +86,32 @@ struct GnuConnection {
 struct Unit {
     Unit* next = nullptr;
     std::int32_t number = 0;
-    std::int64_t current_record = 0;   // zero-based count of records transferred
+    std::int64_t current_record = 0;  // zero-based count of records transferred
     std::int64_t recl = 0;
-    std::int64_t highest_record = 0;   // records in a direct file
-    char* saved_record = nullptr;      // the record kept between non-advancing native statements
-    std::size_t saved_size = 0;        // bytes allocated for it
+    std::int64_t highest_record = 0;  // records in a direct file
+    char* saved_record = nullptr;     // the record kept between non-advancing native statements
+    std::size_t saved_size = 0;       // bytes allocated for it
     std::size_t saved_cursor = 0;
     std::size_t saved_last = 0;
     std::size_t saved_high_water = 0;
-    std::size_t saved_length = 0;      // 0: nothing kept
-    void* driver = nullptr;            // a user driver, or the window or edit box of a window unit
+    std::size_t saved_length = 0;  // 0: nothing kept
+    void* driver = nullptr;        // a user driver, or the window or edit box of a window unit
     UnitKind kind = UnitKind::driver;
-    std::int32_t share = 0;            // 0 COMPAT, 1 DENYRW, 2 DENYWR, 3 DENYRD, 4 DENYNONE
+    std::int32_t share = 0;  // 0 COMPAT, 1 DENYRW, 2 DENYWR, 3 DENYRD, 4 DENYNONE
     IOStatus status;
-    std::int32_t window_target = 0;    // 0 text window, 1 edit box
+    std::int32_t window_target = 0;  // 0 text window, 1 edit box
     std::int32_t handle_number = 0;
     const Dialect* dialect = &native_dialect;
     File file;
     GnuConnection gnu;
-    bool native_console = false;       // units 1 and 2 as the system made them: no gnu connection
-    std::recursive_mutex lock;         // held by a gnu statement from its start to its end
+    bool native_console = false;  // units 1 and 2 as the system made them: no gnu connection
+    std::recursive_mutex lock;    // held by a gnu statement from its start to its end
 };
 
 // `buffered`: the unit gets a file buffer at once.
 Unit* Unit_create(std::int32_t number, bool buffered);
 void Unit_initialise(Unit& unit, std::int32_t number, bool buffered);
-void Unit_close(Unit& unit);   // closes a connected unit and frees what the record owns
+void Unit_close(Unit& unit);  // closes a connected unit and frees what the record owns
 void Unit_free(Unit* unit);
 void Unit_clear(Unit& unit);
 std::uint32_t Unit_iostatus(const Unit& unit);

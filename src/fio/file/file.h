@@ -21,11 +21,11 @@ inline constexpr std::uint32_t access_read = 0x80000000U;
 inline constexpr std::uint32_t access_write = 0x40000000U;
 
 struct File {
-    std::string path;                  // full path; empty for a unit that has no file
-    int descriptor = -1;               // -1: no open file
-    std::uint32_t access_bits = 0;     // access_read, access_write
-    char* buffer = nullptr;            // null until first used
-    std::size_t capacity = 0;          // of the buffer
+    std::string path;               // full path; empty for a unit that has no file
+    int descriptor = -1;            // -1: no open file
+    std::uint32_t access_bits = 0;  // access_read, access_write
+    char* buffer = nullptr;         // null until first used
+    std::size_t capacity = 0;       // of the buffer
     std::int64_t logical_position = 0;
     std::int64_t real_position = 0;
     std::int64_t buffer_position = 0;  // file offset of the buffer's first byte
@@ -35,16 +35,16 @@ struct File {
     std::size_t data_count = 0;        // valid bytes in the buffer
     bool dirty = false;                // the buffer holds bytes that are not on disk
     bool buffered = true;
-    bool shared = false;               // other processes may write: no data is held back
-    bool append = false;               // every write goes to the end of the file (O_APPEND)
+    bool shared = false;  // other processes may write: no data is held back
+    bool append = false;  // every write goes to the end of the file (O_APPEND)
     bool keep_tabs = false;
-    bool seekable = true;              // a disk file; pipes, terminals and devices are not
+    bool seekable = true;  // a disk file; pipes, terminals and devices are not
     bool terminal = false;
-    bool owned = true;                 // close closes the descriptor (not so for 0, 1 and 2)
-    std::uint64_t device = 0;          // identity of the file, with inode; 0, 0 when unknown
+    bool owned = true;         // close closes the descriptor (not so for 0, 1 and 2)
+    std::uint64_t device = 0;  // identity of the file, with inode; 0, 0 when unknown
     std::uint64_t inode = 0;
-    std::int32_t position_state = 0;   // 0 ASIS, 1 REWIND, 2 APPEND as given at OPEN, 3 unknown
-    std::int64_t stream_read_position = 1;   // 1-based POS= of a stream unit
+    std::int32_t position_state = 0;  // 0 ASIS, 1 REWIND, 2 APPEND as given at OPEN, 3 unknown
+    std::int64_t stream_read_position = 1;  // 1-based POS= of a stream unit
     std::int64_t stream_write_position = 1;
 };
 

@@ -35,9 +35,9 @@ void end_record(File& file, std::size_t length, bool now, int& err);
 // A record lying in the buffer. `next` is the offset of what follows its line end.
 struct InputRecord {
     char* begin = nullptr;
-    std::size_t length = 0;      // without the line end
-    std::size_t consumed = 0;    // with it
-    bool terminated = false;     // a line end was there (the last record may lack one)
+    std::size_t length = 0;    // without the line end
+    std::size_t consumed = 0;  // with it
+    bool terminated = false;   // a line end was there (the last record may lack one)
 };
 
 // Finds the record at the logical position and leaves the position at its start; false at the end

@@ -13,14 +13,51 @@ namespace tarn::fio {
 
 enum class Edit : std::uint8_t {
     // Data edit descriptors.
-    I, B, O, Z, F, E, D, EN, ES, EX, G, L, A, DT,
+    I,
+    B,
+    O,
+    Z,
+    F,
+    E,
+    D,
+    EN,
+    ES,
+    EX,
+    G,
+    L,
+    A,
+    DT,
     // Control edit descriptors.
-    literal, slash, colon, dollar, T, TL, TR, P, S, SP, SS, BN, BZ, RU, RD, RZ, RN, RC, RP, DC, DP,
+    literal,
+    slash,
+    colon,
+    dollar,
+    T,
+    TL,
+    TR,
+    P,
+    S,
+    SP,
+    SS,
+    BN,
+    BZ,
+    RU,
+    RD,
+    RZ,
+    RN,
+    RC,
+    RP,
+    DC,
+    DP,
     // Structure.
-    open, close, end,
+    open,
+    close,
+    end,
 };
 
-constexpr bool is_data_edit(Edit edit) { return edit <= Edit::DT; }
+constexpr bool is_data_edit(Edit edit) {
+    return edit <= Edit::DT;
+}
 
 inline constexpr std::int32_t absent = -1;
 inline constexpr std::int32_t unlimited = -2;  // repeat of *( ... )
@@ -28,8 +65,8 @@ inline constexpr std::int32_t unlimited = -2;  // repeat of *( ... )
 struct FormatNode {
     Edit edit = Edit::end;
     std::int32_t repeat = 1;
-    std::int32_t w = absent;   // width; n of T, TL, TR; k of P; count of slashes
-    std::int32_t d = absent;   // d, or m of I, B, O, Z
+    std::int32_t w = absent;  // width; n of T, TL, TR; k of P; count of slashes
+    std::int32_t d = absent;  // d, or m of I, B, O, Z
     std::int32_t e = absent;
     std::uint32_t link = 0;    // open: index of its close; close: of its open; end: reversion point
     std::uint32_t level = 0;   // open, close: nesting depth, 0 for the outermost
@@ -41,13 +78,13 @@ struct FormatNode {
 struct FormatProgram {
     std::vector<FormatNode> nodes;
     std::string literals;
-    std::uint32_t depth = 0;       // of nesting, the outermost group not counted
-    bool has_data_edit = false;    // a repeatable descriptor stands in it
+    std::uint32_t depth = 0;     // of nesting, the outermost group not counted
+    bool has_data_edit = false;  // a repeatable descriptor stands in it
 };
 
 struct FormatError {
-    std::int32_t number = 0;       // of the catalogue; 0: none
-    std::size_t position = 0;      // offset in the text at fault
+    std::int32_t number = 0;   // of the catalogue; 0: none
+    std::size_t position = 0;  // offset in the text at fault
 };
 
 // Parses the text of a format in the gnu dialect. Text behind the closing parenthesis is ignored.

@@ -15,7 +15,7 @@ namespace tarn::fio {
 // An edit descriptor that meets an item: FormatNode without the structure.
 struct FieldEdit {
     Edit edit = Edit::G;
-    std::int32_t w = 0;       // 0 or absent: minimal width
+    std::int32_t w = 0;  // 0 or absent: minimal width
     std::int32_t d = absent;
     std::int32_t e = absent;
 };
@@ -28,8 +28,7 @@ char* put_real(char* out, const void* value, int kind, const FieldEdit& edit,
                const EditModes& modes);
 
 // I of an INTEGER; G too.
-char* put_integer(char* out, Int128 value, int kind, const FieldEdit& edit,
-                  const EditModes& modes);
+char* put_integer(char* out, Int128 value, int kind, const FieldEdit& edit, const EditModes& modes);
 std::size_t integer_field_bound(const FieldEdit& edit, int kind);
 // B, O, Z of any item of `size` bytes, little-endian as it lies in memory.
 char* put_bits(char* out, const void* value, std::size_t size, const FieldEdit& edit);

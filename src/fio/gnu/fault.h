@@ -54,7 +54,7 @@ struct Caller {
     bool catches_end = false;    // END= or IOSTAT=
     bool catches_eor = false;    // EOR= or IOSTAT=
     std::int32_t unit = 0;
-    bool has_unit = false;       // an external unit: named in the report
+    bool has_unit = false;  // an external unit: named in the report
     Outcome outcome = Outcome::ok;
 };
 

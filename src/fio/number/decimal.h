@@ -25,14 +25,14 @@ struct BinaryReal {
 BinaryReal take_apart(float value);
 BinaryReal take_apart(double value);
 BinaryReal take_apart(long double value);
-BinaryReal take_apart(_Float128 value);
+BinaryReal take_apart(__float128 value);
 // `size`: the kind, 4, 8, 10 or 16.
 BinaryReal take_apart(const void* value, int kind);
 
 // Digits of a value: 0.d1d2d3... x 10^point. `count` digits were made; all digits behind them are
 // zero unless `rounded` says that something was cut off.
 struct DecimalDigits {
-    char* digits = nullptr;     // the caller's buffer
+    char* digits = nullptr;  // the caller's buffer
     std::size_t count = 0;
     std::int32_t point = 0;
 };
@@ -57,9 +57,9 @@ std::int32_t decimal_exponent(const BinaryReal& value);
 // and the exponent of ten behind the last of them.
 struct DecimalNumber {
     bool negative = false;
-    const char* digits = nullptr;   // '0' to '9' only
-    std::size_t count = 0;          // 0: the value is zero
-    std::int64_t exponent = 0;      // value = digits x 10^exponent
+    const char* digits = nullptr;  // '0' to '9' only
+    std::size_t count = 0;         // 0: the value is zero
+    std::int64_t exponent = 0;     // value = digits x 10^exponent
 };
 
 enum class ConvertResult : std::uint8_t { ok, overflow, underflow };

@@ -12,30 +12,30 @@ struct Row {
 };
 
 constexpr Row table[] = {
-    {ENOENT, 2, "The system cannot find the file specified."},
-    {ENOTDIR, 3, "The system cannot find the path specified."},
-    {EMFILE, 4, "The system cannot open the file."},
-    {ENFILE, 4, "The system cannot open the file."},
+    {ENOENT, 2, "There is no such file."},
+    {ENOTDIR, 3, "There is no such path."},
+    {EMFILE, 4, "Too many files are open."},
+    {ENFILE, 4, "Too many files are open."},
     {EACCES, 5, "Access is denied."},
     {EPERM, 5, "Access is denied."},
     {EISDIR, 5, "Access is denied."},
-    {EROFS, 19, "The media is write protected."},
-    {EBADF, 6, "The handle is invalid."},
-    {ENOMEM, 8, "Not enough memory resources are available to process this command."},
-    {EXDEV, 17, "The system cannot move the file to a different disk drive."},
-    {EIO, 29, "The system cannot write to the specified device."},
-    {EAGAIN, 32, "The process cannot access the file because it is being used by another process."},
-    {ETXTBSY, 32, "The process cannot access the file because it is being used by another process."},
-    {EBUSY, 32, "The process cannot access the file because it is being used by another process."},
+    {EROFS, 19, "The medium is write-protected."},
+    {EBADF, 6, "The handle is not open."},
+    {ENOMEM, 8, "There is not enough memory."},
+    {EXDEV, 17, "The file cannot be moved to another device."},
+    {EIO, 29, "The device failed."},
+    {EAGAIN, 32, "The file is in use."},
+    {ETXTBSY, 32, "The file is in use."},
+    {EBUSY, 32, "The file is in use."},
     {ENOSPC, 39, "The disk is full."},
     {EDQUOT, 39, "The disk is full."},
     {EFBIG, 39, "The disk is full."},
-    {EINVAL, 87, "The parameter is incorrect."},
-    {EPIPE, 109, "The pipe has been ended."},
+    {EINVAL, 87, "A parameter is wrong."},
+    {EPIPE, 109, "Nobody reads the pipe any more."},
     {ENOTEMPTY, 145, "The directory is not empty."},
-    {EEXIST, 183, "Cannot create a file when that file already exists."},
-    {ENAMETOOLONG, 206, "The filename or extension is too long."},
-    {ELOOP, 1921, "The name of the file cannot be resolved by the system."},
+    {EEXIST, 183, "A file of this name exists already."},
+    {ENAMETOOLONG, 206, "The name is too long."},
+    {ELOOP, 1921, "The name leads through too many links."},
 };
 
 }  // namespace
@@ -52,7 +52,8 @@ std::string_view platform_error_text(int number) {
     for (const Row& row : table) {
         if (row.number == number) return row.text;
     }
-    return number == 31 ? "A device attached to the system is not functioning." : "Unknown error";
+    return number == 31 ? "The system reported a failure without a number of its own."
+                        : "Unknown error";
 }
 
 }  // namespace tarn::platform

@@ -86,4 +86,8 @@ std::ptrdiff_t sys_consoleRead(char* bytes, std::size_t capacity);
 void sys_consoleWriteLine(std::string_view text);
 void sys_consoleWrite(std::string_view text);
 
+// Sends what waits for standard output on its way: before a terminal is read, so that a prompt is
+// seen.
+void flush_console_output();
+
 }  // namespace tarn::fio

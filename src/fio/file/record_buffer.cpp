@@ -8,6 +8,7 @@
 #include <unistd.h>
 
 #include "fio/file/file.h"
+#include "fio/file/pipe_guard.h"
 
 namespace tarn::fio {
 namespace {
@@ -49,7 +50,9 @@ void wait_for_room(int descriptor) {
     poll(&wait, 1, -1);
 }
 
-std::size_t write_bytes(int descriptor, const char* bytes, std::size_t count, int& err) {
+std::size_t write_bytes(File& file, const char* bytes, std::size_t count, int& err) {
+    const int descriptor = file.descriptor;
+    const PipeGuard guard(!file.seekable);
     std::size_t done = 0;
     while (done < count) {
         const ssize_t n = write(descriptor, bytes + done, count - done);
@@ -119,7 +122,7 @@ void write_out(File& file, int& err) {
     int failure = 0;
     std::size_t done = 0;
     if (file.append || seek_real(file, file.buffer_position, failure)) {
-        done = write_bytes(file.descriptor, file.buffer, file.data_count, failure);
+        done = write_bytes(file, file.buffer, file.data_count, failure);
     }
     file.real_position += static_cast<std::int64_t>(done);
     file.buffer_position += static_cast<std::int64_t>(done);

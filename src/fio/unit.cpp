@@ -254,6 +254,7 @@ Unit* acquire_unit(std::int32_t number) {
             unit->references.fetch_add(1, std::memory_order_relaxed);
         }
         unit->lock.lock();
+        unit->statements++;
         if (unit->listed) return unit;
         release_unit(unit);
     }
@@ -265,14 +266,14 @@ Unit* acquire_or_create_unit(std::int32_t number, bool& created) {
     for (;;) {
         if (Unit* unit = acquire_unit(number)) {
             if (fresh != nullptr) {
-                fresh->lock.unlock();
-                Unit_free(fresh);
+                release_unit(fresh);
             }
             return unit;
         }
         if (fresh == nullptr) {
             fresh = Unit_create(number, false);
             fresh->lock.lock();
+            fresh->statements++;
         }
         const std::lock_guard guard(state.lock);
         if (find(number) != nullptr) continue;
@@ -286,10 +287,12 @@ Unit* acquire_or_create_unit(std::int32_t number, bool& created) {
 void hold_unit(Unit& unit) {
     unit.references.fetch_add(1, std::memory_order_relaxed);
     unit.lock.lock();
+    unit.statements++;
 }
 
 void release_unit(Unit* unit) {
     if (unit == nullptr) return;
+    unit->statements--;
     unit->lock.unlock();
     Unit_free(unit);
 }
@@ -322,7 +325,7 @@ void flush_all_units() {
         if (held) unit->lock.unlock();
     }
     if (locked) state.lock.unlock();
-    console_flush();
+    flush_console_output();
 }
 
 }  // namespace tarn::fio

@@ -112,6 +112,8 @@ struct Unit {
     void (*closer)(Unit&) = nullptr;  // the whole CLOSE of the dialect that made the connection
     std::recursive_mutex lock;        // held by a gnu statement from its start to its end
 
+    std::int32_t statements = 0;  // in progress on it, one inside the other; under the lock
+
     // Kept by the list. A unit lives as long as somebody refers to it: the list itself, and every
     // thread that runs a statement on it or waits for its lock.
     Unit* previous = nullptr;

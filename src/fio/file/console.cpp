@@ -94,19 +94,25 @@ void console_detach(Unit& unit) {
     }
 }
 
-// The last thing of a failing program: a lock held by this very failure is no obstacle.
-void console_flush() {
-    if (console.own_output != nullptr) file_flush(console.own_output->file);
+void flush_console_output() {
+    if (!console.lock.try_lock()) return;
+    if (console.attached_output == nullptr) {
+        if (console.own_output != nullptr) file_flush(console.own_output->file);
+    } else if (console.attached_output->lock.try_lock()) {
+        Unit& unit = *console.attached_output;
+        if (unit.statements == 0) {
+            absorb_open_record(unit);
+            file_flush(unit.file);
+        }
+        unit.lock.unlock();
+    }
+    console.lock.unlock();
 }
 
 std::ptrdiff_t sys_consoleRead(char* bytes, std::size_t capacity) {
     const std::lock_guard guard(console.lock);
     Unit& unit = input();
-    if (unit.file.terminal) {
-        Unit& out = output();
-        absorb_open_record(out);
-        file_flush(out.file);
-    }
+    if (unit.file.terminal) flush_console_output();
     std::size_t stored = 0;
     for (;;) {
         char c = 0;

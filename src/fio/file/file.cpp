@@ -10,6 +10,7 @@
 #include <unistd.h>
 
 #include "fio/file/names.h"
+#include "fio/file/pipe_guard.h"
 #include "fio/file/share.h"
 #include "fio/unit.h"
 #include "platform/kernel/error.h"
@@ -37,7 +38,9 @@ bool wait_until_ready(int descriptor, short events) {
 }
 
 // Writes all of it; the number of bytes that went out. Short of `count`, errno tells why.
-std::size_t write_all(int descriptor, const char* bytes, std::size_t count) {
+std::size_t write_all(const File& file, const char* bytes, std::size_t count) {
+    const int descriptor = file.descriptor;
+    const PipeGuard guard(!file.seekable);
     std::size_t done = 0;
     while (done < count) {
         const ssize_t n = ::write(descriptor, bytes + done, count - done);
@@ -82,7 +85,7 @@ void forget_buffer(File& file) {
 //
 // Writes straight from memory at the real position and moves all positions behind it.
 int write_through(File& file, const char* bytes, std::size_t count) {
-    const std::size_t done = write_all(file.descriptor, bytes, count);
+    const std::size_t done = write_all(file, bytes, count);
     const int reason = errno;
     file.real_position += static_cast<std::int64_t>(done);
     if (file.append && file.seekable) {

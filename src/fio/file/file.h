@@ -104,7 +104,9 @@ void sys_consoleWrite(std::string_view text);
 // closed.
 void console_attach(Unit& unit);
 void console_detach(Unit& unit);
-void console_flush();
+// Sends what waits for standard output on its way: before a terminal is read, so that a prompt is
+// seen. A unit in the middle of a statement, or of another thread's, is left alone.
+void flush_console_output();
 
 // Below: the same layer for code that has a file and no unit.
 

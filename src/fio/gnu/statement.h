@@ -20,8 +20,6 @@ namespace tarn::fio {
 struct Unit;
 struct CachedFormat;
 
-inline constexpr std::uint32_t max_format_depth = 64;
-
 // An internal file: `count` records of `length` characters of `char_kind` bytes each, `stride`
 // bytes apart in the innermost dimension and then as the array lies.
 struct InternalFile {

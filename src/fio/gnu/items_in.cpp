@@ -73,14 +73,24 @@ void read_number(Statement& s, const FormatNode& node, Edit edit, char* item, in
     if (field.text == nullptr) return;
     FieldResult result;
     switch (edit) {
-        case Edit::I: result = get_integer(field.text, field.width, item, kind, s.modes); break;
-        case Edit::B: result = get_bits(field.text, field.width, 2, item, size, s.modes); break;
-        case Edit::O: result = get_bits(field.text, field.width, 8, item, size, s.modes); break;
-        case Edit::Z: result = get_bits(field.text, field.width, 16, item, size, s.modes); break;
-        case Edit::L: result = get_logical(field.text, field.width, item, kind); break;
+        case Edit::I:
+            result = get_integer(field.text, field.width, item, kind, s.modes);
+            break;
+        case Edit::B:
+            result = get_bits(field.text, field.width, 2, item, size, s.modes);
+            break;
+        case Edit::O:
+            result = get_bits(field.text, field.width, 8, item, size, s.modes);
+            break;
+        case Edit::Z:
+            result = get_bits(field.text, field.width, 16, item, size, s.modes);
+            break;
+        case Edit::L:
+            result = get_logical(field.text, field.width, item, kind);
+            break;
         default:
-            result = get_real(field.text, field.width, node.d < 0 ? 0 : node.d, item, kind,
-                              s.modes);
+            result =
+                get_real(field.text, field.width, node.d < 0 ? 0 : node.d, item, kind, s.modes);
             break;
     }
     report_field(s, field, result);
@@ -157,8 +167,10 @@ void read_item(Statement& s, ItemType type, char* item, int kind, std::size_t si
         case Edit::B:
         case Edit::O:
         case Edit::Z:
-        case Edit::L: break;
-        case Edit::DT: return fail_mismatch(s, *node, type);
+        case Edit::L:
+            break;
+        case Edit::DT:
+            return fail_mismatch(s, *node, type);
         default:
             if (type != ItemType::real) return fail_mismatch(s, *node, type);
             break;
@@ -166,7 +178,9 @@ void read_item(Statement& s, ItemType type, char* item, int kind, std::size_t si
     read_number(s, *node, edit, item, kind, size);
 }
 
-bool goes_on(const Statement& s) { return !s.failed && !(s.end_of_record && s.non_advancing); }
+bool goes_on(const Statement& s) {
+    return !s.failed && !(s.end_of_record && s.non_advancing);
+}
 
 }  // namespace
 

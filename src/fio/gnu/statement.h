@@ -30,10 +30,10 @@ struct InternalFile {
     int char_kind = 1;       // 1 or 4
     int rank = 0;            // 0: scalar
     struct Dimension {
-        std::int64_t extent = 0;
-        std::int64_t stride = 0;  // in bytes
-        std::int64_t index = 0;
-    } dimension[15];
+        std::int64_t extent;
+        std::int64_t stride;  // in bytes
+        std::int64_t index;
+    } dimension[15];  // the first `rank` of them are filled
     char* record = nullptr;  // the record at hand
 };
 
@@ -49,7 +49,7 @@ struct ListState {
     std::size_t saved_length = 0;
     char* saved_text = nullptr;  // a character value to repeat; grows as needed
     std::size_t saved_capacity = 0;
-    alignas(16) unsigned char saved_value[32] = {};
+    alignas(16) unsigned char saved_value[32];
 };
 
 struct Statement {
@@ -91,7 +91,7 @@ struct Statement {
     std::uint32_t node = 0;        // next node to run
     std::int32_t repeat_left = 0;  // of the data edit descriptor in force
     const FormatNode* data_edit = nullptr;
-    std::int32_t counters[max_format_depth + 1] = {};
+    std::int32_t counters[max_format_depth + 1];  // of open groups, by level
     bool data_used = false;    // a data edit descriptor has met an item since reversion
     bool no_line_end = false;  // $ asked for it
     std::uint32_t items = 0;   // transferred so far, for messages

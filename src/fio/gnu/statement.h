@@ -20,8 +20,6 @@ namespace tarn::fio {
 struct Unit;
 struct CachedFormat;
 
-inline constexpr std::uint32_t max_format_depth = 64;
-
 // An internal file: `count` records of `length` characters of `char_kind` bytes each, `stride`
 // bytes apart in the innermost dimension and then as the array lies.
 struct InternalFile {
@@ -74,7 +72,10 @@ struct Statement {
     char* begin = nullptr;
     char* cursor = nullptr;
     char* high = nullptr;         // output: the furthest byte written
-    char* limit = nullptr;        // output: end of the room; input: end of the record
+    char* limit = nullptr;        // input: end of the record; output: end of the room at hand,
+                                  // or `begin` to send every item through `make_room`
+    char* room_end = nullptr;     // output: end of the bytes that may be written
+    std::int64_t pending = 0;     // output: a move to the right that nothing has followed yet
     char* record_end = nullptr;   // output: where a record of fixed length ends; null: no end
     std::int64_t column_base = 0;       // output: what non-advancing statements wrote before
     bool record_at_hand = false;        // input: a record has been found

@@ -71,10 +71,10 @@ void send_to_debugger(const std::string& text) {
     frame::stop_in_debugger(text.c_str());
 }
 
-std::string numbered(int number) {
+std::string numbered(int number, std::string_view sentence) {
     char start[32];
     int length = std::snprintf(start, sizeof start, "*** Error %4d, ", number);
-    return std::string(start, static_cast<std::size_t>(length)).append(plain_text(number));
+    return std::string(start, static_cast<std::size_t>(length)).append(sentence);
 }
 
 }  // namespace
@@ -101,7 +101,7 @@ std::string report_text(int number, std::string_view free, const char* routine,
                       reinterpret_cast<unsigned long>(address));
         text = line;
     }
-    std::string sentence = numbered(number);
+    std::string sentence = numbered(number, plain_text(number));
     if (debugged) return text.append("CPPFAIL@ ").append(sentence, 4);  // without the stars
     return text.append(sentence).append("\n");
 }
@@ -155,10 +155,14 @@ void fail(int number) {
 }
 
 void fail(int number, std::string_view more_lines) {
+    fail_sentence(number, plain_text(number), more_lines);
+}
+
+void fail_sentence(int number, std::string_view sentence, std::string_view more_lines) {
     if (the_state.user_handler) c_fail(number);
-    std::string text = report_text(number, {}, nullptr, nullptr);
-    if (!text.ends_with('\n')) text.push_back('\n');
-    report(number, text.append(more_lines));
+    std::string text = __debugged ? "CPPFAIL@ " : "";
+    text.append(numbered(number, sentence), __debugged ? 4 : 0).append("\n").append(more_lines);
+    report(number, text);
 }
 
 void fail_text(std::string_view text) {

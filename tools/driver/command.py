@@ -117,8 +117,9 @@ def link_arguments(command, start_object):
     start = os.path.join(paths.START, start_object)
     if "-shared" not in command.modes and not command.has("-nostartfiles") and os.path.exists(start):
         out.append(start)
-    out += ["-L" + paths.LIB, "-Wl,-rpath," + paths.LIB, "-Wl,-z,separate-code", "-Wl,--as-needed"]
-    return out + ["-ltarnlibc"]
+    # -Xlinker, not -Wl: a folder's name may hold a comma.
+    out += ["-L" + paths.LIB, "-Xlinker", "-rpath", "-Xlinker", paths.LIB]
+    return out + ["-Wl,-z,separate-code", "-Wl,--as-needed", "-ltarnlibc"]
 
 
 def include_arguments(folders):

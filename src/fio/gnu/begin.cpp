@@ -195,6 +195,10 @@ bool choose_format(Statement& s, const TransferSpecifiers& specs) {
         return false;
     }
     s.format = &s.cached->program;
+    if (s.reading && s.format->unfit_for_input.number != 0) {
+        fail_format(s, s.format->unfit_for_input, {specs.format, specs.format_length});
+        return false;
+    }
     start_format(s);
     return true;
 }

@@ -103,8 +103,9 @@ void write_item(Statement& s, ItemType type, const char* item, int kind, std::si
         case Edit::B:
         case Edit::O:
         case Edit::Z:
-            if (minimal_in_fixed) return write_bits_in_fixed_record(s, *node, item, size);
-            return write_bits(s, *node, item, size);
+            if (minimal_in_fixed)
+                return write_bits_in_fixed_record(s, *node, item, static_cast<std::size_t>(kind));
+            return write_bits(s, *node, item, static_cast<std::size_t>(kind));
         case Edit::L:
             return write_logical(s, *node, item, kind);
         case Edit::A:

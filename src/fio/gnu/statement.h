@@ -33,7 +33,7 @@ struct InternalFile {
         std::int64_t extent;
         std::int64_t stride;  // in bytes
         std::int64_t index;
-    } dimension[15];  // the first `rank` of them are filled
+    } dimension[15];         // the first `rank` of them are filled
     char* record = nullptr;  // the record at hand
 };
 
@@ -81,6 +81,7 @@ struct Statement {
     bool record_at_hand = false;      // input: a record has been found
     bool record_terminated = false;   // input: it has a line end
     std::size_t record_consumed = 0;  // input: bytes of it with the line end
+    char* text_end = nullptr;         // input: where the trailing blanks of a scalar begin
     bool end_of_record = false;       // input: a field ran into the record's end
     std::int64_t record_limit = 0;    // characters that a record may hold (RECL=)
     std::int64_t record_number = 0;   // of a direct file

@@ -68,6 +68,8 @@ struct SpecBlock {
 struct IO_type {
     // The record's own life; not copied when a control statement borrows the record below.
     const void* return_address = nullptr;  // code address of the statement, for traceback
+    bool outer_ansi_mode = false;          // of the statement that this one interrupts
+    std::int32_t outer_format_position = -1;
     // From here on useTempIO copies.
     std::int32_t unit_number = 0;  // -1: internal file, or a statement without a unit
     Unit* unit = nullptr;          // null: not connected
@@ -81,9 +83,10 @@ struct IO_type {
     void* err_label = nullptr;
     void* end_label = nullptr;
     void* eor_label = nullptr;
-    bool per_item = false;        // labels mean a normal return from the failing call
-    void* taken_label = nullptr;  // where leave_statement goes
-    int taken_road = 0;           // 1 ERR=, 2 END=, 3 EOR=: what setjmp returns there
+    bool per_item = false;           // labels mean a normal return from the failing call
+    bool statement_aborted = false;  // the items that follow are ignored
+    void* taken_label = nullptr;     // where leave_statement goes
+    int taken_road = 0;              // 1 ERR=, 2 END=, 3 EOR=: what setjmp returns there
 
     // The format. Compiled: 16-bit words from format_ptr on. Run-time: a text, and format_ptr is
     // made non-null by RSF1__, so that a null format_ptr means list-directed throughout.
@@ -109,6 +112,9 @@ struct IO_type {
     bool blank_null = false;
     bool end_of_input = false;
     std::int64_t record_no = 0;  // REC= or POS=
+    // Formatted stream input: file offset of the byte at record_start. RSF3__ sets it; the end of
+    // the statement puts the file behind the line end that follows record_cursor.
+    std::int64_t record_file_position = 0;
     // Bytes of the item in transfer; for a complex item, of one part. 10 is REAL*10, whose
     // elements lie sizeof(long double) apart.
     std::int32_t item_size = 0;
@@ -132,6 +138,7 @@ struct IO_type {
 
     // Where the outcome goes.
     ResultWord iostat;
+    bool iostat_given = false;  // stays when the end-of-file road clears the address
     std::int32_t* status_word = nullptr;
     ResultWord size;
     std::int64_t size_count = 0;
@@ -162,7 +169,6 @@ struct State {
     bool prev_in_io = false;
     bool reentrant_io = false;
     bool use_temp_io = false;
-    bool statement_aborted = false;
     bool ansi_mode = false;    // strict standard mode, for this statement
     bool status_mode = false;  // per-item form: report by status word, once asked for
     std::int32_t last_io_error = 0;
@@ -218,6 +224,11 @@ void beginIO(ActionCode action);
 [[nodiscard]] bool setOption(IOCode code, TypeCode type, void* value, std::ptrdiff_t length);
 [[nodiscard]] bool doIO();
 [[nodiscard]] bool WSF2__();  // ends a formatted statement
+
+// The record length of a unit for sequential statements: its RECL; 0 becomes the I/O buffer's size
+// and is stored. A connection that a gnu statement opened without RECL= takes what the buffer
+// holds.
+std::int64_t unit_record_length(Unit& unit);
 
 // Keyword matching: the 1-based place of the first word of the list that `value` begins, in any
 // case; -1 when there is none. Every word of the list has a blank behind it.

@@ -20,7 +20,7 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <string>
+#include <mutex>
 #include <string_view>
 
 #include "fio/native/engine_state.h"
@@ -95,6 +95,7 @@ struct IO_type {
     const char* format_text = nullptr;
     std::ptrdiff_t format_text_length = 0;  // negative: zero-terminated
     bool run_time_format = false;           // the text has not been parsed yet
+    std::int64_t format_elements = 1;       // of a format array; counted into the length
 
     // The record at hand, in the I/O buffer.
     std::int64_t record_length = 0;  // in force
@@ -127,6 +128,8 @@ struct IO_type {
     char* internal_end = nullptr;
     std::int64_t internal_record_length = 0;
     std::int64_t internal_records_left = 1;
+    bool count_given = false;
+    std::int64_t internal_count = 0;  // of ENCODE and DECODE: the record length, whatever the item
 
     // An unformatted record.
     std::int64_t record_bytes = 0;
@@ -175,9 +178,10 @@ struct State {
     bool initialised = false;
     bool full_sequential = false;  // __fsu: later sequential files keep full records
     std::int32_t format_position = -1;
-    std::string mismatch_text;               // waits for message 51
+    char mismatch_text[128] = {};            // waits for message 51; empty: none
     unsigned char* inhibit_table = nullptr;  // one byte a message
     std::int64_t io_buffer_size = 32767;
+    std::recursive_mutex critical_section;  // of the per-item form
 };
 State& state();
 inline IO_type& current() {
@@ -197,6 +201,8 @@ inline IO_type& current() {
 void Set_Format_Position(std::int32_t value);
 void leave_statement();  // last act of an entry whose body returned false
 
+// Counts the characters of a field for SIZE=, as far as the record read has them. To be called
+// while record_cursor still stands at the field's start.
 void IO_update_size_count(std::int64_t characters);
 void IO_set_size();
 
@@ -219,9 +225,8 @@ void newIO();
 void deleteIO();
 void useTempIO();
 void restoreSavedIO();
-void IO_reset();
 void beginIO(ActionCode action);
-[[nodiscard]] bool setOption(IOCode code, TypeCode type, void* value, std::ptrdiff_t length);
+void setOption(IOCode code, TypeCode type, void* value, std::ptrdiff_t length);
 [[nodiscard]] bool doIO();
 [[nodiscard]] bool WSF2__();  // ends a formatted statement
 

@@ -227,13 +227,14 @@ void leave_statement() {
     void* const label = io.per_item ? nullptr : io.taken_label;
     const int road = io.taken_road;
     io.busy = false;
+    let_unit_go(io);
     if (&io == s.temp_io) {
         restoreSavedIO();
         s.in_io = s.current_io->busy;
     } else if (label != nullptr || io.action == ActionCode::read_namelist ||
                io.action == ActionCode::write_namelist) {
         s.in_io = false;
-        deleteIO();
+        if (io.previous != nullptr) deleteIO();
     } else {
         // The caller goes on behind the call that failed: the record stays, and its items and end
         // call find it aborted.

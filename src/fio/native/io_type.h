@@ -73,6 +73,7 @@ struct IO_type {
     // From here on useTempIO copies.
     std::int32_t unit_number = 0;  // -1: internal file, or a statement without a unit
     Unit* unit = nullptr;          // null: not connected
+    Unit* held_unit = nullptr;     // locked and kept alive until the statement ends
     IO_type* previous = nullptr;   // the record under this one, of a nested statement
     bool busy = false;
     bool begun = false;                    // per-item form: the next call opens a new statement
@@ -166,7 +167,6 @@ struct State {
     IO_type* current_io = nullptr;  // the statement at hand
     IO_type* temp_io = nullptr;     // the record of control statements
     IO_type* saved_io = nullptr;    // what current_io was before a control statement
-    Unit* spare_unit = nullptr;     // for probing a file in OPEN
     std::int32_t io_depth = 0;
     bool in_io = false;
     bool prev_in_io = false;

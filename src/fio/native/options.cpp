@@ -136,12 +136,12 @@ void set_internal_file(IO_type& io, void* start, std::ptrdiff_t length) {
     io.internal_end = io.internal_start + io.internal_records_left * io.internal_record_length;
 }
 
+// The unit itself is looked up when the statement starts, and held until it ends.
 void set_unit(IO_type& io, TypeCode type, const void* value) {
     const std::int64_t number = load_integer(type, value);
     io.spec_block.unit_given = true;
     io.unit_number =
         number < INT_MIN || number > INT_MAX ? invalid_unit : static_cast<std::int32_t>(number);
-    io.unit = io.unit_number < 0 ? nullptr : UnitList_getUnit(io.unit_number);
 }
 
 // The range is checked when the statement starts, with all labels known.
@@ -302,7 +302,8 @@ void setOption(IOCode code, TypeCode type, void* value, std::ptrdiff_t length) {
             set_record_count(io, type, value);
             return;
         case IOCode::count:
-            set_count(io, type, value); return;
+            set_count(io, type, value);
+            return;
         case IOCode::driver:
             spec.user_driver = value;
             return;

@@ -111,7 +111,6 @@ void static_IO_initialise() {
     if (s.initialised) return;
     s.initialised = true;
     s.temp_io = new_record();
-    s.spare_unit = Unit_create(-2, false);
     newIO();
     s.current_io->busy = false;
     s.io_depth = 0;
@@ -130,9 +129,15 @@ void newIO() {
     push(take_record());
 }
 
+void let_unit_go(IO_type& io) {
+    release_unit(io.held_unit);
+    io.held_unit = nullptr;
+}
+
 void deleteIO() {
     State& s = state();
     IO_type* record = s.current_io;
+    let_unit_go(*record);
     if (record->previous == nullptr) return;
     s.current_io = record->previous;
     s.in_io = s.current_io->busy;
@@ -147,6 +152,7 @@ void useTempIO() {
     if (s.current_io == s.temp_io) return;
     s.saved_io = s.current_io;
     *s.temp_io = *s.saved_io;
+    s.temp_io->held_unit = nullptr;
     s.temp_io->dynamic_buffer = false;  // borrowed from the statement that is interrupted
     s.temp_io->outer_ansi_mode = s.ansi_mode;
     s.temp_io->outer_format_position = s.format_position;
@@ -156,6 +162,7 @@ void useTempIO() {
 void restoreSavedIO() {
     State& s = state();
     s.use_temp_io = false;
+    let_unit_go(*s.current_io);
     if (s.saved_io == nullptr) {
         s.current_io->busy = false;
         return;

@@ -24,6 +24,8 @@ class CallOut {
 };
 
 void IO_reset(IO_type& io);
+// Releases the unit that a statement holds.
+void let_unit_go(IO_type& io);
 
 // Makes IO_error ignore a message (1 to 452) from now on.
 void inhibit_message(std::int32_t message);

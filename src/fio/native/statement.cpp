@@ -18,6 +18,7 @@ constexpr std::uint32_t last_specifier_bit = 1U << 31;
 
 // A record as a new statement finds it: only the buffer and its place among the others stay.
 void prepare(IO_type& io, ActionCode action, bool per_item) {
+    let_unit_go(io);  // of a statement that was never ended
     IO_type fresh;
     fresh.previous = io.previous;
     fresh.outer_ansi_mode = io.outer_ansi_mode;
@@ -65,12 +66,18 @@ void release_record() {
 
 bool run_control(ActionCode action) {
     switch (action) {
-        case ActionCode::endfile: return IO_endfile();
-        case ActionCode::rewind: return IO_rewind();
-        case ActionCode::backspace: return IO_backspace();
-        case ActionCode::open: return IO_open();
-        case ActionCode::inquire: return IO_inquire();
-        default: return IO_close();
+        case ActionCode::endfile:
+            return IO_endfile();
+        case ActionCode::rewind:
+            return IO_rewind();
+        case ActionCode::backspace:
+            return IO_backspace();
+        case ActionCode::open:
+            return IO_open();
+        case ActionCode::inquire:
+            return IO_inquire();
+        default:
+            return IO_close();
     }
 }
 
@@ -89,13 +96,17 @@ bool run_transfer(IO_type& io) {
     const TextWord& advance = io.spec_block.advance;
     switch (io.action) {
         case ActionCode::read_unformatted:
-        case ActionCode::write_unformatted: return run_unformatted(hooks().unformatted_begin);
+        case ActionCode::write_unformatted:
+            return run_unformatted(hooks().unformatted_begin);
         case ActionCode::read_direct_unformatted:
         case ActionCode::write_direct_unformatted:
             return run_unformatted(hooks().unformatted_direct_begin);
-        case ActionCode::read_namelist: return run_namelist(hooks().namelist_read);
-        case ActionCode::write_namelist: return run_namelist(hooks().namelist_write);
-        default: return RSF1__(advance.address, advance.given, advance.length);
+        case ActionCode::read_namelist:
+            return run_namelist(hooks().namelist_read);
+        case ActionCode::write_namelist:
+            return run_namelist(hooks().namelist_write);
+        default:
+            return RSF1__(advance.address, advance.given, advance.length);
     }
 }
 
@@ -135,6 +146,12 @@ bool finish_stream_read(IO_type& io) {
     return true;
 }
 
+// Finds the statement's unit and keeps it, and every other thread away from it, to the end.
+void hold(IO_type& io) {
+    io.held_unit = acquire_unit(io.unit_number);
+    if (io.held_unit != nullptr && is_connected(*io.held_unit)) io.unit = io.held_unit;
+}
+
 bool is_stream(const IO_type& io) {
     return !io.internal_file && io.unit != nullptr && io.unit->status.stream;
 }
@@ -158,6 +175,7 @@ bool doIO() {
     if (io.spec_block.unit_given && !io.internal_file && io.unit_number < 0 &&
         io.action != ActionCode::inquire && !IO_error(60))
         return false;
+    if (io.unit_number >= 0 && !io.internal_file) hold(io);
     io.target_unit = io.unit;
     if (!is_control(io.action)) {
         Set_Format_Position(-1);
@@ -261,8 +279,7 @@ void end_unformatted_write(bool direct) {
     if (state().current_io == nullptr) return;
     if (!items_are_ignored()) {
         const Hooks& h = hooks();
-        bool (*const body)() =
-            direct ? h.unformatted_direct_write_end : h.unformatted_write_end;
+        bool (*const body)() = direct ? h.unformatted_direct_write_end : h.unformatted_write_end;
         if (!run_unformatted(body)) leave_statement();
     }
     release_record();

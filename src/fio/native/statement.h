@@ -22,8 +22,7 @@ void end_unformatted_read();
 void end_unformatted_write(bool direct);
 
 // Items of an unformatted statement: `count` elements of `size` bytes; size 1 means `length` bytes.
-void transfer_unformatted(void* item, std::int64_t count, std::int32_t size,
-                          std::ptrdiff_t length);
+void transfer_unformatted(void* item, std::int64_t count, std::int32_t size, std::ptrdiff_t length);
 
 // Ends the statement at hand: an item or end call that failed leaves it, one that went well
 // carries on.

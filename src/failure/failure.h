@@ -23,6 +23,9 @@ std::string_view plain_text(int number);
 // The same with more lines behind the sentence: where it happened, on which unit and file.
 // Each line ends in a line feed.
 [[noreturn]] void fail(int number, std::string_view more_lines);
+// The same with a sentence that says more than the catalogue's: "*** Error %4d, %s\n" with it.
+[[noreturn]] void fail_sentence(int number, std::string_view sentence,
+                                std::string_view more_lines);
 // Free text in place of a numbered sentence.
 [[noreturn]] void fail_text(std::string_view text);
 // "*** Error %4d, %s\n" without ending: what a warning prints on standard error.

@@ -5,9 +5,11 @@
 // looks at.
 #pragma once
 
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <mutex>
+#include <string>
 
 #include "fio/dialect.h"
 #include "fio/file/file.h"
@@ -78,9 +80,11 @@ struct GnuConnection {
     bool record_open = false;        // a non-advancing statement left its record unfinished
     std::size_t open_column = 0;     // where it stood in it, in bytes from the record's start
     std::size_t open_length = 0;     // output: the furthest byte written in it
+    std::size_t open_base = 0;       // columns of it that have left the buffer already
     std::int64_t record_number = 0;  // of a direct file: last record transferred
     std::int64_t stream_position = 1;
     std::int32_t share = 0;
+    std::string name;  // the file's name as the program gave it
 };
 
 struct Unit {
@@ -104,15 +108,25 @@ struct Unit {
     const Dialect* dialect = &native_dialect;
     File file;
     GnuConnection gnu;
-    bool native_console = false;  // units 1 and 2 as the system made them: no gnu connection
-    std::recursive_mutex lock;    // held by a gnu statement from its start to its end
+    bool native_console = false;      // units 1 and 2 as the system made them: no gnu connection
+    void (*closer)(Unit&) = nullptr;  // the whole CLOSE of the dialect that made the connection
+    std::recursive_mutex lock;        // held by a gnu statement from its start to its end
+
+    std::int32_t statements = 0;  // in progress on it, one inside the other; under the lock
+
+    // Kept by the list. A unit lives as long as somebody refers to it: the list itself, and every
+    // thread that runs a statement on it or waits for its lock.
+    Unit* previous = nullptr;
+    Unit* same_bucket = nullptr;
+    std::atomic<bool> listed{false};
+    std::atomic<std::int32_t> references{1};
 };
 
 // `buffered`: the unit gets a file buffer at once.
 Unit* Unit_create(std::int32_t number, bool buffered);
 void Unit_initialise(Unit& unit, std::int32_t number, bool buffered);
 void Unit_close(Unit& unit);  // closes a connected unit and frees what the record owns
-void Unit_free(Unit* unit);
+void Unit_free(Unit* unit);   // gives up a reference; the last one frees the record
 void Unit_clear(Unit& unit);
 std::uint32_t Unit_iostatus(const Unit& unit);
 std::uint32_t Unit_iostatus1(const Unit& unit);
@@ -132,6 +146,19 @@ void UnitList_destroyAll();
 
 // Guards the list and the index, never held while a unit's lock is waited for.
 std::mutex& unit_list_lock();
+
+// What a gnu statement does at its start and its end. `acquire_unit` finds a unit and waits for its
+// lock; null when there is none. A unit that another thread closes while this one waits counts as
+// gone. `acquire_or_create_unit` puts a new, unconnected unit into the list where there is none.
+// A unit acquired twice by one thread is to be released twice.
+Unit* acquire_unit(std::int32_t number);
+Unit* acquire_or_create_unit(std::int32_t number, bool& created);
+void hold_unit(Unit& unit);  // the same for a unit at hand
+void release_unit(Unit* unit);
+
+// The bytes of a record that a non-advancing statement left open become part of the file; what
+// follows in the record is put behind them.
+void absorb_open_record(Unit& unit);
 
 // Writes out what the buffers of all units hold, whatever state they are in: the last thing a
 // failing program does. Takes no lock that the failing thread may hold.

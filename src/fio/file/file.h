@@ -20,11 +20,13 @@ namespace tarn::fio {
 inline constexpr std::uint32_t access_read = 0x80000000U;
 inline constexpr std::uint32_t access_write = 0x40000000U;
 
+inline constexpr std::size_t file_buffer_size = 8192;
+
 struct File {
     std::string path;               // full path; empty for a unit that has no file
     int descriptor = -1;            // -1: no open file
     std::uint32_t access_bits = 0;  // access_read, access_write
-    char* buffer = nullptr;         // null until first used
+    char* buffer = nullptr;         // from malloc; null until first used
     std::size_t capacity = 0;       // of the buffer
     std::int64_t logical_position = 0;
     std::int64_t real_position = 0;
@@ -56,7 +58,14 @@ inline constexpr int error_no_handle = 6;
 inline constexpr int error_disk_full = 39;
 
 // Opens a file by name. `mode`: bits 0 to 2 are the access (0 read, 1 write, 2 both), bits 4 to 6
-// the sharing (0x10 none, 0x20 read, 0x30 write, 0x40 and 0x00 both).
+// the sharing (0x10 none, 0x20 read, 0x30 write, 0x40 and 0x00 both). `mode_share_given` says that
+// the program asked for the sharing: only then are advisory locks taken, and a file that another
+// process holds against it gives error 32. A file that may not be written gives 5 or 19
+// (`is_write_protected`): a caller that asked for both may try again for reading.
+inline constexpr int mode_share_given = 0x80;
+constexpr bool is_write_protected(int err) {
+    return err == error_access_denied || err == 19;
+}
 void sys_fileOpen(Unit& unit, std::string_view name, int mode, int& err, bool create);
 void sys_fileClose(Unit& unit, int& err);
 void sys_fileSeekToEOF(Unit& unit, std::int64_t& position, int& err);
@@ -81,9 +90,43 @@ void sys_renameFile(std::string_view old_name, std::string_view new_name, int& e
 std::string sys_resolvePathName(std::string_view name, int& err);
 std::string sys_createTempFilename(int& err);
 bool sys_fileExists(std::string_view name);
-// The console. `sys_consoleRead`: one line of standard input; its length, or -1 at the end.
+// The console: standard input and output. Where a unit is connected to the descriptor
+// (`console_attach`), its buffer is used, so that bytes keep their order whichever way they come.
+// Output to a terminal leaves at once.
+//
+// `sys_consoleRead`: one line of standard input; its length, or -1 at the end.
 std::ptrdiff_t sys_consoleRead(char* bytes, std::size_t capacity);
 void sys_consoleWriteLine(std::string_view text);
 void sys_consoleWrite(std::string_view text);
+
+// Makes `unit`, whose file stands on descriptor 0 or 1, the console's way in or out; what the
+// console held until now is handed over. `console_detach` must be called before such a unit is
+// closed.
+void console_attach(Unit& unit);
+void console_detach(Unit& unit);
+// Sends what waits for standard output on its way: before a terminal is read, so that a prompt is
+// seen. A unit in the middle of a statement, or of another thread's, is left alone.
+void flush_console_output();
+
+// Below: the same layer for code that has a file and no unit.
+
+// Connects an open descriptor: its kind, identity, size and position.
+void file_adopt(File& file, int descriptor, std::uint32_t access_bits, bool owned);
+// Gives the file a buffer of at least `capacity` bytes, with its contents kept; false: no memory.
+bool file_reserve(File& file, std::size_t capacity);
+// Every routine of this header that gives a non-zero error number leaves the system's value behind
+// it in errno.
+int file_flush(File& file);  // writes the dirty part out
+void file_sync(File& file);
+// Sets the logical position, also behind the end of the file, where a later write leaves a hole.
+void file_seek(File& file, std::int64_t target, int& err);
+void file_seek_to_end(File& file, int& err);
+void file_truncate(File& file, std::int64_t length, int& err);
+void file_write(File& file, const char* bytes, std::size_t count, int& err);
+std::size_t file_read(File& file, char* bytes, std::size_t count, int& err);
+std::ptrdiff_t file_fill(File& file);
+int file_close(File& file);
+// Switches the descriptor to writing at the end whatever the position (O_APPEND).
+void file_set_append(File& file, bool append);
 
 }  // namespace tarn::fio

@@ -4,6 +4,8 @@
 // there, so that a finished record is already where it has to be. Input: a record is handed out
 // where it lies in the buffer, with its line end found by one scan. A record of any length stays
 // contiguous: the buffer makes room by writing or dropping what precedes it, then by growing.
+//
+// `err` is an errno value, 0 when all went well. It is set only on failure.
 #pragma once
 
 #include <cstddef>
@@ -20,19 +22,18 @@ struct OutputRoom {
 };
 
 // The place where the next record is built, with at least `need` bytes of room. A file that was
-// being read is first brought to its logical position.
-// err: a platform error number when earlier records could not be written; the room is valid.
+// being read is first brought to its logical position. When earlier records can't be written,
+// `err` is set and the room is valid all the same.
 OutputRoom begin_record(File& file, std::size_t need, int& err);
 
-// More room for the record that starts at `begin` and holds `length` bytes.
-OutputRoom grow_record(File& file, const char* begin, std::size_t length, std::size_t need,
-                       int& err);
+// More room for the record under construction, whose first `length` bytes are to be kept.
+OutputRoom grow_record(File& file, std::size_t length, std::size_t need, int& err);
 
-// Makes the record's first `length` bytes part of the file and writes the buffer out when it is
-// full, or when `now` asks for it.
+// Makes the record's first `length` bytes part of the file. The buffer is written out when it is
+// more than half full, or when `now` asks for it.
 void end_record(File& file, std::size_t length, bool now, int& err);
 
-// A record lying in the buffer. `next` is the offset of what follows its line end.
+// A record lying in the buffer.
 struct InputRecord {
     char* begin = nullptr;
     std::size_t length = 0;    // without the line end
@@ -44,11 +45,20 @@ struct InputRecord {
 // of the file. A carriage return directly before the LF belongs to the line end.
 bool find_record(File& file, InputRecord& record, int& err);
 
-// Moves the logical position on by `count` bytes of the buffer.
-void consume(File& file, std::size_t count);
-
 // Makes `count` bytes from the logical position on contiguous in the buffer, as far as the file
 // has them; the number at hand.
 std::size_t peek_bytes(File& file, std::size_t count, char*& begin, int& err);
+
+// Moves the logical position on by `count` bytes of the buffer.
+void consume(File& file, std::size_t count);
+
+// Puts the logical position anywhere, also beyond the end of the file.
+void move_to(File& file, std::int64_t target, int& err);
+
+// Writes out what waits in the buffer.
+void write_out(File& file, int& err);
+
+// Cuts the file at its logical position, if it is longer.
+void cut_here(File& file, int& err);
 
 }  // namespace tarn::fio

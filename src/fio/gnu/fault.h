@@ -45,7 +45,7 @@ enum class Outcome : std::uint32_t { ok = 0, error = 1, end = 2, eor = 3 };
 // The part of a statement that meets its failures. Filled by the pairing from the compiled
 // program's parameter block.
 struct Caller {
-    const char* source_file = nullptr;  // as compiled; not terminated when length is given
+    const char* source_file = nullptr;  // as compiled, terminated
     std::int32_t line = 0;
     std::int32_t* iostat = nullptr;
     char* iomsg = nullptr;
@@ -55,6 +55,7 @@ struct Caller {
     bool catches_eor = false;    // EOR= or IOSTAT=
     std::int32_t unit = 0;
     bool has_unit = false;  // an external unit: named in the report
+    bool internal = false;  // an internal file: said in the report
     Outcome outcome = Outcome::ok;
 };
 

@@ -8,6 +8,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <string_view>
 
 #include "fio/format/program.h"
 #include "fio/gnu/fault.h"
@@ -17,6 +18,7 @@
 namespace tarn::fio {
 
 struct Unit;
+struct CachedFormat;
 
 inline constexpr std::uint32_t max_format_depth = 64;
 
@@ -34,6 +36,7 @@ struct InternalFile {
         std::int64_t stride = 0;  // in bytes
         std::int64_t index = 0;
     } dimension[15];
+    char* record = nullptr;        // the record at hand
 };
 
 // The state of the list-directed reader between two items.
@@ -61,43 +64,87 @@ struct Statement {
     bool stream = false;
     bool utf8 = false;
     bool internal = false;
-    bool failed = false;  // the items that follow are ignored
-    bool size_wanted = false;
+    bool wide = false;           // an internal file of 4-byte characters
+    bool measuring = false;      // INQUIRE(IOLENGTH=): items are only counted
+    bool failed = false;         // the items that follow are ignored
+    bool moved = false;          // the file was positioned by REC= or POS=
     EditModes modes;
 
-    // The record at hand.
+    // The record at hand. On output of 4-byte characters the pointers step by four.
     char* begin = nullptr;
     char* cursor = nullptr;
-    char* high = nullptr;             // output: the furthest byte written
-    char* limit = nullptr;            // output: end of the room; input: end of the record
-    std::int64_t pending_skip = 0;    // a move to the right that nothing has filled yet
-    bool record_at_hand = false;      // input: a record has been found
-    bool record_terminated = false;   // input: it has a line end
-    std::size_t record_consumed = 0;  // input: bytes of it with the line end
-    bool at_end_of_record = false;    // input: the record's characters have run out
-    std::int64_t record_limit = 0;    // characters that a record may hold (RECL=); 0: no limit
+    char* high = nullptr;         // output: the furthest byte written
+    char* limit = nullptr;        // output: end of the room; input: end of the record
+    char* record_end = nullptr;   // output: where a record of fixed length ends; null: no end
+    std::int64_t column_base = 0;       // output: what non-advancing statements wrote before
+    bool record_at_hand = false;        // input: a record has been found
+    bool record_terminated = false;     // input: it has a line end
+    std::size_t record_consumed = 0;    // input: bytes of it with the line end
+    bool end_of_record = false;         // input: a field ran into the record's end
+    std::int64_t record_limit = 0;      // characters that a record may hold (RECL=)
+    std::int64_t record_number = 0;     // of a direct file
 
     // The format.
+    CachedFormat* cached = nullptr;
     const FormatProgram* format = nullptr;
-    std::uint32_t node = 0;        // next node to run
-    std::int32_t repeat_left = 0;  // of the data edit descriptor in force
+    std::uint32_t node = 0;             // next node to run
+    std::int32_t repeat_left = 0;       // of the data edit descriptor in force
     const FormatNode* data_edit = nullptr;
     std::int32_t counters[max_format_depth + 1] = {};
-    bool data_used = false;    // a data edit descriptor has met an item since the start
-    bool no_line_end = false;  // $ asked for it
+    bool data_used = false;             // a data edit descriptor has met an item since reversion
+    bool no_line_end = false;           // $ asked for it
+    std::uint32_t items = 0;            // transferred so far, for messages
 
     InternalFile file;
     ListState list;
-    bool list_first_item = true;  // output
-    bool list_last_was_character = false;
-    std::size_t size_count = 0;  // characters read, for SIZE=
+    bool list_first_item = true;        // output
+    bool list_after_character = false;
+    std::int64_t* size = nullptr;       // SIZE=
+    std::int64_t size_count = 0;        // characters read, for SIZE=
+    std::int64_t* iolength = nullptr;
+    std::int64_t length_count = 0;      // bytes measured for IOLENGTH=
 
-    Statement* below = nullptr;  // in the thread's stock
+    char* scratch = nullptr;            // fields that don't lie as bytes in the record
+    std::size_t scratch_capacity = 0;
+    Statement* below = nullptr;         // in the thread's stock
 };
 
 // Input: brings the next record to hand, from the unit or the internal file; false when there is
 // none (the end of the file has been reported and the statement has failed).
 bool next_input_record(Statement& statement);
+
+// What the compiled program asks of a data transfer statement.
+struct TransferSpecifiers {
+    bool reading = false;
+    bool list_directed = false;
+    bool is_namelist = false;
+    bool has_rec = false;
+    bool has_pos = false;
+    bool has_end = false;
+    bool has_eor = false;
+    bool has_internal = false;
+    const char* format = nullptr;          // null: none
+    std::size_t format_length = 0;
+    std::int64_t rec = 0;
+    std::int64_t pos = 0;
+    std::int64_t* size = nullptr;
+    std::int32_t* id = nullptr;
+    // The changeable modes and the others of few programs; null: not given.
+    bool has_modes = false;                // one of these is given
+    std::string_view advance, asynchronous, blank, decimal, delim, pad, round, sign;
+    InternalFile internal;
+};
+
+// Opens a READ or WRITE. The statement is valid in any case; a fault is in its caller's outcome.
+Statement* begin_transfer(Caller& caller, const TransferSpecifiers& specifiers);
+// Opens INQUIRE(IOLENGTH=).
+Statement* begin_iolength(Caller& caller, std::int64_t* result);
+// `count` items `stride` bytes apart. `size`: bytes of an item; of a CHARACTER its length in
+// characters.
+void transfer_items(Statement& statement, ItemType type, void* items, int kind, std::size_t size,
+                    std::ptrdiff_t stride, std::size_t count);
+// Ends the statement: the rest of the format, the record, the unit. The record is gone then.
+void end_transfer(Statement* statement);
 
 // The list-directed reader: gives one item its value. A null value leaves the item as it is.
 // `size` is the length of a CHARACTER item in characters.
@@ -106,6 +153,9 @@ void read_list_item(Statement& statement, ItemType type, void* item, int kind, s
 void finish_list_read(Statement& statement);
 
 // A fault in a statement: reports it and turns the statement's items off.
-void fail(Statement& statement, Fault fault, const char* detail = "");
+void fail(Statement& statement, Fault fault, std::string_view detail = {});
+void fail_system(Statement& statement, int errno_value);
+void fail_end_of_file(Statement& statement);
+void fail_end_of_record(Statement& statement);
 
 }  // namespace tarn::fio

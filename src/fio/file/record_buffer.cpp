@@ -1,0 +1,255 @@
+#include "fio/file/record_buffer.h"
+
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <poll.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "fio/file/file.h"
+#include "fio/file/pipe_guard.h"
+
+namespace tarn::fio {
+namespace {
+
+// Large enough that the system calls vanish in the work, small enough to stay in the cache.
+constexpr std::size_t first_capacity = std::size_t{1} << 16;
+
+bool ensure_capacity(File& file, std::size_t capacity) {
+    if (file.capacity >= capacity) return true;
+    std::size_t wanted = file.capacity == 0 ? first_capacity : file.capacity;
+    while (wanted < capacity) wanted *= 2;
+    void* grown = std::realloc(file.buffer, wanted);
+    if (grown == nullptr) return false;
+    file.buffer = static_cast<char*>(grown);
+    file.capacity = wanted;
+    return true;
+}
+
+// An empty buffer that stands at the logical position.
+void forget_buffer(File& file) {
+    file.buffer_position = file.logical_position;
+    file.read_index = file.write_index = file.data_count = 0;
+    file.dirty = false;
+}
+
+bool seek_real(File& file, std::int64_t target, int& err) {
+    if (!file.seekable || file.real_position == target) return true;
+    if (lseek(file.descriptor, target, SEEK_SET) < 0) {
+        err = errno;
+        return false;
+    }
+    file.real_position = target;
+    return true;
+}
+
+// A descriptor that its owner made non-blocking is waited for: a record is never dropped.
+void wait_for_room(int descriptor) {
+    pollfd wait{descriptor, POLLOUT, 0};
+    poll(&wait, 1, -1);
+}
+
+std::size_t write_bytes(File& file, const char* bytes, std::size_t count, int& err) {
+    const int descriptor = file.descriptor;
+    const PipeGuard guard(!file.seekable);
+    std::size_t done = 0;
+    while (done < count) {
+        const ssize_t n = write(descriptor, bytes + done, count - done);
+        if (n > 0) {
+            done += static_cast<std::size_t>(n);
+        } else if (n < 0 && errno == EAGAIN) {
+            wait_for_room(descriptor);
+        } else if (n < 0 && errno != EINTR) {
+            err = errno;
+            break;
+        }
+    }
+    return done;
+}
+
+// Reads behind the valid bytes of the buffer; the number of bytes, 0 at the end or on failure.
+std::size_t read_more(File& file, int& err) {
+    if (file.terminal) flush_console_output();
+    const auto end = file.buffer_position + static_cast<std::int64_t>(file.data_count);
+    if (!seek_real(file, end, err)) return 0;
+    for (;;) {
+        const ssize_t n =
+            read(file.descriptor, file.buffer + file.data_count, file.capacity - file.data_count);
+        if (n >= 0) {
+            file.data_count += static_cast<std::size_t>(n);
+            file.real_position += n;
+            if (file.real_position > file.size) file.size = file.real_position;
+            return static_cast<std::size_t>(n);
+        }
+        if (errno == EAGAIN) {
+            pollfd wait{file.descriptor, POLLIN, 0};
+            poll(&wait, 1, -1);
+        } else if (errno != EINTR) {
+            err = errno;
+            return 0;
+        }
+    }
+}
+
+// Room for reading more behind what is still unread.
+bool make_input_room(File& file) {
+    if (file.data_count < file.capacity) return true;
+    if (file.read_index > 0) {
+        file.data_count -= file.read_index;
+        std::memmove(file.buffer, file.buffer + file.read_index, file.data_count);
+        file.buffer_position += static_cast<std::int64_t>(file.read_index);
+        file.read_index = 0;
+        return true;
+    }
+    return ensure_capacity(file, file.capacity + 1);
+}
+
+void prepare_input(File& file, int& err) {
+    if (file.dirty) {
+        write_out(file, err);
+        forget_buffer(file);
+    }
+    file.write_index = 0;
+    if (file.read_index == file.data_count) forget_buffer(file);
+    if (!ensure_capacity(file, first_capacity)) err = ENOMEM;
+}
+
+}  // namespace
+
+void write_out(File& file, int& err) {
+    if (!file.dirty) return;
+    int failure = 0;
+    std::size_t done = 0;
+    if (file.append || seek_real(file, file.buffer_position, failure)) {
+        done = write_bytes(file, file.buffer, file.data_count, failure);
+    }
+    file.real_position += static_cast<std::int64_t>(done);
+    file.buffer_position += static_cast<std::int64_t>(done);
+    file.data_count -= done;
+    // What a full disk refused stays: a later record may find room for it again.
+    if (file.data_count > 0) std::memmove(file.buffer, file.buffer + done, file.data_count);
+    file.write_index = file.data_count;
+    file.dirty = file.data_count > 0;
+    if (file.real_position > file.size) file.size = file.real_position;
+    if (failure != 0) err = failure;
+}
+
+OutputRoom begin_record(File& file, std::size_t need, int& err) {
+    if (!file.dirty) {
+        forget_buffer(file);
+    } else if (file.write_index != file.data_count) {
+        // The position was moved inside bytes that wait to be written.
+        const std::int64_t position = file.logical_position;
+        write_out(file, err);
+        file.logical_position = position;
+        forget_buffer(file);
+    }
+    if (file.capacity - file.write_index < need) return grow_record(file, 0, need, err);
+    return {file.buffer + file.write_index, file.buffer + file.capacity};
+}
+
+OutputRoom grow_record(File& file, std::size_t length, std::size_t need, int& err) {
+    if (file.dirty) {
+        // Completed records leave; the record in progress slides to the front.
+        const std::size_t complete = file.data_count;
+        write_out(file, err);
+        if (length > 0 && complete > file.data_count) {
+            std::memmove(file.buffer + file.data_count, file.buffer + complete, length);
+        }
+    }
+    if (!ensure_capacity(file, file.write_index + length + need)) {
+        err = ENOMEM;
+        return {};
+    }
+    return {file.buffer + file.write_index, file.buffer + file.capacity};
+}
+
+void end_record(File& file, std::size_t length, bool now, int& err) {
+    file.write_index += length;
+    file.data_count = file.write_index;
+    file.logical_position += static_cast<std::int64_t>(length);
+    file.dirty = file.dirty || length > 0;
+    if (now || file.write_index > file.capacity / 2) write_out(file, err);
+}
+
+bool find_record(File& file, InputRecord& record, int& err) {
+    prepare_input(file, err);
+    if (err != 0) return false;
+    std::size_t scanned = file.read_index;
+    const char* line_feed = nullptr;
+    for (;;) {
+        line_feed = static_cast<const char*>(
+            std::memchr(file.buffer + scanned, '\n', file.data_count - scanned));
+        if (line_feed != nullptr) break;
+        const std::size_t unread = file.data_count - file.read_index;
+        if (!make_input_room(file)) {
+            err = ENOMEM;
+            return false;
+        }
+        scanned = file.read_index + unread;
+        if (read_more(file, err) == 0) {
+            if (err != 0 || unread == 0) return false;
+            break;
+        }
+    }
+    record.begin = file.buffer + file.read_index;
+    record.terminated = line_feed != nullptr;
+    if (!record.terminated) {
+        record.length = record.consumed = file.data_count - file.read_index;
+        return true;
+    }
+    record.length = static_cast<std::size_t>(line_feed - record.begin);
+    record.consumed = record.length + 1;
+    if (record.length > 0 && record.begin[record.length - 1] == '\r') --record.length;
+    return true;
+}
+
+std::size_t peek_bytes(File& file, std::size_t count, char*& begin, int& err) {
+    prepare_input(file, err);
+    if (err != 0) return 0;
+    while (file.data_count - file.read_index < count) {
+        if (!make_input_room(file)) {
+            err = ENOMEM;
+            return 0;
+        }
+        if (read_more(file, err) == 0) break;
+    }
+    begin = file.buffer + file.read_index;
+    const std::size_t have = file.data_count - file.read_index;
+    return have < count ? have : count;
+}
+
+void consume(File& file, std::size_t count) {
+    file.read_index += count;
+    file.logical_position += static_cast<std::int64_t>(count);
+}
+
+void move_to(File& file, std::int64_t target, int& err) {
+    if (target == file.logical_position) return;
+    if (!file.seekable) return;
+    const std::int64_t offset = target - file.buffer_position;
+    if (!file.dirty && offset >= 0 && offset <= static_cast<std::int64_t>(file.data_count)) {
+        file.read_index = static_cast<std::size_t>(offset);
+        file.logical_position = target;
+        return;
+    }
+    write_out(file, err);
+    file.logical_position = target;
+    forget_buffer(file);
+}
+
+void cut_here(File& file, int& err) {
+    if (!file.seekable) return;
+    struct stat status;
+    if (fstat(file.descriptor, &status) != 0 || !S_ISREG(status.st_mode)) return;
+    if (status.st_size <= file.logical_position) return;
+    write_out(file, err);
+    if (ftruncate(file.descriptor, file.logical_position) != 0) {
+        err = errno;
+        return;
+    }
+    file.size = file.logical_position;
+}
+
+}  // namespace tarn::fio

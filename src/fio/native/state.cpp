@@ -202,12 +202,17 @@ CallOut::~CallOut() {
 void IO_allocate_buffer(IO_type& io, std::int64_t size) {
     const std::size_t bytes = static_cast<std::size_t>(size) + 2 * buffer_margin;
     char* const old = io.buffer;
-    auto* fresh = static_cast<char*>(std::realloc(old, bytes));
+    auto* const fresh = static_cast<char*>(std::calloc(bytes, 1));
     if (fresh == nullptr) out_of_memory("I/O buffer");
-    if (old == nullptr) std::memset(fresh, 0, buffer_margin);
-    for (char** place : {&io.record_cursor, &io.record_start, &io.record_end, &io.record_last,
-                         &io.high_water, &io.output_start, &io.edit.saved_string})
-        if (*place != nullptr && old != nullptr) *place = fresh + (*place - old);
+    if (old != nullptr) {
+        const std::int64_t kept = io.buffer_size < size ? io.buffer_size : size;
+        std::memcpy(fresh, old, static_cast<std::size_t>(kept) + buffer_margin);
+        for (char** place : {&io.record_cursor, &io.record_start, &io.record_end, &io.record_last,
+                             &io.high_water, &io.output_start, &io.edit.saved_string})
+            if (*place != nullptr) *place = fresh + (*place - old);
+        if (io.dynamic_buffer) std::free(old);
+    }
+    io.dynamic_buffer = true;
     io.buffer = fresh;
     io.buffer_size = size;
     io.buffer_start = fresh + buffer_margin;
@@ -216,7 +221,6 @@ void IO_allocate_buffer(IO_type& io, std::int64_t size) {
 
 void IO_allocate_dynamic_buffers(IO_type& io) {
     IO_allocate_buffer(io, state().io_buffer_size);
-    io.dynamic_buffer = true;
 }
 
 void set_maximum_buffer_size(std::int64_t size) {

@@ -62,30 +62,37 @@ constexpr bool is_data_edit(Edit edit) {
 inline constexpr std::int32_t absent = -1;
 inline constexpr std::int32_t unlimited = -2;  // repeat of *( ... )
 
+// X has the nodes of TR: both move without touching what they pass. A, L and the REAL edits may
+// come without a width: w is then `absent`. `E12.3E0` has e = 0: as few exponent digits as hold it.
 struct FormatNode {
     Edit edit = Edit::end;
     std::int32_t repeat = 1;
-    std::int32_t w = absent;  // width; n of T, TL, TR; k of P; count of slashes
-    std::int32_t d = absent;  // d, or m of I, B, O, Z
+    std::int32_t w =
+        absent;  // width; n of T, TL, TR; k of P; count of slashes; DT: values in its list
+    std::int32_t d = absent;  // d, or m of I, B, O, Z; DT: index of the first value in `values`
     std::int32_t e = absent;
     std::uint32_t link = 0;    // open: index of its close; close: of its open; end: reversion point
     std::uint32_t level = 0;   // open, close: nesting depth, 0 for the outermost
-    std::uint32_t text = 0;    // literal: offset of its characters in `literals`
-    std::uint32_t length = 0;  // literal: their number
+    std::uint32_t text = 0;    // literal, DT: offset of its characters in `literals`
+    std::uint32_t length = 0;  // literal, DT: their number
     std::uint32_t source = 0;  // offset in the format text, for messages
-};
-
-struct FormatProgram {
-    std::vector<FormatNode> nodes;
-    std::string literals;
-    std::uint32_t depth = 0;     // of nesting, the outermost group not counted
-    bool has_data_edit = false;  // a repeatable descriptor stands in it
 };
 
 struct FormatError {
     std::int32_t number = 0;   // of the catalogue; 0: none
     std::size_t position = 0;  // offset in the text at fault
 };
+
+struct FormatProgram {
+    std::vector<FormatNode> nodes;
+    std::string literals;
+    std::vector<std::int32_t> values;  // of the lists of DT
+    std::uint32_t depth = 0;           // of nesting, the outermost group not counted
+    bool has_data_edit = false;        // a repeatable descriptor stands in it
+    FormatError unfit_for_input;       // what a READ may not use in it: a zero width
+};
+
+inline constexpr std::uint32_t max_format_depth = 64;
 
 // Parses the text of a format in the gnu dialect. Text behind the closing parenthesis is ignored.
 FormatError parse_gnu_format(const char* text, std::size_t length, FormatProgram& program);

@@ -1,0 +1,600 @@
+// The format parser of the gnu dialect: a scanner of tokens and one recursive routine a group.
+//
+// gfortran's run-time takes more than the standard's grammar: blanks anywhere outside literals,
+// most commas left out, X and H without a count, REAL edits without a width. Programs that choose
+// their formats at run time rely on that, so the same texts are taken and refused here.
+#include <limits>
+
+#include "fio/format/program.h"
+
+namespace tarn::fio {
+namespace {
+
+// The sentences of the catalogue that a format can meet.
+enum Sentence : std::int32_t {
+    digits_exceed_integer_width = 54,
+    digits_exceed_bits_width = 55,
+    no_repeatable_descriptor = 59,
+    bad_scale_factor = 61,
+    bad_repeat_count = 62,
+    width_too_large = 68,
+    nested_too_deep = 72,
+    missing_open = 73,
+    bad_descriptor = 74,
+    zero_or_signed = 75,
+    repeat_not_allowed = 76,
+    digits_expected = 77,
+    decimal_point_missing = 78,
+    missing_separator = 79,
+    unpaired_quotes = 176,
+    zero_width_on_input = 409,
+    missing_close = 415,
+};
+
+struct Token {
+    enum Kind : std::uint8_t {
+        descriptor,  // `edit` tells which; X comes as TR with `is_x`
+        hollerith,
+        quote,
+        positive,
+        zero,
+        signed_number,
+        comma,
+        period,
+        star,
+        open,
+        close,
+        end,
+        unknown,
+    };
+    Kind kind = unknown;
+    Edit edit = Edit::end;
+    bool is_x = false;
+    bool overflow = false;  // the number doesn't fit
+    std::int32_t value = 0;
+    std::size_t at = 0;
+    char quote_mark = 0;
+};
+
+constexpr bool is_digit(char c) {
+    return c >= '0' && c <= '9';
+}
+
+constexpr char upper(char c) {
+    return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+}
+
+// Descriptors of two letters, by their first. The letters in `second` pair with `edits`; `alone`
+// is the descriptor of the first letter without any of them (`end`: there is none).
+struct LetterFamily {
+    char first;
+    const char* second;
+    Edit edits[7];
+    Edit alone;
+};
+
+constexpr LetterFamily families[] = {
+    {'A', "", {}, Edit::A},
+    {'B', "NZ", {Edit::BN, Edit::BZ}, Edit::B},
+    {'D', "CPT", {Edit::DC, Edit::DP, Edit::DT}, Edit::D},
+    {'E', "NSX", {Edit::EN, Edit::ES, Edit::EX}, Edit::E},
+    {'F', "", {}, Edit::F},
+    {'G', "", {}, Edit::G},
+    {'I', "", {}, Edit::I},
+    {'L', "", {}, Edit::L},
+    {'O', "", {}, Edit::O},
+    {'P', "", {}, Edit::P},
+    {'R', "UDZNCP", {Edit::RU, Edit::RD, Edit::RZ, Edit::RN, Edit::RC, Edit::RP}, Edit::end},
+    {'S', "PS", {Edit::SP, Edit::SS}, Edit::S},
+    {'T', "LR", {Edit::TL, Edit::TR}, Edit::T},
+    {'Z', "", {}, Edit::Z},
+};
+
+class Scanner {
+  public:
+    Scanner(const char* text, std::size_t length) : text_(text), length_(length) {}
+
+    Token next() {
+        if (held_) {
+            held_ = false;
+            return last_;
+        }
+        last_ = scan();
+        return last_;
+    }
+    // The token last taken comes again.
+    void put_back() { held_ = true; }
+
+    // Characters of a Hollerith constant; false when the text ends before.
+    bool take_raw(std::size_t count, std::string& into) {
+        if (length_ - position_ < count) return false;
+        into.append(text_ + position_, count);
+        position_ += count;
+        return true;
+    }
+
+    // The rest of a quoted constant; false when the closing quote is missing.
+    bool take_quoted(char mark, std::string& into) {
+        while (position_ < length_) {
+            const char c = text_[position_++];
+            if (c == mark) {
+                if (position_ == length_ || text_[position_] != mark) return true;
+                ++position_;
+            }
+            into.push_back(c);
+        }
+        return false;
+    }
+
+  private:
+    // The next character that is no blank, without taking it; 0 at the end of the text.
+    char peek() {
+        while (position_ < length_ && (text_[position_] == ' ' || text_[position_] == '\t')) {
+            ++position_;
+        }
+        return position_ < length_ ? text_[position_] : '\0';
+    }
+
+    void scan_number(Token& token) {
+        constexpr std::int64_t most = std::numeric_limits<std::int32_t>::max();
+        std::int64_t value = 0;
+        while (is_digit(peek())) {
+            value = value * 10 + (text_[position_++] - '0');
+            if (value > most) {
+                token.overflow = true;
+                value = most;
+            }
+        }
+        token.value = static_cast<std::int32_t>(value);
+        token.kind = value == 0 ? Token::zero : Token::positive;
+    }
+
+    bool scan_descriptor(Token& token, char first) {
+        for (const LetterFamily& family : families) {
+            if (family.first != first) continue;
+            const char second = upper(peek());
+            for (int i = 0; family.second[i] != '\0'; ++i) {
+                if (second == family.second[i]) {
+                    ++position_;
+                    token.edit = family.edits[i];
+                    return true;
+                }
+            }
+            token.edit = family.alone;
+            return family.alone != Edit::end;
+        }
+        return false;
+    }
+
+    Token scan() {
+        Token token;
+        const char c = peek();
+        token.at = position_;
+        if (position_ == length_) {
+            token.kind = Token::end;
+            return token;
+        }
+        if (is_digit(c)) {
+            scan_number(token);
+            return token;
+        }
+        ++position_;
+        token.kind = Token::descriptor;
+        switch (c) {
+            case '+':
+            case '-':
+                if (!is_digit(peek())) {
+                    token.kind = Token::unknown;
+                    return token;
+                }
+                scan_number(token);
+                token.kind = Token::signed_number;
+                if (c == '-') token.value = -token.value;
+                return token;
+            case '\'':
+            case '"':
+                token.kind = Token::quote;
+                token.quote_mark = c;
+                return token;
+            case ',':
+                token.kind = Token::comma;
+                return token;
+            case '.':
+                token.kind = Token::period;
+                return token;
+            case '*':
+                token.kind = Token::star;
+                return token;
+            case '(':
+                token.kind = Token::open;
+                return token;
+            case ')':
+                token.kind = Token::close;
+                return token;
+            case '/':
+                token.edit = Edit::slash;
+                return token;
+            case ':':
+                token.edit = Edit::colon;
+                return token;
+            case '$':
+                token.edit = Edit::dollar;
+                return token;
+            case 'X':
+            case 'x':
+                token.edit = Edit::TR;
+                token.is_x = true;
+                return token;
+            case 'H':
+            case 'h':
+                token.kind = Token::hollerith;
+                return token;
+            default:
+                if (!scan_descriptor(token, upper(c))) token.kind = Token::unknown;
+                return token;
+        }
+    }
+
+    const char* text_;
+    std::size_t length_;
+    std::size_t position_ = 0;
+    Token last_;
+    bool held_ = false;
+};
+
+class Parser {
+  public:
+    Parser(const char* text, std::size_t length, FormatProgram& program)
+        : scanner_(text, length), program_(program) {}
+
+    FormatError run() {
+        const Token token = scanner_.next();
+        if (token.kind != Token::open) {
+            fault(missing_open, token);
+        } else {
+            bool data_edit = false;
+            group(token, 1, 0, data_edit);
+            program_.has_data_edit = data_edit;
+        }
+        return error_;
+    }
+
+  private:
+    bool fault(Sentence sentence, const Token& at) {
+        error_ = {sentence, at.at};
+        return false;
+    }
+
+    // The end of the text where more was expected. A descriptor that lacks its width has taken the
+    // closing parenthesis for it: that is the better thing to name.
+    bool fault_at_end(const Token& at) {
+        if (swallowed_close_.kind == Token::close) return fault(digits_expected, swallowed_close_);
+        return fault(missing_close, at);
+    }
+
+    bool unexpected(const Token& token, Sentence sentence = bad_descriptor) {
+        return token.kind == Token::end ? fault_at_end(token) : fault(sentence, token);
+    }
+
+    void unfit_for_input(const Token& at) {
+        if (program_.unfit_for_input.number == 0) {
+            program_.unfit_for_input = {zero_width_on_input, at.at};
+        }
+    }
+
+    FormatNode& add(Edit edit, const Token& at, std::int32_t repeat = 1) {
+        FormatNode& node = program_.nodes.emplace_back();
+        node.edit = edit;
+        node.repeat = repeat;
+        node.source = static_cast<std::uint32_t>(at.at);
+        return node;
+    }
+
+    // One group, its opening parenthesis taken.
+    bool group(const Token& at, std::int32_t repeat, std::uint32_t level, bool& data_edit) {
+        if (level > max_format_depth) return fault(nested_too_deep, at);
+        if (level > program_.depth) program_.depth = level;
+        const auto start = static_cast<std::uint32_t>(program_.nodes.size());
+        add(Edit::open, at, repeat).level = level;
+        for (bool first = true;; first = false) {
+            const Token token = scanner_.next();
+            if (token.kind == Token::close) {
+                close_group(token, start, level);
+                return true;
+            }
+            // One comma between two items, or before the closing parenthesis; or none.
+            Token head = token;
+            if (token.kind == Token::comma && !first) {
+                head = scanner_.next();
+                if (head.kind == Token::close) {
+                    close_group(head, start, level);
+                    return true;
+                }
+            }
+            if (!item(head, level, data_edit)) return false;
+        }
+    }
+
+    void close_group(const Token& at, std::uint32_t start, std::uint32_t level) {
+        const auto index = static_cast<std::uint32_t>(program_.nodes.size());
+        FormatNode& node = add(level == 0 ? Edit::end : Edit::close, at);
+        node.level = level;
+        node.link = level == 0 ? reversion_ : start;
+        program_.nodes[start].link = index;
+        if (level == 1) reversion_ = start;
+    }
+
+    bool item(const Token& token, std::uint32_t level, bool& data_edit) {
+        switch (token.kind) {
+            case Token::star:
+                return unlimited_group(level, data_edit);
+            case Token::open:
+                return group(token, 1, level + 1, data_edit);
+            case Token::positive:
+                return counted_item(token, level, data_edit);
+            case Token::zero:
+            case Token::signed_number: {
+                const Token p = scanner_.next();
+                if (p.kind != Token::descriptor || p.edit != Edit::P) {
+                    return p.kind == Token::end ? fault_at_end(p) : fault(zero_or_signed, token);
+                }
+                return scale_factor(token, level, data_edit);
+            }
+            case Token::quote:
+                return quoted(token);
+            case Token::hollerith:
+                return hollerith(token, 1);
+            case Token::descriptor:
+                if (token.edit == Edit::P) return fault(bad_scale_factor, token);
+                return descriptor(token, nullptr, data_edit);
+            default:
+                return unexpected(token);
+        }
+    }
+
+    bool unlimited_group(std::uint32_t level, bool& data_edit) {
+        const Token token = scanner_.next();
+        if (token.kind != Token::open) return unexpected(token, missing_open);
+        bool inner = false;
+        if (!group(token, unlimited, level + 1, inner)) return false;
+        if (!inner) return fault(no_repeatable_descriptor, token);
+        data_edit = true;
+        return true;
+    }
+
+    // What follows a positive number.
+    bool counted_item(const Token& count, std::uint32_t level, bool& data_edit) {
+        if (count.overflow) return fault(bad_repeat_count, count);
+        const Token token = scanner_.next();
+        switch (token.kind) {
+            case Token::open:
+                return group(token, count.value, level + 1, data_edit);
+            case Token::hollerith:
+                return hollerith(token, static_cast<std::size_t>(count.value));
+            case Token::descriptor:
+                if (token.edit == Edit::P) return scale_factor(count, level, data_edit);
+                return descriptor(token, &count, data_edit);
+            case Token::comma:
+            case Token::close:
+                return fault(no_repeatable_descriptor, token);
+            case Token::positive:  // after blanks it would have been one number: can't be
+            case Token::quote:
+            case Token::star:
+                return fault(repeat_not_allowed, count);
+            default:
+                return unexpected(token);
+        }
+    }
+
+    // kP, and what may follow it without a comma: a REAL edit, a number, a slash.
+    bool scale_factor(const Token& factor, std::uint32_t level, bool& data_edit) {
+        if (factor.overflow) return fault(bad_scale_factor, factor);
+        add(Edit::P, factor).w = factor.value;
+        const Token token = scanner_.next();
+        switch (token.kind) {
+            case Token::comma:
+            case Token::close:
+                scanner_.put_back();
+                return true;
+            case Token::positive:
+                return counted_item(token, level, data_edit);
+            case Token::descriptor:
+                switch (token.edit) {
+                    case Edit::F:
+                    case Edit::E:
+                    case Edit::EN:
+                    case Edit::ES:
+                    case Edit::EX:
+                    case Edit::D:
+                    case Edit::G:
+                    case Edit::slash:
+                        return descriptor(token, nullptr, data_edit);
+                    default:
+                        break;
+                }
+                return fault(missing_separator, token);
+            default:
+                return unexpected(token, missing_separator);
+        }
+    }
+
+    FormatNode& add_literal(const Token& at, std::size_t offset) {
+        FormatNode& node = add(Edit::literal, at);
+        node.text = static_cast<std::uint32_t>(offset);
+        node.length = static_cast<std::uint32_t>(program_.literals.size() - offset);
+        return node;
+    }
+
+    bool quoted(const Token& token) {
+        const std::size_t offset = program_.literals.size();
+        if (!scanner_.take_quoted(token.quote_mark, program_.literals)) {
+            return fault(unpaired_quotes, token);
+        }
+        add_literal(token, offset);
+        return true;
+    }
+
+    bool hollerith(const Token& token, std::size_t count) {
+        const std::size_t offset = program_.literals.size();
+        if (!scanner_.take_raw(count, program_.literals)) return fault(missing_close, token);
+        add_literal(token, offset);
+        return true;
+    }
+
+    // Any descriptor but P. `count`: the number before it, if there was one.
+    bool descriptor(const Token& token, const Token* count, bool& data_edit) {
+        const std::int32_t repeat = count != nullptr ? count->value : 1;
+        if (is_data_edit(token.edit)) {
+            data_edit = true;
+            FormatNode& node = add(token.edit, token, repeat);
+            switch (token.edit) {
+                case Edit::A:
+                    return optional_width(node, false);
+                case Edit::L:
+                    return optional_width(node, true);
+                case Edit::I:
+                case Edit::B:
+                case Edit::O:
+                case Edit::Z:
+                    return integer_widths(node);
+                case Edit::DT:
+                    return derived_type(node);
+                default:
+                    return real_widths(node);
+            }
+        }
+        if (token.edit == Edit::slash || token.is_x) {
+            add(token.edit, token).w = repeat;
+            return true;
+        }
+        if (count != nullptr) return fault(repeat_not_allowed, *count);
+        FormatNode& node = add(token.edit, token);
+        if (token.edit != Edit::T && token.edit != Edit::TL && token.edit != Edit::TR) return true;
+        return number(node.w, false);
+    }
+
+    // A number that has to be there.
+    bool number(std::int32_t& value, bool zero_allowed) {
+        const Token token = scanner_.next();
+        if (token.kind == Token::positive || (token.kind == Token::zero && zero_allowed)) {
+            if (token.overflow) return fault(width_too_large, token);
+            value = token.value;
+            return true;
+        }
+        const bool zero_or_sign = token.kind == Token::zero || token.kind == Token::signed_number;
+        return unexpected(token, zero_or_sign ? zero_or_signed : digits_expected);
+    }
+
+    bool optional_width(FormatNode& node, bool zero_allowed) {
+        const Token token = scanner_.next();
+        scanner_.put_back();
+        if (token.kind != Token::positive && token.kind != Token::zero) return true;
+        if (!number(node.w, zero_allowed)) return false;
+        if (node.w == 0) node.w = absent;
+        return true;
+    }
+
+    bool integer_widths(FormatNode& node) {
+        if (!number(node.w, true)) return false;
+        const Token token = scanner_.next();
+        if (node.w == 0) unfit_for_input(token);
+        if (token.kind != Token::period) {
+            scanner_.put_back();
+            return true;
+        }
+        if (!number(node.d, true)) return false;
+        if (node.w != 0 && node.d > node.w) {
+            return fault(
+                node.edit == Edit::I ? digits_exceed_integer_width : digits_exceed_bits_width,
+                token);
+        }
+        return true;
+    }
+
+    bool real_widths(FormatNode& node) {
+        const Token width = scanner_.next();
+        if (width.kind != Token::positive && width.kind != Token::zero) {
+            // No width: the natural one is taken. What stands in its place is passed over,
+            // whatever it is: `(G,I5)` and even `(E/I5)` are formats that work.
+            if (width.kind == Token::end || node.edit == Edit::EX) {
+                return fault(digits_expected, width);
+            }
+            if (width.kind == Token::close) swallowed_close_ = width;
+            return width.kind != Token::quote || skip_quoted(width);
+        }
+        if (width.overflow) return fault(width_too_large, width);
+        node.w = width.value;
+        if (node.w == 0) unfit_for_input(width);
+        const Token period = scanner_.next();
+        if (period.kind != Token::period) {
+            if (node.w != 0) return unexpected(period, decimal_point_missing);
+            scanner_.put_back();
+            return true;
+        }
+        if (!number(node.d, true)) return false;
+        if (node.edit == Edit::D) return true;
+        if (node.edit == Edit::F && node.w != 0) return true;
+        const Token exponent = scanner_.next();
+        if (exponent.kind != Token::descriptor || exponent.edit != Edit::E) {
+            scanner_.put_back();
+            return true;
+        }
+        return number(node.e, true);
+    }
+
+    bool skip_quoted(const Token& token) {
+        const std::size_t length = program_.literals.size();
+        if (!scanner_.take_quoted(token.quote_mark, program_.literals)) {
+            return fault(unpaired_quotes, token);
+        }
+        program_.literals.resize(length);
+        return true;
+    }
+
+    // DT, DT'name', DT(1,2), DT'name'(1,2).
+    bool derived_type(FormatNode& node) {
+        Token token = scanner_.next();
+        node.w = 0;
+        node.d = static_cast<std::int32_t>(program_.values.size());
+        if (token.kind == Token::quote) {
+            node.text = static_cast<std::uint32_t>(program_.literals.size());
+            if (!scanner_.take_quoted(token.quote_mark, program_.literals)) {
+                return fault(unpaired_quotes, token);
+            }
+            node.length = static_cast<std::uint32_t>(program_.literals.size() - node.text);
+            token = scanner_.next();
+        }
+        if (token.kind != Token::open) {
+            scanner_.put_back();
+            return true;
+        }
+        do {
+            std::int32_t value = 0;
+            if (!number(value, false)) return false;
+            program_.values.push_back(value);
+            ++node.w;
+            token = scanner_.next();
+        } while (token.kind == Token::comma);
+        return token.kind == Token::close || unexpected(token);
+    }
+
+    Scanner scanner_;
+    FormatProgram& program_;
+    FormatError error_;
+    Token swallowed_close_;
+    std::uint32_t reversion_ = 0;
+};
+
+}  // namespace
+
+FormatError parse_gnu_format(const char* text, std::size_t length, FormatProgram& program) {
+    program.nodes.clear();
+    program.literals.clear();
+    program.values.clear();
+    program.depth = 0;
+    program.has_data_edit = false;
+    program.unfit_for_input = {};
+    return Parser(text, length, program).run();
+}
+
+}  // namespace tarn::fio

@@ -1,0 +1,204 @@
+#include "fio/gnu/format_run.h"
+
+#include <cstring>
+
+#include "fio/gnu/records.h"
+
+namespace tarn::fio {
+namespace {
+
+constexpr Fault no_repeatable_edit{59, iostat_format};
+constexpr Fault text_on_input{71, iostat_format};
+
+void put_literal(Statement& s, const FormatNode& node) {
+    if (s.reading) return fail(s, text_on_input);
+    char* at = room(s, node.length);
+    if (at == nullptr) return;
+    std::memcpy(at, s.format->literals.data() + node.text, node.length);
+    filled(s, at + node.length);
+}
+
+void next_records(Statement& s, std::int32_t count) {
+    for (std::int32_t i = 0; i < count && !s.failed; ++i) {
+        if (s.reading) {
+            next_input_record(s);
+        } else {
+            next_output_record(s);
+        }
+    }
+}
+
+// A move to the right on input passes characters, as far as the record has them.
+void skip_input(Statement& s, std::int64_t count) {
+    const std::int64_t left = s.limit - s.cursor;
+    const std::int64_t passed = count < left ? count : left;
+    s.cursor += passed;
+    s.size_count += passed;
+    if (count > left && s.non_advancing) s.end_of_record = true;
+}
+
+void position(Statement& s, Edit edit, std::int64_t n) {
+    if (!s.reading) {
+        if (edit == Edit::TR) return move_right(s, n);
+        if (edit == Edit::TL) return move_left(s, n);
+        return move_to_column(s, n - 1);
+    }
+    const std::int64_t here = s.cursor - s.begin;
+    std::int64_t target = n - 1;
+    if (edit == Edit::TR) target = here + n;
+    if (edit == Edit::TL) target = here - n;
+    if (target > here) return skip_input(s, target - here);
+    s.cursor = s.begin + (target > 0 ? target : 0);
+    s.end_of_record = false;
+}
+
+void set_mode(Statement& s, const FormatNode& node) {
+    EditModes& modes = s.modes;
+    switch (node.edit) {
+        case Edit::P:
+            modes.scale = node.w;
+            break;
+        case Edit::S:
+            modes.sign = SignMode::processor;
+            break;
+        case Edit::SP:
+            modes.sign = SignMode::plus;
+            break;
+        case Edit::SS:
+            modes.sign = SignMode::suppress;
+            break;
+        case Edit::BN:
+            modes.blank = Blank::null;
+            break;
+        case Edit::BZ:
+            modes.blank = Blank::zero;
+            break;
+        case Edit::RU:
+            modes.round = Rounding::up;
+            break;
+        case Edit::RD:
+            modes.round = Rounding::down;
+            break;
+        case Edit::RZ:
+            modes.round = Rounding::zero;
+            break;
+        case Edit::RN:
+            modes.round = Rounding::nearest;
+            break;
+        case Edit::RC:
+            modes.round = Rounding::compatible;
+            break;
+        case Edit::RP:
+            modes.round = Rounding::processor;
+            break;
+        case Edit::DC:
+            modes.decimal = DecimalMark::comma;
+            break;
+        case Edit::DP:
+            modes.decimal = DecimalMark::point;
+            break;
+        default:
+            break;
+    }
+}
+
+// At the end of the format with an item in hand: a new record, and the format goes on from its
+// reversion point. False: nothing in it could ever take the item.
+bool revert(Statement& s, const FormatNode& end) {
+    if (!s.data_used) {
+        fail(s, no_repeatable_edit);
+        return false;
+    }
+    s.data_used = false;
+    next_records(s, 1);
+    s.node = end.link;
+    return !s.failed;
+}
+
+void close_group(Statement& s, const FormatNode& node) {
+    std::int32_t& counter = s.counters[node.level];
+    if (counter == unlimited) {
+        s.node = node.link + 1;
+    } else if (counter > 1) {
+        --counter;
+        s.node = node.link + 1;
+    } else {
+        ++s.node;
+    }
+}
+
+}  // namespace
+
+void start_format(Statement& s) {
+    s.node = 0;
+    s.repeat_left = 0;
+    s.data_edit = nullptr;
+    s.data_used = false;
+}
+
+const FormatNode* run_format(Statement& s, bool pending) {
+    if (s.repeat_left > 0) return nullptr;  // only without an item in hand
+    // A group that repeats without limit must meet an item on each round.
+    bool round_without_data = false;
+    while (!s.failed) {
+        const FormatNode& node = s.format->nodes[s.node];
+        if (is_data_edit(node.edit)) {
+            if (!pending) return nullptr;
+            ++s.node;
+            s.repeat_left = node.repeat - 1;
+            s.data_edit = &node;
+            s.data_used = true;
+            return &node;
+        }
+        switch (node.edit) {
+            case Edit::open:
+                s.counters[node.level] = node.repeat;
+                ++s.node;
+                break;
+            case Edit::close:
+                if (s.counters[node.level] == unlimited) {
+                    if (!pending) return nullptr;
+                    if (round_without_data) {
+                        fail(s, no_repeatable_edit);
+                        return nullptr;
+                    }
+                    round_without_data = true;
+                }
+                close_group(s, node);
+                break;
+            case Edit::end:
+                if (!pending || !revert(s, node)) return nullptr;
+                break;
+            case Edit::colon:
+                if (!pending) return nullptr;
+                ++s.node;
+                break;
+            case Edit::literal:
+                put_literal(s, node);
+                ++s.node;
+                break;
+            case Edit::slash:
+                next_records(s, node.w);
+                ++s.node;
+                break;
+            case Edit::dollar:
+                s.no_line_end = true;
+                ++s.node;
+                break;
+            case Edit::T:
+            case Edit::TL:
+            case Edit::TR:
+                position(s, node.edit, node.w);
+                ++s.node;
+                break;
+            default:
+                set_mode(s, node);
+                ++s.node;
+                break;
+        }
+        if (s.reading && s.end_of_record && s.non_advancing) return nullptr;
+    }
+    return nullptr;
+}
+
+}  // namespace tarn::fio

@@ -1,0 +1,58 @@
+// Moving items through a format, one element after another.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+
+#include "fio/gnu/statement.h"
+
+namespace tarn::fio {
+
+void write_formatted(Statement& statement, ItemType type, const char* items, int kind,
+                     std::size_t size, std::ptrdiff_t stride, std::size_t count);
+void write_list(Statement& statement, ItemType type, const char* items, int kind, std::size_t size,
+                std::ptrdiff_t stride, std::size_t count);
+void read_formatted(Statement& statement, ItemType type, char* items, int kind, std::size_t size,
+                    std::ptrdiff_t stride, std::size_t count);
+
+// A CHARACTER value at the cursor: `length` characters of 1 or 4 bytes, in the record's encoding.
+void put_characters(Statement& statement, const char* text, int kind, std::size_t length);
+void put_blanks(Statement& statement, std::size_t count);
+
+// An edit descriptor met an item of another type.
+void fail_mismatch(Statement& statement, const FormatNode& node, ItemType type);
+
+inline Int128 load_integer(const char* item, int kind) {
+    switch (kind) {
+        case 1:
+            return static_cast<std::int8_t>(*item);
+        case 2: {
+            std::int16_t value;
+            std::memcpy(&value, item, sizeof value);
+            return value;
+        }
+        case 4: {
+            std::int32_t value;
+            std::memcpy(&value, item, sizeof value);
+            return value;
+        }
+        case 8: {
+            std::int64_t value;
+            std::memcpy(&value, item, sizeof value);
+            return value;
+        }
+        default: {
+            Int128 value;
+            std::memcpy(&value, item, sizeof value);
+            return value;
+        }
+    }
+}
+
+// Bytes of one REAL in memory: kind 10 takes 16.
+constexpr std::size_t real_size(int kind) {
+    return kind == 10 ? 16 : static_cast<std::size_t>(kind);
+}
+
+}  // namespace tarn::fio

@@ -1,0 +1,215 @@
+#include <algorithm>
+
+#include "fio/gnu/edit_in.h"
+#include "fio/gnu/format_run.h"
+#include "fio/gnu/internal_file.h"
+#include "fio/gnu/items.h"
+#include "fio/gnu/records.h"
+#include "fio/gnu/utf8.h"
+
+namespace tarn::fio {
+namespace {
+
+struct Field {
+    const char* text = nullptr;  // null: the statement has failed
+    std::size_t width = 0;       // characters at hand, fewer than asked for at the record's end
+};
+
+// A field that asks for more than the record holds: PAD= and non-advancing input decide.
+bool meet_record_end(Statement& s, std::size_t at_hand) {
+    if (s.internal) return true;
+    if (!s.record_terminated) {
+        // The file ends inside its last record.
+        if (at_hand == 0 && (s.non_advancing || !s.modes.pad)) {
+            fail_end_of_file(s);
+            return false;
+        }
+    } else {
+        s.end_of_record = true;
+    }
+    if (!s.modes.pad) {
+        fail_end_of_record(s);
+        return false;
+    }
+    return true;
+}
+
+// Where the record's characters end for a field. The trailing blanks of a scalar internal file
+// count only under BZ: A8 reading 'abc' into five characters gives 'abc', not the right-hand part
+// of the field.
+const char* input_end(const Statement& s) {
+    return s.internal && s.modes.blank == Blank::null ? s.text_end : s.limit;
+}
+
+std::size_t characters_left(const Statement& s) {
+    const char* end = input_end(s);
+    return s.cursor < end ? static_cast<std::size_t>(end - s.cursor) : 0;
+}
+
+// The next `width` characters. On a file a comma ends a numeric field early and is passed.
+Field take_number(Statement& s, std::size_t width) {
+    const std::size_t left = characters_left(s);
+    Field field{s.cursor, std::min(width, left)};
+    const std::size_t end = s.internal ? field.width : field_end(field.text, field.width, s.modes);
+    if (end < field.width) {
+        field.width = end;
+        s.cursor += end + 1;
+    } else {
+        if (width > left && !meet_record_end(s, left)) return {};
+        s.cursor += field.width;
+    }
+    s.size_count += static_cast<std::int64_t>(field.width);
+    return field;
+}
+
+Field take_text(Statement& s, std::size_t width) {
+    const std::size_t left = characters_left(s);
+    const Field field{s.cursor, std::min(width, left)};
+    if (width > left && !meet_record_end(s, left)) return {};
+    s.cursor += field.width;
+    s.size_count += static_cast<std::int64_t>(field.width);
+    return field;
+}
+
+void report_field(Statement& s, const Field& field, const FieldResult& result) {
+    if (result.fault.number == 0) return;
+    std::string_view text(field.text, std::min<std::size_t>(field.width, 60));
+    const std::string_view before = "field \"";
+    char detail[80];
+    std::memcpy(detail, before.data(), before.size());
+    std::memcpy(detail + before.size(), text.data(), text.size());
+    detail[before.size() + text.size()] = '"';
+    fail(s, result.fault, {detail, before.size() + text.size() + 1});
+}
+
+void read_number(Statement& s, const FormatNode& node, Edit edit, char* item, int kind) {
+    const Field field = take_number(s, static_cast<std::size_t>(node.w));
+    if (field.text == nullptr) return;
+    FieldResult result;
+    switch (edit) {
+        case Edit::I:
+            result = get_integer(field.text, field.width, item, kind, s.modes);
+            break;
+        case Edit::B:
+            result =
+                get_bits(field.text, field.width, 2, item, static_cast<std::size_t>(kind), s.modes);
+            break;
+        case Edit::O:
+            result =
+                get_bits(field.text, field.width, 8, item, static_cast<std::size_t>(kind), s.modes);
+            break;
+        case Edit::Z:
+            result = get_bits(field.text, field.width, 16, item, static_cast<std::size_t>(kind),
+                              s.modes);
+            break;
+        case Edit::L:
+            result = get_logical(field.text, field.width, item, kind);
+            break;
+        default:
+            result =
+                get_real(field.text, field.width, node.d < 0 ? 0 : node.d, item, kind, s.modes);
+            break;
+    }
+    report_field(s, field, result);
+}
+
+void store_character(char* item, int kind, std::size_t index, char32_t code) {
+    if (kind == 4) {
+        put_wide(item + 4 * index, code);
+    } else {
+        item[index] = code > 255 ? '?' : static_cast<char>(code);
+    }
+}
+
+// A on a unit whose characters are UTF-8: the width counts characters.
+void read_utf8_characters(Statement& s, std::size_t width, char* item, int kind,
+                          std::size_t length) {
+    std::size_t skip = width > length ? width - length : 0;
+    std::size_t stored = 0;
+    std::size_t read = 0;
+    for (; read < width && s.cursor < s.limit; ++read) {
+        std::size_t size = 0;
+        const char32_t code = get_utf8(s.cursor, s.limit, size);
+        s.cursor += size;
+        if (skip > 0) {
+            --skip;
+        } else {
+            store_character(item, kind, stored++, code);
+        }
+    }
+    s.size_count += static_cast<std::int64_t>(read);
+    if (read < width && !meet_record_end(s, read)) return;
+    while (stored < length) store_character(item, kind, stored++, U' ');
+}
+
+void read_characters(Statement& s, const FormatNode& node, char* item, int kind,
+                     std::size_t length) {
+    const std::size_t width = node.w < 0 ? length : static_cast<std::size_t>(node.w);
+    if (s.utf8) return read_utf8_characters(s, width, item, kind, length);
+    Field field = take_text(s, width);
+    if (field.text == nullptr) return;
+    if (field.width > length) {
+        field.text += field.width - length;
+        field.width = length;
+    }
+    if (kind == 1) {
+        std::memcpy(item, field.text, field.width);
+        std::memset(item + field.width, ' ', length - field.width);
+        return;
+    }
+    for (std::size_t i = 0; i < length; ++i) {
+        const char32_t code = i < field.width ? static_cast<unsigned char>(field.text[i]) : U' ';
+        store_character(item, kind, i, code);
+    }
+}
+
+void read_item(Statement& s, ItemType type, char* item, int kind, std::size_t size) {
+    const FormatNode* node = next_data_edit(s);
+    if (node == nullptr) return;
+    if (!s.record_at_hand) return fail_end_of_file(s);
+    ++s.items;
+    Edit edit = node->edit;
+    if (edit == Edit::G) {
+        if (type == ItemType::integer) edit = Edit::I;
+        if (type == ItemType::logical) edit = Edit::L;
+        if (type == ItemType::character) edit = Edit::A;
+    }
+    switch (edit) {
+        case Edit::I:
+            if (type != ItemType::integer) return fail_mismatch(s, *node, type);
+            break;
+        case Edit::A:
+            if (type == ItemType::character) return read_characters(s, *node, item, kind, size);
+            return read_characters(s, *node, item, 1, size);
+        case Edit::B:
+        case Edit::O:
+        case Edit::Z:
+        case Edit::L:
+            break;
+        case Edit::DT:
+            return fail_mismatch(s, *node, type);
+        default:
+            if (type != ItemType::real) return fail_mismatch(s, *node, type);
+            break;
+    }
+    read_number(s, *node, edit, item, kind);
+}
+
+bool goes_on(const Statement& s) {
+    return !s.failed && !(s.end_of_record && s.non_advancing);
+}
+
+}  // namespace
+
+void read_formatted(Statement& s, ItemType type, char* items, int kind, std::size_t size,
+                    std::ptrdiff_t stride, std::size_t count) {
+    const bool complex = type == ItemType::complex;
+    const std::size_t part = complex ? real_size(kind) : size;
+    const ItemType element = complex ? ItemType::real : type;
+    for (; count > 0 && goes_on(s); --count, items += stride) {
+        read_item(s, element, items, kind, part);
+        if (complex && goes_on(s)) read_item(s, element, items + part, kind, part);
+    }
+}
+
+}  // namespace tarn::fio

@@ -1,0 +1,196 @@
+#include <algorithm>
+
+#include "fio/gnu/edit_out.h"
+#include "fio/gnu/format_run.h"
+#include "fio/gnu/internal_file.h"
+#include "fio/gnu/items.h"
+#include "fio/gnu/records.h"
+#include "fio/gnu/utf8.h"
+
+namespace tarn::fio {
+namespace {
+
+FieldEdit field_of(const FormatNode& node) {
+    return {node.edit, node.w, node.d, node.e};
+}
+
+void write_integer(Statement& s, const FormatNode& node, const char* item, int kind) {
+    const FieldEdit edit = field_of(node);
+    const std::size_t bound = node.w > 0 ? node.w : integer_field_bound(edit, kind);
+    char* at = room(s, bound);
+    if (at == nullptr && node.w <= 0) return;
+    if (at != nullptr) filled(s, put_integer(at, load_integer(item, kind), kind, edit, s.modes));
+}
+
+void write_bits(Statement& s, const FormatNode& node, const char* item, std::size_t size) {
+    const FieldEdit edit = field_of(node);
+    char* at = room(s, node.w > 0 ? node.w : bits_field_bound(edit, size));
+    if (at != nullptr) filled(s, put_bits(at, item, size, edit));
+}
+
+void write_logical(Statement& s, const FormatNode& node, const char* item, int kind) {
+    FieldEdit edit = field_of(node);
+    if (edit.w <= 0) edit.w = 1;
+    char* at = room(s, edit.w);
+    if (at != nullptr) filled(s, put_logical(at, load_integer(item, kind) != 0, edit));
+}
+
+// The fields of minimal width in a record that has just room for them: made aside, then moved.
+void write_through_scratch(Statement& s, const char* item, int kind, const FieldEdit& edit) {
+    char* field = scratch_room(s, real_field_bound(edit, item, kind, s.modes));
+    if (field == nullptr) return;
+    const auto length =
+        static_cast<std::size_t>(put_real(field, item, kind, edit, s.modes) - field);
+    char* at = room(s, length);
+    if (at == nullptr) return;
+    if (at != field) std::memcpy(at, field, length);
+    filled(s, at + length);
+}
+
+void write_real(Statement& s, const FormatNode& node, const char* item, int kind) {
+    const FieldEdit edit = field_of(node);
+    if (node.w <= 0 && s.record_end != nullptr) return write_through_scratch(s, item, kind, edit);
+    char* at = room(s, node.w > 0 ? node.w : real_field_bound(edit, item, kind, s.modes));
+    if (at != nullptr) filled(s, put_real(at, item, kind, edit, s.modes));
+}
+
+// A: the value right-justified in w characters, or its leftmost w. An item of another type goes
+// out byte by byte as it lies in memory.
+void write_character(Statement& s, const FormatNode& node, const char* item, int kind,
+                     std::size_t length) {
+    const std::size_t width = node.w < 0 ? length : static_cast<std::size_t>(node.w);
+    if (width > length) put_blanks(s, width - length);
+    put_characters(s, item, kind, std::min(width, length));
+}
+
+void write_integer_in_fixed_record(Statement& s, const FormatNode& node, const char* item,
+                                   int kind) {
+    char field[64];
+    const FieldEdit edit = field_of(node);
+    const std::size_t bound = integer_field_bound(edit, kind);
+    char* made = bound <= sizeof field ? field : scratch_room(s, bound);
+    if (made == nullptr) return;
+    const auto length = static_cast<std::size_t>(
+        put_integer(made, load_integer(item, kind), kind, edit, s.modes) - made);
+    char* at = room(s, length);
+    if (at == nullptr) return;
+    std::memmove(at, made, length);
+    filled(s, at + length);
+}
+
+void write_bits_in_fixed_record(Statement& s, const FormatNode& node, const char* item,
+                                std::size_t size) {
+    const FieldEdit edit = field_of(node);
+    char* made = scratch_room(s, bits_field_bound(edit, size));
+    if (made == nullptr) return;
+    const auto length = static_cast<std::size_t>(put_bits(made, item, size, edit) - made);
+    char* at = room(s, length);
+    if (at == nullptr) return;
+    if (at != made) std::memcpy(at, made, length);
+    filled(s, at + length);
+}
+
+void write_item(Statement& s, ItemType type, const char* item, int kind, std::size_t size) {
+    const FormatNode* node = next_data_edit(s);
+    if (node == nullptr) return;
+    ++s.items;
+    const bool minimal_in_fixed = node->w <= 0 && s.record_end != nullptr;
+    switch (node->edit) {
+        case Edit::I:
+            if (type != ItemType::integer) return fail_mismatch(s, *node, type);
+            if (minimal_in_fixed) return write_integer_in_fixed_record(s, *node, item, kind);
+            return write_integer(s, *node, item, kind);
+        case Edit::B:
+        case Edit::O:
+        case Edit::Z:
+            if (minimal_in_fixed)
+                return write_bits_in_fixed_record(s, *node, item, static_cast<std::size_t>(kind));
+            return write_bits(s, *node, item, static_cast<std::size_t>(kind));
+        case Edit::L:
+            return write_logical(s, *node, item, kind);
+        case Edit::A:
+            if (type == ItemType::character) return write_character(s, *node, item, kind, size);
+            return write_character(s, *node, item, 1, size);
+        case Edit::G:
+            if (type == ItemType::integer) {
+                if (minimal_in_fixed) return write_integer_in_fixed_record(s, *node, item, kind);
+                return write_integer(s, *node, item, kind);
+            }
+            if (type == ItemType::logical) return write_logical(s, *node, item, kind);
+            if (type == ItemType::character) {
+                FormatNode text = *node;
+                if (text.w == 0) text.w = absent;
+                return write_character(s, text, item, kind, size);
+            }
+            return write_real(s, *node, item, kind);
+        case Edit::DT:
+            return fail_mismatch(s, *node, type);
+        default:
+            if (type != ItemType::real) return fail_mismatch(s, *node, type);
+            return write_real(s, *node, item, kind);
+    }
+}
+
+std::size_t utf8_length(const char* text, std::size_t length) {
+    std::size_t bytes = 0;
+    for (std::size_t i = 0; i < length; ++i) bytes += utf8_size(get_wide(text + 4 * i));
+    return bytes;
+}
+
+// Characters of 4 bytes on a record of bytes: UTF-8 where the unit says so, else what fits a byte.
+void put_wide_characters(Statement& s, const char* text, std::size_t length) {
+    if (!s.utf8) {
+        char* at = room(s, length);
+        if (at == nullptr) return;
+        for (std::size_t i = 0; i < length; ++i) {
+            const char32_t code = get_wide(text + 4 * i);
+            at[i] = code > 255 ? '?' : static_cast<char>(code);
+        }
+        filled(s, at + length);
+        return;
+    }
+    char* at = room(s, utf8_length(text, length));
+    if (at == nullptr) return;
+    for (std::size_t i = 0; i < length; ++i) at += put_utf8(get_wide(text + 4 * i), at);
+    filled(s, at);
+}
+
+}  // namespace
+
+void put_blanks(Statement& s, std::size_t count) {
+    char* at = room(s, count);
+    if (at == nullptr) return;
+    std::memset(at, ' ', count);
+    filled(s, at + count);
+}
+
+void put_characters(Statement& s, const char* text, int kind, std::size_t length) {
+    if (length == 0) return;
+    if (kind == 4 && s.wide) {
+        if (room(s, length) == nullptr) return;
+        std::memcpy(s.cursor, text, 4 * length);
+        s.cursor += 4 * length;
+        if (s.cursor > s.high) s.high = s.cursor;
+        return;
+    }
+    if (kind == 4) return put_wide_characters(s, text, length);
+    char* at = room(s, length);
+    if (at == nullptr) return;
+    std::memcpy(at, text, length);
+    filled(s, at + length);
+}
+
+void write_formatted(Statement& s, ItemType type, const char* items, int kind, std::size_t size,
+                     std::ptrdiff_t stride, std::size_t count) {
+    if (type == ItemType::complex) {
+        const std::size_t part = real_size(kind);
+        for (; count > 0 && !s.failed; --count, items += stride) {
+            write_item(s, ItemType::real, items, kind, part);
+            if (!s.failed) write_item(s, ItemType::real, items + part, kind, part);
+        }
+        return;
+    }
+    for (; count > 0 && !s.failed; --count, items += stride) write_item(s, type, items, kind, size);
+}
+
+}  // namespace tarn::fio

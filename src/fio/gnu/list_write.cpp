@@ -1,0 +1,103 @@
+#include "fio/gnu/edit_out.h"
+#include "fio/gnu/internal_file.h"
+#include "fio/gnu/items.h"
+#include "fio/gnu/options.h"
+#include "fio/gnu/records.h"
+
+namespace tarn::fio {
+namespace {
+
+void put_byte(Statement& s, char byte) {
+    char* at = room(s, 1);
+    if (at == nullptr) return;
+    *at = byte;
+    filled(s, at + 1);
+}
+
+void put_text(Statement& s, std::string_view text) {
+    put_characters(s, text.data(), 1, text.size());
+}
+
+// A value between delimiters, with each delimiter inside it doubled.
+void put_delimited(Statement& s, const char* text, int kind, std::size_t length, char delimiter) {
+    put_byte(s, delimiter);
+    std::size_t from = 0;
+    for (std::size_t i = 0; i < length; ++i) {
+        const char32_t code =
+            kind == 4 ? get_wide(text + 4 * i) : static_cast<unsigned char>(text[i]);
+        if (code != static_cast<unsigned char>(delimiter)) continue;
+        put_characters(s, text + from * kind, kind, i + 1 - from);
+        put_byte(s, delimiter);
+        from = i + 1;
+    }
+    put_characters(s, text + from * kind, kind, length - from);
+    put_byte(s, delimiter);
+}
+
+void put_list_characters(Statement& s, const char* text, int kind, std::size_t length) {
+    switch (s.modes.delim) {
+        case Delim::none:
+            return put_characters(s, text, kind, length);
+        case Delim::apostrophe:
+            return put_delimited(s, text, kind, length, '\'');
+        case Delim::quote:
+            return put_delimited(s, text, kind, length, '"');
+    }
+}
+
+// The first item stands one column in; two character values in a row have nothing between them.
+void put_separator(Statement& s, ItemType type) {
+    const bool character = type == ItemType::character;
+    if (s.list_first_item) {
+        s.list_first_item = false;
+        put_byte(s, ' ');
+    } else if (!character || !s.list_after_character || s.modes.delim != Delim::none) {
+        put_text(s, gnu_options().list_separator);
+    }
+    s.list_after_character = character;
+}
+
+// The numeric fields are made aside where the record might have no room for the widest of them.
+template <class Put>
+void put_field(Statement& s, Put put) {
+    if (s.limit - s.cursor >= static_cast<std::ptrdiff_t>(list_item_bound)) {
+        filled(s, put(s.cursor));
+        return;
+    }
+    char field[list_item_bound];
+    const auto length = static_cast<std::size_t>(put(field) - field);
+    put_characters(s, field, 1, length);
+}
+
+void put_item(Statement& s, ItemType type, const char* item, int kind, std::size_t size) {
+    switch (type) {
+        case ItemType::integer:
+            return put_field(s, [&](char* out) {
+                return put_list_integer(out, load_integer(item, kind), kind, s.modes);
+            });
+        case ItemType::logical:
+            return put_field(s, [&](char* out) {
+                return put_list_logical(out, load_integer(item, kind) != 0, kind);
+            });
+        case ItemType::real:
+            return put_field(s, [&](char* out) { return put_list_real(out, item, kind, s.modes); });
+        case ItemType::complex:
+            return put_field(s,
+                             [&](char* out) { return put_list_complex(out, item, kind, s.modes); });
+        case ItemType::character:
+            return put_list_characters(s, item, kind, size);
+    }
+}
+
+}  // namespace
+
+void write_list(Statement& s, ItemType type, const char* items, int kind, std::size_t size,
+                std::ptrdiff_t stride, std::size_t count) {
+    for (; count > 0 && !s.failed; --count, items += stride) {
+        put_separator(s, type);
+        if (!s.failed) put_item(s, type, items, kind, size);
+        ++s.items;
+    }
+}
+
+}  // namespace tarn::fio

@@ -1,0 +1,55 @@
+// The records of a gnu statement: where they begin and end, on files and in memory.
+#pragma once
+
+#include <cstddef>
+
+#include "fio/gnu/statement.h"
+
+namespace tarn::fio {
+
+struct Unit;
+
+// Output. The first record of a statement; then one after another.
+void begin_output(Statement& statement);
+void next_output_record(Statement& statement);
+void end_output(Statement& statement);
+
+// The slow road of `room`: applies a pending move, grows the buffer, meets the record's end.
+char* make_room(Statement& statement, std::size_t count);
+void fill_wide(Statement& statement, const char* end);
+
+// Room for `count` characters at the cursor; null when the record can't hold them (the statement
+// has failed then).
+inline char* room(Statement& statement, std::size_t count) {
+    if (statement.limit - statement.cursor >= static_cast<std::ptrdiff_t>(count)) {
+        return statement.cursor;
+    }
+    return make_room(statement, count);
+}
+
+// Says that the characters up to `end` of the last room have been written.
+inline void filled(Statement& statement, char* end) {
+    if (statement.wide) {
+        fill_wide(statement, end);
+        return;
+    }
+    statement.cursor = end;
+    if (end > statement.high) statement.high = end;
+}
+
+// Moves, in characters from the record's start.
+void move_right(Statement& statement, std::int64_t count);
+void move_left(Statement& statement, std::int64_t count);
+void move_to_column(Statement& statement, std::int64_t column);
+
+// Input.
+void begin_input(Statement& statement);
+void end_input(Statement& statement);
+
+// Ends the record that a non-advancing WRITE left open on a unit. err: an errno value.
+void finish_open_record(Unit& unit, int& err);
+
+// At least `capacity` bytes in the statement's scratch room.
+char* scratch_room(Statement& statement, std::size_t capacity);
+
+}  // namespace tarn::fio

@@ -1,0 +1,137 @@
+#include "fio/file/record_buffer.h"
+#include "fio/gnu/internal_file.h"
+#include "fio/gnu/records.h"
+#include "fio/gnu/utf8.h"
+#include "fio/unit.h"
+
+namespace tarn::fio {
+namespace {
+
+void set_record(Statement& s, char* begin, std::size_t length) {
+    s.begin = s.cursor = begin;
+    s.limit = begin + length;
+    s.record_at_hand = true;
+    s.end_of_record = false;
+}
+
+void find_text_end(Statement& s) {
+    s.text_end = s.limit;
+    if (s.file.rank > 0) return;
+    while (s.text_end > s.begin && s.text_end[-1] == ' ') --s.text_end;
+}
+
+bool internal_record(Statement& s) {
+    char* record = s.file.record;
+    if (record == nullptr) return false;
+    s.record_terminated = true;
+    if (!s.wide) {
+        set_record(s, record, s.file.length);
+        find_text_end(s);
+        return true;
+    }
+    // The reader takes UTF-8.
+    char* text = scratch_room(s, s.file.length * 4);
+    if (text == nullptr) return false;
+    std::size_t length = 0;
+    for (std::size_t i = 0; i < s.file.length; ++i) {
+        length += put_utf8(get_wide(record + 4 * i), text + length);
+    }
+    set_record(s, text, length);
+    find_text_end(s);
+    return true;
+}
+
+bool direct_record(Statement& s) {
+    Unit& unit = *s.unit;
+    int err = 0;
+    char* begin = nullptr;
+    move_to(unit.file, (s.record_number - 1) * unit.recl, err);
+    const std::size_t length =
+        peek_bytes(unit.file, static_cast<std::size_t>(unit.recl), begin, err);
+    if (err != 0) {
+        fail_system(s, err);
+        return false;
+    }
+    if (length == 0) return false;
+    set_record(s, begin, length);
+    s.record_consumed = length;
+    s.record_terminated = true;
+    unit.gnu.record_number = s.record_number;
+    return true;
+}
+
+bool external_record(Statement& s) {
+    Unit& unit = *s.unit;
+    int err = 0;
+    InputRecord record;
+    const bool found = find_record(unit.file, record, err);
+    if (err != 0) {
+        fail_system(s, err);
+        return false;
+    }
+    if (!found) return false;
+    set_record(s, record.begin, record.length);
+    s.record_consumed = record.consumed;
+    s.record_terminated = record.terminated;
+    return true;
+}
+
+bool fetch_record(Statement& s) {
+    s.record_at_hand = false;
+    if (s.internal) return internal_record(s);
+    if (s.direct) return direct_record(s);
+    return external_record(s);
+}
+
+bool fetch_or_fail(Statement& s) {
+    if (fetch_record(s)) return true;
+    if (!s.failed) fail_end_of_file(s);
+    return false;
+}
+
+// The record has gone by.
+void drop_record(Statement& s) {
+    if (!s.record_at_hand) return;
+    s.record_at_hand = false;
+    if (s.internal) return;
+    Unit& unit = *s.unit;
+    consume(unit.file, s.record_consumed);
+    unit.gnu.record_open = false;
+    ++unit.current_record;
+}
+
+}  // namespace
+
+void begin_input(Statement& s) {
+    if (!fetch_or_fail(s) || s.unit == nullptr) return;
+    GnuConnection& connection = s.unit->gnu;
+    connection.last_was_write = false;
+    if (!connection.record_open) return;
+    const auto length = static_cast<std::size_t>(s.limit - s.begin);
+    s.cursor = s.begin + (connection.open_column < length ? connection.open_column : length);
+}
+
+bool next_input_record(Statement& s) {
+    if (s.failed) return false;
+    drop_record(s);
+    if (s.internal) {
+        // Behind a scalar nothing is wrong until an item wants to be read.
+        next_internal_record(s.file);
+        return s.file.rank > 0 ? fetch_or_fail(s) : fetch_record(s);
+    }
+    if (s.direct) ++s.record_number;
+    return fetch_or_fail(s);
+}
+
+void end_input(Statement& s) {
+    if (!s.record_at_hand) return;
+    const bool stays = (s.non_advancing || s.no_line_end) && !s.failed && !s.end_of_record;
+    if (!stays || s.internal || s.direct) {
+        drop_record(s);
+        return;
+    }
+    s.unit->gnu.record_open = true;
+    s.unit->gnu.open_column = static_cast<std::size_t>(s.cursor - s.begin);
+}
+
+}  // namespace tarn::fio

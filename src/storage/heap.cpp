@@ -1,0 +1,388 @@
+#include "storage/heap.h"
+
+#include <cstring>
+
+namespace tarn::storage {
+
+namespace {
+
+constexpr std::uint32_t hash_page = page_size;
+constexpr std::uint32_t first_heap_commit = 8192;
+constexpr std::uint32_t commit_margin = 128;
+constexpr std::uint32_t spare_batch = 50;
+// A range's free region is as long as the range itself although it begins a little inside it, so a
+// reservation is two pages longer than what it is said to hold.
+constexpr std::uint32_t range_slack = 2 * page_size;
+
+template <class Record>
+Record& at(Address address) {
+    return *reinterpret_cast<Record*>(std::uintptr_t{address});
+}
+
+std::uint32_t& word_at(Address address) {
+    return at<std::uint32_t>(address);
+}
+
+template <class Record>
+Address address_of(const Record& record) {
+    return static_cast<Address>(reinterpret_cast<std::uintptr_t>(&record));
+}
+
+Address link_of(Address block) {
+    return (word_at(block) & block_link_bits) << 2;
+}
+
+// The top bits stay as they are: a block keeps its flags when its neighbour in the chain changes.
+void set_link(Address block, Address next) {
+    std::uint32_t& word = word_at(block);
+    word = (word & ~block_link_bits) | (next >> 2);
+}
+
+// 0, which is never a block, for a pointer that lies outside the addresses a heap can have.
+Address block_of(const void* pointer) {
+    auto value = reinterpret_cast<std::uintptr_t>(pointer);
+    return value >= page_size && value < address_limit ? static_cast<Address>(value) - 4 : 0;
+}
+
+void* pointer_of(Address block) {
+    return reinterpret_cast<void*>(std::uintptr_t{block} + 4);
+}
+
+constexpr std::uint32_t total_size(std::uint32_t length) {
+    return (length + 7) & ~3U;
+}
+
+// What a region must give up in front so that the pointer behind the header comes out aligned.
+constexpr std::uint32_t padding_for(Address region, std::uint32_t alignment) {
+    return alignment <= 4 ? 0 : (0U - (region + 4)) & (alignment - 1);
+}
+
+}  // namespace
+
+bool Heap::start() {
+    Address base = reserve_pages(std::uint64_t{first_reservation} + range_slack);
+    if (base == 0 || !commit_pages(base, base + hash_page + first_heap_commit)) return false;
+    hash_table_ = &at<Address>(base);
+    use_memory_block(base + hash_page, first_reservation, first_heap_commit);
+    return true;
+}
+
+void Heap::stop() {
+    while (memory_blocks_) {
+        Address range = memory_blocks_;
+        std::uint64_t size = std::uint64_t{at<MemoryBlock>(range).size} + range_slack;
+        memory_blocks_ = at<MemoryBlock>(range).next;
+        bool holds_hash = address_of(*hash_table_) == range - hash_page;
+        release_pages(holds_hash ? range - hash_page : range, size);
+    }
+    hash_table_ = nullptr;
+    free_chain_ = spare_chains_ = total_allocated_ = 0;
+    heap_extended_ = false;
+}
+
+void Heap::use_memory_block(Address start, std::uint32_t size, std::uint32_t committed) {
+    Address aligned = (start + 15) & ~15U;
+    size -= aligned - start;
+    at<MemoryBlock>(aligned) = {memory_blocks_, size, aligned + committed, 0};
+    memory_blocks_ = aligned;
+    free_memory_region(aligned + sizeof(MemoryBlock), size);
+}
+
+// Works once. Of the sizes tried, the first ones are above 2 GiB and fail at once: they are what a
+// whole address space would have given.
+bool Heap::add_more_storage() {
+    if (heap_extended_ || !hash_table_) return false;
+    for (std::uint64_t size = largest_extension; size >= extension_step; size -= extension_step) {
+        Address start = reserve_pages(size + range_slack);
+        if (start == 0) continue;
+        if (!commit_pages(start, start + first_heap_commit)) {
+            release_pages(start, size + range_slack);
+            return false;
+        }
+        use_memory_block(start, static_cast<std::uint32_t>(size), first_heap_commit);
+        heap_extended_ = true;
+        return true;
+    }
+    return false;
+}
+
+// Commits what a block carved out of `region` needs when the rest of the region begins at `end`.
+bool Heap::commit_for(Address region, Address end) {
+    Address range = memory_blocks_;
+    while (range && (region < range || region - range >= at<MemoryBlock>(range).size + 16)) {
+        range = at<MemoryBlock>(range).next;
+    }
+    if (range == 0) return false;
+    MemoryBlock& block = at<MemoryBlock>(range);
+    if (end + 16 <= block.committed_end) return true;
+    Address upto = (end + commit_margin + page_size - 1) & ~(page_size - 1);
+    if (!commit_pages(block.committed_end & ~(page_size - 1), upto)) return false;
+    block.committed_end = upto;
+    return true;
+}
+
+// First fit, from the lowest address.
+Heap::Carved Heap::carve_memory_region(std::uint32_t total, std::uint32_t alignment) {
+    Carved result;
+    total = (total + 3) & ~3U;
+    if (total == 4) {
+        // No block is smaller than a free region: it becomes one again.
+        total = 8;
+        result.extra = true;
+    }
+    Address previous = 0;
+    Address region = free_chain_;
+    std::uint32_t wanted = 0;
+    for (; region != 0; previous = region, region = link_of(region)) {
+        std::uint32_t size = at<FreeRegion>(region).size;
+        result.padding = padding_for(region, alignment);
+        wanted = total + result.padding;
+        if (size >= wanted && !(result.extra && size - wanted == 4)) break;
+    }
+    if (region == 0) return result;
+
+    Address next = link_of(region);
+    std::uint32_t remainder = at<FreeRegion>(region).size - wanted;
+    Address rest = region + wanted;
+    bool whole = remainder < sizeof(FreeRegion);
+    if (!commit_for(region, whole ? rest + remainder : rest)) {
+        result.commit_failed = true;
+        return result;
+    }
+    Address follower = next;
+    if (whole) {
+        if (remainder == 4) result.extra = true;
+    } else {
+        at<FreeRegion>(rest).size = remainder;
+        set_link(rest, next);
+        follower = rest;
+    }
+    if (previous) {
+        set_link(previous, follower);
+    } else {
+        free_chain_ = follower;
+    }
+    result.block = region + result.padding;
+    result.size = whole ? wanted + remainder : wanted;
+    return result;
+}
+
+// Carves, and extends the heap where nothing fits. The section is held on entry and on return.
+Heap::Carved Heap::get_region(std::uint32_t total, std::uint32_t alignment) {
+    for (;;) {
+        Carved carved = carve_memory_region(total, alignment);
+        if (carved.block) return carved;
+        if (carved.commit_failed && low_memory) {
+            // The handler frees storage, so the section can't be held; the list is new after it.
+            section_.leave();
+            bool again = low_memory();
+            section_.enter();
+            if (again) continue;
+        }
+        if (!add_more_storage()) return carved;
+    }
+}
+
+// Finds the place by address and merges with both neighbours.
+void Heap::free_memory_region(Address region, std::uint32_t size) {
+    Address previous = 0;
+    Address next = free_chain_;
+    while (next != 0 && next < region) {
+        previous = next;
+        next = link_of(next);
+    }
+    if (previous && previous + at<FreeRegion>(previous).size == region) {
+        region = previous;
+        at<FreeRegion>(region).size += size;
+    } else {
+        at<FreeRegion>(region).size = size;
+        if (previous) {
+            set_link(previous, region);
+        } else {
+            free_chain_ = region;
+        }
+    }
+    FreeRegion& merged = at<FreeRegion>(region);
+    if (next && region + merged.size == next) {
+        merged.size += at<FreeRegion>(next).size;
+        next = link_of(next);
+    }
+    set_link(region, next);
+}
+
+bool Heap::allocate_length_chains() {
+    Carved batch = get_region(spare_batch * sizeof(LengthChain), 4);
+    if (batch.block == 0) return false;
+    for (std::uint32_t i = spare_batch; i-- > 0;) {
+        auto& record = at<LengthChain>(batch.block + i * sizeof(LengthChain));
+        record.next = spare_chains_;
+        spare_chains_ = address_of(record);
+    }
+    return true;
+}
+
+LengthChain* Heap::find_chain(std::uint32_t bucket, std::uint32_t length) {
+    for (Address record = hash_table_[bucket]; record; record = at<LengthChain>(record).next) {
+        if (at<LengthChain>(record).length == length) return &at<LengthChain>(record);
+    }
+    return nullptr;
+}
+
+// The caller has seen to it that a spare record is there.
+void Heap::chain_memory(Address block, std::uint32_t length) {
+    word_at(block) = 0;
+    std::uint32_t bucket = hash_bucket(block);
+    LengthChain* chain = find_chain(bucket, length);
+    if (!chain) {
+        chain = &at<LengthChain>(spare_chains_);
+        spare_chains_ = chain->next;
+        *chain = {hash_table_[bucket], length, 0};
+        hash_table_[bucket] = address_of(*chain);
+    }
+    set_link(block, chain->first_block);
+    chain->first_block = block;
+}
+
+// Takes the block off its chain and gives its length; nothing for what is no live block.
+std::optional<std::uint32_t> Heap::unchain_memory(Address block) {
+    if (block == 0 || !hash_table_) return std::nullopt;
+    Address* from = &hash_table_[hash_bucket(block)];
+    for (; *from != 0; from = &at<LengthChain>(*from).next) {
+        LengthChain& record = at<LengthChain>(*from);
+        Address previous = 0;
+        Address found = record.first_block;
+        while (found != 0 && found != block) {
+            previous = found;
+            found = link_of(found);
+        }
+        if (found == 0) continue;
+        if (previous) {
+            set_link(previous, link_of(block));
+        } else {
+            record.first_block = link_of(block);
+        }
+        std::uint32_t length = record.length;
+        if (record.first_block == 0) {
+            Address spare = *from;
+            *from = record.next;
+            record.next = spare_chains_;
+            spare_chains_ = spare;
+        }
+        return length;
+    }
+    return std::nullopt;
+}
+
+bool Heap::find_block(Address block, std::uint32_t& length) {
+    if (block == 0 || !hash_table_) return false;
+    for (Address record = hash_table_[hash_bucket(block)]; record;
+         record = at<LengthChain>(record).next) {
+        const LengthChain& chain = at<LengthChain>(record);
+        for (Address found = chain.first_block; found != 0; found = link_of(found)) {
+            if (found == block) {
+                length = chain.length;
+                return true;
+            }
+        }
+    }
+    return false;
+}
+
+void* Heap::get(std::size_t length, std::size_t alignment, Origin origin) {
+    if (!hash_table_ || length >= address_limit || alignment >= address_limit) return nullptr;
+    void* result = nullptr;
+    {
+        InSection held(section_);
+        if (spare_chains_ == 0 && !allocate_length_chains()) return nullptr;
+        auto size = static_cast<std::uint32_t>(length);
+        Carved carved = get_region(total_size(size), static_cast<std::uint32_t>(alignment));
+        if (carved.block == 0) return nullptr;
+        if (spare_chains_ == 0 && !allocate_length_chains()) {
+            // Others took the spare records while a low-memory handler ran.
+            free_memory_region(carved.block - carved.padding, carved.size);
+            return nullptr;
+        }
+        chain_memory(carved.block, size);
+        std::uint32_t& header = word_at(carved.block);
+        if (carved.extra) header |= block_has_extra;
+        if (origin == Origin::by_new) header |= block_from_new;
+        if (carved.padding) {
+            header |= block_has_padding;
+            word_at(carved.block - 4) = carved.padding;
+        }
+        total_allocated_ += size;
+        result = pointer_of(carved.block);
+    }
+    if (reinterpret_cast<std::uintptr_t>(result) == breaks.when_allocated) asm volatile("int3");
+    return result;
+}
+
+Released Heap::release(const void* pointer) {
+    auto value = reinterpret_cast<std::uintptr_t>(pointer);
+    if (value && value == breaks.when_freed && value != UINTPTR_MAX) asm volatile("int3");
+    InSection held(section_);
+    Address block = block_of(pointer);
+    std::optional<std::uint32_t> length = unchain_memory(block);
+    if (!length) return {false, false, 0};
+    total_allocated_ -= *length;
+    std::uint32_t header = word_at(block);
+    std::uint32_t size = *length + (header & block_has_extra ? 4 : 0);
+    std::uint32_t total = total_size(size);
+    std::uint32_t padding = header & block_has_padding ? word_at(block - 4) : 0;
+    free_memory_region(block - padding, total + padding);
+    if (breaks.data_address >= block && breaks.data_address - block < total) {
+        auto* watched = reinterpret_cast<volatile std::uint8_t*>(breaks.data_address);
+        *watched = *watched;
+    }
+    return {true, (header & block_from_new) != 0, size};
+}
+
+bool Heap::shrink(const void* pointer, std::size_t length) {
+    InSection held(section_);
+    // A spare record first: the block must not be left without a chain.
+    if (spare_chains_ == 0) allocate_length_chains();
+    Address block = block_of(pointer);
+    std::uint32_t old_length = 0;
+    if (!find_block(block, old_length) || length > old_length) return false;
+    if (spare_chains_ == 0) return true;  // it stays as long as it is
+    // A block that had bytes keeps one, for with less it would be smaller than a free region.
+    auto new_length = static_cast<std::uint32_t>(length == 0 && old_length > 0 ? 1 : length);
+    unchain_memory(block);
+    total_allocated_ -= old_length - new_length;
+    std::uint32_t header = word_at(block);
+    std::uint32_t old_total = total_size(old_length) + (header & block_has_extra ? 4 : 0);
+    std::uint32_t surplus = old_total - total_size(new_length);
+    if (surplus > 4) free_memory_region(block + total_size(new_length), surplus);
+    chain_memory(block, new_length);
+    word_at(block) |= header & block_has_padding;
+    if (surplus == 4) word_at(block) |= block_has_extra;
+    return true;
+}
+
+std::optional<std::uint32_t> Heap::find_size(const void* pointer) {
+    InSection held(section_);
+    std::uint32_t length = 0;
+    if (!find_block(block_of(pointer), length)) return std::nullopt;
+    return length;
+}
+
+std::int64_t Heap::available() {
+    InSection held(section_);
+    std::int64_t sum = 0;
+    for (Address region = free_chain_; region; region = link_of(region)) {
+        sum += at<FreeRegion>(region).size;
+    }
+    return sum;
+}
+
+std::int64_t Heap::largest_block() {
+    InSection held(section_);
+    std::int64_t best = 0;
+    for (Address region = free_chain_; region; region = link_of(region)) {
+        std::int64_t size = at<FreeRegion>(region).size;
+        if (size > best) best = size - 2000;
+    }
+    return best;
+}
+
+}  // namespace tarn::storage

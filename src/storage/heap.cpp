@@ -10,6 +10,9 @@ constexpr std::uint32_t hash_page = page_size;
 constexpr std::uint32_t first_heap_commit = 8192;
 constexpr std::uint32_t commit_margin = 128;
 constexpr std::uint32_t spare_batch = 50;
+// A range's free region is as long as the range itself although it begins a little inside it, so a
+// reservation is two pages longer than what it is said to hold.
+constexpr std::uint32_t range_slack = 2 * page_size;
 
 template <class Record>
 Record& at(Address address) {
@@ -57,13 +60,24 @@ constexpr std::uint32_t padding_for(Address region, std::uint32_t alignment) {
 }  // namespace
 
 bool Heap::start() {
-    // Each range's free region is as long as the range itself although it begins a little inside,
-    // so a reservation is two pages longer than what it is said to hold.
-    Address base = reserve_pages(std::uint64_t{first_reservation} + 2 * page_size);
+    Address base = reserve_pages(std::uint64_t{first_reservation} + range_slack);
     if (base == 0 || !commit_pages(base, base + hash_page + first_heap_commit)) return false;
     hash_table_ = &at<Address>(base);
     use_memory_block(base + hash_page, first_reservation, first_heap_commit);
     return true;
+}
+
+void Heap::stop() {
+    while (memory_blocks_) {
+        Address range = memory_blocks_;
+        std::uint64_t size = std::uint64_t{at<MemoryBlock>(range).size} + range_slack;
+        memory_blocks_ = at<MemoryBlock>(range).next;
+        bool holds_hash = address_of(*hash_table_) == range - hash_page;
+        release_pages(holds_hash ? range - hash_page : range, size);
+    }
+    hash_table_ = nullptr;
+    free_chain_ = spare_chains_ = total_allocated_ = 0;
+    heap_extended_ = false;
 }
 
 void Heap::use_memory_block(Address start, std::uint32_t size, std::uint32_t committed) {
@@ -79,10 +93,10 @@ void Heap::use_memory_block(Address start, std::uint32_t size, std::uint32_t com
 bool Heap::add_more_storage() {
     if (heap_extended_ || !hash_table_) return false;
     for (std::uint64_t size = largest_extension; size >= extension_step; size -= extension_step) {
-        Address start = reserve_pages(size + 2 * page_size);
+        Address start = reserve_pages(size + range_slack);
         if (start == 0) continue;
         if (!commit_pages(start, start + first_heap_commit)) {
-            release_pages(start, size + 2 * page_size);
+            release_pages(start, size + range_slack);
             return false;
         }
         use_memory_block(start, static_cast<std::uint32_t>(size), first_heap_commit);
@@ -312,10 +326,11 @@ Released Heap::release(const void* pointer) {
     if (!length) return {false, false, 0};
     total_allocated_ -= *length;
     std::uint32_t header = word_at(block);
-    std::uint32_t size = total_size(*length) + (header & block_has_extra ? 4 : 0);
+    std::uint32_t size = *length + (header & block_has_extra ? 4 : 0);
+    std::uint32_t total = total_size(size);
     std::uint32_t padding = header & block_has_padding ? word_at(block - 4) : 0;
-    free_memory_region(block - padding, size + padding);
-    if (breaks.data_address >= block && breaks.data_address - block < size) {
+    free_memory_region(block - padding, total + padding);
+    if (breaks.data_address >= block && breaks.data_address - block < total) {
         auto* watched = reinterpret_cast<volatile std::uint8_t*>(breaks.data_address);
         *watched = *watched;
     }

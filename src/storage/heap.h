@@ -69,7 +69,7 @@ enum class Origin { plain, by_new };
 struct Released {
     bool found;  // it was a live block, and is none any more
     bool from_new;
-    std::uint32_t size;  // what went back, padding not counted
+    std::uint32_t size;  // its length, and 4 where it owned 4 bytes more
 };
 
 // Breakpoints of a debugging session, by address. 0 is off.
@@ -83,6 +83,8 @@ class Heap {
   public:
     // Reserves and commits the first range. False: there is no room below 2 GiB.
     bool start();
+    // Gives the address ranges back. The process's own heap lasts as long as the process.
+    void stop();
 
     // Null: no storage. Any length is accepted; alignment is a power of two.
     void* get(std::size_t length, std::size_t alignment = 4, Origin origin = Origin::plain);

@@ -11,11 +11,17 @@
 
 namespace tarn::fio {
 
-// What a field routine found. `fault.number` 0: the item is stored.
+// What a field routine found. `fault.number` 0: the item is stored; otherwise it is as it was.
 struct FieldResult {
     Fault fault{0, 0};
     std::size_t position = 0;  // of the character at fault, in the field
 };
+
+// The length of the numeric or logical field that begins at `begin` and may take `width`
+// characters: a comma ends it early, and the next field begins behind the comma. That holds for
+// the records of files, and only while the decimal mark is the point. A record of an internal file
+// has no such commas: there they are characters at fault. A CHARACTER field never ends early.
+std::size_t field_end(const char* begin, std::size_t width, const EditModes& modes);
 
 // Iw.m, and G for an INTEGER. kind: 1, 2, 4, 8, 16.
 FieldResult get_integer(const char* field, std::size_t width, void* item, int kind,

@@ -55,21 +55,50 @@ void position(Statement& s, Edit edit, std::int64_t n) {
 void set_mode(Statement& s, const FormatNode& node) {
     EditModes& modes = s.modes;
     switch (node.edit) {
-        case Edit::P: modes.scale = node.w; break;
-        case Edit::S: modes.sign = SignMode::processor; break;
-        case Edit::SP: modes.sign = SignMode::plus; break;
-        case Edit::SS: modes.sign = SignMode::suppress; break;
-        case Edit::BN: modes.blank = Blank::null; break;
-        case Edit::BZ: modes.blank = Blank::zero; break;
-        case Edit::RU: modes.round = Rounding::up; break;
-        case Edit::RD: modes.round = Rounding::down; break;
-        case Edit::RZ: modes.round = Rounding::zero; break;
-        case Edit::RN: modes.round = Rounding::nearest; break;
-        case Edit::RC: modes.round = Rounding::compatible; break;
-        case Edit::RP: modes.round = Rounding::processor; break;
-        case Edit::DC: modes.decimal = DecimalMark::comma; break;
-        case Edit::DP: modes.decimal = DecimalMark::point; break;
-        default: break;
+        case Edit::P:
+            modes.scale = node.w;
+            break;
+        case Edit::S:
+            modes.sign = SignMode::processor;
+            break;
+        case Edit::SP:
+            modes.sign = SignMode::plus;
+            break;
+        case Edit::SS:
+            modes.sign = SignMode::suppress;
+            break;
+        case Edit::BN:
+            modes.blank = Blank::null;
+            break;
+        case Edit::BZ:
+            modes.blank = Blank::zero;
+            break;
+        case Edit::RU:
+            modes.round = Rounding::up;
+            break;
+        case Edit::RD:
+            modes.round = Rounding::down;
+            break;
+        case Edit::RZ:
+            modes.round = Rounding::zero;
+            break;
+        case Edit::RN:
+            modes.round = Rounding::nearest;
+            break;
+        case Edit::RC:
+            modes.round = Rounding::compatible;
+            break;
+        case Edit::RP:
+            modes.round = Rounding::processor;
+            break;
+        case Edit::DC:
+            modes.decimal = DecimalMark::comma;
+            break;
+        case Edit::DP:
+            modes.decimal = DecimalMark::point;
+            break;
+        default:
+            break;
     }
 }
 

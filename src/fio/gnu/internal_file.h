@@ -9,7 +9,9 @@
 namespace tarn::fio {
 
 // One 4-byte character, at any address.
-inline void put_wide(char* at, char32_t value) { std::memcpy(at, &value, sizeof value); }
+inline void put_wide(char* at, char32_t value) {
+    std::memcpy(at, &value, sizeof value);
+}
 inline char32_t get_wide(const char* at) {
     char32_t value;
     std::memcpy(&value, at, sizeof value);

@@ -10,7 +10,9 @@
 namespace tarn::fio {
 namespace {
 
-FieldEdit field_of(const FormatNode& node) { return {node.edit, node.w, node.d, node.e}; }
+FieldEdit field_of(const FormatNode& node) {
+    return {node.edit, node.w, node.d, node.e};
+}
 
 void write_integer(Statement& s, const FormatNode& node, const char* item, int kind) {
     const FieldEdit edit = field_of(node);
@@ -48,8 +50,7 @@ void write_through_scratch(Statement& s, const char* item, int kind, const Field
 void write_real(Statement& s, const FormatNode& node, const char* item, int kind) {
     const FieldEdit edit = field_of(node);
     if (node.w <= 0 && s.record_end != nullptr) return write_through_scratch(s, item, kind, edit);
-    char* at =
-        room(s, node.w > 0 ? node.w : real_field_bound(edit, item, kind, s.modes));
+    char* at = room(s, node.w > 0 ? node.w : real_field_bound(edit, item, kind, s.modes));
     if (at != nullptr) filled(s, put_real(at, item, kind, edit, s.modes));
 }
 
@@ -102,9 +103,11 @@ void write_item(Statement& s, ItemType type, const char* item, int kind, std::si
         case Edit::B:
         case Edit::O:
         case Edit::Z:
-            if (minimal_in_fixed) return write_bits_in_fixed_record(s, *node, item, size);
-            return write_bits(s, *node, item, size);
-        case Edit::L: return write_logical(s, *node, item, kind);
+            if (minimal_in_fixed)
+                return write_bits_in_fixed_record(s, *node, item, static_cast<std::size_t>(kind));
+            return write_bits(s, *node, item, static_cast<std::size_t>(kind));
+        case Edit::L:
+            return write_logical(s, *node, item, kind);
         case Edit::A:
             if (type == ItemType::character) return write_character(s, *node, item, kind, size);
             return write_character(s, *node, item, 1, size);
@@ -120,7 +123,8 @@ void write_item(Statement& s, ItemType type, const char* item, int kind, std::si
                 return write_character(s, text, item, kind, size);
             }
             return write_real(s, *node, item, kind);
-        case Edit::DT: return fail_mismatch(s, *node, type);
+        case Edit::DT:
+            return fail_mismatch(s, *node, type);
         default:
             if (type != ItemType::real) return fail_mismatch(s, *node, type);
             return write_real(s, *node, item, kind);

@@ -14,12 +14,19 @@ void set_record(Statement& s, char* begin, std::size_t length) {
     s.end_of_record = false;
 }
 
+void find_text_end(Statement& s) {
+    s.text_end = s.limit;
+    if (s.file.rank > 0) return;
+    while (s.text_end > s.begin && s.text_end[-1] == ' ') --s.text_end;
+}
+
 bool internal_record(Statement& s) {
     char* record = s.file.record;
     if (record == nullptr) return false;
     s.record_terminated = true;
     if (!s.wide) {
         set_record(s, record, s.file.length);
+        find_text_end(s);
         return true;
     }
     // The reader takes UTF-8.
@@ -30,6 +37,7 @@ bool internal_record(Statement& s) {
         length += put_utf8(get_wide(record + 4 * i), text + length);
     }
     set_record(s, text, length);
+    find_text_end(s);
     return true;
 }
 
@@ -103,12 +111,22 @@ void begin_input(Statement& s) {
     s.cursor = s.begin + (connection.open_column < length ? connection.open_column : length);
 }
 
-bool next_input_record(Statement& s) {
+bool try_next_input_record(Statement& s) {
     if (s.failed) return false;
     drop_record(s);
-    if (s.internal) next_internal_record(s.file);
+    if (s.internal) {
+        // Behind a scalar nothing is wrong until an item wants to be read.
+        next_internal_record(s.file);
+        return s.file.rank > 0 ? fetch_or_fail(s) : fetch_record(s);
+    }
     if (s.direct) ++s.record_number;
-    return fetch_or_fail(s);
+    return fetch_record(s);
+}
+
+bool next_input_record(Statement& s) {
+    if (try_next_input_record(s)) return true;
+    if (!s.failed) fail_end_of_file(s);
+    return false;
 }
 
 void end_input(Statement& s) {

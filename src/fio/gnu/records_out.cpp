@@ -13,7 +13,9 @@ namespace {
 // Enough for most records, so that room is asked for once.
 constexpr std::size_t usual_record = 512;
 
-std::ptrdiff_t cell_size(const Statement& s) { return s.wide ? 4 : 1; }
+std::ptrdiff_t cell_size(const Statement& s) {
+    return s.wide ? 4 : 1;
+}
 
 void set_room(Statement& s, char* begin, char* room_end) {
     s.begin = s.cursor = s.high = begin;

@@ -1,0 +1,94 @@
+#include "fio/gnu/edit_in.h"
+#include "fio/gnu/long_real.h"
+#include "fio/gnu/number_text.h"
+#include "fio/gnu/real_words.h"
+
+namespace tarn::fio {
+namespace {
+
+constexpr Fault bad_character{52, iostat_read_value};
+constexpr Fault exponent_out_of_range{452, iostat_read_value};
+
+// A value of any kind lies well inside; what lies beyond was meant as something else.
+constexpr std::int64_t greatest_exponent = 9999;
+
+FieldResult fault_at(Fault fault, const char* field, const char* at) {
+    return {fault, static_cast<std::size_t>(at - field)};
+}
+
+FieldResult store(DecimalNumber number, std::int64_t written, bool has_mark, bool has_exponent,
+                  std::int32_t d, void* item, int kind, const EditModes& modes) {
+    std::int64_t shift = has_exponent ? written : -std::int64_t{modes.scale};
+    if (!has_mark) shift -= d;
+    if (shift > greatest_exponent || shift < -greatest_exponent) {
+        return {exponent_out_of_range, 0};
+    }
+    number.exponent += shift;
+    to_binary(number, modes.round, kind, item);
+    return {};
+}
+
+// What may follow a word that begins at `at`: letters, digits, blanks and one pair of parentheses.
+// Null: nothing else stands there. Otherwise the character at fault.
+const char* foreign_to_word(const char* at, const char* end) {
+    int parentheses = 0;
+    for (; at < end; ++at) {
+        const bool opens = *at == '(' && parentheses == 0;
+        const bool closes = *at == ')' && parentheses == 1;
+        if (opens || closes) {
+            ++parentheses;
+        } else if (*at != ' ' && !is_word_character(*at)) {
+            return at;
+        }
+    }
+    return parentheses == 1 ? end - 1 : nullptr;
+}
+
+// INF, INFINITY, NAN or NAN(...). A blank ends the word; under BZ it is a zero in it.
+FieldResult get_word(const char* field, const char* at, const char* end, bool negative, void* item,
+                     int kind, const EditModes& modes) {
+    const char* const fault = foreign_to_word(at, end);
+    if (fault != nullptr) return fault_at(bad_character, field, fault);
+    RealWord word = RealWord::nan;
+    const bool blank_is_zero = modes.blank == Blank::zero;
+    const char* const after = scan_real_word(at, end, blank_is_zero, word);
+    const bool ended =
+        after != nullptr && (after == end || after[-1] == ')' || (*after == ' ' && !blank_is_zero));
+    if (!ended) return fault_at(bad_character, field, at);
+    store_real_word(word, negative, item, kind);
+    return {};
+}
+
+FieldResult get_real_slowly(const char* field, std::size_t width, std::int32_t d, void* item,
+                            int kind, const EditModes& modes) {
+    LongRealScanner scanner(field, field + width, modes);
+    if (!scanner.scan()) return fault_at(bad_character, field, scanner.fault());
+    if (scanner.word() != nullptr) {
+        return get_word(field, scanner.word(), field + width, scanner.negative(), item, kind,
+                        modes);
+    }
+    if (scanner.is_blank()) {
+        to_binary({}, modes.round, kind, item);
+        return {};
+    }
+    return store(scanner.number(), scanner.written(), scanner.has_mark(), scanner.has_exponent(), d,
+                 item, kind, modes);
+}
+
+}  // namespace
+
+FieldResult get_real(const char* field, std::size_t width, std::int32_t d, void* item, int kind,
+                     const EditModes& modes) {
+    const char* const end = field + width;
+    PlainReal real;
+    scan_plain_real(skip_blanks(field, end), end, modes.decimal == DecimalMark::comma ? ',' : '.',
+                    real);
+    if (real.end != nullptr &&
+        (real.end == end || (modes.blank == Blank::null && skip_blanks(real.end, end) == end))) {
+        return store(real.number, real.written, real.has_mark, real.has_exponent, d, item, kind,
+                     modes);
+    }
+    return get_real_slowly(field, width, d, item, kind, modes);
+}
+
+}  // namespace tarn::fio

@@ -1,0 +1,102 @@
+#include <algorithm>
+#include <cstring>
+
+#include "fio/number/binary_format.h"
+#include "fio/number/decimal.h"
+#include "fio/number/integer_digits.h"
+#include "fio/number/natural.h"
+
+namespace tarn::fio {
+
+namespace {
+
+// More digits than this don't move the value from one side of a halfway point to the other, apart
+// from being there.
+constexpr std::size_t most_digits = max_significant_digits + 2;
+
+Word number_of(const char* digits, std::size_t count) {
+    Word value = 0;
+    for (std::size_t i = 0; i < count; ++i) value = value * 10 + static_cast<Word>(digits[i] - '0');
+    return value;
+}
+
+void append_digits(Natural& number, const char* digits, std::size_t count) {
+    while (count != 0) {
+        const std::size_t n = std::min<std::size_t>(count, 19);
+        number.multiply_add(powers_of_ten[n], number_of(digits, n));
+        digits += n;
+        count -= n;
+    }
+}
+
+}  // namespace
+
+ConvertResult wide_to_binary(const DecimalNumber& number, Rounding round, int kind, void* target) {
+    const std::size_t count = std::min(number.count, most_digits);
+    std::int64_t exponent = number.exponent + static_cast<std::int64_t>(number.count - count);
+    Natural numerator;
+    append_digits(numerator, number.digits, count);
+    const char* const end = number.digits + number.count;
+    if (std::any_of(number.digits + count, end, [](char digit) { return digit != '0'; })) {
+        numerator.multiply_add(10, 1);
+        --exponent;
+    }
+    Natural denominator(1);
+    if (exponent >= 0) {
+        numerator.multiply_by_power_of_five(static_cast<unsigned>(exponent));
+    } else {
+        denominator.multiply_by_power_of_five(static_cast<unsigned>(-exponent));
+    }
+    // The quotient is brought between 1/4 and 1; then two words of it hold every bit wanted.
+    std::int64_t twos = exponent;
+    const auto raise = [](Natural& value, std::size_t bits) { value.shift_left(bits); };
+    const std::size_t up = (64 - denominator.bit_length() % 64) % 64;
+    raise(denominator, up);
+    twos += static_cast<std::int64_t>(up);
+    const auto top = static_cast<std::int64_t>(numerator.bit_length());
+    std::int64_t wanted = static_cast<std::int64_t>(denominator.bit_length()) - 1;
+    if (top > wanted) {
+        const std::int64_t words = (top - wanted + 63) / 64;
+        raise(denominator, static_cast<std::size_t>(words * 64));
+        twos += words * 64;
+        wanted += words * 64;
+    }
+    raise(numerator, static_cast<std::size_t>(wanted - top));
+    twos -= wanted - top;
+    Wide quotient = 0;
+    for (int i = 0; i < 2; ++i) {
+        raise(numerator, 64);
+        quotient = quotient << 64 | numerator.divide(denominator);
+    }
+    return round_and_store(kind, number.negative, quotient, twos - 128, !numerator.is_zero(), round,
+                           target);
+}
+
+ConvertResult to_binary(const DecimalNumber& number, Rounding round, int kind, void* target) {
+    const char* first = number.digits;
+    const char* end = number.digits + number.count;
+    while (first != end && *first == '0') ++first;
+    if (first == end) {
+        store_real(kind, number.negative, 0, binary_format(kind).least_exponent, target);
+        return ConvertResult::ok;
+    }
+    while (end[-1] == '0') --end;
+    DecimalNumber plain = number;
+    plain.digits = first;
+    plain.count = static_cast<std::size_t>(end - first);
+    const auto cut = static_cast<std::int64_t>(number.digits + number.count - end);
+    // An exponent from outside may be anything; far beyond every range it is beyond.
+    constexpr std::int64_t far = std::int64_t{1} << 62;
+    plain.exponent = std::clamp(number.exponent, -far, far) + cut;
+    const BinaryFormat& format = binary_format(kind);
+    const std::int64_t leading = plain.exponent + static_cast<std::int64_t>(plain.count) - 1;
+    if (leading >= format.greatest_decimal) {
+        return store_overflow(kind, number.negative, round, target);
+    }
+    if (leading < format.least_decimal) {
+        return store_underflow(kind, number.negative, round, target);
+    }
+    return wide_to_binary(plain, round, kind, target);
+}
+
+}  // namespace tarn::fio

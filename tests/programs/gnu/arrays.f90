@@ -73,8 +73,13 @@ program arrays
     open (10, file='arrays.txt')
     write (10, *) a
     write (10, '(12I5)') a
+    x(2, 2) = 1e5
     write (10, '(5F10.3)') x, r15
-    write (10, *) c, l
+    write (10, '(*(A,1X))') c
+    backspace (10)
+    read (10, *) ((c(i, j), j=1, 3), i=1, 2)
+    write (10, *) l
+    backspace (10)
     write (10, *) z, zq
     rewind (10)
     a = 0
@@ -86,7 +91,7 @@ program arrays
     read (10, '(5F10.3)') x(2, :), x(1, :), r15
     print *, x, r15(1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 2, 1, 1, 1)
     l = .true.
-    read (10, *) ((c(i, j), j=1, 3), i=1, 2), (l(i), i=6, 1, -1)
+    read (10, *) (l(i), i=6, 1, -1)
     print *, c, l
     z = 0
     read (10, *) z(::2), z(2::2), zq

@@ -22,8 +22,6 @@ program internal_files
     call show('stride 3', a)
     write (a(10:1:-4), '(I3)') 1, 2, 3
     call show('backwards', a)
-    write (a([2, 5, 3]), '(A)', iostat=ios) 'v2', 'v5', 'v3'
-    call show('vector', a)
     b = '~~~~~~~~'
     write (b(2, :, :), '(A,I2)') ('row', i, i=1, 6)
     print '(A)', b
@@ -89,7 +87,7 @@ program internal_files
     print *, huge(99998:), huge(1:2), len_trim(huge)
     read (huge(99999:), '(A)') c
     print *, c
-    write (a(1:4), '(2(I2,2(F4.1)))') (i, 1.5*i, i=1, 5)
+    write (a(1:4), '(2(I2,F5.1))') (i, 1.5*i, i=1, 5)
     print *, a(1:4)
     x = -1
     read (a(1)(1:4), '(F4.2)') x

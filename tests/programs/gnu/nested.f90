@@ -55,7 +55,7 @@ program nested
     print *, text_of(1), 2, text_of(3)
     print '(A,1X,I3,1X,A)', text_of(4), parsed('  17 '), trim(text_of(5))
     print *, nested_text(6)
-    write (line, '(A,I4)') trim(text_of(7)), parsed(text_of(8)(3:))
+    write (line, '(A,I4)') trim(text_of(7)), parsed(trim('8 9'))
     print *, line
     print *, (logged(i), i=1, 3), from_file(), from_file()
     print '(3I5)', from_file(), logged(9), failing(0)

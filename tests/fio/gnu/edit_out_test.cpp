@@ -93,7 +93,7 @@ std::string field(int kind, std::string_view value, std::string_view format) {
     const Descriptor descriptor = parse(format);
     const Real real(kind, value);
     std::string buffer(real_field_bound(descriptor.edit, real.bytes, kind, descriptor.modes), '~');
-    const char* end = put_real(buffer.data(), real.bytes, kind, descriptor.edit, descriptor.modes);
+    char* const end = put_real(buffer.data(), real.bytes, kind, descriptor.edit, descriptor.modes);
     if (end == nullptr) return "?";
     buffer.resize(static_cast<std::size_t>(end - buffer.data()));
     return buffer;
@@ -353,7 +353,7 @@ TEST(ListItem, RealAndComplex) {
         const EditModes modes = parse(test.modes).modes;
         const Real real(test.kind, test.value);
         char buffer[list_item_bound];
-        const char* end = test.complex ? put_list_complex(buffer, real.bytes, test.kind, modes)
+        char* const end = test.complex ? put_list_complex(buffer, real.bytes, test.kind, modes)
                                        : put_list_real(buffer, real.bytes, test.kind, modes);
         EXPECT_EQ(std::string(buffer, end), test.expected) << test.kind << " " << test.value;
     }
@@ -371,7 +371,7 @@ TEST(RealField, GeneralFormTurnsAtTheRoundedValue) {
 std::string integer(Int128 value, std::string_view format, int kind = 4) {
     const Descriptor descriptor = parse(format);
     std::string buffer(integer_field_bound(descriptor.edit, kind), '~');
-    const char* end = put_integer(buffer.data(), value, kind, descriptor.edit, descriptor.modes);
+    char* const end = put_integer(buffer.data(), value, kind, descriptor.edit, descriptor.modes);
     return {buffer.data(), end};
 }
 
@@ -393,7 +393,7 @@ TEST(IntegerField, DecimalDigits) {
 std::string bits(long long value, std::string_view format, std::size_t size) {
     const Descriptor descriptor = parse(format);
     std::string buffer(bits_field_bound(descriptor.edit, size), '~');
-    const char* end = put_bits(buffer.data(), &value, size, descriptor.edit);
+    char* const end = put_bits(buffer.data(), &value, size, descriptor.edit);
     return {buffer.data(), end};
 }
 

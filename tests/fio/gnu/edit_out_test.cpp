@@ -84,7 +84,7 @@ struct Real {
         for (unsigned char* at : {bytes, bytes + size}) {
             to_binary({negative, digits.data(), digits.size(), exponent}, Rounding::nearest, kind,
                       at);
-            if (text == "nan") at[kind == 10 ? 7 : kind == 16 ? 13 : kind == 8 ? 6 : 2] |= 0x40;
+            if (text == "nan") at[kind == 10 ? 7 : kind == 16 ? 13 : kind == 8 ? 5 : 2] |= 0x40;
         }
     }
 };

@@ -111,7 +111,7 @@ void begin_input(Statement& s) {
     s.cursor = s.begin + (connection.open_column < length ? connection.open_column : length);
 }
 
-bool next_input_record(Statement& s) {
+bool try_next_input_record(Statement& s) {
     if (s.failed) return false;
     drop_record(s);
     if (s.internal) {
@@ -120,7 +120,13 @@ bool next_input_record(Statement& s) {
         return s.file.rank > 0 ? fetch_or_fail(s) : fetch_record(s);
     }
     if (s.direct) ++s.record_number;
-    return fetch_or_fail(s);
+    return fetch_record(s);
+}
+
+bool next_input_record(Statement& s) {
+    if (try_next_input_record(s)) return true;
+    if (!s.failed) fail_end_of_file(s);
+    return false;
 }
 
 void end_input(Statement& s) {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <limits>
 
 namespace tarn::fio::native {
 namespace {
@@ -153,11 +154,14 @@ class Encoder {
 class Decoder {
   public:
     Decoder(const std::uint16_t* code, const std::uint16_t* end, Format& format)
-        : code_(code), end_(end), format_(format) {}
+        : code_(reinterpret_cast<const unsigned char*>(code)),
+          words_(end == nullptr ? std::numeric_limits<std::size_t>::max()
+                                : static_cast<std::size_t>(end > code ? end - code : 0)),
+          format_(format) {}
 
     std::int32_t run() {
         format_.clear();
-        if (at_end() || *code_ != stream_start) return not_a_format;
+        if (at_end() || word(0) != stream_start) return not_a_format;
         while (!at_end()) {
             if (format_.steps.size() >= max_steps) return not_a_format;
             if (const std::int32_t message = instruction()) return message;
@@ -168,20 +172,21 @@ class Decoder {
     }
 
   private:
-    bool at_end() const { return end_ != nullptr && code_ + place_ >= end_; }
-    std::int32_t operand(std::size_t index) const {
-        return static_cast<std::int16_t>(code_[place_ + index]);
+    bool at_end() const { return place_ >= words_; }
+    // A stream may begin at an odd address: behind a jump of 5 bytes.
+    unsigned word(std::size_t index) const {
+        const unsigned char* const byte = code_ + (place_ + index) * 2;
+        return byte[0] | static_cast<unsigned>(byte[1]) << 8;
     }
+    std::int32_t operand(std::size_t index) const { return static_cast<std::int16_t>(word(index)); }
 
     std::int32_t instruction() {
-        const unsigned first = code_[place_];
+        const unsigned first = word(0);
         const unsigned op = first & 63U;
         const std::size_t length = first >> 6;
         if (op >= op_count || shapes[op] == Shape::none) return bad_descriptor;
         if (length < 1 || length > max_words) return not_a_format;
-        if (end_ != nullptr && length > static_cast<std::size_t>(end_ - (code_ + place_))) {
-            return not_a_format;
-        }
+        if (length > words_ - place_) return not_a_format;
         FormatStep step;
         step.op = static_cast<FormatOp>(op);
         step.place = static_cast<std::uint32_t>(place_);
@@ -240,8 +245,8 @@ class Decoder {
         step.text = static_cast<std::uint32_t>(format_.text.size());
         step.length = static_cast<std::uint32_t>(count);
         for (std::int32_t i = 0; i < count; ++i) {
-            const unsigned word = code_[place_ + 2 + static_cast<std::size_t>(i) / 2];
-            format_.text.push_back(static_cast<char>(i % 2 == 0 ? word & 255U : word >> 8));
+            const unsigned pair = word(2 + static_cast<std::size_t>(i) / 2);
+            format_.text.push_back(static_cast<char>(i % 2 == 0 ? pair & 255U : pair >> 8));
         }
         return 0;
     }
@@ -282,8 +287,8 @@ class Decoder {
         return group.op == op_open && group.level <= 2 ? 0 : not_a_format;
     }
 
-    const std::uint16_t* code_;
-    const std::uint16_t* end_;
+    const unsigned char* code_;
+    std::size_t words_;
     Format& format_;
     std::size_t place_ = 0;
     std::uint32_t open_[max_levels_told] = {};  // the groups that are open

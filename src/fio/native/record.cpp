@@ -217,7 +217,8 @@ bool write_window_record(IO_type& io, Output out) {
         out.length += line_end.size();
     }
     if (unit.window_target == 0) {
-        if (window.window_write == nullptr) return IO_not_available("Text windows are not available");
+        if (window.window_write == nullptr)
+            return IO_not_available("Text windows are not available");
         if (window.window_flush != nullptr) window.window_flush();
         window.window_write(unit.driver, start, out.length);
         return true;

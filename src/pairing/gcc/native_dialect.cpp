@@ -8,8 +8,8 @@
 #include "fio/native/statement.h"
 #include "fio/unit.h"
 #include "frame/link_name.h"
-#include "pairing/gcc/connection_block.h"
 #include "pairing/gcc/data_transfer.h"
+#include "pairing/gcc/unit_blocks.h"
 
 namespace tarn::gcc {
 namespace {
@@ -270,17 +270,18 @@ std::string_view refused_in_open(const OpenBlock& b) {
     return first_refused(
         b.common.flags,
         {
-            {open_has_convert, b.convert, b.convert_length, "NATIVE LITTLE_ENDIAN ",
+            {open_flag::convert, b.convert.text, b.convert.length, "NATIVE LITTLE_ENDIAN ",
              "CONVERT= is not available in the native dialect"},
-            {open_has_decimal, b.decimal, b.decimal_length, "POINT ",
+            {open_flag::decimal, b.decimal.text, b.decimal.length, "POINT ",
              "DECIMAL='COMMA' is not available in the native dialect"},
-            {open_has_encoding, b.encoding, b.encoding_length, "DEFAULT ",
+            {open_flag::encoding, b.encoding.text, b.encoding.length, "DEFAULT ",
              "ENCODING='UTF-8' is not available in the native dialect"},
-            {open_has_round, b.round, b.round_length, "PROCESSOR_DEFINED ",
+            {open_flag::round, b.round.text, b.round.length, "PROCESSOR_DEFINED ",
              "ROUND= is not available in the native dialect"},
-            {open_has_sign, b.sign, b.sign_length, "PROCESSOR_DEFINED ",
+            {open_flag::sign, b.sign.text, b.sign.length, "PROCESSOR_DEFINED ",
              "SIGN= of an OPEN is not available in the native dialect"},
-            {open_has_carriage_control, b.carriage_control, b.carriage_control_length, "LIST ",
+            {open_flag::carriage_control, b.carriage_control.text, b.carriage_control.length,
+             "LIST ",
              "CARRIAGECONTROL= is not available in the native dialect: use FORM='PRINTER'"},
         });
 }
@@ -294,27 +295,28 @@ std::int32_t free_unit() {
 
 void open(OpenBlock& b) {
     const std::uint32_t flags = b.common.flags;
-    const bool chooses = (flags & open_has_newunit) != 0;
+    const bool chooses = (flags & open_flag::new_unit) != 0;
     std::int32_t number = b.common.unit;
     const Road road = run_control(b.common, ActionCode::open, [&]() -> std::string_view {
         if (chooses) number = free_unit();
         set_word(IOCode::unit, &number);
-        set_texts(flags, {
-                             {open_has_file, IOCode::file, b.file, b.file_length},
-                             {open_has_status, IOCode::status, b.status, b.status_length},
-                             {open_has_access, IOCode::access, b.access, b.access_length},
-                             {open_has_form, IOCode::form, b.form, b.form_length},
-                             {open_has_blank, IOCode::blank, b.blank, b.blank_length},
-                             {open_has_position, IOCode::position, b.position, b.position_length},
-                             {open_has_action, IOCode::action, b.action, b.action_length},
-                             {open_has_delim, IOCode::delim, b.delim, b.delim_length},
-                             {open_has_pad, IOCode::pad, b.pad, b.pad_length},
-                             {open_has_share, IOCode::share, b.share, b.share_length},
-                         });
-        if ((flags & open_has_recl) != 0) set_long(IOCode::recl, &b.recl);
+        set_texts(flags,
+                  {
+                      {open_flag::file, IOCode::file, b.file.text, b.file.length},
+                      {open_flag::status, IOCode::status, b.status.text, b.status.length},
+                      {open_flag::access, IOCode::access, b.access.text, b.access.length},
+                      {open_flag::form, IOCode::form, b.form.text, b.form.length},
+                      {open_flag::blank, IOCode::blank, b.blank.text, b.blank.length},
+                      {open_flag::position, IOCode::position, b.position.text, b.position.length},
+                      {open_flag::action, IOCode::action, b.action.text, b.action.length},
+                      {open_flag::delim, IOCode::delim, b.delim.text, b.delim.length},
+                      {open_flag::pad, IOCode::pad, b.pad.text, b.pad.length},
+                      {open_flag::share, IOCode::share, b.share.text, b.share.length},
+                  });
+        if ((flags & open_flag::recl) != 0) set_long(IOCode::recl, &b.recl);
         return refused_in_open(b);
     });
-    if (chooses && road == Road::none) *b.newunit = number;
+    if (chooses && road == Road::none) *b.new_unit = number;
 }
 
 void put_word(char* target, std::size_t length, std::string_view word) {
@@ -329,69 +331,73 @@ void answer_constants(const InquireBlock& b, bool opened) {
         if (asked) put_word(target, length, opened ? word : "UNDEFINED");
     };
     const std::uint32_t flags = b.common.flags;
-    say((flags & inquire_has_convert) != 0, b.convert, b.convert_length, "NATIVE");
-    const std::uint32_t more = (flags & inquire_has_more) != 0 ? b.more_flags : 0;
-    say((more & inquire_has_asynchronous) != 0, b.asynchronous, b.asynchronous_length, "NO");
-    say((more & inquire_has_decimal) != 0, b.decimal, b.decimal_length, "POINT");
-    say((more & inquire_has_encoding) != 0, b.encoding, b.encoding_length, "UNKNOWN");
-    say((more & inquire_has_round) != 0, b.round, b.round_length, "PROCESSOR_DEFINED");
-    say((more & inquire_has_sign) != 0, b.sign, b.sign_length, "PROCESSOR_DEFINED");
-    say((more & inquire_has_carriage_control) != 0, b.carriage_control, b.carriage_control_length,
-        "LIST");
-    if ((more & inquire_has_pending) != 0) *b.pending = 0;
+    say((flags & inquire_flag::convert) != 0, b.convert.text, b.convert.length, "NATIVE");
+    const std::uint32_t more = (flags & inquire_flag::more_flags) != 0 ? b.more_flags : 0;
+    say((more & inquire_more_flag::asynchronous) != 0, b.asynchronous.text, b.asynchronous.length,
+        "NO");
+    say((more & inquire_more_flag::decimal) != 0, b.decimal.text, b.decimal.length, "POINT");
+    say((more & inquire_more_flag::encoding) != 0, b.encoding.text, b.encoding.length, "UNKNOWN");
+    say((more & inquire_more_flag::round) != 0, b.round.text, b.round.length, "PROCESSOR_DEFINED");
+    say((more & inquire_more_flag::sign) != 0, b.sign.text, b.sign.length, "PROCESSOR_DEFINED");
+    say((more & inquire_more_flag::carriage_control) != 0, b.carriage_control.text,
+        b.carriage_control.length, "LIST");
+    if ((more & inquire_more_flag::pending) != 0) *b.pending = 0;
 }
 
 void inquire(InquireBlock& b) {
     const std::uint32_t flags = b.common.flags;
-    const std::uint32_t more = (flags & inquire_has_more) != 0 ? b.more_flags : 0;
+    const std::uint32_t more = (flags & inquire_flag::more_flags) != 0 ? b.more_flags : 0;
     std::int32_t opened = 0;
     run_control(b.common, ActionCode::inquire, [&]() -> std::string_view {
-        if ((flags & inquire_has_file) != 0)
-            set_text(IOCode::file, b.file, b.file_length);
+        if ((flags & inquire_flag::file) != 0)
+            set_text(IOCode::file, b.file.text, b.file.length);
         else
             set_unit(b.common);
         set_texts(
             flags,
             {
-                {inquire_has_access, IOCode::access, b.access, b.access_length},
-                {inquire_has_form, IOCode::form, b.form, b.form_length},
-                {inquire_has_blank, IOCode::blank, b.blank, b.blank_length},
-                {inquire_has_position, IOCode::position, b.position, b.position_length},
-                {inquire_has_action, IOCode::action, b.action, b.action_length},
-                {inquire_has_delim, IOCode::delim, b.delim, b.delim_length},
-                {inquire_has_pad, IOCode::pad, b.pad, b.pad_length},
-                {inquire_has_name, IOCode::name, b.name, b.name_length},
-                {inquire_has_sequential, IOCode::sequential, b.sequential, b.sequential_length},
-                {inquire_has_direct, IOCode::direct, b.direct, b.direct_length},
-                {inquire_has_formatted, IOCode::formatted, b.formatted, b.formatted_length},
-                {inquire_has_unformatted, IOCode::unformatted, b.unformatted, b.unformatted_length},
-                {inquire_has_read, IOCode::read, b.read, b.read_length},
-                {inquire_has_write, IOCode::write, b.write, b.write_length},
-                {inquire_has_readwrite, IOCode::readwrite, b.readwrite, b.readwrite_length},
+                {inquire_flag::access, IOCode::access, b.access.text, b.access.length},
+                {inquire_flag::form, IOCode::form, b.form.text, b.form.length},
+                {inquire_flag::blank, IOCode::blank, b.blank.text, b.blank.length},
+                {inquire_flag::position, IOCode::position, b.position.text, b.position.length},
+                {inquire_flag::action, IOCode::action, b.action.text, b.action.length},
+                {inquire_flag::delim, IOCode::delim, b.delim.text, b.delim.length},
+                {inquire_flag::pad, IOCode::pad, b.pad.text, b.pad.length},
+                {inquire_flag::name, IOCode::name, b.name.text, b.name.length},
+                {inquire_flag::sequential, IOCode::sequential, b.sequential.text,
+                 b.sequential.length},
+                {inquire_flag::direct, IOCode::direct, b.direct.text, b.direct.length},
+                {inquire_flag::formatted, IOCode::formatted, b.formatted.text, b.formatted.length},
+                {inquire_flag::unformatted, IOCode::unformatted, b.unformatted.text,
+                 b.unformatted.length},
+                {inquire_flag::read, IOCode::read, b.read.text, b.read.length},
+                {inquire_flag::write, IOCode::write, b.write.text, b.write.length},
+                {inquire_flag::readwrite, IOCode::readwrite, b.readwrite.text, b.readwrite.length},
             });
-        set_texts(more, {
-                            {inquire_has_stream, IOCode::stream, b.stream, b.stream_length},
-                            {inquire_has_share, IOCode::share, b.share, b.share_length},
-                        });
-        if ((flags & inquire_has_exist) != 0) set_word(IOCode::exist, b.exist);
-        if ((flags & inquire_has_named) != 0) set_word(IOCode::named, b.named);
-        if ((flags & inquire_has_number) != 0) set_word(IOCode::number, b.number);
-        if ((flags & inquire_has_nextrec) != 0) set_long(IOCode::nextrec, b.nextrec);
-        if ((flags & inquire_has_recl) != 0) set_long(IOCode::recl, b.recl);
-        if ((flags & inquire_has_pos) != 0) set_long(IOCode::pos, b.pos);
-        if ((more & inquire_has_size) != 0) set_long(IOCode::size, b.size);
+        set_texts(more,
+                  {
+                      {inquire_more_flag::stream, IOCode::stream, b.stream.text, b.stream.length},
+                      {inquire_more_flag::share, IOCode::share, b.share.text, b.share.length},
+                  });
+        if ((flags & inquire_flag::exist) != 0) set_word(IOCode::exist, b.exist);
+        if ((flags & inquire_flag::named) != 0) set_word(IOCode::named, b.named);
+        if ((flags & inquire_flag::number) != 0) set_word(IOCode::number, b.number);
+        if ((flags & inquire_flag::nextrec) != 0) set_long(IOCode::nextrec, b.nextrec);
+        if ((flags & inquire_flag::recl) != 0) set_long(IOCode::recl, b.recl);
+        if ((flags & inquire_flag::pos) != 0) set_long(IOCode::pos, b.pos);
+        if ((more & inquire_more_flag::size) != 0) set_long(IOCode::size, b.size);
         set_word(IOCode::opened, &opened);
         return {};
     });
-    if ((flags & inquire_has_opened) != 0) *b.opened = opened;
+    if ((flags & inquire_flag::opened) != 0) *b.opened = opened;
     answer_constants(b, opened != 0);
 }
 
 void close(CloseBlock& b) {
     run_control(b.common, ActionCode::close, [&]() -> std::string_view {
         set_unit(b.common);
-        if ((b.common.flags & close_has_status) != 0)
-            set_text(IOCode::status, b.status, b.status_length);
+        if ((b.common.flags & close_flag::status) != 0)
+            set_text(IOCode::status, b.status.text, b.status.length);
         return {};
     });
 }

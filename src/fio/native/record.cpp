@@ -16,10 +16,6 @@ constexpr std::string_view line_end = "\r\n";
 
 constexpr int error_device_full = 28;
 
-bool is_file(const Unit& unit) {
-    return unit.kind == UnitKind::text || unit.kind == UnitKind::full ||
-           unit.kind == UnitKind::printer;
-}
 bool is_transparent(const IO_type& io) {
     return !io.internal_file && io.unit->status.transparent;
 }

@@ -235,9 +235,8 @@ void set_maximum_buffer_size(std::int64_t size) {
 std::int64_t unit_record_length(Unit& unit) {
     const std::int64_t room = current().buffer_size;
     if (unit.recl <= 0) unit.recl = room;
-    if (unit.recl > room && unit.dialect == &gnu_dialect && !unit.status.fixed_record_length)
-        return room;
-    return unit.recl;
+    const bool chosen = unit.status.fixed_record_length || unit.status.direct;
+    return unit.recl > room && !chosen ? room : unit.recl;
 }
 
 }  // namespace tarn::fio::native

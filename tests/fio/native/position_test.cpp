@@ -148,8 +148,10 @@ TEST_F(Position, RefusesUnitsWithoutRecordsInOrder) {
     EXPECT_EQ(backspace(), 90);
     EXPECT_EQ(endfile(), 96);
     EXPECT_EQ(rewind(), 0);
-    EXPECT_EQ(Packed().unit(2).run(ENDF_hh), 155);
-    EXPECT_EQ(Packed().unit(2).run(RWIN_hh), 0);
+    ASSERT_EQ(Packed().unit(51).text(IOCode::filetype, "TTY").run(OPEN_hh), 0);
+    EXPECT_EQ(Packed().unit(51).run(ENDF_hh), 155);
+    EXPECT_EQ(Packed().unit(51).run(RWIN_hh), 0);
+    EXPECT_EQ(close_unit(51), 0);
 }
 
 TEST_F(Position, PrinterFormKeepsLineEndsBack) {

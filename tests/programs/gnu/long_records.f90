@@ -65,7 +65,8 @@ program long_records
     write (*, '(2000X,A)') 'far'
     write (*, '(1000("ab"),I3)') 5
     open (11, file='recl.txt', recl=40)
-    write (11, *) (i, i=1, 12)
+    write (11, *, iostat=ios) (i, i=1, 12)
+    print *, 'over RECL', ios
     write (11, *, iostat=ios) &
         'a text that is longer than a record of the file can be, by a fair amount'
     print *, 'over RECL', ios

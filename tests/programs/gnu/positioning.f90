@@ -144,7 +144,11 @@ program positioning
     rewind (13)
     read (13, '(/)', iostat=ios)
     print *, ios
-    write (13, '(A)', advance='no') 'last'
+    write (13, '(A)', advance='no', iostat=ios) 'last'
+    print *, ios
+    backspace (13)
+    write (13, '(A)', advance='no', iostat=ios) 'last'
+    print *, ios
     close (13)
 
     rewind (33, iostat=ios)

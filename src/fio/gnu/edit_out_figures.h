@@ -39,6 +39,34 @@ Figures fixed_figures(const BinaryReal& value, int kind, std::int64_t d, std::in
 Figures exponent_figures(const BinaryReal& value, const void* item, int kind, Edit edit,
                          std::int64_t d, std::int64_t scale, Rounding round, char* buffer);
 
+// The digits of a kind that an edit descriptor without a d shows.
+constexpr std::int32_t default_digits(int kind) {
+    switch (kind) {
+        case 4:
+            return 9;
+        case 8:
+            return 17;
+        case 10:
+            return 21;
+        default:
+            return 36;
+    }
+}
+
+// The width of a kind in list-directed output.
+constexpr std::int32_t usual_width(int kind) {
+    switch (kind) {
+        case 4:
+            return 16;
+        case 8:
+            return 25;
+        case 10:
+            return 30;
+        default:
+            return 45;
+    }
+}
+
 // The digits before the point of an EN field, less one: the exponent above a multiple of three.
 constexpr std::int32_t above_three(std::int32_t exponent) {
     const std::int32_t rest = exponent % 3;

@@ -3,6 +3,7 @@
 #include <limits>
 
 #include "fio/gnu/edit_out_figures.h"
+#include "fio/gnu/edit_out_quick.h"
 
 namespace tarn::fio {
 
@@ -28,34 +29,6 @@ char sign_of(bool negative, SignMode mode) {
 
 char mark_of(const EditModes& modes) {
     return modes.decimal == DecimalMark::comma ? ',' : '.';
-}
-
-// The digits of a kind that an edit descriptor without a d shows.
-std::int32_t default_digits(int kind) {
-    switch (kind) {
-        case 4:
-            return 9;
-        case 8:
-            return 17;
-        case 10:
-            return 21;
-        default:
-            return 36;
-    }
-}
-
-// The width of a kind in list-directed output.
-std::int32_t usual_width(int kind) {
-    switch (kind) {
-        case 4:
-            return 16;
-        case 8:
-            return 25;
-        case 10:
-            return 30;
-        default:
-            return 45;
-    }
 }
 
 // The field that a number is put into.
@@ -344,6 +317,7 @@ FieldEdit list_edit(int kind) {
 }  // namespace
 
 char* put_list_real(char* out, const void* value, int kind, const EditModes& modes) {
+    if (char* end = quick_put_list_real(out, value, kind, modes)) return end;
     EditModes list_modes = modes;
     list_modes.scale = 1;
     return put_edited(out, value, kind, list_edit(kind), false, false, list_modes);
@@ -392,6 +366,7 @@ std::size_t real_field_bound(const FieldEdit& edit, const void* value, int kind,
 
 char* put_real(char* out, const void* value, int kind, const FieldEdit& edit,
                const EditModes& modes) {
+    if (char* end = quick_put_real(out, value, kind, edit, modes)) return end;
     const bool minimal = edit.w <= 0 && edit.edit != Edit::F;
     return put_edited(out, value, kind, edit, minimal, true, modes);
 }

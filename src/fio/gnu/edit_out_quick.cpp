@@ -71,22 +71,30 @@ constexpr std::array<Divisor, 19> divisors = [] {
     return table;
 }();
 
-std::uint64_t divide(std::uint64_t dividend, int k) {
+inline std::uint64_t divide(std::uint64_t dividend, int k) {
     if (k == 0) return dividend;
     const Divisor& divisor = divisors[static_cast<std::size_t>(k)];
     const auto product = static_cast<unsigned __int128>(dividend) * divisor.factor;
     return static_cast<std::uint64_t>(product >> 64) >> divisor.shift;
 }
 
-// `count` blanks in a field that has at least `room` columns left.
-char* put_blanks(char* out, int count, int room) {
+// Blanks, by stores that may overlap rather than by a call.
+[[gnu::always_inline]] inline char* put_blanks(char* out, int count) {
     constexpr std::uint64_t blanks = 0x2020'2020'2020'2020;
-    if (count + 8 <= room) {
-        for (int i = 0; i < count; i += 8) std::memcpy(out + i, &blanks, 8);
-    } else {
-        for (int i = 0; i < count; ++i) out[i] = ' ';
+    char* const end = out + count;
+    if (count >= 8) {
+        for (; end - out > 8; out += 8) std::memcpy(out, &blanks, 8);
+        std::memcpy(end - 8, &blanks, 8);
+    } else if (count >= 4) {
+        std::memcpy(out, &blanks, 4);
+        std::memcpy(end - 4, &blanks, 4);
+    } else if (count >= 2) {
+        std::memcpy(out, &blanks, 2);
+        std::memcpy(end - 2, &blanks, 2);
+    } else if (count == 1) {
+        *out = ' ';
     }
-    return out + count;
+    return end;
 }
 
 char* put_stars(char* out, int count) {
@@ -97,7 +105,8 @@ char* put_stars(char* out, int count) {
 // A field with a number of `needed` columns, sign included; `body` writes its characters from the
 // first digit or the point on. `before`: digits stand before the point, `bare`: none stand behind.
 template <typename Body>
-char* put_field(char* out, const QuickField& field, int needed, bool before, bool bare, Body body) {
+[[gnu::always_inline]] inline char* put_field(char* out, const QuickField& field, int needed,
+                                              bool before, bool bare, Body body) {
     int w = field.w;
     if (w <= 0) {
         const bool zero = !before && (field.minimal ? needed < field.usual : bare);
@@ -107,17 +116,18 @@ char* put_field(char* out, const QuickField& field, int needed, bool before, boo
     if (blanks < 0 || w == 1 || (w == 2 && field.sign != 0)) return put_stars(out, w + field.tail);
     const bool leading_zero = !before && blanks > 0;
     blanks -= leading_zero ? 1 : 0;
-    out = put_blanks(out, blanks, w);
+    out = put_blanks(out, blanks);
     *out = field.sign;
     out += field.sign != 0 ? 1 : 0;
     *out = '0';
     out += leading_zero ? 1 : 0;
     out = body(out);
-    return put_blanks(out, field.tail, field.tail);
+    return put_blanks(out, field.tail);
 }
 
 // digits x 10^-d, with d decimals.
-char* put_fixed(char* out, std::uint64_t digits, int d, const QuickField& field) {
+[[gnu::always_inline]] inline char* put_fixed(char* out, std::uint64_t digits, int d,
+                                              const QuickField& field) {
     const std::uint64_t whole = divide(digits, d);
     const std::uint64_t fraction = digits - whole * powers_of_ten[static_cast<std::size_t>(d)];
     const int before = whole == 0 ? 0 : decimal_length(whole);
@@ -172,8 +182,9 @@ char* put_exponent(char* out, int exponent, char letter, const QuickExponent& sh
 
 // `count` digits with the exponent, the point behind the first (`scale` 1) or before it (0).
 // False when the general road has to decide.
-char* put_exponential(char* out, const QuickReal& real, int count, int scale, char letter,
-                      const QuickField& field) {
+[[gnu::always_inline]] inline char* put_exponential(char* out, const QuickReal& real, int count,
+                                                    int scale, char letter,
+                                                    const QuickField& field) {
     if (count < 1 || count > most_quick_digits) return nullptr;
     QuickDigits number{0, scale};
     if (!real.zero && !quick_significant(real.normal, count, number)) return nullptr;
@@ -192,10 +203,11 @@ char* put_exponential(char* out, const QuickReal& real, int count, int scale, ch
     });
 }
 
+// Where G turns from one form to another, in the arithmetic of the item's type.
 template <typename Real>
 struct General {
-    // The powers of ten that the type holds exactly, and what a limit between two forms of a G
-    // field is multiplied by, in the arithmetic of the type.
+    // The powers of ten that the type holds exactly, and what a limit between two forms is
+    // multiplied by.
     static constexpr int most = sizeof(Real) == 8 ? 22 : 10;
     static constexpr std::array<Real, most + 1> tens = [] {
         std::array<Real, most + 1> table{};
@@ -212,7 +224,7 @@ struct General {
     }();
 
     // The digits before the point, or -1 where the exponent is shown. d lies from 1 to `most`.
-    static int digits_before(const void* item, const QuickReal& real, int d) {
+    static int digits_before(const void* item, const NormalReal& normal, int d) {
         Real value;
         std::memcpy(&value, item, sizeof value);
         value = std::abs(value);
@@ -222,86 +234,60 @@ struct General {
             return -1;
         }
         // The value may be rounded up to the next power.
-        int before = quick_point(real.normal);
+        int before = quick_point(normal);
         if (before < 0) before = 0;
         if (before < d && value >= tens[static_cast<std::size_t>(before)] * scale) ++before;
         return before;
     }
 };
 
-// G. `chosen`: d was given by the program, and not by the kind.
-template <typename Real>
-char* put_general(char* out, const void* item, const QuickReal& real, int d, int e, int scale,
-                  bool chosen, QuickField& field) {
-    if (d < 1 || d > General<Real>::most || d > most_quick_digits) return nullptr;
-    const int before = real.zero ? 1 : General<Real>::digits_before(item, real, d);
-    if (before < 0) {
-        if (scale != 0 && scale != 1) return nullptr;
-        if (!chosen) d -= scale;
-        return put_exponential(out, real, d + scale, scale, 'E', field);
-    }
-    std::uint64_t digits = 0;
-    if (!real.zero && !quick_fraction(real.normal, d - before, digits)) return nullptr;
-    if (!field.minimal) {
-        int tail = e <= 0 ? 4 : e + 2;
-        if (tail >= field.w) tail = field.w - 1;
-        field.tail = tail;
-        field.w -= tail;
-    }
-    return put_fixed(out, digits, d - before, field);
-}
+// What is asked for, with the defaults of the kind filled in. `chosen`: d was given by the
+// program.
+struct QuickRequest {
+    Edit edit = Edit::G;
+    int d = 0;
+    int scale = 0;
+    bool chosen = true;
+};
 
-template <typename Real>
-char* put(char* out, const void* item, int kind, const FieldEdit& edit, const EditModes& modes) {
+[[gnu::always_inline]] inline char* put(char* out, const void* item, int kind, QuickRequest request,
+                                        QuickField field, const EditModes& modes) {
     QuickReal real;
-    if (!load<Real>(item, real)) return nullptr;
-    QuickField field;
-    field.w = edit.w > 0 ? edit.w : 0;
-    field.e = edit.e;
+    if (!(kind == 8 ? load<double>(item, real) : load<float>(item, real))) return nullptr;
     field.mark = modes.decimal == DecimalMark::comma ? ',' : '.';
     field.sign = real.negative ? '-' : modes.sign == SignMode::plus ? '+' : '\0';
-    int d = edit.d;
-    if (edit.edit == Edit::F) {
-        if (d < 0) d = 0;
-        if (modes.scale != 0 || d > most_quick_digits) return nullptr;
-        std::uint64_t digits = 0;
-        if (!real.zero && !quick_fraction(real.normal, d, digits)) return nullptr;
-        return put_fixed(out, digits, d, field);
-    }
-    const bool chosen = d > 0 || field.w != 0;
-    if (field.w == 0) {
-        field.minimal = true;
-        field.usual = usual_width(kind);
-        if (d <= 0) d = default_digits(kind);
-    }
-    switch (edit.edit) {
-        case Edit::E:
-        case Edit::D: {
-            const int scale = modes.scale;
-            if (scale != 0 && scale != 1) return nullptr;
-            return put_exponential(out, real, d + scale, scale, edit.edit == Edit::E ? 'E' : 'D',
-                                   field);
+    int decimals = request.d;
+    bool fixed = request.edit == Edit::F;
+    if (request.edit == Edit::G) {
+        const int most = kind == 8 ? most_quick_digits : General<float>::most;
+        if (decimals < 1 || decimals > most) return nullptr;
+        const int before = real.zero   ? 1
+                           : kind == 8 ? General<double>::digits_before(item, real.normal, decimals)
+                                       : General<float>::digits_before(item, real.normal, decimals);
+        fixed = before >= 0;
+        if (fixed) {
+            decimals -= before;
+            request.scale = 0;
+            if (!field.minimal) {
+                field.tail = field.e <= 0 ? 4 : field.e + 2;
+                if (field.tail >= field.w) field.tail = field.w - 1;
+                field.w -= field.tail;
+            }
+        } else if (!request.chosen) {
+            decimals -= request.scale > 0 ? 1 : 0;
         }
-        case Edit::ES:
-            return put_exponential(out, real, d + 1, 1, 'E', field);
-        case Edit::G:
-            return put_general<Real>(out, item, real, d, edit.e, modes.scale, chosen, field);
-        default:
-            return nullptr;
+    } else if (request.edit == Edit::ES) {
+        request.scale = 1;
     }
-}
-
-template <typename Real>
-char* put_list(char* out, const void* item, int kind, const EditModes& modes) {
-    constexpr bool is_double = sizeof(Real) == 8;
-    QuickReal real;
-    if (!load<Real>(item, real)) return nullptr;
-    QuickField field;
-    field.w = usual_width(kind);
-    field.e = is_double ? 3 : 2;
-    field.mark = modes.decimal == DecimalMark::comma ? ',' : '.';
-    field.sign = real.negative ? '-' : modes.sign == SignMode::plus ? '+' : '\0';
-    return put_general<Real>(out, item, real, default_digits(kind), field.e, 1, false, field);
+    if (fixed) {
+        if (request.scale != 0 || decimals > most_quick_digits) return nullptr;
+        std::uint64_t digits = 0;
+        if (!real.zero && !quick_fraction(real.normal, decimals, digits)) return nullptr;
+        return put_fixed(out, digits, decimals, field);
+    }
+    if (request.scale != 0 && request.scale != 1) return nullptr;
+    return put_exponential(out, real, decimals + request.scale, request.scale,
+                           request.edit == Edit::D ? 'D' : 'E', field);
 }
 
 bool quick(int kind, const EditModes& modes) {
@@ -312,15 +298,28 @@ bool quick(int kind, const EditModes& modes) {
 
 char* quick_put_real(char* out, const void* value, int kind, const FieldEdit& edit,
                      const EditModes& modes) {
-    if (!quick(kind, modes)) return nullptr;
-    return kind == 8 ? put<double>(out, value, kind, edit, modes)
-                     : put<float>(out, value, kind, edit, modes);
+    if (!quick(kind, modes) || edit.edit == Edit::EN || edit.edit == Edit::EX) return nullptr;
+    QuickField field;
+    field.w = edit.w > 0 ? edit.w : 0;
+    field.e = edit.e;
+    QuickRequest request{edit.edit, edit.d > 0 ? edit.d : 0, modes.scale, true};
+    if (field.w == 0 && edit.edit != Edit::F) {
+        field.minimal = true;
+        field.usual = usual_width(kind);
+        if (request.d == 0) {
+            request.d = default_digits(kind);
+            request.chosen = false;
+        }
+    }
+    return put(out, value, kind, request, field, modes);
 }
 
 char* quick_put_list_real(char* out, const void* value, int kind, const EditModes& modes) {
     if (!quick(kind, modes)) return nullptr;
-    return kind == 8 ? put_list<double>(out, value, kind, modes)
-                     : put_list<float>(out, value, kind, modes);
+    QuickField field;
+    field.w = usual_width(kind);
+    field.e = kind == 8 ? 3 : 2;
+    return put(out, value, kind, {Edit::G, default_digits(kind), 1, false}, field, modes);
 }
 
 }  // namespace tarn::fio

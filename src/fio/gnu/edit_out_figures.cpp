@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cstring>
 
+#include "fio/gnu/edit_out_general.h"
+
 namespace tarn::fio {
 
 namespace {
@@ -100,9 +102,7 @@ DecimalDigits shown_digits(const BinaryReal& value, int kind, std::int64_t count
 // made in the arithmetic of the item's type, so that far from 1 it can miss.
 template <typename Real>
 std::int32_t guessed_exponent(const void* item, const DecimalDigits& one) {
-    Real value;
-    std::memcpy(&value, item, sizeof value);
-    if (value < 0) value = -value;
+    const Real value = load_magnitude<Real>(item);
     const std::int32_t exponent = one.point - 1;
     if (*one.digits != '1') return exponent;
     const Real scaled = power_of_ten<Real>(-exponent) * value;

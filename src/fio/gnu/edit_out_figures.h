@@ -73,13 +73,4 @@ constexpr std::int32_t above_three(std::int32_t exponent) {
     return rest < 0 ? rest + 3 : rest;
 }
 
-// 10^n as gfortran's run-time computes it in the type of an item: by repeated multiplication, and
-// one division for n below 0.
-template <typename Real>
-Real power_of_ten(std::int64_t n) {
-    Real power = 1;
-    for (std::int64_t i = n < 0 ? -n : n; i > 0; --i) power *= 10;
-    return n < 0 ? 1 / power : power;
-}
-
 }  // namespace tarn::fio

@@ -1,10 +1,11 @@
 #include "fio/gnu/edit_out_quick.h"
 
 #include <array>
-#include <cmath>
 #include <cstring>
 
+#include "fio/gnu/edit_out_blanks.h"
 #include "fio/gnu/edit_out_figures.h"
+#include "fio/gnu/edit_out_general.h"
 #include "fio/number/quick_decimal.h"
 
 namespace tarn::fio {
@@ -76,25 +77,6 @@ inline std::uint64_t divide(std::uint64_t dividend, int k) {
     const Divisor& divisor = divisors[static_cast<std::size_t>(k)];
     const auto product = static_cast<unsigned __int128>(dividend) * divisor.factor;
     return static_cast<std::uint64_t>(product >> 64) >> divisor.shift;
-}
-
-// Blanks, by stores that may overlap rather than by a call.
-[[gnu::always_inline]] inline char* put_blanks(char* out, int count) {
-    constexpr std::uint64_t blanks = 0x2020'2020'2020'2020;
-    char* const end = out + count;
-    if (count >= 8) {
-        for (; end - out > 8; out += 8) std::memcpy(out, &blanks, 8);
-        std::memcpy(end - 8, &blanks, 8);
-    } else if (count >= 4) {
-        std::memcpy(out, &blanks, 4);
-        std::memcpy(end - 4, &blanks, 4);
-    } else if (count >= 2) {
-        std::memcpy(out, &blanks, 2);
-        std::memcpy(end - 2, &blanks, 2);
-    } else if (count == 1) {
-        *out = ' ';
-    }
-    return end;
 }
 
 char* put_stars(char* out, int count) {
@@ -203,44 +185,6 @@ char* put_exponent(char* out, int exponent, char letter, const QuickExponent& sh
     });
 }
 
-// Where G turns from one form to another, in the arithmetic of the item's type.
-template <typename Real>
-struct General {
-    // The powers of ten that the type holds exactly, and what a limit between two forms is
-    // multiplied by.
-    static constexpr int most = sizeof(Real) == 8 ? 22 : 10;
-    static constexpr std::array<Real, most + 1> tens = [] {
-        std::array<Real, most + 1> table{};
-        table[0] = 1;
-        for (std::size_t i = 1; i < table.size(); ++i) table[i] = table[i - 1] * 10;
-        return table;
-    }();
-    static constexpr std::array<Real, most + 1> scales = [] {
-        std::array<Real, most + 1> table{};
-        for (std::size_t i = 0; i < table.size(); ++i) {
-            table[i] = static_cast<Real>(1 - static_cast<Real>(0.5) / tens[i]);
-        }
-        return table;
-    }();
-
-    // The digits before the point, or -1 where the exponent is shown. d lies from 1 to `most`.
-    static int digits_before(const void* item, const NormalReal& normal, int d) {
-        Real value;
-        std::memcpy(&value, item, sizeof value);
-        value = std::abs(value);
-        const Real scale = scales[static_cast<std::size_t>(d)];
-        const Real limit = tens[static_cast<std::size_t>(d)];
-        if (value < static_cast<Real>(0.1 * scale) || static_cast<Real>(0.5) >= limit - value) {
-            return -1;
-        }
-        // The value may be rounded up to the next power.
-        int before = quick_point(normal);
-        if (before < 0) before = 0;
-        if (before < d && value >= tens[static_cast<std::size_t>(before)] * scale) ++before;
-        return before;
-    }
-};
-
 // What is asked for, with the defaults of the kind filled in. `chosen`: d was given by the
 // program.
 struct QuickRequest {
@@ -261,9 +205,14 @@ struct QuickRequest {
     if (request.edit == Edit::G) {
         const int most = kind == 8 ? most_quick_digits : General<float>::most;
         if (decimals < 1 || decimals > most) return nullptr;
-        const int before = real.zero   ? 1
-                           : kind == 8 ? General<double>::digits_before(item, real.normal, decimals)
-                                       : General<float>::digits_before(item, real.normal, decimals);
+        int before = 1;
+        if (!real.zero) {
+            const int point = quick_point(real.normal);
+            before =
+                kind == 8
+                    ? General<double>::digits_before(load_magnitude<double>(item), point, decimals)
+                    : General<float>::digits_before(load_magnitude<float>(item), point, decimals);
+        }
         fixed = before >= 0;
         if (fixed) {
             decimals -= before;

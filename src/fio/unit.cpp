@@ -129,6 +129,7 @@ void Unit_initialise(Unit& unit, std::int32_t number, bool buffered) {
     unit.saved_record = nullptr;
     unit.saved_size = unit.saved_cursor = unit.saved_last = 0;
     unit.saved_high_water = unit.saved_length = 0;
+    unit.unfinished_line = 0;
     unit.driver = nullptr;
     unit.kind = UnitKind::driver;
     unit.share = 0;

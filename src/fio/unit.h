@@ -98,6 +98,8 @@ struct Unit {
     std::size_t saved_last = 0;
     std::size_t saved_high_water = 0;
     std::size_t saved_length = 0;  // 0: nothing kept
+    // Characters of a line that a non-advancing native WRITE has left unfinished on the file.
+    std::int64_t unfinished_line = 0;
     void* driver = nullptr;        // a user driver, or the window or edit box of a window unit
     UnitKind kind = UnitKind::driver;
     std::int32_t share = 0;  // 0 COMPAT, 1 DENYRW, 2 DENYWR, 3 DENYRD, 4 DENYNONE

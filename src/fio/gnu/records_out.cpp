@@ -133,13 +133,19 @@ void finish_external(Statement& s) {
         s.begin = at.begin;
         s.high = at.begin + length;
     }
-    std::memcpy(s.high, line_end.data(), line_end.size());
+    if (line_end.size() == 1) {
+        *s.high = line_end[0];
+    } else {
+        std::memcpy(s.high, line_end.data(), line_end.size());
+    }
     int err = 0;
     end_record(unit.file, static_cast<std::size_t>(s.high - s.begin) + line_end.size(),
                leaves_at_once(unit), err);
     unit.gnu.record_open = false;
     ++unit.current_record;
     s.column_base = 0;
+    // A formatted stream ends behind the record that was written last.
+    if (s.stream && unit.file.size > unit.file.logical_position) cut_here(unit.file, err);
     if (err != 0) fail_system(s, err);
 }
 
@@ -160,10 +166,11 @@ void finish_internal(Statement& s) {
 // A sequential WRITE makes its record the last one of the file.
 void cut_behind(Statement& s) {
     Unit& unit = *s.unit;
-    if (s.direct || s.stream || unit.gnu.last_was_write) return;
+    if (unit.gnu.last_was_write) return;
+    unit.gnu.last_was_write = true;
+    if (s.direct || s.stream) return;
     int err = 0;
     cut_here(unit.file, err);
-    unit.gnu.last_was_write = true;
     unit.gnu.end = EndState::at;
     if (err != 0) fail_system(s, err);
 }
@@ -252,7 +259,7 @@ void fill_wide(Statement& s, const char* end) {
 void finish_open_record(Unit& unit, int& err) {
     if (!unit.gnu.record_open || !unit.gnu.last_was_write) return;
     unit.gnu.record_open = false;
-    // A prompt on standard output stays without a line end.
+    // A prompt at the end of the program stays as it is; any other unit ends with a whole record.
     const GnuOptions& options = gnu_options();
     const bool standard = unit.number == options.stdout_unit || unit.number == options.stderr_unit;
     const std::string_view line_end = standard ? std::string_view() : unit.dialect->line_end;
@@ -296,7 +303,7 @@ void move_left(Statement& s, std::int64_t count) {
 }
 
 void move_to_column(Statement& s, std::int64_t column) {
-    const std::int64_t here = (s.cursor - s.begin) / cell_size(s) + s.pending + s.column_base;
+    const std::int64_t here = (s.cursor - s.begin) / cell_size(s) + s.pending;
     if (column >= here) return move_right(s, column - here);
     move_left(s, here - column);
 }

@@ -4,6 +4,7 @@
 
 #include "fio/file/record_buffer.h"
 #include "fio/gnu/internal_file.h"
+#include "fio/gnu/options.h"
 #include "fio/gnu/records.h"
 #include "fio/unit.h"
 
@@ -278,9 +279,10 @@ void fill_wide(Statement& s, const char* end) {
 void finish_open_record(Unit& unit, int& err) {
     if (!unit.gnu.record_open || !unit.gnu.last_was_write) return;
     unit.gnu.record_open = false;
-    // A prompt at the end of the program stays as it is; a file ends with a whole record.
-    const bool console = unit.file.descriptor == 1 || unit.file.descriptor == 2;
-    const std::string_view line_end = console ? std::string_view{} : unit.dialect->line_end;
+    // A prompt at the end of the program stays as it is; any other unit ends with a whole record.
+    const GnuOptions& options = gnu_options();
+    const bool standard = unit.number == options.stdout_unit || unit.number == options.stderr_unit;
+    const std::string_view line_end = standard ? std::string_view() : unit.dialect->line_end;
     const std::size_t length = unit.saved_length + line_end.size();
     const OutputRoom at = begin_record(unit.file, length, err);
     if (at.begin == nullptr) return;

@@ -4,6 +4,7 @@
 
 #include "fio/gnu/edit_out_figures.h"
 #include "fio/gnu/edit_out_general.h"
+#include "fio/gnu/edit_out_hexadecimal.h"
 #include "fio/gnu/edit_out_quick.h"
 
 namespace tarn::fio {
@@ -246,6 +247,7 @@ char* put_edited(char* out, const void* item, int kind, const FieldEdit& edit, b
     const BinaryReal value = take_apart(item, kind);
     const std::int32_t w = std::max(edit.w, 0);
     if (value.kind != RealClass::finite) return put_special(out, value, minimal ? 0 : w, modes);
+    if (edit.edit == Edit::EX) return put_hexadecimal(out, value, edit, modes);
     Request request{edit.edit, edit.d, modes.scale, {w, edit.e, 0, minimal, usual_width(kind)}};
     if (minimal && edit.d <= 0) {
         request.d = default_digits(kind);
@@ -316,6 +318,7 @@ char* put_list_complex(char* out, const void* value, int kind, const EditModes& 
 std::size_t real_field_bound(const FieldEdit& edit, const void* value, int kind,
                              const EditModes& modes) {
     if (edit.w > 0) return static_cast<std::size_t>(edit.w);
+    if (edit.edit == Edit::EX) return hexadecimal_field_bound(edit);
     const auto d = static_cast<std::int64_t>(std::max(edit.d, default_digits(kind)));
     const auto e = static_cast<std::int64_t>(std::max(edit.e, 5));
     // Sign, leading zero, point, exponent letter and sign.
@@ -326,8 +329,6 @@ std::size_t real_field_bound(const FieldEdit& edit, const void* value, int kind,
             bound +=
                 std::max<std::int64_t>(0, std::int64_t{decimal_exponent(real)} + 2 + modes.scale);
         }
-    } else if (edit.edit != Edit::G) {
-        bound += std::abs(std::int64_t{modes.scale});
     } else {
         bound += std::abs(std::int64_t{modes.scale});
     }

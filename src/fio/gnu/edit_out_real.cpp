@@ -1,6 +1,6 @@
 #include <algorithm>
 #include <cstring>
-#include <limits>
+#include <string_view>
 
 #include "fio/gnu/edit_out_figures.h"
 #include "fio/gnu/edit_out_general.h"
@@ -143,6 +143,11 @@ char* put_number(char* out, const Figures& figures, const Field& field, bool neg
     return put_blanks(out, field.trailing_blanks);
 }
 
+char* put_text(char* out, std::string_view text) {
+    for (const char character : text) *out++ = character;
+    return out;
+}
+
 // Infinity and not-a-number.
 char* put_special(char* out, const BinaryReal& value, std::int64_t w, const EditModes& modes) {
     const char sign = sign_of(value.negative, modes.sign);
@@ -150,18 +155,15 @@ char* put_special(char* out, const BinaryReal& value, std::int64_t w, const Edit
         if (w == 0) w = 3;
         if (w < 3) return put_stars(out, w);
         out = put_blanks(out, w - 3);
-        std::memcpy(out, "NaN", 3);
-        return out + 3;
+        return put_text(out, "NaN");
     }
     if (w == 0) w = sign != 0 ? 4 : 3;
     if (w < 3 || (w == 3 && value.negative)) return put_stars(out, w);
     const std::int64_t signs = sign != 0 && w > 3 ? 1 : 0;
-    const char* const name = w - signs >= 8 ? "Infinity" : "Inf";
-    const std::size_t length = std::strlen(name);
-    out = put_blanks(out, w - signs - static_cast<std::int64_t>(length));
+    const std::string_view name = w - signs >= 8 ? "Infinity" : "Inf";
+    out = put_blanks(out, w - signs - static_cast<std::int64_t>(name.size()));
     if (signs != 0) *out++ = sign;
-    std::memcpy(out, name, length);
-    return out + length;
+    return put_text(out, name);
 }
 
 // The digits before the point of a G field, or -1 where it shows the exponent.

@@ -78,6 +78,13 @@ std::int64_t end_of(const File& file) {
 }
 
 // As OPEN left it, until the file has been moved in; then what the place itself tells.
+// POS= of the next transfer: a READ may have stopped inside a record.
+std::int64_t stream_position(const Unit& unit) {
+    const GnuConnection& gnu = unit.gnu;
+    const bool inside = gnu.record_open && !gnu.last_was_write;
+    return unit.file.logical_position + 1 + static_cast<std::int64_t>(inside ? gnu.open_column : 0);
+}
+
 std::string_view position_word(const Unit& unit) {
     if (unit.status.direct) return "UNDEFINED";
     const File& file = unit.file;
@@ -110,7 +117,7 @@ void answer_numbers(Unit& unit, const Inquiry& q) {
     answer(q.pending, 0);
     answer(q.nextrec, status.direct ? unit.gnu.record_number + 1 : 0);
     answer(q.recl, status.stream ? recl_of_stream : unit.recl);
-    answer(q.pos, status.stream ? unit.file.logical_position + 1 : 0);
+    answer(q.pos, status.stream ? stream_position(unit) : 0);
     if (q.size != nullptr) *q.size = size_of(unit);
     if (!status.scratch) answer(q.name, unit.gnu.name);
 }

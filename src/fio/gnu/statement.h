@@ -72,6 +72,7 @@ struct Statement {
 
     // The record at hand. On output of 4-byte characters the pointers step by four.
     char* begin = nullptr;
+    char* tab_limit = nullptr;  // input: column 1 of T; where a non-advancing statement began
     char* cursor = nullptr;
     char* high = nullptr;             // output: the furthest byte written
     char* limit = nullptr;            // input: end of the record; output: end of the room at hand,

@@ -16,10 +16,6 @@ constexpr std::string_view line_end = "\r\n";
 
 constexpr int error_device_full = 28;
 
-bool is_file(const Unit& unit) {
-    return unit.kind == UnitKind::text || unit.kind == UnitKind::full ||
-           unit.kind == UnitKind::printer;
-}
 bool is_transparent(const IO_type& io) {
     return !io.internal_file && io.unit->status.transparent;
 }
@@ -217,7 +213,8 @@ bool write_window_record(IO_type& io, Output out) {
         out.length += line_end.size();
     }
     if (unit.window_target == 0) {
-        if (window.window_write == nullptr) return IO_not_available("Text windows are not available");
+        if (window.window_write == nullptr)
+            return IO_not_available("Text windows are not available");
         if (window.window_flush != nullptr) window.window_flush();
         window.window_write(unit.driver, start, out.length);
         return true;

@@ -140,7 +140,9 @@ bool check_direction(IO_type& io) {
     if (!status.reading && !status.writing) return begin_direction(io);
     const bool reading = is_read(io.action);
     if (reading ? status.reading : status.writing) return true;
-    if (!reading && !status.may_write && !IO_error(139)) return false;
+    // A unit that was opened for one direction has its flag from the start.
+    const bool allowed = reading ? status.may_read : status.may_write;
+    if (!allowed && !IO_error(reading ? 208 : 139)) return false;
     status.reading = status.writing = true;
     return true;
 }
@@ -185,6 +187,9 @@ bool move_right(IO_type& io, std::int64_t distance) {
         const std::int64_t rest = data_end(io) - io.record_cursor;
         io.record_cursor += std::clamp<std::int64_t>(rest, 0, distance);
         return true;
+    }
+    if (is_read(io.action) && io.internal_file && distance > room_to_record_end(io)) {
+        Fix_buffer_end_pointer(distance);
     }
     if (!reserve_field(io, distance)) return false;
     io.record_cursor += distance;

@@ -82,8 +82,6 @@ TEST(FormatParser, RevertsToTheLastInnerGroup) {
     const Words expected = {0xD9, 0, 1, 0xD9, 2, 2, 0xC9, 0, 3,    0x98, 1,
                             0x9A, 8, 0xC1, 0, 0, 0x97, 13};
     EXPECT_EQ(parse("(2(I3,1X),A)").words, expected);
-    const Words nested = parse("((I3,(A)),I2,2(L1),X'')").words;
-    EXPECT_TRUE(nested.empty());
     const Words two = parse("((I3,(A)),I2,2(L1),1X)").words;
     EXPECT_EQ(two.back(), 8 + 2);  // the group of L1, then ) and 1X
 }

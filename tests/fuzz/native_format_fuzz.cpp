@@ -9,6 +9,7 @@
 #include "fio/native/format_parser.h"
 #include "fio/native/format_stream.h"
 #include "fio/native/io_type.h"
+#include "fio/native/state.h"
 
 using namespace tarn::fio;
 using namespace tarn::fio::native;

@@ -69,8 +69,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (size < kinds + 1) return 0;
     static std::int32_t iostat;
     IO_initialise();
-    Records records(
-        std::string(reinterpret_cast<const char*>(data) + kinds + 1, size - kinds - 1));
+    Records records(std::string(reinterpret_cast<const char*>(data) + kinds + 1, size - kinds - 1));
     beginIO(ActionCode::read_formatted);
     IO_type& io = current();
     io.unit = io.target_unit = nowhere_unit();

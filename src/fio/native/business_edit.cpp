@@ -27,7 +27,7 @@ enum Stage : std::int32_t {
 };
 
 struct Picture {
-    std::string text;         // in capitals, without the trailing mark
+    std::string text;  // in capitals, without the trailing mark
     char leading_sign = '\0';
     char trailing_mark = '\0';  // '+', '-' or 'C' for CR
     std::int64_t positions = 0;
@@ -259,8 +259,10 @@ bool edit_number(long double value) {
     const bool is_number = std::isfinite(value);
     char room[max_native_digits];
     NativeDigits digits;
-    if (is_number) digits = native_digits(value, static_cast<std::int32_t>(-picture.fraction), room);
-    // Zeros between the point and the first digit are spare places too, as many as the fraction has.
+    if (is_number)
+        digits = native_digits(value, static_cast<std::int32_t>(-picture.fraction), room);
+    // Zeros between the point and the first digit are spare places too, as many as the fraction
+    // has.
     const std::int64_t point = std::max<std::int64_t>(digits.point, -picture.fraction);
     if (!is_number || point > picture.positions) {
         put_asterisks(io, width);

@@ -36,7 +36,8 @@ bool may_go_in_parts(const IO_type& io) {
 bool put_in_parts(IO_type& io, std::string_view text) {
     while (!text.empty()) {
         const std::int64_t room = room_to_record_end(io);
-        const std::string_view part = text.substr(0, static_cast<std::size_t>(std::max<std::int64_t>(room, 0)));
+        const std::string_view part =
+            text.substr(0, static_cast<std::size_t>(std::max<std::int64_t>(room, 0)));
         text.remove_prefix(part.size());
         if (!put_text(io, part)) return false;
         if (!text.empty() && !write_part_of_line(io)) return false;
@@ -97,7 +98,8 @@ bool read_edited(IO_type& io, char* item, std::ptrdiff_t length) {
 
 bool write_list(IO_type& io, std::string_view text) {
     while (!text.empty()) {
-        const auto room = static_cast<std::size_t>(std::max<std::int64_t>(room_to_record_end(io), 0));
+        const auto room =
+            static_cast<std::size_t>(std::max<std::int64_t>(room_to_record_end(io), 0));
         const std::string_view part = text.substr(0, room);
         text.remove_prefix(part.size());
         if (!put_text(io, part)) return false;

@@ -7,10 +7,10 @@ namespace tarn::fio::native {
 namespace {
 
 constexpr std::string_view names[] = {
-    "ZERO",     "ONE",     "TWO",       "THREE",    "FOUR",     "FIVE",    "SIX",
-    "SEVEN",    "EIGHT",   "NINE",      "TEN",      "ELEVEN",   "TWELVE",  "THIRTEEN",
-    "FOURTEEN", "FIFTEEN", "SIXTEEN",   "SEVENTEEN", "EIGHTEEN", "NINETEEN", "TWENTY",
-    "THIRTY",   "FORTY",   "FIFTY",     "SIXTY",    "SEVENTY",  "EIGHTY",  "NINETY",
+    "ZERO",     "ONE",     "TWO",     "THREE",     "FOUR",     "FIVE",     "SIX",
+    "SEVEN",    "EIGHT",   "NINE",    "TEN",       "ELEVEN",   "TWELVE",   "THIRTEEN",
+    "FOURTEEN", "FIFTEEN", "SIXTEEN", "SEVENTEEN", "EIGHTEEN", "NINETEEN", "TWENTY",
+    "THIRTY",   "FORTY",   "FIFTY",   "SIXTY",     "SEVENTY",  "EIGHTY",   "NINETY",
 };
 constexpr std::uint64_t first_tens = 18;  // names[18 + d] is ten times d
 

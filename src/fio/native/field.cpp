@@ -10,7 +10,8 @@ bool pass_input(IO_type& io, const InputField& field, std::int64_t width, bool c
     const bool line_end = is_stream(io) && field.end - field.begin < width;
     // What stands at a stream's line end stays there.
     const std::int64_t moved = comma ? taken : line_end ? field.end - field.begin : width;
-    io.record_cursor = std::min(io.record_cursor + moved, std::max(io.record_end, io.record_last) + 1);
+    io.record_cursor =
+        std::min(io.record_cursor + moved, std::max(io.record_end, io.record_last) + 1);
     if (!io.edit.end_of_record) return true;
     io.edit.end_of_record = false;
     return IO_end_of_record();

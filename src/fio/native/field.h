@@ -50,14 +50,14 @@ struct InputField {
 inline InputField input_field(const IO_type& io, std::int64_t width) {
     const char* const begin = io.record_cursor;
     const std::int64_t there = data_end(io) - begin;
-    const char* const end = begin + std::clamp<std::int64_t>(width, 0, std::max<std::int64_t>(there, 0));
+    const char* const end =
+        begin + std::clamp<std::int64_t>(width, 0, std::max<std::int64_t>(there, 0));
     return {begin, end, begin};
 }
 
 // Ends an input field of `width` columns: the cursor goes behind it, or behind the comma that cut
 // it short; a non-advancing READ that ran out of its record ends.
-[[nodiscard]] bool pass_input(IO_type& io, const InputField& field, std::int64_t width,
-                              bool comma);
+[[nodiscard]] bool pass_input(IO_type& io, const InputField& field, std::int64_t width, bool comma);
 
 // A comma ends a field before its width does, except in strict mode.
 inline bool ends_field(char c) {

@@ -287,7 +287,7 @@ bool IO_read_bin_oct_hex(IO_type& io, std::int64_t size, unsigned __int128& valu
             comma = true;
             continue;
         }
-        const unsigned digit = is_digit(c) ? static_cast<unsigned>(c - '0')
+        const unsigned digit = is_digit(c)            ? static_cast<unsigned>(c - '0')
                                : c >= 'A' && c <= 'F' ? static_cast<unsigned>(c - 'A') + 10
                                                       : 16;
         if (digit >> shift != 0) {

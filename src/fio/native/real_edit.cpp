@@ -266,7 +266,7 @@ bool write_scaled(IO_type& io, RealEdit edit, long double value) {
 
 bool write_special(IO_type& io, const RealEdit& edit, const RealValue& real) {
     const bool negative = real.value < 0;
-    const std::string_view text = real.kind == RealKind::nan  ? "NaN"
+    const std::string_view text = real.kind == RealKind::nan        ? "NaN"
                                   : real.kind != RealKind::infinite ? "?"
                                   : negative                        ? "-Infinity"
                                                                     : "Infinity";
@@ -288,8 +288,8 @@ bool write_special(IO_type& io, const RealEdit& edit, const RealValue& real) {
 bool write_value(IO_type& io, RealEdit edit, const RealValue& real) {
     if (real.kind != RealKind::finite) return write_special(io, edit, real);
     if (edit.code != op_F) return write_scaled(io, edit, real.value);
-    const long double scaled = edit.k < 0 ? real.value / power_of_ten(-edit.k)
-                                          : real.value * power_of_ten(edit.k);
+    const long double scaled =
+        edit.k < 0 ? real.value / power_of_ten(-edit.k) : real.value * power_of_ten(edit.k);
     if (std::isinf(scaled)) {
         return write_special(io, edit, {RealKind::infinite, scaled});
     }
@@ -407,8 +407,8 @@ void store_real(void* item, std::int32_t size, long double value) {
 }
 
 long double power_of_ten(std::int64_t n) {
-    static constexpr long double powers[] = {1E1L,   1E2L,   1E4L,    1E8L,    1E16L,
-                                             1E32L,  1E64L,  1E128L,  1E256L,  1E512L,
+    static constexpr long double powers[] = {1E1L,    1E2L,    1E4L,   1E8L,   1E16L,
+                                             1E32L,   1E64L,   1E128L, 1E256L, 1E512L,
                                              1E1024L, 1E2048L, 1E4096L};
     constexpr std::int64_t most = 8191;
     auto magnitude = static_cast<std::uint64_t>(std::clamp<std::int64_t>(n, 0, most));

@@ -98,8 +98,8 @@ bool check_exponent(const Reading& reading, std::int32_t size) {
 }
 
 long double value_of(const Reading& reading, std::int64_t d, std::int64_t k) {
-    static constexpr long double small_powers[] = {1E0L,  1E1L,  1E2L,  1E3L,  1E4L,  1E5L,
-                                                   1E6L,  1E7L,  1E8L,  1E9L,  1E10L, 1E11L,
+    static constexpr long double small_powers[] = {1E0L,  1E1L,  1E2L,  1E3L, 1E4L,  1E5L,
+                                                   1E6L,  1E7L,  1E8L,  1E9L, 1E10L, 1E11L,
                                                    1E12L, 1E13L, 1E14L, 1E15L};
     std::int64_t power = reading.has_point ? reading.fraction_digits : d;
     if (!reading.has_exponent) power += k;

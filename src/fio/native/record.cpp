@@ -16,6 +16,10 @@ constexpr std::string_view line_end = "\r\n";
 
 constexpr int error_device_full = 28;
 
+bool is_file(const Unit& unit) {
+    return unit.kind == UnitKind::text || unit.kind == UnitKind::full ||
+           unit.kind == UnitKind::printer;
+}
 bool is_transparent(const IO_type& io) {
     return !io.internal_file && io.unit->status.transparent;
 }
@@ -213,7 +217,8 @@ bool write_window_record(IO_type& io, Output out) {
         out.length += line_end.size();
     }
     if (unit.window_target == 0) {
-        if (window.window_write == nullptr) return IO_not_available("Text windows are not available");
+        if (window.window_write == nullptr)
+            return IO_not_available("Text windows are not available");
         if (window.window_flush != nullptr) window.window_flush();
         window.window_write(unit.driver, start, out.length);
         return true;
@@ -312,7 +317,9 @@ bool write_record(IO_type& io, Ending ending) {
         cut_trailing_blanks(out);
     }
     io.output_start = io.record_start;
-    io.edit.columns_before = ends_line ? 0 : io.edit.columns_before + length;
+    // A line on a screen may have been ended by the reader's own key: columns count anew there.
+    const bool counts = !ends_line && !io.no_line_end && is_file(unit);
+    io.edit.columns_before = counts ? io.edit.columns_before + length : 0;
     unit.unfinished_line = io.edit.columns_before;
     if (!write_unit_record(io, out)) return false;
     if (unit.status.stream) unit.file.stream_write_position = unit.file.logical_position + 1;
@@ -346,7 +353,7 @@ bool do_formatted_io_initialisation() {
     io.edit.repeat_left = 0;
     empty_record(io);
     const bool direct = is_direct(io.action);
-    if (direct && !IO_direct_access_position()) return false;
+    if (direct && is_file(*io.unit) && !IO_direct_access_position()) return false;
     if (!is_read(io.action)) {
         const bool whole = direct || io.internal_file || io.unit->status.fixed_record_length;
         const std::int64_t fill = whole ? io.record_length : std::min(io.record_length, fill_chunk);

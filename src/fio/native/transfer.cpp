@@ -60,8 +60,7 @@ bool prepare_format(IO_type& io) {
         io.run_time_format = false;
     } else {
         prepared.parsed = false;
-        const std::int32_t message =
-            decode_format(io.format_ptr, io.format_end, prepared.format);
+        const std::int32_t message = decode_format(io.format_ptr, io.format_end, prepared.format);
         if (message != 0) {
             if (!IO_error(message)) return false;
             // What can't be run is left out: the statement has no format to speak of.

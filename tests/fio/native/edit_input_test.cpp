@@ -139,10 +139,10 @@ TEST(LogicalInput, Fields) {
         const char* text;
         const char* result;
     } cases[] = {
-        {"(L3)", ".T.", "1"},  {"(L7)", " .FALSE", "0"}, {"(L1)", "t", "1"},
-        {"(L2)", "f", "0"},    {"(L3)", "", "#70"},      {"(L3)", "X", "#52"},
-        {"(L3)", "..T", "#52"}, {"(L3)", ".", "#52"},    {"(G3.0)", "T", "1"},
-        {"(L5)", ",", "0"},    {"(I3)", "T", "#51"},
+        {"(L3)", ".T.", "1"},   {"(L7)", " .FALSE", "0"}, {"(L1)", "t", "1"},
+        {"(L2)", "f", "0"},     {"(L3)", "", "#70"},      {"(L3)", "X", "#52"},
+        {"(L3)", "..T", "#52"}, {"(L3)", ".", "#52"},     {"(G3.0)", "T", "1"},
+        {"(L5)", ",", "0"},     {"(I3)", "T", "#51"},
     };
     for (const auto& c : cases) {
         Logical item{7};
@@ -180,10 +180,10 @@ TEST(Input, CharacterFields) {
         const char* text;
         const char* item;
     } cases[] = {
-        {"(A3)", "abcdef", "abc"},    {"(A)", "abcdef", "abc"},     {"(A2)", "abcdef", "ab "},
-        {"(A5)", "abcdef", "cde"},    {"(A)", "a", "a  "},          {"(A5)", "abc", "c  "},
-        {"(2X,A)", "abcdef", "cde"},  {"(T3,A2)", "abcdef", "cd "}, {"(T9,A)", "abcdef", "   "},
-        {"(3X,TL2,A)", "abcd", "bcd"}, {"(G3.1)", "abcdef", "abc"}, {"(A)", "", "   "},
+        {"(A3)", "abcdef", "abc"},     {"(A)", "abcdef", "abc"},     {"(A2)", "abcdef", "ab "},
+        {"(A5)", "abcdef", "cde"},     {"(A)", "a", "a  "},          {"(A5)", "abc", "c  "},
+        {"(2X,A)", "abcdef", "cde"},   {"(T3,A2)", "abcdef", "cd "}, {"(T9,A)", "abcdef", "   "},
+        {"(3X,TL2,A)", "abcd", "bcd"}, {"(G3.1)", "abcdef", "abc"},  {"(A)", "", "   "},
         {"(A3)", "a,b", "a,b"},
     };
     for (const auto& c : cases) {

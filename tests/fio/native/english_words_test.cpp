@@ -1,7 +1,6 @@
 #include "fio/native/english_words.h"
 
 #include <gtest/gtest.h>
-
 #include <limits>
 #include <string>
 
@@ -21,12 +20,11 @@ TEST(EnglishWords, Numbers) {
         {100, "ONE HUNDRED"},
         {101, "ONE HUNDRED AND ONE"},
         {1001, "ONE THOUSAND AND ONE"},
-        {1100, "ONE THOUSAND AND ONE HUNDRED"},
+        {1100, "ONE THOUSAND ONE HUNDRED"},
         {110000, "ONE HUNDRED AND TEN THOUSAND"},
         {1000001, "ONE MILLION AND ONE"},
         {1000100, "ONE MILLION ONE HUNDRED"},
-        {1234567,
-         "ONE MILLION TWO HUNDRED AND THIRTY FOUR THOUSAND FIVE HUNDRED AND SIXTY SEVEN"},
+        {1234567, "ONE MILLION TWO HUNDRED AND THIRTY FOUR THOUSAND FIVE HUNDRED AND SIXTY SEVEN"},
         {2000000000, "TWO THOUSAND MILLION"},
         {1000000000000, "ONE MILLION MILLION"},
     };

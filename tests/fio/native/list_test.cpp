@@ -1,7 +1,6 @@
 // List-directed statements.
-#include <gtest/gtest.h>
-
 #include <cmath>
+#include <gtest/gtest.h>
 
 #include "transfer.h"
 
@@ -43,12 +42,12 @@ TEST(ListOutput, FieldsOfEveryType) {
 
 TEST(ListOutput, Wraps) {
     // 1 + 9 x 12 = 109: the tenth begins a new line.
-    EXPECT_EQ(written("", std::vector<std::int32_t>(10, 7)),
-              " " + [] {
-                  std::string line;
-                  for (int i = 0; i < 9; ++i) line += blanks(11) + "7";
-                  return line;
-              }() + "| " + blanks(11) + "7");
+    EXPECT_EQ(
+        written("", std::vector<std::int32_t>(10, 7)), " " + [] {
+            std::string line;
+            for (int i = 0; i < 9; ++i) line += blanks(11) + "7";
+            return line;
+        }() + "| " + blanks(11) + "7");
     EXPECT_EQ(written("", std::string(130, 'x')),
               " " + std::string(119, 'x') + "| " + std::string(11, 'x'));
     EXPECT_EQ(written("", std::string(119, 'x'), "y"), " " + std::string(119, 'x') + "| y");
@@ -138,16 +137,13 @@ TEST(ListInput, Complex) {
         std::vector<std::string_view> lines;
         const char* result;
     } cases[] = {
-        {{"(1.0,2.0) 5"}, "1 2 5"},     {{"(1.0,2.0),5"}, "1 2 5"},
-        {{" ( 1 , 2 ) 5"}, "1 2 5"},    {{"(1", ",2) 5"}, "1 2 5"},
-        {{"(1,", "2) 5"}, "1 2 5"},     {{"(", "1,2) 5"}, "#52"},
-        {{"1.0"}, "#93"},               {{"(1.0 2.0)"}, "#52"},
-        {{"(1.0,2.0"}, "#91"},          {{"(1.0)"}, "#52"},
-        {{"((1,2)"}, "#52"},            {{"(,2)"}, "#52"},
-        {{"(1,)"}, "#52"},              {{"(1,2,3)"}, "#52"},
-        {{"(1/2)"}, "#52"},             {{"(1 2,3)"}, "#52"},
-        {{",5"}, "8 9 5"},              {{"/"}, "8 9 7"},
-        {{"(1,x)"}, "#52"},             {{"(1.0"}, "#-1"},
+        {{"(1.0,2.0) 5"}, "1 2 5"}, {{"(1.0,2.0),5"}, "1 2 5"}, {{" ( 1 , 2 ) 5"}, "1 2 5"},
+        {{"(1", ",2) 5"}, "1 2 5"}, {{"(1,", "2) 5"}, "1 2 5"}, {{"(", "1,2) 5"}, "#52"},
+        {{"1.0"}, "#93"},           {{"(1.0 2.0)"}, "#52"},     {{"(1.0,2.0"}, "#91"},
+        {{"(1.0)"}, "#52"},         {{"((1,2)"}, "#52"},        {{"(,2)"}, "#52"},
+        {{"(1,)"}, "#52"},          {{"(1,2,3)"}, "#52"},       {{"(1/2)"}, "#52"},
+        {{"(1 2,3)"}, "#52"},       {{",5"}, "8 9 5"},          {{"/"}, "8 9 7"},
+        {{"(1,x)"}, "#52"},         {{"(1.0"}, "#-1"},
     };
     for (const auto& c : cases) {
         C item(8, 9);
@@ -217,8 +213,7 @@ TEST(ListInput, Strings) {
         UnitList_getUnit(40)->file.keep_tabs = true;
         Packed statement;
         statement.unit(40);
-        const std::int32_t iostat =
-            transfer(statement, RSF1_hh, [&] { get(a), get(b), get(i); });
+        const std::int32_t iostat = transfer(statement, RSF1_hh, [&] { get(a), get(b), get(i); });
         const std::string result = a + "|" + b + "|" + std::to_string(i);
         EXPECT_EQ(iostat == 0 ? result : message(iostat), c.result) << c.lines[0];
         close_unit(40);

@@ -1,7 +1,7 @@
 // Formats in step with items, and records on their way to files and back.
-#include <gtest/gtest.h>
-
 #include "transfer.h"
+
+#include <gtest/gtest.h>
 
 namespace tarn::fio::native::test {
 namespace {
@@ -104,8 +104,8 @@ TEST(Formats, CompiledStreams) {
 
     // Numbers in words: in capitals, in small letters, and as at the start of a sentence.
     std::string line(120, '~');
-    std::vector<std::uint16_t> in_words = {16, 0xD9, 0, 1, 0xDE, 0, 4,    0xDF, 0,
-                                           0,  0x98, 1, 0xE0, 0, 7, 0x97, 14};
+    std::vector<std::uint16_t> in_words = {16, 0xD9, 0, 1,    0xDE, 0, 4,    0xDF, 0,
+                                           0,  0x98, 1, 0xE0, 0,    7, 0x97, 14};
     Packed statement;
     statement.add(IOCode::internal_file, TypeCode::character, line.data(), 120)
         .add(IOCode::fmt_table, TypeCode::none, in_words.data());

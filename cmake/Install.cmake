@@ -35,5 +35,6 @@ write_basic_package_version_file(${PROJECT_BINARY_DIR}/install/tarnlibcConfigVer
 install(FILES ${PROJECT_BINARY_DIR}/install/tarnlibcConfig.cmake
   ${PROJECT_BINARY_DIR}/install/tarnlibcConfigVersion.cmake DESTINATION ${package_folder})
 
+file(RELATIVE_PATH TARN_PREFIX_FROM_PC /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
 configure_file(cmake/tarnlibc.pc.in ${PROJECT_BINARY_DIR}/install/tarnlibc.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/install/tarnlibc.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

@@ -6,8 +6,9 @@
 #include <cstring>
 #include <new>
 #include <thread>
-#include <unistd.h>
 
+#include "fio/file/record_buffer.h"
+#include "fio/gnu/records.h"
 namespace tarn::fio {
 namespace {
 
@@ -77,8 +78,9 @@ bool try_for(auto&& lock, std::chrono::milliseconds longest) {
 }
 
 void flush_unit(Unit& unit) {
-    absorb_open_record(unit);
-    if (unit.file.dirty) file_flush(unit.file);
+    int err = 0;
+    finish_open_record(unit, err);
+    write_out(unit.file, err);
 }
 
 }  // namespace
@@ -296,21 +298,6 @@ void release_unit(Unit* unit) {
     unit->statements--;
     unit->lock.unlock();
     Unit_free(unit);
-}
-
-void absorb_open_record(Unit& unit) {
-    GnuConnection& gnu = unit.gnu;
-    File& file = unit.file;
-    if (!gnu.record_open || !gnu.last_was_write || gnu.open_length == 0) return;
-    if (file.buffer == nullptr || file.write_index + gnu.open_length > file.capacity) return;
-    if (!file.dirty) file.buffer_position = file.logical_position - file.write_index;
-    file.write_index += gnu.open_length;
-    file.data_count = file.write_index;
-    file.logical_position += static_cast<std::int64_t>(gnu.open_length);
-    if (file.size < file.logical_position) file.size = file.logical_position;
-    file.dirty = true;
-    gnu.open_base += gnu.open_length;
-    gnu.open_column = gnu.open_length = 0;
 }
 
 void flush_all_units() {

@@ -79,10 +79,9 @@ struct GnuConnection {
     bool last_was_write = false;     // a write makes the file end behind it
     bool record_open = false;        // a non-advancing statement left its record unfinished
     std::size_t open_column = 0;     // where it stood in it, in bytes from the record's start
-    std::size_t open_length = 0;     // output: the furthest byte written in it
-    std::size_t open_base = 0;       // columns of it that have left the buffer already
     std::int64_t record_number = 0;  // of a direct file: last record transferred
     std::int64_t stream_position = 1;
+    std::int32_t last_id = 0;  // ID= of the last asynchronous transfer
     std::int32_t share = 0;
     std::string name;  // the file's name as the program gave it
 };
@@ -157,10 +156,6 @@ Unit* acquire_unit(std::int32_t number);
 Unit* acquire_or_create_unit(std::int32_t number, bool& created);
 void hold_unit(Unit& unit);  // the same for a unit at hand
 void release_unit(Unit* unit);
-
-// The bytes of a record that a non-advancing statement left open become part of the file; what
-// follows in the record is put behind them.
-void absorb_open_record(Unit& unit);
 
 // Writes out what the buffers of all units hold, whatever state they are in: the last thing a
 // failing program does. Takes no lock that the failing thread may hold.

@@ -9,6 +9,7 @@
 #include <string>
 #include <unistd.h>
 
+#include "frame/state.h"
 #include "storage/storage.h"
 #include "storage/trace.h"
 #include "tarn/storage.h"
@@ -53,7 +54,7 @@ TEST(StorageModes, TheEnvironmentChooses) {
     }
     EXPECT_EXIT(
         {
-            tarn::storage::set_managed_program();
+            tarn::frame::state().managed = true;
             in_mode("FALSE", [] { CHECK(tarn::storage::mode() == tarn::storage::Mode::system); });
         },
         testing::ExitedWithCode(0), "");

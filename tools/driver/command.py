@@ -119,7 +119,7 @@ def link_arguments(command, start_object):
         out.append(start)
     # -Xlinker, not -Wl: a folder's name may hold a comma.
     out += ["-L" + paths.LIB, "-Xlinker", "-rpath", "-Xlinker", paths.LIB]
-    return out + ["-Wl,-z,separate-code", "-Wl,--as-needed", "-ltarnlibc"]
+    return out + paths.LINK + ["-Wl,-z,separate-code", "-Wl,--as-needed", "-ltarnlibc"]
 
 
 def include_arguments(folders):

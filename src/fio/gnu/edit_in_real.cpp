@@ -1,4 +1,5 @@
 #include "fio/gnu/edit_in.h"
+#include "fio/gnu/long_real.h"
 #include "fio/gnu/number_text.h"
 #include "fio/gnu/real_words.h"
 
@@ -14,101 +15,6 @@ constexpr std::int64_t greatest_exponent = 9999;
 FieldResult fault_at(Fault fault, const char* field, const char* at) {
     return {fault, static_cast<std::size_t>(at - field)};
 }
-
-// The long way: character by character, with blanks inside the number.
-class FieldScanner {
-  public:
-    FieldScanner(const char* field, std::size_t width, const EditModes& modes)
-        : at_(field), end_(field + width), modes_(modes) {}
-
-    // Null: a number was found. Otherwise the character at fault.
-    const char* scan() {
-        const char* fault = scan_digits();
-        if (fault == nullptr && in_exponent_) fault = scan_exponent();
-        return fault;
-    }
-
-    DecimalNumber number(std::int64_t exponent) const {
-        return digits_.number(negative_, exponent);
-    }
-
-    bool negative_ = false;
-    bool nothing_ = false;  // no digit, no mark: blanks, or a sign among them
-    bool has_mark_ = false;
-    bool in_exponent_ = false;
-    std::int64_t places_ = 0;
-    std::int64_t written_ = 0;
-    const char* word_ = nullptr;  // a letter stands where the number should begin
-
-  private:
-    const char* scan_digits() {
-        at_ = skip_blanks(at_, end_);
-        if (at_ < end_ && (*at_ == '-' || *at_ == '+')) {
-            negative_ = *at_++ == '-';
-            at_ = skip_blanks(at_, end_);
-        }
-        nothing_ = at_ == end_;
-        if (nothing_) return nullptr;
-        const char first = lower_case(*at_);
-        if (first == 'i' || first == 'n') {
-            word_ = at_;
-            return nullptr;
-        }
-        const char mark = modes_.decimal == DecimalMark::comma ? ',' : '.';
-        for (; at_ < end_; ++at_) {
-            const char c = *at_;
-            if (is_decimal_digit(c)) {
-                digits_.add(c);
-                places_ += has_mark_ ? 1 : 0;
-            } else if (c == ' ') {
-                if (modes_.blank != Blank::zero) continue;
-                digits_.add('0');
-                places_ += has_mark_ ? 1 : 0;
-            } else if (c == '.' || c == mark) {
-                if (has_mark_) return at_;
-                has_mark_ = true;
-            } else if (is_exponent_letter(c) || c == '+' || c == '-') {
-                in_exponent_ = true;
-                return nullptr;
-            } else {
-                return at_;
-            }
-        }
-        return nullptr;
-    }
-
-    const char* scan_exponent() {
-        const char* const start = at_;
-        if (is_exponent_letter(*at_)) {
-            at_ = skip_blanks(at_ + 1, end_);
-            // A letter asks for at least a sign.
-            if (at_ == end_) return start;
-        }
-        bool negative = false;
-        if (*at_ == '+' || *at_ == '-') {
-            negative = *at_++ == '-';
-            // Blanks behind a sign make an exponent of zero; the field's end doesn't.
-            if (at_ == end_) return start;
-            at_ = skip_blanks(at_, end_);
-        }
-        for (; at_ < end_; ++at_) {
-            char c = *at_;
-            if (c == ' ') {
-                if (modes_.blank != Blank::zero) continue;
-                c = '0';
-            }
-            if (!is_decimal_digit(c)) return at_;
-            if (written_ < 1000000000) written_ = written_ * 10 + (c - '0');
-        }
-        if (negative) written_ = -written_;
-        return nullptr;
-    }
-
-    const char* at_;
-    const char* end_;
-    const EditModes& modes_;
-    DigitCollector digits_;
-};
 
 FieldResult store(DecimalNumber number, std::int64_t written, bool has_mark, bool has_exponent,
                   std::int32_t d, void* item, int kind, const EditModes& modes) {
@@ -155,18 +61,18 @@ FieldResult get_word(const char* field, const char* at, const char* end, bool ne
 
 FieldResult get_real_slowly(const char* field, std::size_t width, std::int32_t d, void* item,
                             int kind, const EditModes& modes) {
-    FieldScanner scanner(field, width, modes);
-    const char* const fault = scanner.scan();
-    if (fault != nullptr) return fault_at(bad_character, field, fault);
-    if (scanner.word_ != nullptr) {
-        return get_word(field, scanner.word_, field + width, scanner.negative_, item, kind, modes);
+    LongRealScanner scanner(field, field + width, modes);
+    if (!scanner.scan()) return fault_at(bad_character, field, scanner.fault());
+    if (scanner.word() != nullptr) {
+        return get_word(field, scanner.word(), field + width, scanner.negative(), item, kind,
+                        modes);
     }
-    if (scanner.nothing_) {
+    if (scanner.is_blank()) {
         to_binary({}, modes.round, kind, item);
         return {};
     }
-    return store(scanner.number(-scanner.places_), scanner.written_, scanner.has_mark_,
-                 scanner.in_exponent_, d, item, kind, modes);
+    return store(scanner.number(), scanner.written(), scanner.has_mark(), scanner.has_exponent(), d,
+                 item, kind, modes);
 }
 
 }  // namespace

@@ -95,12 +95,6 @@ DecimalDigits shown_digits(const BinaryReal& value, int kind, std::int64_t count
     return number;
 }
 
-// The digits before the point of an EN field, less one: the exponent above a multiple of three.
-std::int32_t above_three(std::int32_t exponent) {
-    const std::int32_t rest = exponent % 3;
-    return rest < 0 ? rest + 3 : rest;
-}
-
 // The exponent by which gfortran's run-time chooses how many digits of an EN field to make: that of
 // the value rounded to one digit, corrected when a 9.5 or more has become 10. The comparison is
 // made in the arithmetic of the item's type, so that far from 1 it can miss.
@@ -189,20 +183,26 @@ Figures fixed_figures(const BinaryReal& value, int kind, std::int64_t d, std::in
     Figures figures;
     const std::int64_t places = d + scale;
     DecimalDigits number{buffer, 0, 0};
-    if (value.significand == 0) {
-        number.point = static_cast<std::int32_t>(-places);
-    } else if (!rounds_text(round) && places >= 0) {
-        number =
-            fraction_digits(value, static_cast<std::int32_t>(places), Rounding::nearest, buffer);
+    if (!rounds_text(round) && places >= 0) {
+        if (value.significand != 0) {
+            number = fraction_digits(value, static_cast<std::int32_t>(places), Rounding::nearest,
+                                     buffer);
+        }
     } else {
         if (!rounds_text(round)) round = Rounding::nearest;
         const std::int64_t made = std::max<std::int64_t>(places + guard_digits(kind), 0);
-        number = fraction_digits(value, static_cast<std::int32_t>(made), Rounding::nearest, buffer);
+        if (value.significand != 0) {
+            number =
+                fraction_digits(value, static_cast<std::int32_t>(made), Rounding::nearest, buffer);
+        }
         drop_trailing_zeros(number);
         repeat_shift(number, made, d, scale);
-        const std::int64_t keep = number.point + places;
-        figures.cut_unseen = number.count != 0 && cuts_unseen(number, keep, value.negative, round);
-        round_text(number, keep, value.negative, round);
+        if (value.significand != 0) {
+            const std::int64_t keep = number.point + places;
+            figures.cut_unseen =
+                number.count != 0 && cuts_unseen(number, keep, value.negative, round);
+            round_text(number, keep, value.negative, round);
+        }
     }
     const std::int64_t point = number.point + scale;
     figures.digits = number.digits;

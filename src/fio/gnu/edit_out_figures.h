@@ -39,6 +39,12 @@ Figures fixed_figures(const BinaryReal& value, int kind, std::int64_t d, std::in
 Figures exponent_figures(const BinaryReal& value, const void* item, int kind, Edit edit,
                          std::int64_t d, std::int64_t scale, Rounding round, char* buffer);
 
+// The digits before the point of an EN field, less one: the exponent above a multiple of three.
+constexpr std::int32_t above_three(std::int32_t exponent) {
+    const std::int32_t rest = exponent % 3;
+    return rest < 0 ? rest + 3 : rest;
+}
+
 // 10^n as gfortran's run-time computes it in the type of an item: by repeated multiplication, and
 // one division for n below 0.
 template <typename Real>

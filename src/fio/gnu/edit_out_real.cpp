@@ -263,13 +263,18 @@ struct Request {
 };
 
 // In a field of six columns gfortran's run-time reads back no more than three digits of the
-// exponent of a single digit, and shows those where asterisks belong.
-void cut_exponent(Figures& figures, const Field& field) {
-    if (field.w != 6 || field.general || figures.before + figures.zeros + figures.after != 1)
-        return;
-    const std::int32_t shift = figures.before == 0 ? 1 : 0;
-    const std::int32_t of_digit = figures.exponent - shift;
-    if (of_digit >= 1000 || of_digit <= -1000) figures.exponent = of_digit / 10 + shift;
+// exponent, and shows those where asterisks belong.
+void cut_exponent(Figures& figures, Edit edit, const Field& field) {
+    if (field.w != 6 || field.general) return;
+    const std::int32_t place = static_cast<std::int32_t>(figures.before) - 1;
+    const std::int32_t leading = figures.exponent + place;
+    if (leading < 1000 && leading > -1000) return;
+    if (edit == Edit::EN) {
+        figures.before = above_three(leading / 10) + 1;
+        figures.exponent = leading / 10 - static_cast<std::int32_t>(figures.before) + 1;
+    } else {
+        figures.exponent = leading / 10 - place;
+    }
 }
 
 char* put_finite(char* out, const BinaryReal& value, const void* item, int kind,
@@ -285,7 +290,7 @@ char* put_finite(char* out, const BinaryReal& value, const void* item, int kind,
         }
         figures = exponent_figures(value, item, kind, request.edit, request.d, request.scale,
                                    modes.round, buffer);
-        cut_exponent(figures, request.field);
+        cut_exponent(figures, request.edit, request.field);
     }
     return put_number(out, figures, request.field, value.negative, modes);
 }

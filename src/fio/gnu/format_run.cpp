@@ -18,12 +18,17 @@ void put_literal(Statement& s, const FormatNode& node) {
     filled(s, at + node.length);
 }
 
+// Behind a scalar internal file nothing is wrong until an item wants to be read.
+bool is_internal_scalar(const Statement& s) {
+    return s.internal && s.file.rank == 0;
+}
+
 void next_records(Statement& s, std::int32_t count) {
     for (std::int32_t i = 0; i < count && !s.failed; ++i) {
-        if (s.reading) {
-            next_input_record(s);
-        } else {
+        if (!s.reading) {
             next_output_record(s);
+        } else if (!try_next_input_record(s) && !s.failed && !is_internal_scalar(s)) {
+            fail_end_of_file(s);
         }
     }
 }
@@ -43,13 +48,13 @@ void position(Statement& s, Edit edit, std::int64_t n) {
         if (edit == Edit::TL) return move_left(s, n);
         return move_to_column(s, n - 1);
     }
-    const std::int64_t here = s.cursor - s.begin;
+    const std::int64_t here = s.cursor - s.tab_limit;
     std::int64_t target = n - 1;
     if (edit == Edit::TR) target = here + n;
     if (edit == Edit::TL) target = here - n;
     if (target > here) return skip_input(s, target - here);
-    s.cursor = s.begin + (target > 0 ? target : 0);
-    s.end_of_record = false;
+    s.cursor = s.tab_limit + (target > 0 ? target : 0);
+    if (!s.non_advancing) s.end_of_record = false;
 }
 
 void set_mode(Statement& s, const FormatNode& node) {

@@ -121,19 +121,23 @@ void store_character(char* item, int kind, std::size_t index, char32_t code) {
     }
 }
 
-// A on a unit whose characters are UTF-8: the width counts characters.
+// A on a record of UTF-8. On a file, as gfortran's programs know it, the field has as many
+// characters as the longer of its width and the value, and the value takes the first of them; in
+// memory the value takes the rightmost, as it should.
 void read_utf8_characters(Statement& s, std::size_t width, char* item, int kind,
                           std::size_t length) {
-    std::size_t skip = width > length ? width - length : 0;
-    std::size_t stored = 0;
+    const std::size_t wanted = s.internal ? width : std::max(width, length);
+    std::size_t skip = s.internal && width > length ? width - length : 0;
     std::size_t read = 0;
-    for (; read < width && s.cursor < s.limit; ++read) {
+    std::size_t stored = 0;
+    const char* end = input_end(s);
+    for (; read < wanted && s.cursor < end; ++read) {
         std::size_t size = 0;
-        const char32_t code = get_utf8(s.cursor, s.limit, size);
+        const char32_t code = get_utf8(s.cursor, end, size);
         s.cursor += size;
         if (skip > 0) {
             --skip;
-        } else {
+        } else if (stored < length) {
             store_character(item, kind, stored++, code);
         }
     }

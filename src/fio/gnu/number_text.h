@@ -139,42 +139,4 @@ inline void scan_plain_real(const char* at, const char* end, char mark, PlainRea
     real.end = at;
 }
 
-// Digits met one at a time, of any number: what is kept is enough to tell the value.
-class DigitCollector {
-  public:
-    DigitCollector() { digits_[kept] = '0'; }
-    void add(char digit) {
-        if (digit != '0') any_ = true;
-        if (!any_) return;  // leading zeros
-        if (count_ < kept) {
-            digits_[count_++] = digit;
-            return;
-        }
-        ++dropped_;
-        if (digit != '0') digits_[kept] = '1';
-    }
-    // The number, with its last digit standing at 10^exponent.
-    DecimalNumber number(bool negative, std::int64_t exponent) const {
-        DecimalNumber result;
-        result.negative = negative;
-        result.digits = digits_;
-        result.count = count_;
-        result.exponent = exponent + dropped_;
-        if (dropped_ > 0) {
-            // The digit behind the kept ones says whether anything but zeros was dropped.
-            ++result.count;
-            --result.exponent;
-        }
-        return result;
-    }
-
-  private:
-    // No halfway point between two values of any kind has more digits than this.
-    static constexpr std::size_t kept = 11600;
-    std::size_t count_ = 0;
-    std::int64_t dropped_ = 0;
-    bool any_ = false;
-    char digits_[kept + 1];  // filled as digits come
-};
-
 }  // namespace tarn::fio

@@ -8,7 +8,7 @@ namespace tarn::fio {
 namespace {
 
 void set_record(Statement& s, char* begin, std::size_t length) {
-    s.begin = s.cursor = begin;
+    s.begin = s.cursor = s.tab_limit = begin;
     s.limit = begin + length;
     s.record_at_hand = true;
     s.end_of_record = false;
@@ -109,18 +109,24 @@ void begin_input(Statement& s) {
     if (!connection.record_open) return;
     const auto length = static_cast<std::size_t>(s.limit - s.begin);
     s.cursor = s.begin + (connection.open_column < length ? connection.open_column : length);
+    s.tab_limit = s.cursor;
 }
 
-bool next_input_record(Statement& s) {
+bool try_next_input_record(Statement& s) {
     if (s.failed) return false;
     drop_record(s);
     if (s.internal) {
-        // Behind a scalar nothing is wrong until an item wants to be read.
         next_internal_record(s.file);
-        return s.file.rank > 0 ? fetch_or_fail(s) : fetch_record(s);
+    } else if (s.direct) {
+        ++s.record_number;
     }
-    if (s.direct) ++s.record_number;
-    return fetch_or_fail(s);
+    return fetch_record(s);
+}
+
+bool next_input_record(Statement& s) {
+    if (try_next_input_record(s)) return true;
+    if (!s.failed) fail_end_of_file(s);
+    return false;
 }
 
 void end_input(Statement& s) {

@@ -139,6 +139,8 @@ void finish_external(Statement& s) {
     unit.gnu.record_open = false;
     ++unit.current_record;
     s.column_base = 0;
+    // A formatted stream ends behind the record that was written last.
+    if (s.stream && unit.file.size > unit.file.logical_position) cut_here(unit.file, err);
     if (err != 0) fail_system(s, err);
 }
 
@@ -159,10 +161,11 @@ void finish_internal(Statement& s) {
 // A sequential WRITE makes its record the last one of the file.
 void cut_behind(Statement& s) {
     Unit& unit = *s.unit;
-    if (s.direct || s.stream || unit.gnu.last_was_write) return;
+    if (unit.gnu.last_was_write) return;
+    unit.gnu.last_was_write = true;
+    if (s.direct || s.stream) return;
     int err = 0;
     cut_here(unit.file, err);
-    unit.gnu.last_was_write = true;
     unit.gnu.end = EndState::at;
     if (err != 0) fail_system(s, err);
 }
@@ -251,7 +254,9 @@ void fill_wide(Statement& s, const char* end) {
 void finish_open_record(Unit& unit, int& err) {
     if (!unit.gnu.record_open || !unit.gnu.last_was_write) return;
     unit.gnu.record_open = false;
-    const std::string_view line_end = unit.dialect->line_end;
+    // A prompt at the end of the program stays as it is; a file ends with a whole record.
+    const bool console = unit.file.descriptor == 1 || unit.file.descriptor == 2;
+    const std::string_view line_end = console ? std::string_view{} : unit.dialect->line_end;
     const std::size_t length = unit.saved_length + line_end.size();
     const OutputRoom at = begin_record(unit.file, length, err);
     if (at.begin == nullptr) return;
@@ -292,7 +297,7 @@ void move_left(Statement& s, std::int64_t count) {
 }
 
 void move_to_column(Statement& s, std::int64_t column) {
-    const std::int64_t here = (s.cursor - s.begin) / cell_size(s) + s.pending + s.column_base;
+    const std::int64_t here = (s.cursor - s.begin) / cell_size(s) + s.pending;
     if (column >= here) return move_right(s, column - here);
     move_left(s, here - column);
 }

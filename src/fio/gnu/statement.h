@@ -43,6 +43,8 @@ struct ListState {
     bool first = true;            // no value has been read yet
     bool input_complete = false;  // a slash ended the input
     bool comma_seen = false;      // the separator before the next value has passed
+    bool at_line_end = false;     // a line end has passed since the last value
+    bool record_passed = false;   // the record at hand has gone by with its line end
     bool null_value = false;      // the value to repeat is null
     ItemType saved_type = ItemType::integer;
     int saved_kind = 0;
@@ -70,6 +72,7 @@ struct Statement {
 
     // The record at hand. On output of 4-byte characters the pointers step by four.
     char* begin = nullptr;
+    char* tab_limit = nullptr;  // input: column 1 of T; where a non-advancing statement began
     char* cursor = nullptr;
     char* high = nullptr;             // output: the furthest byte written
     char* limit = nullptr;            // input: end of the record; output: end of the room at hand,
@@ -114,6 +117,8 @@ struct Statement {
 // Input: brings the next record to hand, from the unit or the internal file; false when there is
 // none (the end of the file has been reported and the statement has failed).
 bool next_input_record(Statement& statement);
+// The same, but none is no fault: false, and nothing was reported.
+bool try_next_input_record(Statement& statement);
 
 // What the compiled program asks of a data transfer statement.
 struct TransferSpecifiers {

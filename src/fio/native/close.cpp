@@ -117,7 +117,7 @@ bool close_connected(IO_type& io, Unit& unit, std::int32_t status) {
 }  // namespace
 
 bool is_connected(const Unit& unit) {
-    return unit.status.connected || unit.kind != UnitKind::driver || unit.driver != nullptr;
+    return unit.status.connected || unit.kind == UnitKind::console || unit.kind == UnitKind::window;
 }
 
 bool report_file_error(int err, const char* where) {

@@ -17,8 +17,8 @@ namespace tarn::fio::native {
 // What Unit::closer of a native connection does: a whole CLOSE, but the unit's record stays.
 void close_connection(Unit& unit);
 
-// A record of the list that reaches something: a file, a driver, a window or the console. A gnu
-// OPEN that failed may leave a unit in the list that doesn't.
+// A record of the list that reaches something: a file, a driver, a window or the console. The list
+// may hold units that don't, while a gnu statement of another thread is connecting one.
 bool is_connected(const Unit& unit);
 constexpr bool is_file_kind(UnitKind kind) {
     return kind == UnitKind::text || kind == UnitKind::full || kind == UnitKind::printer;

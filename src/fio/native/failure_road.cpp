@@ -56,11 +56,7 @@ void store_iostat(const ResultWord& word, std::int32_t value) {
         report += text_of(failure);
         failure::fail_text(report);
     }
-    if (!failure.own_text.empty()) {
-        std::string line(failure.own_text);
-        line += '\n';
-        failure::fail(failure.code, line);
-    }
+    if (!failure.own_text.empty()) failure::fail_sentence(failure.code, failure.own_text, {});
     failure::fail(failure.code);
 }
 

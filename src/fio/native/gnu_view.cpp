@@ -23,7 +23,7 @@ void describe_to_gnu(Unit& unit) {
     gnu.share = unit.share;
     gnu.name = unit.file.path;
     gnu.record_open = false;
-    gnu.open_column = gnu.open_length = gnu.open_base = 0;
+    gnu.open_column = 0;
     gnu.last_was_write = false;
     gnu.end = EndState::before;
     gnu.record_number = 0;
@@ -33,7 +33,9 @@ void describe_to_gnu(Unit& unit) {
 void take_over_from_gnu(Unit& unit) {
     if (unit.dialect != &gnu_dialect) return;
     GnuConnection& gnu = unit.gnu;
-    absorb_open_record(unit);
+    // What a non-advancing gnu WRITE left of its record stands in the file; the native record
+    // goes on behind it.
+    if (gnu.record_open) unit.saved_length = 0;
     gnu.record_open = false;
     unit.status.end_of_file = gnu.end != EndState::before;
     // A WRITE behind data that was read ends the file there, as it would in a gnu statement.

@@ -307,7 +307,8 @@ class Opening {
     bool reconnect() {
         const IOStatus& old = unit_->status;
         const bool fixed = recl_ != 0 && kind_ == UnitKind::text;
-        const bool same_kind = kind_ == unit_->kind || (unit_->kind == UnitKind::full && fixed) ||
+        const bool same_kind = kind_ == unit_->kind || unit_->dialect != &native_dialect ||
+                               (unit_->kind == UnitKind::full && fixed) ||
                                (old.fixed_record_length && kind_ == UnitKind::text);
         const bool same =
             flags_.formatted == old.formatted && flags_.direct == old.direct && !old.end_of_file &&

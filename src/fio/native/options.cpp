@@ -267,7 +267,7 @@ void setOption(IOCode code, TypeCode type, void* value, std::ptrdiff_t length) {
             io.iostat = {value, type};
             io.iostat_given = true;
             store_integer(io.iostat, 0);
-            if (s.status_mode) set_label(io, io.err_label, value);
+            if (s.status_mode && io.per_item) set_label(io, io.err_label, value);
             return;
         case IOCode::iomsg:
             io.iomsg = static_cast<char*>(value);
@@ -319,15 +319,15 @@ void setOption(IOCode code, TypeCode type, void* value, std::ptrdiff_t length) {
             return;
         case IOCode::status_end:
             set_status_word(io, value);
-            if (s.status_mode) set_label(io, io.end_label, value);
+            if (s.status_mode && io.per_item) set_label(io, io.end_label, value);
             return;
         case IOCode::status_eor:
             set_status_word(io, value);
-            if (s.status_mode) set_label(io, io.eor_label, value);
+            if (s.status_mode && io.per_item) set_label(io, io.eor_label, value);
             return;
         case IOCode::status_err:
             set_status_word(io, value);
-            if (s.status_mode) set_label(io, io.err_label, value);
+            if (s.status_mode && io.per_item) set_label(io, io.err_label, value);
             return;
         default:
             return;

@@ -197,6 +197,7 @@ bool IO_backspace() {
     if (!may_backspace(unit->kind)) return IO_error(90);
     IO_discard_buffer();
     if (!step_back(*unit)) return false;
+    unit->unfinished_line = 0;
     status.end_of_file = false;
     hand_over_to_gnu(*unit);
     return true;
@@ -224,6 +225,7 @@ bool IO_rewind() {
             return IO_error(90);
     }
     unit->current_record = 0;
+    unit->unfinished_line = 0;
     unit->status.end_of_file = false;
     unit->status.reading = false;
     unit->status.writing = false;

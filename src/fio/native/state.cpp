@@ -5,6 +5,7 @@
 #include <cstring>
 #include <new>
 
+#include "fio/gnu/connection.h"
 #include "fio/native/connect.h"
 
 namespace tarn::fio::native {
@@ -66,27 +67,30 @@ void push(IO_type* record) {
     ++s.io_depth;
 }
 
-Unit* console_unit(std::int32_t number, bool reading) {
-    Unit* unit = Unit_create(number, false);
-    unit->kind = UnitKind::console;
-    unit->status.blank_null = true;
-    unit->status.formatted = true;
-    unit->status.may_read = true;
-    unit->status.may_write = true;
-    unit->status.reading = reading;
-    unit->status.writing = !reading;
-    return unit;
+void make_console(Unit& unit, bool reading) {
+    unit.kind = UnitKind::console;
+    unit.status.blank_null = true;
+    unit.status.formatted = true;
+    unit.status.may_read = true;
+    unit.status.may_write = true;
+    unit.status.reading = reading;
+    unit.status.writing = !reading;
 }
 
-// The units that are there without an OPEN. A gnu statement may have made some of them before.
+// The units that are there without an OPEN. 5 and 6 stand on the same descriptors as the gnu
+// dialect's; 1 and 2 are the native dialect's own.
 void make_first_units() {
     nowhere_unit();
+    bring_up_units();
     for (const std::int32_t number : {1, 2, 5, 6}) {
-        if (UnitList_getUnit(number) != nullptr) continue;
-        Unit* unit = console_unit(number, number == 1 || number == 5);
-        unit->native_console = number < 5;
-        if (number >= 5) describe_to_gnu(*unit);
-        UnitList_insert(unit);
+        Unit* unit = UnitList_getUnit(number);
+        if (unit != nullptr && !unit->gnu.preconnected && is_connected(*unit)) continue;
+        if (unit == nullptr) {
+            unit = Unit_create(number, false);
+            unit->native_console = true;
+            UnitList_insert(unit);
+        }
+        make_console(*unit, number == 1 || number == 5);
     }
 }
 
@@ -231,9 +235,8 @@ void set_maximum_buffer_size(std::int64_t size) {
 std::int64_t unit_record_length(Unit& unit) {
     const std::int64_t room = current().buffer_size;
     if (unit.recl <= 0) unit.recl = room;
-    if (unit.recl > room && unit.dialect == &gnu_dialect && !unit.status.fixed_record_length)
-        return room;
-    return unit.recl;
+    const bool chosen = unit.status.fixed_record_length || unit.status.direct;
+    return unit.recl > room && !chosen ? room : unit.recl;
 }
 
 }  // namespace tarn::fio::native

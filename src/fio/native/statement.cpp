@@ -156,6 +156,18 @@ bool is_stream(const IO_type& io) {
     return !io.internal_file && io.unit != nullptr && io.unit->status.stream;
 }
 
+// Runs what is left of a statement and releases its record. A label is left by on the way.
+template <typename Rest>
+Road end_statement(Rest rest) {
+    const bool runs = !items_are_ignored();
+    const bool failed = runs && !rest();
+    const IO_type& io = current();
+    const Road road = io.statement_aborted ? static_cast<Road>(io.taken_road) : Road::none;
+    if (failed) leave_statement();
+    release_record();
+    return road;
+}
+
 }  // namespace
 
 bool doIO() {
@@ -260,29 +272,22 @@ bool WSF2__() {
     return true;
 }
 
-void end_formatted_statement() {
-    if (state().current_io == nullptr) return;
-    if (items_are_ignored() || WSF2__())
-        release_record();
-    else {
-        leave_statement();
-        release_record();  // no label: the end call that would follow is this one
-    }
+Road end_formatted_statement() {
+    if (state().current_io == nullptr) return Road::none;
+    return end_statement(WSF2__);
 }
 
-void end_unformatted_read() {
-    if (state().current_io == nullptr) return;
-    release_record();
+Road end_unformatted_read() {
+    if (state().current_io == nullptr) return Road::none;
+    return end_statement([] { return true; });
 }
 
-void end_unformatted_write(bool direct) {
-    if (state().current_io == nullptr) return;
-    if (!items_are_ignored()) {
+Road end_unformatted_write(bool direct) {
+    if (state().current_io == nullptr) return Road::none;
+    return end_statement([direct] {
         const Hooks& h = hooks();
-        bool (*const body)() = direct ? h.unformatted_direct_write_end : h.unformatted_write_end;
-        if (!run_unformatted(body)) leave_statement();
-    }
-    release_record();
+        return run_unformatted(direct ? h.unformatted_direct_write_end : h.unformatted_write_end);
+    });
 }
 
 void transfer_unformatted(void* item, std::int64_t count, std::int32_t size,

@@ -16,10 +16,11 @@ void IOSTART__(ActionCode action, const std::int16_t* count, va_list words,
 void parseEntryCode(std::uint32_t code, void* value, std::ptrdiff_t length, ActionCode action);
 
 // The end of a formatted statement, of an unformatted read, and of unformatted writes: releases
-// the record, aborted or not.
-void end_formatted_statement();
-void end_unformatted_read();
-void end_unformatted_write(bool direct);
+// the record, aborted or not. How the statement went.
+enum class Road { none = 0, err = 1, end = 2, eor = 3 };
+Road end_formatted_statement();
+Road end_unformatted_read();
+Road end_unformatted_write(bool direct);
 
 // Items of an unformatted statement: `count` elements of `size` bytes; size 1 means `length` bytes.
 void transfer_unformatted(void* item, std::int64_t count, std::int32_t size, std::ptrdiff_t length);

@@ -5,6 +5,7 @@
 #include "fio/number/decimal.h"
 #include "fio/number/integer_digits.h"
 #include "fio/number/natural.h"
+#include "fio/number/quick_binary.h"
 
 namespace tarn::fio {
 
@@ -14,19 +15,27 @@ namespace {
 // from being there.
 constexpr std::size_t most_digits = max_significant_digits + 2;
 
-Word number_of(const char* digits, std::size_t count) {
-    Word value = 0;
-    for (std::size_t i = 0; i < count; ++i) value = value * 10 + static_cast<Word>(digits[i] - '0');
-    return value;
-}
-
 void append_digits(Natural& number, const char* digits, std::size_t count) {
     while (count != 0) {
         const std::size_t n = std::min<std::size_t>(count, 19);
-        number.multiply_add(powers_of_ten[n], number_of(digits, n));
+        number.multiply_add(powers_of_ten[n], number_of_digits(digits, n));
         digits += n;
         count -= n;
     }
+}
+
+// REAL(4) and REAL(8) of up to 19 digits.
+bool quick_to_binary(const DecimalNumber& number, Rounding round, int kind, void* target,
+                     ConvertResult& result) {
+    if (number.count > most_quick_input_digits) return false;
+    ScaledDecimal scaled;
+    if (!scale_decimal(number_of_digits(number.digits, number.count),
+                       static_cast<int>(number.exponent), scaled)) {
+        return false;
+    }
+    result = round_and_store(kind, number.negative, scaled.significand, scaled.exponent,
+                             scaled.more, round, target);
+    return true;
 }
 
 }  // namespace
@@ -96,6 +105,8 @@ ConvertResult to_binary(const DecimalNumber& number, Rounding round, int kind, v
     if (leading < format.least_decimal) {
         return store_underflow(kind, number.negative, round, target);
     }
+    ConvertResult result;
+    if (kind <= 8 && quick_to_binary(plain, round, kind, target, result)) return result;
     return wide_to_binary(plain, round, kind, target);
 }
 

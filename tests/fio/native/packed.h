@@ -39,6 +39,7 @@ void WSF2_h() __asm__("\"WSF2#\"");
 void I4_h_WSF(void*, const std::int32_t*) __asm__("\"I4#WSF\"");
 void I4_h_RSF(void*, const std::int32_t*) __asm__("\"I4#RSF\"");
 void CH_h_WSF(const char*, const std::int32_t*, std::ptrdiff_t) __asm__("\"CH#WSF\"");
+void R4_h_WSF(const void*, const std::int32_t*) __asm__("\"R4#WSF\"");
 void CH_h_RSF(char*, const std::int32_t*, std::ptrdiff_t) __asm__("\"CH#RSF\"");
 void ENABLE_REENTRANT_IO_h(const std::int32_t*) __asm__("\"ENABLE_REENTRANT_IO#\"");
 std::int32_t GET_LAST_IO_ERROR_h() __asm__("\"GET_LAST_IO_ERROR#\"");

@@ -4,6 +4,7 @@
 #include <cstring>
 #include <limits>
 
+#include "fio/native/connect.h"
 #include "fio/native/hooks.h"
 
 namespace tarn::fio::native {
@@ -16,10 +17,6 @@ constexpr std::string_view line_end = "\r\n";
 
 constexpr int error_device_full = 28;
 
-bool is_file(const Unit& unit) {
-    return unit.kind == UnitKind::text || unit.kind == UnitKind::full ||
-           unit.kind == UnitKind::printer;
-}
 bool is_transparent(const IO_type& io) {
     return !io.internal_file && io.unit->status.transparent;
 }
@@ -318,7 +315,7 @@ bool write_record(IO_type& io, Ending ending) {
     }
     io.output_start = io.record_start;
     // A line on a screen may have been ended by the reader's own key: columns count anew there.
-    const bool counts = !ends_line && !io.no_line_end && is_file(unit);
+    const bool counts = !ends_line && !io.no_line_end && is_file_kind(unit.kind);
     io.edit.columns_before = counts ? io.edit.columns_before + length : 0;
     unit.unfinished_line = io.edit.columns_before;
     if (!write_unit_record(io, out)) return false;
@@ -353,7 +350,7 @@ bool do_formatted_io_initialisation() {
     io.edit.repeat_left = 0;
     empty_record(io);
     const bool direct = is_direct(io.action);
-    if (direct && is_file(*io.unit) && !IO_direct_access_position()) return false;
+    if (direct && is_file_kind(io.unit->kind) && !IO_direct_access_position()) return false;
     if (!is_read(io.action)) {
         const bool whole = direct || io.internal_file || io.unit->status.fixed_record_length;
         const std::int64_t fill = whole ? io.record_length : std::min(io.record_length, fill_chunk);

@@ -5,6 +5,7 @@
 #include <cstring>
 #include <string>
 
+#include "fio/native/connect.h"
 #include "fio/native/format.h"
 #include "fio/native/format_parser.h"
 #include "fio/native/format_stream.h"
@@ -101,11 +102,6 @@ bool check_compiled_format(IO_type& io) {
     return first == stream_start || IO_error(83);
 }
 
-bool is_file_kind(const Unit& unit) {
-    return unit.kind == UnitKind::text || unit.kind == UnitKind::full ||
-           unit.kind == UnitKind::printer;
-}
-
 // POS= puts a stream WRITE into the middle of what is there: that isn't the place to cut.
 bool is_placed(const IO_type& io) {
     return is_stream(io) && io.record_no > 0;
@@ -117,13 +113,13 @@ bool begin_direction(IO_type& io) {
     IOStatus& status = unit.status;
     if (is_read(io.action)) {
         if (!status.may_read && !IO_error(208)) return false;
-        if (!is_file_kind(unit)) return true;
+        if (!is_file_kind(unit.kind)) return true;
         status.writing = status.after_rewind = status.after_backspace = false;
         status.reading = status.read_mode = true;
         return true;
     }
     if (!status.may_write && !IO_error(139)) return false;
-    if (is_file_kind(unit) && !status.positioned_by_append && !is_placed(io)) {
+    if (is_file_kind(unit.kind) && !status.positioned_by_append && !is_placed(io)) {
         std::int64_t position = 0;
         int err = 0;
         sys_getFilePos(unit, position, err);
@@ -154,7 +150,7 @@ bool cut_file(IO_type& io) {
         unit.unfinished_line = 0;
         return true;
     }
-    if (!is_file_kind(unit) || is_placed(io)) return true;
+    if (!is_file_kind(unit.kind) || is_placed(io)) return true;
     if (!status.read_mode && !status.after_backspace && !status.after_rewind) return true;
     unit.unfinished_line = 0;
     status.read_mode = status.after_backspace = status.after_rewind = false;

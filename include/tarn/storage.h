@@ -60,9 +60,9 @@ tarn_new_handler set_new_handler(tarn_new_handler handler);
 
 /* Non-zero: a null result of malloc is failure 294. The result is the state before, 0 or 1. */
 int fault_malloc_failure(int flag);
-/* The exception mode is a word of bits: bit 0, a failing malloc is fatal; bits 2 to 4, failing stdio
- * calls are; bit 5, a failing operator new is. set turns the bits of the mask on, reset turns them
- * off; each gives the word before. */
+/* The exception mode is a word of bits: bit 0, a failing malloc is fatal; bits 2 to 4, failing
+ * stdio calls are; bit 5, a failing operator new is. set turns the bits of the mask on, reset turns
+ * them off; each gives the word before. */
 uint32_t set_exception_mode(uint32_t mask);
 uint32_t reset_exception_mode(uint32_t mask);
 uint32_t get_exception_mode(void);
@@ -92,8 +92,8 @@ intptr_t __report_memory_available(void);
 intptr_t __report_largest_memory_block(void);
 /* The hash bucket, 0 to 1023, of a block. */
 int __find_hash_address(const void* block);
-/* Lists on standard output: a negative bucket, all non-empty buckets; a negative length, the bucket's
- * chains; both given, the blocks of one chain. */
+/* Lists on standard output: a negative bucket, all non-empty buckets; a negative length, the
+ * bucket's chains; both given, the blocks of one chain. */
 void print_memory_chain(int bucket, int length);
 
 /* ---- For a debugging session (own heap) ---- */

@@ -28,7 +28,7 @@ std::string_view plain_text(int number);
                                 std::string_view more_lines);
 // Free text in place of a numbered sentence.
 [[noreturn]] void fail_text(std::string_view text);
-// "*** Error %4d, %s\n" without ending: what a warning prints on standard error.
+// "*** Warning: %s\n" on standard error; the program goes on.
 void warn(std::string_view text);
 
 // What the rooms above give this one at their start. Null: not there yet.

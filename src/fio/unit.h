@@ -79,10 +79,9 @@ struct GnuConnection {
     bool last_was_write = false;     // a write makes the file end behind it
     bool record_open = false;        // a non-advancing statement left its record unfinished
     std::size_t open_column = 0;     // where it stood in it, in bytes from the record's start
-    std::size_t open_length = 0;     // output: the furthest byte written in it
-    std::size_t open_base = 0;       // columns of it that have left the buffer already
     std::int64_t record_number = 0;  // of a direct file: last record transferred
     std::int64_t stream_position = 1;
+    std::int32_t last_id = 0;  // ID= of the last asynchronous transfer
     std::int32_t share = 0;
     std::string name;  // the file's name as the program gave it
 };
@@ -99,6 +98,8 @@ struct Unit {
     std::size_t saved_last = 0;
     std::size_t saved_high_water = 0;
     std::size_t saved_length = 0;  // 0: nothing kept
+    // Characters of a line that a non-advancing native WRITE has left unfinished on the file.
+    std::int64_t unfinished_line = 0;
     void* driver = nullptr;        // a user driver, or the window or edit box of a window unit
     UnitKind kind = UnitKind::driver;
     std::int32_t share = 0;  // 0 COMPAT, 1 DENYRW, 2 DENYWR, 3 DENYRD, 4 DENYNONE
@@ -108,9 +109,11 @@ struct Unit {
     const Dialect* dialect = &native_dialect;
     File file;
     GnuConnection gnu;
-    bool native_console = false;      // units 1 and 2 as the system made them: no gnu connection
-    void (*closer)(Unit&) = nullptr;  // the whole CLOSE of the dialect that made the connection
-    std::recursive_mutex lock;        // held by a gnu statement from its start to its end
+    bool native_console = false;  // units 1 and 2 as the system made them: no gnu connection
+    // The whole CLOSE of the dialect that made the connection; an errno value, 0 when all went
+    // well.
+    int (*closer)(Unit&) = nullptr;
+    std::recursive_mutex lock;  // held by a gnu statement from its start to its end
 
     std::int32_t statements = 0;  // in progress on it, one inside the other; under the lock
 
@@ -125,8 +128,8 @@ struct Unit {
 // `buffered`: the unit gets a file buffer at once.
 Unit* Unit_create(std::int32_t number, bool buffered);
 void Unit_initialise(Unit& unit, std::int32_t number, bool buffered);
-void Unit_close(Unit& unit);  // closes a connected unit and frees what the record owns
-void Unit_free(Unit* unit);   // gives up a reference; the last one frees the record
+int Unit_close(Unit& unit);  // closes a connected unit, frees what the record owns; an errno value
+void Unit_free(Unit* unit);  // gives up a reference; the last one frees the record
 void Unit_clear(Unit& unit);
 std::uint32_t Unit_iostatus(const Unit& unit);
 std::uint32_t Unit_iostatus1(const Unit& unit);
@@ -142,6 +145,7 @@ void UnitList_remove(Unit* unit);
 void UnitList_remove(std::int32_t number);
 void UnitList_destroy(Unit* unit);
 void UnitList_destroy(std::int32_t number);
+// The end of the program. A unit that can't be written out is a failure of the program.
 void UnitList_destroyAll();
 
 // Guards the list and the index, never held while a unit's lock is waited for.
@@ -156,12 +160,10 @@ Unit* acquire_or_create_unit(std::int32_t number, bool& created);
 void hold_unit(Unit& unit);  // the same for a unit at hand
 void release_unit(Unit* unit);
 
-// The bytes of a record that a non-advancing statement left open become part of the file; what
-// follows in the record is put behind them.
-void absorb_open_record(Unit& unit);
-
-// Writes out what the buffers of all units hold, whatever state they are in: the last thing a
-// failing program does. Takes no lock that the failing thread may hold.
+// Writes out what the buffers of all units hold, and leaves them connected.
 void flush_all_units();
+// The last thing a failing program does: open records are ended too, whatever state the units are
+// in. Waits for no lock for long.
+void finish_all_units();
 
 }  // namespace tarn::fio

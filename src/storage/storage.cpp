@@ -9,6 +9,8 @@
 #include <string_view>
 
 #include "failure/failure.h"
+#include "frame/hooks.h"
+#include "frame/state.h"
 #include "storage/trace.h"
 
 namespace tarn::storage {
@@ -49,6 +51,11 @@ void hold_heap_over_forks() {
 bool raise_low_memory() {
     return the_state.hooks.raise_low_memory && the_state.hooks.raise_low_memory();
 }
+
+void install_storage() {
+    frame::hooks().initialise_storage = initialise_storage_allocator;
+}
+TARN_PREAMBLE(install_storage)
 
 Mode decide_mode() {
     initialise_storage_allocator();
@@ -131,7 +138,7 @@ void initialise_storage_allocator() {
         InSection held(the_state.heap.section());
         if (the_state.mode.load(std::memory_order_relaxed) != Mode::undecided) return;
         if (environment_wants_own_heap()) the_state.heap_by_system = 0;
-        if (the_state.heap_by_system || the_state.managed_program) {
+        if (the_state.heap_by_system || frame::state().managed) {
             the_state.mode.store(Mode::system, std::memory_order_release);
             return;
         }
@@ -141,10 +148,6 @@ void initialise_storage_allocator() {
         the_state.mode.store(Mode::own, std::memory_order_release);
     }
     hold_heap_over_forks();
-}
-
-void set_managed_program() {
-    the_state.managed_program = 1;
 }
 
 Mode mode() {

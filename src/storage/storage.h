@@ -34,7 +34,6 @@ struct Hooks {
 struct State {
     std::atomic<Mode> mode{Mode::undecided};
     std::int32_t heap_by_system = 1;
-    std::int32_t managed_program = 0;
     Heap heap;
 
     std::atomic<std::uint32_t> exception_mode{0};
@@ -49,8 +48,6 @@ State& state();
 
 // Fixes the mode. A later call changes nothing.
 void initialise_storage_allocator();
-// A managed program runs in system mode, whatever the environment says. Before the first request.
-void set_managed_program();
 // The mode in force; the first call fixes it.
 Mode mode();
 

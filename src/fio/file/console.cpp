@@ -56,7 +56,6 @@ void write(std::string_view text, std::string_view line_end) {
     const std::lock_guard guard(console.lock);
     Unit& unit = output();
     hold_unit(unit);
-    absorb_open_record(unit);
     int err = 0;
     file_write(unit.file, text.data(), text.size(), err);
     if (err == 0) file_write(unit.file, line_end.data(), line_end.size(), err);
@@ -85,10 +84,12 @@ void console_detach(Unit& unit) {
     const std::lock_guard guard(console.lock);
     if (console.attached_input == &unit) {
         console.attached_input = nullptr;
-        hand_over(unit.file, own_unit(console.own_input, 0, access_read).file);
+        // What can be sought back is read again by whoever comes next.
+        if (!unit.file.seekable && unit.file.read_index < unit.file.data_count) {
+            hand_over(unit.file, own_unit(console.own_input, 0, access_read).file);
+        }
     }
     if (console.attached_output == &unit) {
-        absorb_open_record(unit);
         file_flush(unit.file);
         console.attached_output = nullptr;
     }
@@ -101,7 +102,6 @@ void flush_console_output() {
     } else if (console.attached_output->lock.try_lock()) {
         Unit& unit = *console.attached_output;
         if (unit.statements == 0) {
-            absorb_open_record(unit);
             file_flush(unit.file);
         }
         unit.lock.unlock();

@@ -129,14 +129,15 @@ const std::string& temporary_folder() {
     Temporary& record = temporary();
     const std::lock_guard guard(record.lock);
     if (!record.folder.empty()) return record.folder;
-    for (const char* variable : {"TMPDIR", "TMP", "TEMP"}) {
-        const char* folder = std::getenv(variable);
-        if (is_writable_folder(folder)) return record.folder = folder;
+    const char* const candidates[] = {std::getenv("TMPDIR"), std::getenv("TMP"),
+                                      std::getenv("TEMP"), "/tmp", "/var/tmp"};
+    const char* chosen = ".";
+    for (const char* folder : candidates) {
+        if (!is_writable_folder(folder)) continue;
+        chosen = folder;
+        break;
     }
-    for (const char* folder : {"/tmp", "/var/tmp"}) {
-        if (is_writable_folder(folder)) return record.folder = folder;
-    }
-    return record.folder = ".";
+    return record.folder.assign(chosen);
 }
 
 // The file is made here, so that no other process takes the name before it is opened.
@@ -146,7 +147,7 @@ std::string sys_createTempFilename(int& err) {
     const std::lock_guard guard(record.lock);
     constexpr int highest_number = 999999;
     while (record.last_number < highest_number) {
-        char name[16];
+        char name[24];
         std::snprintf(name, sizeof name, "F$%06d.tmp", ++record.last_number);
         std::string path = folder == "." ? name : folder + "/" + name;
         const int flags = O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC;

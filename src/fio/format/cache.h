@@ -17,7 +17,7 @@ struct CachedFormat {
     std::uint64_t hash = 0;
     std::string text;
     FormatProgram program;
-    std::uint32_t users = 0;      // running statements
+    std::uint32_t users = 0;  // running statements
     std::uint64_t last_use = 0;
     bool filled = false;
 };

@@ -19,22 +19,32 @@ constexpr Fault fault_eor{215, iostat_eor};
 // The catalogue's sentence for a failure of the system, or 0 where it has none.
 int sentence_of_errno(int errno_value) {
     switch (errno_value) {
-        case ENOENT: return 128;
-        case ENOTDIR: return 146;
-        case EISDIR: return 140;
-        case EEXIST: return 125;
+        case ENOENT:
+            return 128;
+        case ENOTDIR:
+            return 146;
+        case EISDIR:
+            return 140;
+        case EEXIST:
+            return 125;
         case EACCES:
         case EPERM:
-        case EROFS: return 44;
+        case EROFS:
+            return 44;
         case EMFILE:
-        case ENFILE: return 116;
+        case ENFILE:
+            return 116;
         case ENOSPC:
         case EDQUOT:
-        case EFBIG: return 117;
+        case EFBIG:
+            return 117;
         case EBUSY:
-        case ETXTBSY: return 134;
-        case ENAMETOOLONG: return 414;
-        default: return 0;
+        case ETXTBSY:
+            return 134;
+        case ENAMETOOLONG:
+            return 414;
+        default:
+            return 0;
     }
 }
 
@@ -113,8 +123,12 @@ void raise_system_fault(Caller& caller, int errno_value, std::string_view detail
     failure::fail_sentence(number != 0 ? number : 168, message, place_of(caller));
 }
 
-void raise_end_of_file(Caller& caller) { raise_fault(caller, fault_end); }
+void raise_end_of_file(Caller& caller) {
+    raise_fault(caller, fault_end);
+}
 
-void raise_end_of_record(Caller& caller) { raise_fault(caller, fault_eor); }
+void raise_end_of_record(Caller& caller) {
+    raise_fault(caller, fault_eor);
+}
 
 }  // namespace tarn::fio

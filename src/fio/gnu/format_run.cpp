@@ -20,10 +20,10 @@ void put_literal(Statement& s, const FormatNode& node) {
 
 void next_records(Statement& s, std::int32_t count) {
     for (std::int32_t i = 0; i < count && !s.failed; ++i) {
-        if (s.reading) {
-            next_input_record(s);
-        } else {
+        if (!s.reading) {
             next_output_record(s);
+        } else if (!try_next_input_record(s) && !s.failed && !is_internal_scalar(s)) {
+            fail_end_of_file(s);
         }
     }
 }
@@ -34,7 +34,7 @@ void skip_input(Statement& s, std::int64_t count) {
     const std::int64_t passed = count < left ? count : left;
     s.cursor += passed;
     s.size_count += passed;
-    if (count > left && s.non_advancing) s.end_of_record = true;
+    if (count > left && s.non_advancing && s.record_at_hand) s.end_of_record = true;
 }
 
 void position(Statement& s, Edit edit, std::int64_t n) {
@@ -43,33 +43,62 @@ void position(Statement& s, Edit edit, std::int64_t n) {
         if (edit == Edit::TL) return move_left(s, n);
         return move_to_column(s, n - 1);
     }
-    const std::int64_t here = s.cursor - s.begin;
+    const std::int64_t here = s.cursor - s.tab_limit;
     std::int64_t target = n - 1;
     if (edit == Edit::TR) target = here + n;
     if (edit == Edit::TL) target = here - n;
     if (target > here) return skip_input(s, target - here);
-    s.cursor = s.begin + (target > 0 ? target : 0);
-    s.end_of_record = false;
+    s.cursor = s.tab_limit + (target > 0 ? target : 0);
+    if (!s.non_advancing) s.end_of_record = false;
 }
 
 void set_mode(Statement& s, const FormatNode& node) {
     EditModes& modes = s.modes;
     switch (node.edit) {
-        case Edit::P: modes.scale = node.w; break;
-        case Edit::S: modes.sign = SignMode::processor; break;
-        case Edit::SP: modes.sign = SignMode::plus; break;
-        case Edit::SS: modes.sign = SignMode::suppress; break;
-        case Edit::BN: modes.blank = Blank::null; break;
-        case Edit::BZ: modes.blank = Blank::zero; break;
-        case Edit::RU: modes.round = Rounding::up; break;
-        case Edit::RD: modes.round = Rounding::down; break;
-        case Edit::RZ: modes.round = Rounding::zero; break;
-        case Edit::RN: modes.round = Rounding::nearest; break;
-        case Edit::RC: modes.round = Rounding::compatible; break;
-        case Edit::RP: modes.round = Rounding::processor; break;
-        case Edit::DC: modes.decimal = DecimalMark::comma; break;
-        case Edit::DP: modes.decimal = DecimalMark::point; break;
-        default: break;
+        case Edit::P:
+            modes.scale = node.w;
+            break;
+        case Edit::S:
+            modes.sign = SignMode::processor;
+            break;
+        case Edit::SP:
+            modes.sign = SignMode::plus;
+            break;
+        case Edit::SS:
+            modes.sign = SignMode::suppress;
+            break;
+        case Edit::BN:
+            modes.blank = Blank::null;
+            break;
+        case Edit::BZ:
+            modes.blank = Blank::zero;
+            break;
+        case Edit::RU:
+            modes.round = Rounding::up;
+            break;
+        case Edit::RD:
+            modes.round = Rounding::down;
+            break;
+        case Edit::RZ:
+            modes.round = Rounding::zero;
+            break;
+        case Edit::RN:
+            modes.round = Rounding::nearest;
+            break;
+        case Edit::RC:
+            modes.round = Rounding::compatible;
+            break;
+        case Edit::RP:
+            modes.round = Rounding::processor;
+            break;
+        case Edit::DC:
+            modes.decimal = DecimalMark::comma;
+            break;
+        case Edit::DP:
+            modes.decimal = DecimalMark::point;
+            break;
+        default:
+            break;
     }
 }
 

@@ -9,12 +9,17 @@
 namespace tarn::fio {
 
 // One 4-byte character, at any address.
-inline void put_wide(char* at, char32_t value) { std::memcpy(at, &value, sizeof value); }
+inline void put_wide(char* at, char32_t value) {
+    std::memcpy(at, &value, sizeof value);
+}
 inline char32_t get_wide(const char* at) {
     char32_t value;
     std::memcpy(&value, at, sizeof value);
     return value;
 }
+
+// The dimensions behind the rank stay unset.
+void copy_internal_file(const InternalFile& from, InternalFile& to);
 
 // `record` becomes the first record, or null when the file has none.
 void first_internal_record(InternalFile& file);

@@ -9,10 +9,12 @@
 
 namespace tarn::fio {
 
+// One item through the next data edit descriptor of a WRITE; not COMPLEX.
+void write_item(Statement& statement, ItemType type, const char* item, int kind, std::size_t size);
 void write_formatted(Statement& statement, ItemType type, const char* items, int kind,
                      std::size_t size, std::ptrdiff_t stride, std::size_t count);
-void write_list(Statement& statement, ItemType type, const char* items, int kind,
-                std::size_t size, std::ptrdiff_t stride, std::size_t count);
+void write_list(Statement& statement, ItemType type, const char* items, int kind, std::size_t size,
+                std::ptrdiff_t stride, std::size_t count);
 void read_formatted(Statement& statement, ItemType type, char* items, int kind, std::size_t size,
                     std::ptrdiff_t stride, std::size_t count);
 
@@ -25,7 +27,8 @@ void fail_mismatch(Statement& statement, const FormatNode& node, ItemType type);
 
 inline Int128 load_integer(const char* item, int kind) {
     switch (kind) {
-        case 1: return static_cast<std::int8_t>(*item);
+        case 1:
+            return static_cast<std::int8_t>(*item);
         case 2: {
             std::int16_t value;
             std::memcpy(&value, item, sizeof value);
@@ -50,6 +53,8 @@ inline Int128 load_integer(const char* item, int kind) {
 }
 
 // Bytes of one REAL in memory: kind 10 takes 16.
-constexpr std::size_t real_size(int kind) { return kind == 10 ? 16 : static_cast<std::size_t>(kind); }
+constexpr std::size_t real_size(int kind) {
+    return kind == 10 ? 16 : static_cast<std::size_t>(kind);
+}
 
 }  // namespace tarn::fio

@@ -10,8 +10,6 @@
 namespace tarn::fio {
 namespace {
 
-constexpr Fault zero_width{409, iostat_format};
-
 struct Field {
     const char* text = nullptr;  // null: the statement has failed
     std::size_t width = 0;       // characters at hand, fewer than asked for at the record's end
@@ -36,21 +34,39 @@ bool meet_record_end(Statement& s, std::size_t at_hand) {
     return true;
 }
 
-// The next `width` characters. A comma ends a numeric field early and is passed.
-Field take_field(Statement& s, std::size_t width, bool numeric) {
-    const auto left = static_cast<std::size_t>(s.limit - s.cursor);
+// Where the record's characters end for a field. The trailing blanks of a scalar internal file
+// count only under BZ: A8 reading 'abc' into five characters gives 'abc', not the right-hand part
+// of the field.
+const char* input_end(const Statement& s) {
+    return s.internal && s.modes.blank == Blank::null ? s.text_end : s.limit;
+}
+
+std::size_t characters_left(const Statement& s) {
+    const char* end = input_end(s);
+    return s.cursor < end ? static_cast<std::size_t>(end - s.cursor) : 0;
+}
+
+// The next `width` characters. On a file a comma ends a numeric field early and is passed.
+Field take_number(Statement& s, std::size_t width) {
+    const std::size_t left = characters_left(s);
     Field field{s.cursor, std::min(width, left)};
-    const char* comma = nullptr;
-    if (numeric && s.modes.decimal == DecimalMark::point) {
-        comma = static_cast<const char*>(std::memchr(s.cursor, ',', field.width));
-    }
-    if (comma != nullptr) {
-        field.width = static_cast<std::size_t>(comma - s.cursor);
-        s.cursor += field.width + 1;
+    const std::size_t end = s.internal ? field.width : field_end(field.text, field.width, s.modes);
+    if (end < field.width) {
+        field.width = end;
+        s.cursor += end + 1;
     } else {
         if (width > left && !meet_record_end(s, left)) return {};
         s.cursor += field.width;
     }
+    s.size_count += static_cast<std::int64_t>(field.width);
+    return field;
+}
+
+Field take_text(Statement& s, std::size_t width) {
+    const std::size_t left = characters_left(s);
+    const Field field{s.cursor, std::min(width, left)};
+    if (width > left && !meet_record_end(s, left)) return {};
+    s.cursor += field.width;
     s.size_count += static_cast<std::int64_t>(field.width);
     return field;
 }
@@ -66,21 +82,32 @@ void report_field(Statement& s, const Field& field, const FieldResult& result) {
     fail(s, result.fault, {detail, before.size() + text.size() + 1});
 }
 
-void read_number(Statement& s, const FormatNode& node, Edit edit, char* item, int kind,
-                 std::size_t size) {
-    if (node.w == 0) return fail(s, zero_width);
-    const Field field = take_field(s, static_cast<std::size_t>(node.w), true);
+void read_number(Statement& s, const FormatNode& node, Edit edit, char* item, int kind) {
+    const Field field = take_number(s, node.w < 0 ? 1 : static_cast<std::size_t>(node.w));
     if (field.text == nullptr) return;
     FieldResult result;
     switch (edit) {
-        case Edit::I: result = get_integer(field.text, field.width, item, kind, s.modes); break;
-        case Edit::B: result = get_bits(field.text, field.width, 2, item, size, s.modes); break;
-        case Edit::O: result = get_bits(field.text, field.width, 8, item, size, s.modes); break;
-        case Edit::Z: result = get_bits(field.text, field.width, 16, item, size, s.modes); break;
-        case Edit::L: result = get_logical(field.text, field.width, item, kind); break;
-        default:
-            result = get_real(field.text, field.width, node.d < 0 ? 0 : node.d, item, kind,
+        case Edit::I:
+            result = get_integer(field.text, field.width, item, kind, s.modes);
+            break;
+        case Edit::B:
+            result =
+                get_bits(field.text, field.width, 2, item, static_cast<std::size_t>(kind), s.modes);
+            break;
+        case Edit::O:
+            result =
+                get_bits(field.text, field.width, 8, item, static_cast<std::size_t>(kind), s.modes);
+            break;
+        case Edit::Z:
+            result = get_bits(field.text, field.width, 16, item, static_cast<std::size_t>(kind),
                               s.modes);
+            break;
+        case Edit::L:
+            result = get_logical(field.text, field.width, item, kind);
+            break;
+        default:
+            result =
+                get_real(field.text, field.width, node.d < 0 ? 0 : node.d, item, kind, s.modes);
             break;
     }
     report_field(s, field, result);
@@ -94,19 +121,23 @@ void store_character(char* item, int kind, std::size_t index, char32_t code) {
     }
 }
 
-// A on a unit whose characters are UTF-8: the width counts characters.
+// A on a record of UTF-8. On a file, as gfortran's programs know it, the field has as many
+// characters as the longer of its width and the value, and the value takes the first of them; in
+// memory the value takes the rightmost, as it should.
 void read_utf8_characters(Statement& s, std::size_t width, char* item, int kind,
                           std::size_t length) {
-    std::size_t skip = width > length ? width - length : 0;
-    std::size_t stored = 0;
+    const std::size_t wanted = s.internal ? width : std::max(width, length);
+    std::size_t skip = s.internal && width > length ? width - length : 0;
     std::size_t read = 0;
-    for (; read < width && s.cursor < s.limit; ++read) {
+    std::size_t stored = 0;
+    const char* end = input_end(s);
+    for (; read < wanted && s.cursor < end; ++read) {
         std::size_t size = 0;
-        const char32_t code = get_utf8(s.cursor, s.limit, size);
+        const char32_t code = get_utf8(s.cursor, end, size);
         s.cursor += size;
         if (skip > 0) {
             --skip;
-        } else {
+        } else if (stored < length) {
             store_character(item, kind, stored++, code);
         }
     }
@@ -119,7 +150,7 @@ void read_characters(Statement& s, const FormatNode& node, char* item, int kind,
                      std::size_t length) {
     const std::size_t width = node.w < 0 ? length : static_cast<std::size_t>(node.w);
     if (s.utf8) return read_utf8_characters(s, width, item, kind, length);
-    Field field = take_field(s, width, false);
+    Field field = take_text(s, width);
     if (field.text == nullptr) return;
     if (field.width > length) {
         field.text += field.width - length;
@@ -138,7 +169,8 @@ void read_characters(Statement& s, const FormatNode& node, char* item, int kind,
 
 void read_item(Statement& s, ItemType type, char* item, int kind, std::size_t size) {
     const FormatNode* node = next_data_edit(s);
-    if (node == nullptr || !s.record_at_hand) return;
+    if (node == nullptr) return;
+    if (!s.record_at_hand) return fail_end_of_file(s);
     ++s.items;
     Edit edit = node->edit;
     if (edit == Edit::G) {
@@ -151,22 +183,25 @@ void read_item(Statement& s, ItemType type, char* item, int kind, std::size_t si
             if (type != ItemType::integer) return fail_mismatch(s, *node, type);
             break;
         case Edit::A:
-            if (node->edit == Edit::G && node->w == 0) return fail(s, zero_width);
             if (type == ItemType::character) return read_characters(s, *node, item, kind, size);
             return read_characters(s, *node, item, 1, size);
         case Edit::B:
         case Edit::O:
         case Edit::Z:
-        case Edit::L: break;
-        case Edit::DT: return fail_mismatch(s, *node, type);
+        case Edit::L:
+            break;
+        case Edit::DT:
+            return fail_mismatch(s, *node, type);
         default:
             if (type != ItemType::real) return fail_mismatch(s, *node, type);
             break;
     }
-    read_number(s, *node, edit, item, kind, size);
+    read_number(s, *node, edit, item, kind);
 }
 
-bool goes_on(const Statement& s) { return !s.failed && !(s.end_of_record && s.non_advancing); }
+bool goes_on(const Statement& s) {
+    return !s.failed && !(s.end_of_record && s.non_advancing);
+}
 
 }  // namespace
 

@@ -36,9 +36,12 @@ void put_delimited(Statement& s, const char* text, int kind, std::size_t length,
 
 void put_list_characters(Statement& s, const char* text, int kind, std::size_t length) {
     switch (s.modes.delim) {
-        case Delim::none: return put_characters(s, text, kind, length);
-        case Delim::apostrophe: return put_delimited(s, text, kind, length, '\'');
-        case Delim::quote: return put_delimited(s, text, kind, length, '"');
+        case Delim::none:
+            return put_characters(s, text, kind, length);
+        case Delim::apostrophe:
+            return put_delimited(s, text, kind, length, '\'');
+        case Delim::quote:
+            return put_delimited(s, text, kind, length, '"');
     }
 }
 
@@ -77,12 +80,12 @@ void put_item(Statement& s, ItemType type, const char* item, int kind, std::size
                 return put_list_logical(out, load_integer(item, kind) != 0, kind);
             });
         case ItemType::real:
-            return put_field(
-                s, [&](char* out) { return put_list_real(out, item, kind, s.modes); });
+            return put_field(s, [&](char* out) { return put_list_real(out, item, kind, s.modes); });
         case ItemType::complex:
-            return put_field(
-                s, [&](char* out) { return put_list_complex(out, item, kind, s.modes); });
-        case ItemType::character: return put_list_characters(s, item, kind, size);
+            return put_field(s,
+                             [&](char* out) { return put_list_complex(out, item, kind, s.modes); });
+        case ItemType::character:
+            return put_list_characters(s, item, kind, size);
     }
 }
 

@@ -8,10 +8,16 @@ namespace tarn::fio {
 namespace {
 
 void set_record(Statement& s, char* begin, std::size_t length) {
-    s.begin = s.cursor = begin;
+    s.begin = s.cursor = s.tab_limit = begin;
     s.limit = begin + length;
     s.record_at_hand = true;
     s.end_of_record = false;
+}
+
+void find_text_end(Statement& s) {
+    s.text_end = s.limit;
+    if (s.file.rank > 0) return;
+    while (s.text_end > s.begin && s.text_end[-1] == ' ') --s.text_end;
 }
 
 bool internal_record(Statement& s) {
@@ -20,6 +26,7 @@ bool internal_record(Statement& s) {
     s.record_terminated = true;
     if (!s.wide) {
         set_record(s, record, s.file.length);
+        find_text_end(s);
         return true;
     }
     // The reader takes UTF-8.
@@ -30,6 +37,7 @@ bool internal_record(Statement& s) {
         length += put_utf8(get_wide(record + 4 * i), text + length);
     }
     set_record(s, text, length);
+    find_text_end(s);
     return true;
 }
 
@@ -95,19 +103,24 @@ void drop_record(Statement& s) {
 }  // namespace
 
 void begin_input(Statement& s) {
-    if (!fetch_or_fail(s) || s.unit == nullptr) return;
+    // A non-advancing statement meets the end of the file with its first item.
+    if (!(s.non_advancing ? fetch_record(s) : fetch_or_fail(s)) || s.unit == nullptr) return;
     GnuConnection& connection = s.unit->gnu;
     connection.last_was_write = false;
     if (!connection.record_open) return;
     const auto length = static_cast<std::size_t>(s.limit - s.begin);
     s.cursor = s.begin + (connection.open_column < length ? connection.open_column : length);
+    s.tab_limit = s.cursor;
 }
 
 bool try_next_input_record(Statement& s) {
     if (s.failed) return false;
     drop_record(s);
-    if (s.internal) next_internal_record(s.file);
-    if (s.direct) ++s.record_number;
+    if (s.internal) {
+        next_internal_record(s.file);
+    } else if (s.direct) {
+        ++s.record_number;
+    }
     return fetch_record(s);
 }
 

@@ -4,6 +4,7 @@
 
 #include "fio/file/record_buffer.h"
 #include "fio/gnu/internal_file.h"
+#include "fio/gnu/options.h"
 #include "fio/gnu/records.h"
 #include "fio/unit.h"
 
@@ -13,7 +14,9 @@ namespace {
 // Enough for most records, so that room is asked for once.
 constexpr std::size_t usual_record = 512;
 
-std::ptrdiff_t cell_size(const Statement& s) { return s.wide ? 4 : 1; }
+std::ptrdiff_t cell_size(const Statement& s) {
+    return s.wide ? 4 : 1;
+}
 
 void set_room(Statement& s, char* begin, char* room_end) {
     s.begin = s.cursor = s.high = begin;
@@ -130,13 +133,19 @@ void finish_external(Statement& s) {
         s.begin = at.begin;
         s.high = at.begin + length;
     }
-    std::memcpy(s.high, line_end.data(), line_end.size());
+    if (line_end.size() == 1) {
+        *s.high = line_end[0];
+    } else {
+        std::memcpy(s.high, line_end.data(), line_end.size());
+    }
     int err = 0;
     end_record(unit.file, static_cast<std::size_t>(s.high - s.begin) + line_end.size(),
                leaves_at_once(unit), err);
     unit.gnu.record_open = false;
     ++unit.current_record;
     s.column_base = 0;
+    // A formatted stream ends behind the record that was written last.
+    if (s.stream && unit.file.size > unit.file.logical_position) cut_here(unit.file, err);
     if (err != 0) fail_system(s, err);
 }
 
@@ -154,13 +163,24 @@ void finish_internal(Statement& s) {
     if (s.file.record != nullptr) blank(s, s.high, s.record_end);
 }
 
+// A scalar internal file has one record. What follows a slash or reversion goes on in it, behind
+// one blank, and the statement hears of the end when it ends; another fault on the way counts.
+void go_on_behind_scalar(Statement& s) {
+    char* at = room(s, 1);
+    if (at == nullptr) return;
+    *at = ' ';
+    filled(s, at + 1);
+    s.behind_scalar = true;
+}
+
 // A sequential WRITE makes its record the last one of the file.
 void cut_behind(Statement& s) {
     Unit& unit = *s.unit;
-    if (s.direct || s.stream || unit.gnu.last_was_write) return;
+    if (unit.gnu.last_was_write) return;
+    unit.gnu.last_was_write = true;
+    if (s.direct || s.stream) return;
     int err = 0;
     cut_here(unit.file, err);
-    unit.gnu.last_was_write = true;
     unit.gnu.end = EndState::at;
     if (err != 0) fail_system(s, err);
 }
@@ -175,7 +195,9 @@ void begin_output(Statement& s) {
 
 void next_output_record(Statement& s) {
     if (s.failed) return;
-    if (s.internal) {
+    if (is_internal_scalar(s) && !s.wide) {
+        go_on_behind_scalar(s);
+    } else if (s.internal) {
         finish_internal(s);
         next_internal_record(s.file);
         begin_internal(s);
@@ -190,7 +212,11 @@ void next_output_record(Statement& s) {
 }
 
 void end_output(Statement& s) {
-    if (s.internal) return finish_internal(s);
+    if (s.internal) {
+        const bool left_last = s.file.record == nullptr && s.file.count > 0 && !s.wide;
+        if (left_last || s.behind_scalar) return fail_end_of_file(s);
+        return finish_internal(s);
+    }
     if (s.begin == nullptr) return;
     if (s.direct) return finish_direct(s);
     if (s.non_advancing || s.no_line_end) {
@@ -212,7 +238,11 @@ char* make_room(Statement& s, std::size_t count) {
     const std::ptrdiff_t end = at + static_cast<std::ptrdiff_t>(count) * cell;
     if (s.record_end != nullptr ? end > s.record_end - s.begin
                                 : end + s.column_base > s.record_limit) {
-        fail_end_of_record(s);
+        if (s.behind_scalar) {
+            fail_end_of_file(s);
+        } else {
+            fail_end_of_record(s);
+        }
         return nullptr;
     }
     if (end > s.room_end - s.begin) {
@@ -249,7 +279,10 @@ void fill_wide(Statement& s, const char* end) {
 void finish_open_record(Unit& unit, int& err) {
     if (!unit.gnu.record_open || !unit.gnu.last_was_write) return;
     unit.gnu.record_open = false;
-    const std::string_view line_end = unit.dialect->line_end;
+    // A prompt at the end of the program stays as it is; any other unit ends with a whole record.
+    const GnuOptions& options = gnu_options();
+    const bool standard = unit.number == options.stdout_unit || unit.number == options.stderr_unit;
+    const std::string_view line_end = standard ? std::string_view() : unit.dialect->line_end;
     const std::size_t length = unit.saved_length + line_end.size();
     const OutputRoom at = begin_record(unit.file, length, err);
     if (at.begin == nullptr) return;
@@ -290,7 +323,7 @@ void move_left(Statement& s, std::int64_t count) {
 }
 
 void move_to_column(Statement& s, std::int64_t column) {
-    const std::int64_t here = (s.cursor - s.begin) / cell_size(s) + s.pending + s.column_base;
+    const std::int64_t here = (s.cursor - s.begin) / cell_size(s) + s.pending;
     if (column >= here) return move_right(s, column - here);
     move_left(s, here - column);
 }

@@ -30,11 +30,11 @@ struct InternalFile {
     int char_kind = 1;       // 1 or 4
     int rank = 0;            // 0: scalar
     struct Dimension {
-        std::int64_t extent = 0;
-        std::int64_t stride = 0;  // in bytes
-        std::int64_t index = 0;
-    } dimension[15];
-    char* record = nullptr;        // the record at hand
+        std::int64_t extent;
+        std::int64_t stride;  // in bytes
+        std::int64_t index;
+    } dimension[15];         // the first `rank` of them are filled
+    char* record = nullptr;  // the record at hand
 };
 
 // The state of the list-directed reader between two items.
@@ -51,7 +51,7 @@ struct ListState {
     std::size_t saved_length = 0;
     char* saved_text = nullptr;  // a character value to repeat; grows as needed
     std::size_t saved_capacity = 0;
-    alignas(16) unsigned char saved_value[32] = {};
+    alignas(16) unsigned char saved_value[32];
 };
 
 struct Statement {
@@ -59,64 +59,84 @@ struct Statement {
     Unit* unit = nullptr;  // null for an internal file
     bool reading = false;
     bool list_directed = false;
+    bool formatted_output = false;  // ready for `write_item`
     bool non_advancing = false;
     bool direct = false;
     bool stream = false;
     bool utf8 = false;
     bool internal = false;
-    bool wide = false;           // an internal file of 4-byte characters
-    bool measuring = false;      // INQUIRE(IOLENGTH=): items are only counted
-    bool failed = false;         // the items that follow are ignored
-    bool moved = false;          // the file was positioned by REC= or POS=
+    bool wide = false;       // an internal file of 4-byte characters
+    bool measuring = false;  // INQUIRE(IOLENGTH=): items are only counted
+    bool behind_scalar = false;  // the one record of a scalar internal file has been left
+    bool failed = false;     // the items that follow are ignored
+    bool moved = false;      // the file was positioned by REC= or POS=
     EditModes modes;
 
     // The record at hand. On output of 4-byte characters the pointers step by four.
     char* begin = nullptr;
+    char* tab_limit = nullptr;  // input: column 1 of T; where a non-advancing statement began
     char* cursor = nullptr;
-    char* high = nullptr;         // output: the furthest byte written
-    char* limit = nullptr;        // input: end of the record; output: end of the room at hand,
-                                  // or `begin` to send every item through `make_room`
-    char* room_end = nullptr;     // output: end of the bytes that may be written
-    std::int64_t pending = 0;     // output: a move to the right that nothing has followed yet
-    char* record_end = nullptr;   // output: where a record of fixed length ends; null: no end
-    std::int64_t column_base = 0;       // output: what non-advancing statements wrote before
-    bool record_at_hand = false;        // input: a record has been found
-    bool record_terminated = false;     // input: it has a line end
-    std::size_t record_consumed = 0;    // input: bytes of it with the line end
-    bool end_of_record = false;         // input: a field ran into the record's end
-    std::int64_t record_limit = 0;      // characters that a record may hold (RECL=)
-    std::int64_t record_number = 0;     // of a direct file
+    char* high = nullptr;             // output: the furthest byte written
+    char* limit = nullptr;            // input: end of the record; output: end of the room at hand,
+                                      // or `begin` to send every item through `make_room`
+    char* room_end = nullptr;         // output: end of the bytes that may be written
+    std::int64_t pending = 0;         // output: a move to the right that nothing has followed yet
+    char* record_end = nullptr;       // output: where a record of fixed length ends; null: no end
+    std::int64_t column_base = 0;     // output: what non-advancing statements wrote before
+    bool record_at_hand = false;      // input: a record has been found
+    bool record_terminated = false;   // input: it has a line end
+    std::size_t record_consumed = 0;  // input: bytes of it with the line end
+    char* text_end = nullptr;         // input: where the trailing blanks of a scalar begin
+    bool end_of_record = false;       // input: a field ran into the record's end
+    std::int64_t record_limit = 0;    // characters that a record may hold (RECL=)
+    std::int64_t record_number = 0;   // of a direct file
 
     // The format.
     CachedFormat* cached = nullptr;
     const FormatProgram* format = nullptr;
-    std::uint32_t node = 0;             // next node to run
-    std::int32_t repeat_left = 0;       // of the data edit descriptor in force
+    std::uint32_t node = 0;        // next node to run
+    std::int32_t repeat_left = 0;  // of the data edit descriptor in force
     const FormatNode* data_edit = nullptr;
-    std::int32_t counters[max_format_depth + 1] = {};
-    bool data_used = false;             // a data edit descriptor has met an item since reversion
-    bool no_line_end = false;           // $ asked for it
-    std::uint32_t items = 0;            // transferred so far, for messages
+    std::int32_t counters[max_format_depth + 1];  // of open groups, by level
+    bool data_used = false;    // a data edit descriptor has met an item since reversion
+    bool no_line_end = false;  // $ asked for it
+    std::uint32_t items = 0;   // transferred so far, for messages
 
     InternalFile file;
     ListState list;
-    bool list_first_item = true;        // output
+    bool list_first_item = true;  // output
     bool list_after_character = false;
-    std::int64_t* size = nullptr;       // SIZE=
-    std::int64_t size_count = 0;        // characters read, for SIZE=
+    std::int64_t* size = nullptr;  // SIZE=
+    std::int64_t size_count = 0;   // characters read, for SIZE=
     std::int64_t* iolength = nullptr;
-    std::int64_t length_count = 0;      // bytes measured for IOLENGTH=
+    std::int64_t length_count = 0;  // bytes measured for IOLENGTH=
 
-    char* scratch = nullptr;            // fields that don't lie as bytes in the record
+    char* scratch = nullptr;  // fields that don't lie as bytes in the record
     std::size_t scratch_capacity = 0;
-    Statement* below = nullptr;         // in the thread's stock
+    Statement* below = nullptr;  // in the thread's stock
 };
+
+inline bool is_internal_scalar(const Statement& statement) {
+    return statement.internal && statement.file.rank == 0;
+}
 
 // Input: brings the next record to hand, from the unit or the internal file; false when there is
 // none (the end of the file has been reported and the statement has failed).
 bool next_input_record(Statement& statement);
 // The same, but none is no fault: false, and nothing was reported.
 bool try_next_input_record(Statement& statement);
+
+// The specifiers of few statements; without an address: not given.
+struct ModeSpecifiers {
+    std::string_view advance;
+    std::string_view asynchronous;
+    std::string_view blank;
+    std::string_view decimal;
+    std::string_view delim;
+    std::string_view pad;
+    std::string_view round;
+    std::string_view sign;
+};
 
 // What the compiled program asks of a data transfer statement.
 struct TransferSpecifiers {
@@ -127,17 +147,14 @@ struct TransferSpecifiers {
     bool has_pos = false;
     bool has_end = false;
     bool has_eor = false;
-    bool has_internal = false;
-    const char* format = nullptr;          // null: none
+    const char* format = nullptr;  // null: none
     std::size_t format_length = 0;
     std::int64_t rec = 0;
     std::int64_t pos = 0;
     std::int64_t* size = nullptr;
     std::int32_t* id = nullptr;
-    // The changeable modes and the others of few programs; null: not given.
-    bool has_modes = false;                // one of these is given
-    std::string_view advance, asynchronous, blank, decimal, delim, pad, round, sign;
-    InternalFile internal;
+    const ModeSpecifiers* modes = nullptr;   // null: none of them is given
+    const InternalFile* internal = nullptr;  // null: an external unit
 };
 
 // Opens a READ or WRITE. The statement is valid in any case; a fault is in its caller's outcome.
@@ -148,6 +165,7 @@ Statement* begin_iolength(Caller& caller, std::int64_t* result);
 // characters.
 void transfer_items(Statement& statement, ItemType type, void* items, int kind, std::size_t size,
                     std::ptrdiff_t stride, std::size_t count);
+void transfer_item(Statement& statement, ItemType type, void* item, int kind, std::size_t size);
 // Ends the statement: the rest of the format, the record, the unit. The record is gone then.
 void end_transfer(Statement* statement);
 
@@ -162,5 +180,12 @@ void fail(Statement& statement, Fault fault, std::string_view detail = {});
 void fail_system(Statement& statement, int errno_value);
 void fail_end_of_file(Statement& statement);
 void fail_end_of_record(Statement& statement);
+void fail_format(Statement& statement, const FormatError& error, std::string_view text);
+
+// Transfers without a format: a room that is still empty, said to the program.
+void begin_unformatted(Statement& statement);
+
+// A record as new, but for the buffers that it owns.
+void reset_statement(Statement& statement);
 
 }  // namespace tarn::fio

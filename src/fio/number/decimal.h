@@ -29,17 +29,21 @@ BinaryReal take_apart(__float128 value);
 // `size`: the kind, 4, 8, 10 or 16.
 BinaryReal take_apart(const void* value, int kind);
 
-// Digits of a value: 0.d1d2d3... x 10^point. `count` digits were made; all digits behind them are
-// zero unless `rounded` says that something was cut off.
+// Digits of a value: 0.d1d2d3... x 10^point. `count` digits were made; those behind them are zero
+// as far as digits were asked for.
 struct DecimalDigits {
     char* digits = nullptr;  // the caller's buffer
     std::size_t count = 0;
     std::int32_t point = 0;
 };
 
-// `count` significant digits (1 or more) into `buffer`. The value is finite and not zero.
-// Rounding up and down take the sign into account. A carry out of the first digit moves `point`.
-// At most `max_significant_digits` true digits exist for a type; zeros follow.
+// No value of any kind has more significant digits than this.
+inline constexpr std::size_t max_significant_digits = 11563;
+
+// `count` significant digits (1 or more) into `buffer`, which holds that many (or the greatest
+// number, if that is less). Fewer are made where only zeros would follow. The value is finite and
+// not zero. Rounding up and down take the sign into account. A carry out of the first digit moves
+// `point`.
 DecimalDigits significant_digits(const BinaryReal& value, std::size_t count, Rounding round,
                                  char* buffer);
 
@@ -66,7 +70,8 @@ enum class ConvertResult : std::uint8_t { ok, overflow, underflow };
 
 // Decimal to binary, correctly rounded (`unspecified`, `processor`, `nearest`: to nearest even;
 // the others as named). Stores the value of kind 4, 8, 10 or 16 at `target`; overflow stores
-// infinity (or the largest value where the direction says so), underflow zero or a subnormal.
+// infinity (or the largest value where the direction says so), underflow zero or a subnormal that
+// is not the exact value. A REAL(10) is stored with its 10 bytes.
 ConvertResult to_binary(const DecimalNumber& number, Rounding round, int kind, void* target);
 
 // Decimal digits of an integer: writes the digits of `value` so that they end at `end`, and
@@ -74,8 +79,22 @@ ConvertResult to_binary(const DecimalNumber& number, Rounding round, int kind, v
 char* put_decimal_backwards(unsigned long long value, char* end);
 char* put_decimal_backwards(unsigned __int128 value, char* end);
 
-// The two numbers of digits at which a native statement looks: the first 20 significant digits of
-// the value rounded at digit `count` (halves away from zero), zeros after them.
-DecimalDigits native_digits(long double value, std::int32_t count, char* buffer);
+// The digits that a native statement shows: at most 20 of them are true, zeros follow. Rounded
+// half away from zero at the digit asked for.
+struct NativeDigits {
+    char* digits = nullptr;  // the caller's buffer
+    std::size_t count = 0;   // digits written, zeros behind the true ones included
+    std::int32_t point = 0;  // |value| = 0.d1d2d3... x 10^point; 0 for a zero
+    bool negative = false;   // the sign, of a zero too
+};
+
+// No more digits than this are written.
+inline constexpr std::size_t max_native_digits = 5000;
+
+// `count` above 0: so many significant digits. Otherwise -`count` digits behind the point, which
+// with the digits before it may be none. A zero gives the digits asked for, all '0'. The smallest
+// normal REAL(8), 2.2250738585072014E-308, keeps its 17th digit whatever cut is made there. The
+// value is finite; `buffer` holds max_native_digits bytes, or what the count can give.
+NativeDigits native_digits(long double value, std::int32_t count, char* buffer);
 
 }  // namespace tarn::fio

@@ -1,0 +1,300 @@
+#include <algorithm>
+#include <cerrno>
+
+#include "fio/file/record_buffer.h"
+#include "fio/gnu/connection.h"
+#include "fio/gnu/format_run.h"
+#include "fio/gnu/internal_file.h"
+#include "fio/gnu/keyword.h"
+#include "fio/gnu/records.h"
+#include "fio/gnu/thread_state.h"
+#include "fio/unit.h"
+
+namespace tarn::fio {
+namespace {
+
+constexpr std::int64_t internal_record_limit = INT64_MAX / 8;
+
+constexpr Fault conflict{81, iostat_option_conflict};
+constexpr Fault bad_option{81, iostat_bad_option};
+constexpr Fault missing_option{81, iostat_missing_option};
+constexpr Fault access_mismatch{90, iostat_option_conflict};
+constexpr Fault form_mismatch{90, iostat_option_conflict};
+constexpr Fault no_reading{208, iostat_bad_action};
+constexpr Fault no_writing{139, iostat_bad_action};
+constexpr Fault bad_record_number{95, iostat_bad_option};
+constexpr Fault bad_position{450, iostat_bad_option};
+constexpr Fault past_end_marker{104, iostat_option_conflict};
+constexpr Fault same_unit{433, iostat_option_conflict};
+constexpr Fault not_there{156, iostat_internal};
+constexpr Fault read_after_open_write{81, iostat_bad_option};
+
+// The specifiers of one statement that change modes of the connection. False: a word of none.
+bool apply_modes(Statement& s, const ModeSpecifiers& specs) {
+    EditModes& modes = s.modes;
+    const struct {
+        std::string_view value;
+        std::int32_t number;
+        bool known;
+    } checks[] = {
+        {specs.decimal, 81, keyword(specs.decimal, decimal_words, modes.decimal)},
+        {specs.sign, 81, keyword(specs.sign, sign_words, modes.sign)},
+        {specs.blank, 153, keyword(specs.blank, blank_words, modes.blank)},
+        {specs.delim, 211, keyword(specs.delim, delim_words, modes.delim)},
+        {specs.pad, 212, keyword(specs.pad, pad_words, modes.pad)},
+        {specs.round, 81, keyword(specs.round, round_words, modes.round)},
+    };
+    for (const auto& check : checks) {
+        if (check.known) continue;
+        fail(s, {check.number, iostat_bad_option}, check.value);
+        return false;
+    }
+    return true;
+}
+
+bool apply_asynchronous(Statement& s, const ModeSpecifiers& specs) {
+    if (specs.asynchronous.data() == nullptr) return true;
+    bool wanted = false;
+    if (!keyword(specs.asynchronous, yes_no_words, wanted)) {
+        fail(s, bad_option, "ASYNCHRONOUS=");
+        return false;
+    }
+    if (wanted && s.unit != nullptr && !s.unit->gnu.asynchronous) {
+        fail(s, bad_option, "ASYNCHRONOUS='YES' on a unit that was not opened for it");
+        return false;
+    }
+    return true;
+}
+
+bool apply_advance(Statement& s, const TransferSpecifiers& specs) {
+    bool advance = true;
+    if (specs.modes != nullptr && specs.modes->advance.data() != nullptr) {
+        if (!keyword(specs.modes->advance, yes_no_words, advance)) {
+            fail(s, {213, iostat_bad_option}, specs.modes->advance);
+            return false;
+        }
+        if (s.direct || s.internal || specs.format == nullptr) {
+            fail(s, {214, iostat_option_conflict});
+            return false;
+        }
+    }
+    s.non_advancing = !advance;
+    if (!s.reading) {
+        if (specs.has_end || specs.has_eor || specs.size != nullptr) {
+            fail(s, conflict, "END=, EOR= or SIZE= in a WRITE");
+            return false;
+        }
+        return true;
+    }
+    if (!s.non_advancing && (specs.has_eor || specs.size != nullptr)) {
+        fail(s, missing_option, "EOR= or SIZE= without ADVANCE='NO'");
+        return false;
+    }
+    return true;
+}
+
+bool check_access(Statement& s, const TransferSpecifiers& specs) {
+    Unit& unit = *s.unit;
+    if (s.reading ? !unit.status.may_read : !unit.status.may_write) {
+        fail(s, s.reading ? no_reading : no_writing);
+        return false;
+    }
+    if (!unit.status.formatted) {
+        fail(s, form_mismatch, "a format on an unformatted connection");
+        return false;
+    }
+    if (specs.has_rec && !s.direct) {
+        fail(s, access_mismatch, "REC= on a unit that is not direct");
+        return false;
+    }
+    if (s.direct && !specs.has_rec) {
+        fail(s, {95, iostat_missing_option}, "a direct unit needs REC=");
+        return false;
+    }
+    if (s.direct && s.list_directed) {
+        fail(s, {100, iostat_option_conflict});
+        return false;
+    }
+    if (specs.has_pos && !s.stream) {
+        fail(s, {81, iostat_option_conflict}, "POS= on a unit that is not a stream");
+        return false;
+    }
+    return true;
+}
+
+bool check_end(Statement& s) {
+    const GnuConnection& connection = s.unit->gnu;
+    if (s.direct || s.stream) return true;
+    if (connection.end == EndState::after) {
+        fail(s, past_end_marker);
+        return false;
+    }
+    if (s.reading && connection.record_open && connection.last_was_write) {
+        fail(s, read_after_open_write, "READ after a non-advancing WRITE");
+        return false;
+    }
+    return true;
+}
+
+// A statement in the other direction: what one left behind is put in order for the other.
+void turn(Statement& s) {
+    Unit& unit = *s.unit;
+    int err = 0;
+    if (!s.reading && !unit.gnu.last_was_write && unit.gnu.record_open) {
+        // Reading stopped inside a record; writing goes on where it stopped.
+        consume(unit.file, unit.gnu.open_column);
+        unit.gnu.record_open = false;
+    }
+    if (s.reading && unit.gnu.last_was_write) {
+        write_out(unit.file, err);
+        unit.gnu.last_was_write = false;
+    }
+    if (err != 0) fail_system(s, err);
+}
+
+bool apply_record_number(Statement& s, std::int64_t rec) {
+    Unit& unit = *s.unit;
+    if (rec <= 0 || rec > INT64_MAX / unit.recl) {
+        fail(s, bad_record_number);
+        return false;
+    }
+    s.record_number = rec;
+    int err = 0;
+    move_to(unit.file, (rec - 1) * unit.recl, err);
+    if (s.reading) {
+        char* at = nullptr;
+        if (err == 0 && peek_bytes(unit.file, 1, at, err) == 0 && err == 0) {
+            fail(s, bad_record_number, "the file has no such record");
+        }
+    }
+    if (err != 0) fail_system(s, err);
+    return !s.failed;
+}
+
+bool apply_stream_position(Statement& s, std::int64_t pos) {
+    Unit& unit = *s.unit;
+    if (pos <= 0) {
+        fail(s, bad_position, "POS= must be positive");
+        return false;
+    }
+    int err = 0;
+    finish_open_record(unit, err);
+    unit.gnu.record_open = false;
+    move_to(unit.file, pos - 1, err);
+    if (err != 0) fail_system(s, err);
+    return !s.failed;
+}
+
+bool choose_format(Statement& s, const TransferSpecifiers& specs) {
+    s.list_directed = specs.format == nullptr;
+    if (s.list_directed) return true;
+    FormatError error;
+    s.cached = thread_state().formats.acquire(specs.format, specs.format_length, error);
+    if (s.cached == nullptr) {
+        fail_format(s, error, {specs.format, specs.format_length});
+        return false;
+    }
+    s.format = &s.cached->program;
+    if (s.reading && s.format->unfit_for_input.number != 0) {
+        fail_format(s, s.format->unfit_for_input, {specs.format, specs.format_length});
+        return false;
+    }
+    start_format(s);
+    return true;
+}
+
+bool begin_on_internal(Statement& s, const TransferSpecifiers& specs) {
+    s.internal = true;
+    s.caller->internal = true;
+    copy_internal_file(*specs.internal, s.file);
+    s.wide = s.file.char_kind == 4;
+    s.utf8 = s.wide && s.reading;
+    s.record_limit = internal_record_limit;
+    first_internal_record(s.file);
+    if (specs.has_rec) {
+        fail(s, {101, iostat_option_conflict});
+        return false;
+    }
+    return true;
+}
+
+bool begin_on_unit(Statement& s, const TransferSpecifiers& specs) {
+    Caller& caller = *s.caller;
+    caller.has_unit = true;
+    const Form form = specs.format != nullptr || specs.list_directed || specs.is_namelist
+                          ? Form::formatted
+                          : Form::unformatted;
+    const Access access = specs.has_rec ? Access::direct : Access::sequential;
+    s.unit = connect_implicitly(caller, caller.unit, s.reading, form, access);
+    if (s.unit == nullptr) {
+        s.failed = true;
+        return false;
+    }
+    Unit& unit = *s.unit;
+    if (unit.statements > 1) {
+        fail(s, same_unit);
+        return false;
+    }
+    s.direct = unit.status.direct;
+    s.stream = unit.status.stream;
+    s.modes = unit.gnu.modes;
+    s.utf8 = unit.gnu.encoding == Encoding::utf8;
+    s.record_limit = unit.recl > 0 ? unit.recl : internal_record_limit;
+    return true;
+}
+
+bool open_statement(Statement& s, const TransferSpecifiers& specs) {
+    if (specs.internal != nullptr ? !begin_on_internal(s, specs) : !begin_on_unit(s, specs))
+        return false;
+    if (specs.is_namelist) {
+        fail(s, not_there, "NAMELIST is not there yet");
+        return false;
+    }
+    if (specs.format == nullptr && !specs.list_directed) {
+        begin_unformatted(s);
+        return false;
+    }
+    if (!s.internal && !check_access(s, specs)) return false;
+    if (!choose_format(s, specs)) return false;
+    if (!s.internal && !check_end(s)) return false;
+    if (specs.modes != nullptr &&
+        (!apply_modes(s, *specs.modes) || !apply_asynchronous(s, *specs.modes))) {
+        return false;
+    }
+    if (!apply_advance(s, specs)) return false;
+    if (s.unit != nullptr) {
+        turn(s);
+        if (!s.failed && specs.has_pos && !apply_stream_position(s, specs.pos)) return false;
+        if (!s.failed && s.direct && !apply_record_number(s, specs.rec)) return false;
+    }
+    return !s.failed;
+}
+
+}  // namespace
+
+Statement* begin_transfer(Caller& caller, const TransferSpecifiers& specs) {
+    Statement* statement = take_statement();
+    Statement& s = *statement;
+    s.caller = &caller;
+    s.reading = specs.reading;
+    s.size = specs.size;
+    if (specs.id != nullptr) *specs.id = 0;
+    if (!open_statement(s, specs)) return statement;
+    if (s.reading) {
+        begin_input(s);
+    } else {
+        begin_output(s);
+        s.formatted_output = !s.list_directed;
+    }
+    return statement;
+}
+
+Statement* begin_iolength(Caller& caller, std::int64_t* result) {
+    Statement* statement = take_statement();
+    statement->caller = &caller;
+    statement->measuring = true;
+    statement->iolength = result;
+    return statement;
+}
+
+}  // namespace tarn::fio

@@ -1,0 +1,162 @@
+#include <string>
+
+#include "fio/gnu/format_run.h"
+#include "fio/gnu/items.h"
+#include "fio/gnu/records.h"
+#include "fio/gnu/thread_state.h"
+#include "fio/unit.h"
+
+namespace tarn::fio {
+namespace {
+
+const char* type_name(ItemType type) {
+    switch (type) {
+        case ItemType::integer:
+            return "INTEGER";
+        case ItemType::logical:
+            return "LOGICAL";
+        case ItemType::real:
+            return "REAL";
+        case ItemType::complex:
+            return "COMPLEX";
+        case ItemType::character:
+            return "CHARACTER";
+    }
+    return "";
+}
+
+const char* edit_name(Edit edit) {
+    constexpr const char* names[] = {"I",  "B",  "O",  "Z", "F", "E", "D",
+                                     "EN", "ES", "EX", "G", "L", "A", "DT"};
+    return is_data_edit(edit) ? names[static_cast<int>(edit)] : "";
+}
+
+void measure(Statement& s, ItemType type, int kind, std::size_t size, std::size_t count) {
+    std::size_t bytes = size;
+    if (type == ItemType::character) bytes = size * static_cast<std::size_t>(kind);
+    s.length_count += static_cast<std::int64_t>(bytes * count);
+}
+
+void read_list(Statement& s, ItemType type, char* items, int kind, std::size_t size,
+               std::ptrdiff_t stride, std::size_t count) {
+    for (; count > 0 && !s.failed; --count, items += stride) {
+        ++s.items;
+        read_list_item(s, type, items, kind, size);
+    }
+}
+
+// What the format still has to say when the last item has passed.
+void finish_format(Statement& s) {
+    if (s.list_directed || s.failed) return;
+    run_format(s, false);
+}
+
+void finish_input(Statement& s) {
+    if (!s.failed && s.list_directed) finish_list_read(s);
+    if (!s.failed && s.non_advancing && s.end_of_record) fail_end_of_record(s);
+    if (s.unit != nullptr || s.internal) end_input(s);
+}
+
+}  // namespace
+
+void transfer_items(Statement& s, ItemType type, void* items, int kind, std::size_t size,
+                    std::ptrdiff_t stride, std::size_t count) {
+    if (s.failed) return;
+    auto* at = static_cast<char*>(items);
+    if (s.measuring) return measure(s, type, kind, size, count);
+    if (!s.reading) {
+        if (s.list_directed) return write_list(s, type, at, kind, size, stride, count);
+        return write_formatted(s, type, at, kind, size, stride, count);
+    }
+    if (s.list_directed) return read_list(s, type, at, kind, size, stride, count);
+    read_formatted(s, type, at, kind, size, stride, count);
+}
+
+void transfer_item(Statement& s, ItemType type, void* item, int kind, std::size_t size) {
+    if (s.formatted_output && type != ItemType::complex) {
+        if (!s.failed) write_item(s, type, static_cast<const char*>(item), kind, size);
+        return;
+    }
+    transfer_items(s, type, item, kind, size, 0, 1);
+}
+
+void end_transfer(Statement* statement) {
+    Statement& s = *statement;
+    if (s.measuring) {
+        if (s.iolength != nullptr) *s.iolength = s.length_count;
+        return give_back(statement);
+    }
+    finish_format(s);
+    if (s.reading) {
+        finish_input(s);
+        if (s.size != nullptr) *s.size = s.size_count;
+    } else if (!s.failed) {
+        end_output(s);
+    }
+    if (s.cached != nullptr) FormatCache::release(s.cached);
+    if (s.unit != nullptr) release_unit(s.unit);
+    give_back(statement);
+}
+
+void reset_statement(Statement& s) {
+    char* scratch = s.scratch;
+    const std::size_t scratch_capacity = s.scratch_capacity;
+    char* saved_text = s.list.saved_text;
+    const std::size_t saved_capacity = s.list.saved_capacity;
+    s.~Statement();
+    new (&s) Statement;
+    s.scratch = scratch;
+    s.scratch_capacity = scratch_capacity;
+    s.list.saved_text = saved_text;
+    s.list.saved_capacity = saved_capacity;
+}
+
+void fail(Statement& s, Fault fault, std::string_view detail) {
+    s.failed = true;
+    raise_fault(*s.caller, fault, detail);
+}
+
+void fail_system(Statement& s, int errno_value) {
+    s.failed = true;
+    raise_system_fault(*s.caller, errno_value);
+}
+
+// The end of a sequential file is met once; the statement after that is told that it stands
+// behind the end.
+void fail_end_of_file(Statement& s) {
+    s.failed = true;
+    if (s.unit != nullptr && !s.direct && !s.stream) {
+        s.unit->gnu.end = EndState::after;
+        s.unit->status.end_of_file = true;
+    }
+    raise_end_of_file(*s.caller);
+}
+
+void fail_end_of_record(Statement& s) {
+    s.failed = true;
+    raise_end_of_record(*s.caller);
+}
+
+void fail_mismatch(Statement& s, const FormatNode& node, ItemType type) {
+    std::string detail = "FORMAT mismatch: ";
+    detail.append(edit_name(node.edit)).append("-Format with ").append(type_name(type));
+    detail.append(" item (at data position ").append(std::to_string(s.items)).append(")");
+    fail(s, {51, iostat_format}, detail);
+}
+
+// The text with a mark where the parser stopped.
+void fail_format(Statement& s, const FormatError& error, std::string_view text) {
+    constexpr std::size_t shown = 60;
+    std::size_t from = error.position > shown / 2 ? error.position - shown / 2 : 0;
+    if (from > text.size()) from = text.size();
+    std::string detail = "format \"";
+    detail.append(text.substr(from, shown)).append("\" at character ");
+    detail.append(std::to_string(error.position + 1));
+    fail(s, {error.number, iostat_format}, detail);
+}
+
+void begin_unformatted(Statement& s) {
+    fail(s, {156, iostat_internal}, "unformatted transfers are not there yet");
+}
+
+}  // namespace tarn::fio

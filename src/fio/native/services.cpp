@@ -1,0 +1,67 @@
+#include "fio/native/services.h"
+
+#include <mutex>
+
+#include "failure/failure.h"
+#include "fio/native/statement.h"
+#include "frame/hooks.h"
+
+namespace tarn::fio::native {
+namespace {
+
+void set_text(IOCode code, std::string_view text) {
+    // The statement only reads it.
+    setOption(code, TypeCode::character, const_cast<char*>(text.data()),
+              static_cast<std::ptrdiff_t>(text.size()));
+}
+
+// The unit that a failure's report names: 0 outside statements.
+std::int32_t unit_at_work() {
+    const IO_type* const io = state().current_io;
+    return io != nullptr && io->busy && io->unit_number > 0 ? io->unit_number : 0;
+}
+
+void install() {
+    frame::hooks().preconnect = preconnect;
+    failure::hooks().current_io_unit = unit_at_work;
+}
+TARN_PREAMBLE(install)
+
+}  // namespace
+
+void preconnect(std::int32_t unit, std::string_view name, bool read_only, bool formatted) {
+    beginIO(ActionCode::open);
+    setOption(IOCode::unit, TypeCode::integer4, &unit, -1);
+    set_text(IOCode::file, name);
+    set_text(IOCode::status, read_only ? "READONLY" : "UNKNOWN");
+    set_text(IOCode::form, formatted ? "FORMATTED" : "UNFORMATTED");
+    conclude(doIO());
+}
+
+void open_to_window(std::int32_t number, void* window, std::int32_t target) {
+    IO_initialise();
+    const std::lock_guard<std::recursive_mutex> guard(state().critical_section);
+    UnitList_destroy(number);
+    Unit* const unit = Unit_create(number, false);
+    unit->kind = UnitKind::window;
+    unit->status.blank_null = true;
+    unit->status.formatted = true;
+    unit->status.reading = true;
+    unit->status.writing = true;
+    unit->status.may_read = true;
+    unit->status.may_write = true;
+    unit->driver = window;
+    unit->window_target = target;
+    UnitList_insert(unit);
+}
+
+void CloseAllFortranUnits() {
+    if (state().initialised) UnitList_destroyAll();
+}
+
+std::int32_t current_unit_number() {
+    const IO_type* const io = state().current_io;
+    return io != nullptr ? io->unit_number : 0;
+}
+
+}  // namespace tarn::fio::native

@@ -1,0 +1,20 @@
+// Services of the native dialect beside its statements.
+#pragma once
+
+#include <cstdint>
+#include <string_view>
+
+namespace tarn::fio::native {
+
+// Connects a unit before the program starts, as an OPEN of four specifiers.
+void preconnect(std::int32_t unit, std::string_view name, bool read_only, bool formatted);
+
+// A unit of lines that go to a window (target 0) or an edit box (target 1).
+void open_to_window(std::int32_t number, void* window, std::int32_t target);
+
+void CloseAllFortranUnits();
+
+// The statement at hand, or 0.
+std::int32_t current_unit_number();
+
+}  // namespace tarn::fio::native

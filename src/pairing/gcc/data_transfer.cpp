@@ -1,0 +1,216 @@
+#include "pairing/gcc/data_transfer.h"
+
+#include "fio/gnu/items.h"
+
+namespace tarn::gcc {
+
+using fio::ItemType;
+using fio::Statement;
+
+namespace {
+
+void fill_caller(const DataBlock& block, fio::Caller& caller) {
+    const std::uint32_t flags = block.flags;
+    const bool tells = (flags & has_iostat) != 0;
+    caller.source_file = block.source_file;
+    caller.line = block.line;
+    caller.iostat = tells ? block.iostat : nullptr;
+    caller.iomsg = (flags & has_iomsg) != 0 ? block.iomsg : nullptr;
+    caller.iomsg_length = block.iomsg_length;
+    caller.catches_error = tells || (flags & has_err) != 0;
+    caller.catches_end = tells || (flags & has_end) != 0;
+    caller.catches_eor = tells || (flags & has_eor) != 0;
+    caller.unit = block.unit;
+    caller.has_unit = caller.internal = false;
+    caller.outcome = fio::Outcome::ok;
+}
+
+void fill_modes(const DataBlock& block, fio::ModeSpecifiers& specs) {
+    const std::uint32_t flags = block.flags;
+    if ((flags & has_advance) != 0) specs.advance = {block.advance, block.advance_length};
+    if ((flags & has_asynchronous) != 0) {
+        specs.asynchronous = {block.asynchronous, block.asynchronous_length};
+    }
+    if ((flags & has_blank) != 0) specs.blank = {block.blank, block.blank_length};
+    if ((flags & has_decimal) != 0) specs.decimal = {block.decimal, block.decimal_length};
+    if ((flags & has_delim) != 0) specs.delim = {block.delim, block.delim_length};
+    if ((flags & has_pad) != 0) specs.pad = {block.pad, block.pad_length};
+    if ((flags & has_round) != 0) specs.round = {block.round, block.round_length};
+    if ((flags & has_sign) != 0) specs.sign = {block.sign, block.sign_length};
+}
+
+// The unit number tells the kind of an internal file's characters: -1 for 1 byte, -2 for 4.
+constexpr std::int32_t wide_internal_unit = -2;
+
+void fill_internal(const DataBlock& block, fio::InternalFile& file) {
+    file.base = block.internal_unit;
+    file.length = block.internal_unit_length;
+    file.char_kind = block.unit == wide_internal_unit ? 4 : 1;
+    file.count = 1;
+    file.rank = 0;
+    const ArrayDescriptor* array = block.internal_descriptor;
+    if (array == nullptr) return;
+    file.rank = array->rank;
+    for (int i = 0; i < file.rank; ++i) {
+        const Dimension& dimension = array->dimension[i];
+        file.dimension[i] = {dimension.extent(), dimension.stride * array->unit(), 0};
+        file.count *= dimension.extent();
+    }
+}
+
+Statement& statement_of(DataBlock& block) {
+    return *static_cast<Statement*>(block.part().statement);
+}
+
+ItemType item_type(std::int8_t type) {
+    switch (type) {
+        case 1:
+            return ItemType::integer;
+        case 2:
+            return ItemType::logical;
+        case 3:
+            return ItemType::real;
+        case 4:
+            return ItemType::complex;
+        default:
+            return ItemType::character;
+    }
+}
+
+using ItemRow = void (*)(DataBlock& block, ItemType type, char* items, int kind, std::size_t size,
+                         std::int64_t stride, std::int64_t count);
+
+void gnu_row(DataBlock& block, ItemType type, char* items, int kind, std::size_t size,
+             std::int64_t stride, std::int64_t count) {
+    transfer_items(statement_of(block), type, items, kind, size, stride,
+                   static_cast<std::size_t>(count));
+}
+
+void native_row(DataBlock& block, ItemType type, char* items, int kind, std::size_t size,
+                std::int64_t stride, std::int64_t count) {
+    for (; count > 0; --count, items += stride) {
+        if (!native_road().transfer(&block, type, items, kind, size)) return;
+    }
+}
+
+// Steps through the array, one innermost row at a time; rows that follow each other in memory go
+// as one.
+void walk(DataBlock& block, const ArrayDescriptor& array, ItemType type, int kind, std::size_t size,
+          ItemRow row) {
+    std::int64_t extent[15];
+    std::int64_t stride[15];
+    int rank = 0;
+    for (int i = 0; i < array.rank; ++i) {
+        const std::int64_t count = array.dimension[i].extent();
+        if (count == 0) return;
+        const std::int64_t step = array.dimension[i].stride * array.unit();
+        if (rank > 0 && step == stride[rank - 1] * extent[rank - 1]) {
+            extent[rank - 1] *= count;
+        } else {
+            extent[rank] = count;
+            stride[rank] = step;
+            ++rank;
+        }
+    }
+    if (rank == 0) return row(block, type, array.base, kind, size, 0, 1);
+    std::int64_t index[15] = {};
+    char* at = array.base;
+    for (;;) {
+        row(block, type, at, kind, size, stride[0], extent[0]);
+        int i = 1;
+        for (; i < rank; ++i) {
+            at += stride[i];
+            if (++index[i] < extent[i]) break;
+            at -= stride[i] * extent[i];
+            index[i] = 0;
+        }
+        if (i >= rank) return;
+    }
+}
+
+}  // namespace
+
+NativeRoad& native_road() {
+    static NativeRoad road;
+    return road;
+}
+
+void begin_data_transfer(DataBlock& block, bool reading) {
+    PrivatePart& part = block.part();
+    block.flags &= ~outcome_mask;
+    fill_caller(block, part.caller);
+    const std::uint32_t flags = block.flags;
+    fio::TransferSpecifiers specs;
+    specs.reading = reading;
+    specs.list_directed = (flags & list_directed) != 0;
+    if ((flags & has_format) != 0) {
+        specs.format = block.format;
+        specs.format_length = block.format_length;
+    }
+    specs.is_namelist = (flags & has_namelist) != 0;
+    specs.has_rec = (flags & has_rec) != 0;
+    specs.rec = specs.has_rec ? block.rec : 0;
+    specs.has_pos = (flags & has_pos) != 0;
+    specs.pos = specs.has_pos ? block.pos : 0;
+    specs.has_end = (flags & has_end) != 0;
+    specs.has_eor = (flags & has_eor) != 0;
+    specs.size = (flags & has_size) != 0 ? block.size : nullptr;
+    specs.id = (flags & has_id) != 0 ? block.id : nullptr;
+    part.owner = Owner::gnu;
+    if ((flags & (has_some_mode | has_internal_unit)) == 0) {
+        part.statement = begin_transfer(part.caller, specs);
+        return;
+    }
+    fio::ModeSpecifiers modes;
+    fio::InternalFile internal;
+    if ((flags & has_some_mode) != 0) {
+        fill_modes(block, modes);
+        specs.modes = &modes;
+    }
+    if ((flags & has_internal_unit) != 0) {
+        fill_internal(block, internal);
+        specs.internal = &internal;
+    }
+    part.statement = begin_transfer(part.caller, specs);
+}
+
+void begin_measuring(DataBlock& block) {
+    PrivatePart& part = block.part();
+    block.flags &= ~outcome_mask;
+    fill_caller(block, part.caller);
+    part.owner = Owner::gnu;
+    part.statement =
+        begin_iolength(part.caller, (block.flags & has_iolength) != 0 ? block.iolength : nullptr);
+}
+
+void end_data_transfer(DataBlock& block) {
+    PrivatePart& part = block.part();
+    if (part.owner == Owner::native) return native_road().done(&block);
+    end_transfer(static_cast<Statement*>(part.statement));
+    part.owner = Owner::none;
+    block.flags |= static_cast<std::uint32_t>(part.caller.outcome);
+}
+
+void transfer_item(DataBlock& block, ItemType type, void* item, int kind, std::size_t size) {
+    if (block.part().owner == Owner::native) {
+        native_road().transfer(&block, type, item, kind, size);
+        return;
+    }
+    fio::transfer_item(statement_of(block), type, item, kind, size);
+}
+
+void transfer_array(DataBlock& block, const ArrayDescriptor& array, int kind,
+                    std::size_t character_length) {
+    const ItemType type = item_type(array.type);
+    const std::size_t size = type == ItemType::character ? character_length : array.element_length;
+    const bool native = block.part().owner == Owner::native;
+    walk(block, array, type, kind, size, native ? native_row : gnu_row);
+}
+
+void refuse_derived(DataBlock& block) {
+    if (block.part().owner != Owner::gnu || statement_of(block).failed) return;
+    fail(statement_of(block), {156, fio::iostat_internal},
+         "input and output by a procedure of the type is not there yet");
+}
+
+}  // namespace tarn::gcc

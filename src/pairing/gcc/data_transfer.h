@@ -1,0 +1,32 @@
+// From gfortran's parameter blocks to statements of the engine.
+#pragma once
+
+#include "fio/gnu/statement.h"
+#include "pairing/gcc/data_block.h"
+
+namespace tarn::gcc {
+
+void begin_data_transfer(DataBlock& block, bool reading);
+void begin_measuring(DataBlock& block);
+// The outcome goes into the block's flags.
+void end_data_transfer(DataBlock& block);
+
+// One scalar item. `size`: its bytes; of a CHARACTER its length.
+void transfer_item(DataBlock& block, fio::ItemType type, void* item, int kind, std::size_t size);
+// All elements of an array of any rank and stride, in array order.
+void transfer_array(DataBlock& block, const ArrayDescriptor& array, int kind,
+                    std::size_t character_length);
+
+// An item that goes through a procedure of its type.
+void refuse_derived(DataBlock& block);
+
+// What statements of the other dialect do with their items and their end; filled where they are
+// opened. Null: none was ever opened.
+struct NativeRoad {
+    bool (*transfer)(void* block, fio::ItemType type, void* item, int kind,
+                     std::size_t length) = nullptr;
+    void (*done)(void* block) = nullptr;
+};
+NativeRoad& native_road();
+
+}  // namespace tarn::gcc

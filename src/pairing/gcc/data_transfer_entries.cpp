@@ -1,0 +1,110 @@
+// The entries that gfortran's READ, WRITE, PRINT and INQUIRE(IOLENGTH=) call.
+#include "fio/gnu/items.h"
+#include "frame/link_name.h"
+#include "pairing/gcc/data_transfer.h"
+
+using tarn::fio::ItemType;
+using tarn::gcc::ArrayDescriptor;
+using tarn::gcc::DataBlock;
+
+namespace {
+
+std::size_t complex_size(int kind) {
+    return 2 * tarn::fio::real_size(kind);
+}
+
+}  // namespace
+
+extern "C" {
+
+TARN_EXPORT void _gfortran_st_read(DataBlock* block) {
+    tarn::gcc::begin_data_transfer(*block, true);
+}
+
+TARN_EXPORT void _gfortran_st_write(DataBlock* block) {
+    tarn::gcc::begin_data_transfer(*block, false);
+}
+
+TARN_EXPORT void _gfortran_st_iolength(DataBlock* block) {
+    tarn::gcc::begin_measuring(*block);
+}
+
+TARN_EXPORT void _gfortran_st_read_done(DataBlock* block) {
+    tarn::gcc::end_data_transfer(*block);
+}
+TARN_EXPORT void _gfortran_st_write_done(DataBlock* block) TARN_ALIAS(_gfortran_st_read_done);
+TARN_EXPORT void _gfortran_st_iolength_done(DataBlock* block) TARN_ALIAS(_gfortran_st_read_done);
+
+// gfortran names reading and writing apart so that a WRITE may hand over what is read-only; the
+// statement knows its direction.
+TARN_EXPORT void _gfortran_transfer_integer(DataBlock* block, void* item, int kind) {
+    tarn::gcc::transfer_item(*block, ItemType::integer, item, kind, static_cast<std::size_t>(kind));
+}
+TARN_EXPORT void _gfortran_transfer_integer_write(DataBlock* block, void* item, int kind)
+    TARN_ALIAS(_gfortran_transfer_integer);
+
+TARN_EXPORT void _gfortran_transfer_logical(DataBlock* block, void* item, int kind) {
+    tarn::gcc::transfer_item(*block, ItemType::logical, item, kind, static_cast<std::size_t>(kind));
+}
+TARN_EXPORT void _gfortran_transfer_logical_write(DataBlock* block, void* item, int kind)
+    TARN_ALIAS(_gfortran_transfer_logical);
+
+TARN_EXPORT void _gfortran_transfer_real(DataBlock* block, void* item, int kind) {
+    tarn::gcc::transfer_item(*block, ItemType::real, item, kind, tarn::fio::real_size(kind));
+}
+TARN_EXPORT void _gfortran_transfer_real_write(DataBlock* block, void* item, int kind)
+    TARN_ALIAS(_gfortran_transfer_real);
+TARN_EXPORT void _gfortran_transfer_real128(DataBlock* block, void* item, int kind)
+    TARN_ALIAS(_gfortran_transfer_real);
+TARN_EXPORT void _gfortran_transfer_real128_write(DataBlock* block, void* item, int kind)
+    TARN_ALIAS(_gfortran_transfer_real);
+
+TARN_EXPORT void _gfortran_transfer_complex(DataBlock* block, void* item, int kind) {
+    tarn::gcc::transfer_item(*block, ItemType::complex, item, kind, complex_size(kind));
+}
+TARN_EXPORT void _gfortran_transfer_complex_write(DataBlock* block, void* item, int kind)
+    TARN_ALIAS(_gfortran_transfer_complex);
+TARN_EXPORT void _gfortran_transfer_complex128(DataBlock* block, void* item, int kind)
+    TARN_ALIAS(_gfortran_transfer_complex);
+TARN_EXPORT void _gfortran_transfer_complex128_write(DataBlock* block, void* item, int kind)
+    TARN_ALIAS(_gfortran_transfer_complex);
+
+TARN_EXPORT void _gfortran_transfer_character(DataBlock* block, void* item, std::size_t length) {
+    tarn::gcc::transfer_item(*block, ItemType::character, item, 1, length);
+}
+TARN_EXPORT void _gfortran_transfer_character_write(DataBlock* block, void* item,
+                                                    std::size_t length)
+    TARN_ALIAS(_gfortran_transfer_character);
+
+TARN_EXPORT void _gfortran_transfer_character_wide(DataBlock* block, void* item, std::size_t length,
+                                                   int kind) {
+    tarn::gcc::transfer_item(*block, ItemType::character, item, kind, length);
+}
+TARN_EXPORT void _gfortran_transfer_character_wide_write(DataBlock* block, void* item,
+                                                         std::size_t length, int kind)
+    TARN_ALIAS(_gfortran_transfer_character_wide);
+
+TARN_EXPORT void _gfortran_transfer_array(DataBlock* block, ArrayDescriptor* array, int kind,
+                                          std::size_t character_length) {
+    tarn::gcc::transfer_array(*block, *array, kind, character_length);
+}
+TARN_EXPORT void _gfortran_transfer_array_write(DataBlock* block, ArrayDescriptor* array, int kind,
+                                                std::size_t character_length)
+    TARN_ALIAS(_gfortran_transfer_array);
+
+// An item of a derived type with a procedure of its own for it: the statement says that this
+// isn't there yet.
+TARN_EXPORT void _gfortran_transfer_derived(DataBlock* block, void*, void*) {
+    tarn::gcc::refuse_derived(*block);
+}
+
+// The variables of a namelist group, told after the statement has been opened. It has failed with
+// a message by then.
+TARN_EXPORT void _gfortran_st_set_nml_var(DataBlock*, void*, char*, std::int32_t, std::size_t,
+                                          std::int64_t) {}
+TARN_EXPORT void _gfortran_st_set_nml_dtio_var(DataBlock*, void*, char*, std::int32_t, std::size_t,
+                                               std::int64_t, void*, void*) {}
+TARN_EXPORT void _gfortran_st_set_nml_var_dim(DataBlock*, std::int32_t, std::int64_t, std::int64_t,
+                                              std::int64_t) {}
+
+}  // extern "C"

@@ -1,0 +1,43 @@
+#include "platform/kernel/control_events.h"
+
+#include <cerrno>
+#include <signal.h>
+
+namespace tarn::platform {
+namespace {
+
+int (*control_handler)(int event) = nullptr;
+
+void on_signal(int number) {
+    int saved = errno;
+    bool handled = control_handler(number == SIGINT ? ctrl_c_event : ctrl_break_event) != 0;
+    if (!handled) {
+        // Blocked until this handler returns; then the default action meets it.
+        signal(number, SIG_DFL);
+        raise(number);
+    }
+    errno = saved;
+}
+
+void take_over(int number) {
+    struct sigaction present;
+    if (sigaction(number, nullptr, &present) != 0) return;
+    if ((present.sa_flags & SA_SIGINFO) != 0 || present.sa_handler != SIG_DFL) return;
+    struct sigaction ours = {};
+    ours.sa_handler = on_signal;
+    ours.sa_flags = SA_RESTART | SA_ONSTACK;
+    sigemptyset(&ours.sa_mask);
+    sigaction(number, &ours, nullptr);
+}
+
+}  // namespace
+
+void set_control_handler(int (*handler)(int event)) {
+    bool first = !control_handler;
+    control_handler = handler;
+    if (!first) return;
+    take_over(SIGINT);
+    take_over(SIGQUIT);
+}
+
+}  // namespace tarn::platform

@@ -1,0 +1,4 @@
+!> status: 134
+!> err: Program aborted.
+call abort()
+end

@@ -1,0 +1,35 @@
+"""tarncc and tarnc++: C and C++ on tarnlibc. They only add to the compiler's command line."""
+
+import paths
+from command import (CommandLine, compiler_of, include_arguments, link_arguments, main_of,
+                     replace_process, version_text)  # fmt: skip
+
+HELP = """\
+usage: {driver} [options] file...
+
+Compiles and links {language} programs on the run-time library tarnlibc. Every option goes to the
+compiler, {compiler}; the driver adds the library's headers, the library and its start-up object.
+
+  {driver} --version     the versions of driver and compiler
+  {driver} --help        this text
+
+Environment: {variable} names another compiler.
+"""
+
+
+def main(driver, compiler, variable, language):
+    def run(arguments):
+        command_line = compiler_of(variable, compiler)
+        if arguments == ["--help"]:
+            print(HELP.format(driver=driver, language=language, compiler=compiler,
+                              variable=variable), end="")  # fmt: skip
+            return 0
+        if arguments == ["--version"]:
+            print(version_text(driver, command_line, variable), end="")
+            return 0
+        command = CommandLine(arguments)
+        added = include_arguments([paths.INCLUDE]) + command.arguments()
+        added += link_arguments(command, "tarn_start_c.o")
+        return replace_process(command_line, added, variable)
+
+    return main_of(driver, run)

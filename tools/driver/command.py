@@ -1,0 +1,164 @@
+"""A compiler's command line, read as far as the drivers must know it, and what they add to it."""
+
+import os
+import shlex
+import subprocess
+import sys
+
+import paths
+
+# Options whose value is the next argument.
+WITH_VALUE = {
+    "-o", "-x", "-I", "-J", "-D", "-U", "-L", "-l", "-u", "-T", "-e", "-z", "-B", "-A",
+    "-include", "-imacros", "-isystem", "-idirafter", "-iquote", "-iprefix", "-isysroot",
+    "-iwithprefix", "-iwithprefixbefore", "-imultilib", "-MF", "-MT", "-MQ", "-Xlinker",
+    "-Xassembler", "-Xpreprocessor", "-aux-info", "--param", "-dumpbase", "-dumpbase-ext",
+    "-dumpdir", "-wrapper", "-specs", "--sysroot",
+}  # fmt: skip
+# Options with which no linking happens.
+NO_LINK = {"-c", "-S", "-E", "-M", "-MM", "-fsyntax-only"}
+# Options that print something about the compiler and do nothing else.
+QUERIES = ("-print-", "-dump", "--print-", "--target-help", "--help=", "-Q")
+
+FORTRAN_FIXED = (".f", ".for", ".ftn", ".fpp", ".F", ".FOR", ".FTN", ".FPP")
+FORTRAN_FREE = (".f90", ".f95", ".f03", ".f08", ".F90", ".F95", ".F03", ".F08")
+PREPROCESSED = (".F", ".FOR", ".FTN", ".fpp", ".FPP", ".F90", ".F95", ".F03", ".F08")
+
+
+class UserError(Exception):
+    pass
+
+
+def expand_response_files(arguments, depth=0):
+    out = []
+    for argument in arguments:
+        path = argument[1:]
+        if argument.startswith("@") and os.path.isfile(path) and depth < 20:
+            with open(path, encoding=sys.getfilesystemencoding(), errors="surrogateescape") as file:
+                out += expand_response_files(shlex.split(file.read()), depth + 1)
+        else:
+            out.append(argument)
+    return out
+
+
+class CommandLine:
+    """`items` are (kind, text, language): kind is "option" or "input", an option with its value is
+    two words in one list."""
+
+    def __init__(self, arguments):
+        self.items = []
+        self.output = None
+        self.modes = set()
+        language = None
+        words = iter(expand_response_files(arguments))
+        for word in words:
+            if word in WITH_VALUE:
+                value = next(words, None)
+                if value is None:
+                    raise UserError(f"the option {word} wants a value")
+                if word == "-o":
+                    self.output = value
+                elif word == "-x":
+                    language = None if value == "none" else value
+                self.items.append(("option", [word, value], None))
+            elif word.startswith("-o") and word != "-o":
+                self.output = word[2:]
+                self.items.append(("option", ["-o", word[2:]], None))
+            elif word.startswith("-x") and len(word) > 2:
+                language = None if word == "-xnone" else word[2:]
+                self.items.append(("option", [word], None))
+            elif word.startswith("-") and word != "-":
+                if word in NO_LINK or word in ("-shared", "-r"):
+                    self.modes.add(word)
+                self.items.append(("option", [word], None))
+            else:
+                self.items.append(("input", [word], language))
+
+    def has(self, *options):
+        return any(kind == "option" and words[0] in options for kind, words, _ in self.items)
+
+    def inputs(self):
+        return [(words[0], language) for kind, words, language in self.items if kind == "input"]
+
+    def is_query(self):
+        return not self.inputs() or any(
+            kind == "option" and words[0].startswith(QUERIES)
+            and not words[0].startswith(("-dumpbase", "-dumpdir"))
+            for kind, words, _ in self.items
+        )
+
+    def links(self):
+        return not self.modes & NO_LINK and not self.is_query()
+
+    def arguments(self):
+        return [word for _, words, _ in self.items for word in words]
+
+    def folders(self):
+        """Where included files are looked for."""
+        out = []
+        for kind, words, _ in self.items:
+            if kind == "option" and words[0] in ("-I", "-isystem", "-iquote"):
+                out.append(words[1])
+            elif kind == "option" and words[0].startswith("-I"):
+                out.append(words[0][2:])
+        return out
+
+
+def link_arguments(command, start_object):
+    """What a program needs of us at its link: the start-up object, and the library ahead of the
+    compiler's own. With --as-needed the latter are loaded only where something of them is used."""
+    if not command.links() or "-r" in command.modes:
+        return []
+    if command.has("-static", "-static-pie"):
+        raise UserError("-static does not go here: tarnlibc is a shared library")
+    if command.has("-nostdlib", "-nodefaultlibs"):
+        return []
+    out = ["-x", "none"] if command.has("-x") else []
+    start = os.path.join(paths.START, start_object)
+    if "-shared" not in command.modes and not command.has("-nostartfiles") and os.path.exists(start):
+        out.append(start)
+    # -Xlinker, not -Wl: a folder's name may hold a comma.
+    out += ["-L" + paths.LIB, "-Xlinker", "-rpath", "-Xlinker", paths.LIB]
+    return out + paths.LINK + ["-Wl,-z,separate-code", "-Wl,--as-needed", "-ltarnlibc"]
+
+
+def include_arguments(folders):
+    return ["-I" + folder for folder in folders if os.path.isdir(folder)]
+
+
+def compiler_of(variable, default):
+    return shlex.split(os.environ.get(variable, "")) or [default]
+
+
+def missing(compiler, variable):
+    return UserError(f"the compiler `{compiler[0]}` was not found; install it, or name another one"
+                     f" in the environment variable {variable}")  # fmt: skip
+
+
+def version_text(driver, compiler, variable):
+    try:
+        shown = subprocess.run(compiler + ["--version"], capture_output=True, check=False)
+    except FileNotFoundError:
+        raise missing(compiler, variable) from None
+    return f"{driver} (tarnlibc) {paths.VERSION}\nwith {os.fsdecode(shown.stdout)}"
+
+
+def replace_process(compiler, arguments, variable):
+    """Nothing is left to do after the compiler: it takes our place."""
+    sys.stdout.flush()
+    try:
+        os.execvp(compiler[0], compiler + arguments)
+    except FileNotFoundError:
+        raise missing(compiler, variable) from None
+
+
+def main_of(driver, run):
+    try:
+        return run(sys.argv[1:])
+    except UserError as error:
+        print(f"{driver}: error: {error}", file=sys.stderr)
+    except OSError as error:
+        print(f"{driver}: error: {error.filename or ''}: {error.strerror}", file=sys.stderr)
+    except KeyboardInterrupt:
+        return 130
+    return 1

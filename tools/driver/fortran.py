@@ -1,0 +1,276 @@
+"""tarnfc: Fortran on tarnlibc.
+
+Most programs only need more words on gfortran's command line. Two kinds of sources need work:
+
+- one that calls the library's own routines (`winio@`): its names are rewritten (rewrite.py), and
+  gfortran compiles the rewritten text, with line markers so that messages, debug information and
+  the run-time's reports name the user's file;
+- with --dialect=native, every one: the entries that open I/O statements are renamed in the object.
+
+Then each source is compiled by itself, in the order given, and the objects take the places of the
+sources on the link line.
+"""
+
+import os
+import re
+import shutil
+import subprocess
+import sys
+import tempfile
+
+import paths
+from command import (FORTRAN_FIXED, FORTRAN_FREE, PREPROCESSED, CommandLine, UserError,
+                     compiler_of, include_arguments, link_arguments, main_of, missing,
+                     replace_process, version_text)  # fmt: skip
+from rewrite import Form, mentions_names, read, rewrite
+
+VARIABLE = "TARN_FC"
+
+# The entries that open a statement; the dialect is chosen there, and the rest follows it.
+OPENING = ("open", "close", "inquire", "read", "write", "rewind", "backspace", "endfile", "flush")
+OPENING_NAME = re.compile(rb"\b_gfortran_st_(" + "|".join(OPENING).encode() + rb")\b")
+
+HELP = """\
+usage: tarnfc [options] file...
+
+Compiles and links Fortran programs on the run-time library tarnlibc. Every other option goes to
+the compiler, gfortran; the driver adds the library and its start-up object. In sources, the names
+of the library's own routines may be written as they are, with their `@`.
+
+  --dialect=gnu          input and output as gfortran's own run-time does them (the default)
+  --dialect=native       input and output as the library's own compilers expect them
+  --version              the versions of driver and compiler
+  --help                 this text
+
+Environment: TARN_FC names another gfortran, TARN_OBJCOPY another objcopy.
+"""
+
+
+class Source:
+    """A Fortran source on the command line."""
+
+    def __init__(self, path, language, command):
+        self.path = path
+        suffix = os.path.splitext(path)[1]
+        self.preprocessed = suffix in PREPROCESSED
+        fixed = suffix in FORTRAN_FIXED
+        if language:
+            fixed = language.startswith("f77")
+            self.preprocessed = language.endswith("-cpp-input")
+        self.form = Form(fixed=fixed)
+        for kind, words, _ in command.items:
+            if kind == "option":
+                self._read_option(words[0])
+
+    def _read_option(self, option):
+        if option in ("-ffree-form", "-ffixed-form"):
+            self.form.fixed = option == "-ffixed-form"
+        elif match := re.fullmatch(r"-ffixed-line-length-(none|\d+)", option):
+            self.form.line_length = 0 if match[1] == "none" else int(match[1])
+        elif option == "-fopenmp":
+            self.form.openmp = True
+        elif option in ("-fd-lines-as-code", "-fd-lines-as-comments"):
+            self.form.d_lines = option == "-fd-lines-as-code"
+        elif option == "-fbackslash":
+            self.form.backslash = True
+        elif option in ("-cpp", "-nocpp"):
+            self.preprocessed = option == "-cpp"
+
+
+def is_fortran(path, language):
+    if language:
+        return language.startswith(("f77", "f95"))
+    return path.endswith(FORTRAN_FIXED + FORTRAN_FREE)
+
+
+class Build:
+    """One command whose sources need work."""
+
+    def __init__(self, compiler, command, native, folder):
+        self.compiler = compiler
+        self.command = command
+        self.native = native
+        self.folder = folder  # for what lives as long as the command
+        self.count = 0
+        # What each compilation is given: everything but inputs, the output and the language.
+        self.options = [
+            word
+            for kind, words, _ in command.items
+            if kind == "option" and words[0] != "-o" and not words[0].startswith("-x")
+            for word in words
+        ]  # fmt: skip
+        self.colour = "always" if sys.stderr.isatty() else "auto"
+
+    def temporary(self, suffix):
+        self.count += 1
+        return os.path.join(self.folder, f"{self.count}{suffix}")
+
+    def run(self, arguments, names=()):
+        """Runs the compiler; messages show the names as the user wrote them."""
+        if not names:
+            return subprocess.run(self.compiler + arguments, check=False).returncode
+        arguments = [f"-fdiagnostics-color={self.colour}"] + arguments
+        result = subprocess.run(self.compiler + arguments, stderr=subprocess.PIPE, check=False)
+        pattern = "|".join(sorted(map(re.escape, names), key=len, reverse=True))
+        pattern = re.compile(rf"\b({pattern})_(?!\w)".encode("latin-1"), re.IGNORECASE)
+        sys.stderr.buffer.write(pattern.sub(rb"\1@", result.stderr))
+        sys.stderr.flush()
+        return result.returncode
+
+    def preprocess(self, source):
+        """The source as gfortran's preprocessor leaves it, or nothing where it fails."""
+        text = self.temporary(".i")
+        arguments = [option for option in self.options if option not in ("-c", "-S", "-fsyntax-only")]
+        form = "f77-cpp-input" if source.form.fixed else "f95-cpp-input"
+        arguments += ["-E", "-x", form, source.path, "-o", text]
+        return text if self.run(arguments) == 0 else None
+
+    def rewritten(self, source):
+        """A file that holds the source with its names rewritten, and the names."""
+        folders = self.command.folders()
+        if not mentions_names(source.path, folders):
+            return source.path, set()
+        path = source.path
+        if source.preprocessed:
+            path = self.preprocess(source)
+            if path is None:
+                return None, set()
+        text, names = rewrite(read(path), source.form, source.path, folders)
+        name = source.path.replace("\\", "\\\\").replace('"', '\\"')
+        heading = f'# 1 "{name}"\n# 1 "{os.getcwd()}//"\n# 1 "{name}"\n'
+        out = self.temporary(".f" if source.form.fixed else ".f90")
+        with open(out, "w", encoding="latin-1", newline="") as file:
+            file.write(heading.encode("utf-8", "surrogateescape").decode("latin-1") + text)
+        return out, names
+
+    def compile(self, source, output, mode):
+        path, names = self.rewritten(source)
+        if path is None:
+            return False
+        arguments = list(self.options)
+        if mode not in arguments:
+            arguments.append(mode)
+        if path != source.path:
+            arguments += ["-fpreprocessed", "-I" + (os.path.dirname(source.path) or ".")]
+        form = "f77" if source.form.fixed else "f95"
+        if source.preprocessed and path == source.path:
+            form += "-cpp-input"
+        arguments += ["-x", form, path] + (["-o", output] if output else [])
+        if self.run(arguments, names) != 0:
+            return False
+        return not self.native or not output or self.make_native(output, mode)
+
+    def make_native(self, output, mode):
+        if mode == "-S":
+            with open(output, "rb") as file:
+                text = file.read()
+            with open(output, "wb") as file:
+                file.write(OPENING_NAME.sub(rb"tarn_native_st_\1", text))
+            return True
+        objcopy = compiler_of("TARN_OBJCOPY", "objcopy")
+        pairs = [f"--redefine-sym=_gfortran_st_{name}=tarn_native_st_{name}" for name in OPENING]
+        try:
+            return subprocess.run(objcopy + pairs + [output], check=False).returncode == 0
+        except FileNotFoundError:
+            raise missing(objcopy, "TARN_OBJCOPY") from None
+
+    def compile_only(self, sources, mode):
+        """-c, -S and -fsyntax-only: each source gives its own output, and other inputs nothing."""
+        suffix = {"-c": ".o", "-S": ".s"}.get(mode)
+        for source in sources:
+            stem = os.path.splitext(os.path.basename(source.path))[0]
+            output = (self.command.output or stem + suffix) if suffix else None
+            if not self.compile(source, output, mode):
+                return 1
+        return 0
+
+    def compile_and_link(self, sources, added):
+        by_path = {source.path: source for source in sources}
+        arguments = []
+        forced = False
+        for kind, words, language in self.command.items:
+            source = by_path.get(words[0]) if kind == "input" else None
+            if source is None:
+                arguments += words
+                forced = forced or words[0].startswith("-x")
+                continue
+            output = self.temporary(".o")
+            stem = os.path.basename(self.command.output or "a")
+            place = os.path.join(os.path.dirname(self.command.output or ""), stem + "-")
+            name = os.path.basename(source.path)
+            if "-dumpdir" not in self.options:
+                # Where gfortran would put what goes with an object (coverage notes and the like).
+                self.options += ["-dumpdir", place, "-dumpbase", name]
+                self.options += ["-dumpbase-ext", os.path.splitext(name)[1]]
+                done = self.compile(source, output, "-c")
+                del self.options[-6:]
+            else:
+                done = self.compile(source, output, "-c")
+            if not done:
+                return 1
+            arguments += ["-x", "none", output] if forced else [output]
+            if forced and language:
+                arguments += ["-x", language]
+        return self.run(arguments + added)
+
+
+def take_dialect(arguments):
+    dialect, rest = "gnu", []
+    for argument in arguments:
+        if argument.startswith("--dialect"):
+            dialect = argument.partition("=")[2]
+            if dialect not in ("gnu", "native"):
+                raise UserError(f"{argument}: the dialects are --dialect=gnu and --dialect=native")
+        else:
+            rest.append(argument)
+    return dialect, rest
+
+
+def needs_work(sources, native, command):
+    return sources and (
+        native or any(mentions_names(source.path, command.folders()) for source in sources)
+    )
+
+
+def run(arguments):
+    compiler = compiler_of(VARIABLE, "gfortran")
+    if arguments == ["--help"]:
+        print(HELP, end="")
+        return 0
+    if arguments == ["--version"]:
+        print(version_text("tarnfc", compiler, VARIABLE), end="")
+        return 0
+    dialect, arguments = take_dialect(arguments)
+    native = dialect == "native"
+    command = CommandLine(arguments)
+    if native and any(w[0].startswith("-flto") for k, w, _ in command.items if k == "option"):
+        raise UserError("--dialect=native does not go with -flto: it works on finished objects")
+    added = include_arguments([paths.INCLUDE, paths.MODULES])
+    command.items += [("option", [word], None) for word in added]
+    linked = link_arguments(command, "tarn_start_fortran.o")
+
+    inputs = command.inputs()
+    sources = [
+        Source(path, language, command)
+        for path, language in inputs
+        if is_fortran(path, language) and os.path.isfile(path)
+    ]
+    only = next((mode for mode in ("-S", "-c", "-fsyntax-only") if mode in command.modes), None)
+    plain = (
+        command.is_query()
+        or command.modes & {"-E", "-M", "-MM"}
+        or (only and command.output and len(inputs) > 1)  # gfortran has the words for that
+    )
+    if plain or not needs_work(sources, native, command):
+        return replace_process(compiler, command.arguments() + linked, VARIABLE)
+    if not shutil.which(compiler[0]):
+        raise missing(compiler, VARIABLE)
+    with tempfile.TemporaryDirectory(prefix="tarnfc-") as folder:
+        build = Build(compiler, command, native, folder)
+        if only:
+            return build.compile_only(sources, only)
+        return build.compile_and_link(sources, linked)
+
+
+def main():
+    return main_of("tarnfc", run)

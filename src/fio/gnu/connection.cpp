@@ -11,7 +11,6 @@
 #include <unistd.h>
 #include <vector>
 
-#include "failure/failure.h"
 #include "fio/file/names.h"
 #include "fio/file/record_buffer.h"
 #include "fio/file/share.h"
@@ -55,10 +54,11 @@ std::uint32_t access_bits(Action action) {
     return (may_read(action) ? access_read : 0) | (may_write(action) ? access_write : 0);
 }
 
-void close_for_good(Unit& unit) {
+int close_for_good(Unit& unit) {
     int err = 0;
     disconnect(unit, false, err);
     give_back_new_unit_number(unit.number);
+    return err;
 }
 
 void set_connection(Unit& unit, const Terms& terms) {
@@ -128,8 +128,6 @@ void bring_up() {
     preconnect(options.stderr_unit, STDERR_FILENO, Action::write, "stderr");
     preconnect(options.stdout_unit, STDOUT_FILENO, Action::write, "stdout");
     preconnect(options.stdin_unit, STDIN_FILENO, Action::read, "stdin");
-    failure::Hooks& hooks = failure::hooks();
-    if (hooks.flush_everything == nullptr) hooks.flush_everything = flush_all_units;
     state().up.store(true, std::memory_order_release);
 }
 

@@ -100,7 +100,7 @@ struct Unit {
     std::size_t saved_length = 0;  // 0: nothing kept
     // Characters of a line that a non-advancing native WRITE has left unfinished on the file.
     std::int64_t unfinished_line = 0;
-    void* driver = nullptr;        // a user driver, or the window or edit box of a window unit
+    void* driver = nullptr;  // a user driver, or the window or edit box of a window unit
     UnitKind kind = UnitKind::driver;
     std::int32_t share = 0;  // 0 COMPAT, 1 DENYRW, 2 DENYWR, 3 DENYRD, 4 DENYNONE
     IOStatus status;
@@ -128,8 +128,8 @@ struct Unit {
 // `buffered`: the unit gets a file buffer at once.
 Unit* Unit_create(std::int32_t number, bool buffered);
 void Unit_initialise(Unit& unit, std::int32_t number, bool buffered);
-int Unit_close(Unit& unit);  // closes a connected unit, frees what the record owns; an errno value
-void Unit_free(Unit* unit);  // gives up a reference; the last one frees the record
+void Unit_close(Unit& unit);  // closes a connected unit and frees what the record owns
+void Unit_free(Unit* unit);   // gives up a reference; the last one frees the record
 void Unit_clear(Unit& unit);
 std::uint32_t Unit_iostatus(const Unit& unit);
 std::uint32_t Unit_iostatus1(const Unit& unit);
@@ -145,7 +145,6 @@ void UnitList_remove(Unit* unit);
 void UnitList_remove(std::int32_t number);
 void UnitList_destroy(Unit* unit);
 void UnitList_destroy(std::int32_t number);
-// The end of the program. A unit that can't be written out is a failure of the program.
 void UnitList_destroyAll();
 
 // Guards the list and the index, never held while a unit's lock is waited for.

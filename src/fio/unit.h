@@ -109,11 +109,9 @@ struct Unit {
     const Dialect* dialect = &native_dialect;
     File file;
     GnuConnection gnu;
-    bool native_console = false;  // units 1 and 2 as the system made them: no gnu connection
-    // The whole CLOSE of the dialect that made the connection; an errno value, 0 when all went
-    // well.
-    int (*closer)(Unit&) = nullptr;
-    std::recursive_mutex lock;  // held by a gnu statement from its start to its end
+    bool native_console = false;      // units 1 and 2 as the system made them: no gnu connection
+    void (*closer)(Unit&) = nullptr;  // the whole CLOSE of the dialect that made the connection
+    std::recursive_mutex lock;        // held by a gnu statement from its start to its end
 
     std::int32_t statements = 0;  // in progress on it, one inside the other; under the lock
 

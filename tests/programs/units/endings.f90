@@ -21,7 +21,6 @@ program endings
     open (13, status='scratch')
     write (13, '(A)') 'gone'
     write (*, '(A)', advance='no') 'prompt'
-    call execute_command_line('echo from outside')
     write (*, '(A)') 'after'
     write (*, '(A)', advance='no') 'prompt'
     text = 'x'

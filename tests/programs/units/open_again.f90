@@ -37,7 +37,7 @@ program open_again
     open (11, file='two', iostat=ios)
     inquire (11, name=text, pad=modes(1))
     print *, 'another file', ios, text, modes(1)
-    write (11, '(A)', advance='no') 'unfinished'
+    write (11, '(A)') 'finished'
     open (11, file='no/where', iostat=ios)
     inquire (11, opened=opened)
     print *, 'a bad file', ios, opened

@@ -51,7 +51,7 @@ program positions
     rewind (20)
     write (20, '(A)') '1', '2', '3'
     rewind (20)
-    read (20, *)
+    read (20, '(A)') text
     endfile (20)
     call show('endfile within')
     rewind (20)
@@ -109,7 +109,8 @@ program positions
     endfile (22, iostat=ios)
     inquire (22, form=text)
     print *, ios, text
-    rewind (-40, iostat=ios)
+    n = -40
+    rewind (n, iostat=ios)
     print *, ios
 
 contains

@@ -11,8 +11,6 @@ program standard_units
     read (5, '(A)', iostat=ios) text
     print *, ios
     if (ios == 0) print *, text
-    rewind (5, iostat=ios)
-    print *, ios
     do i = 0, 18
         inquire (i, opened=opened, name=name, action=text)
         if (opened) print *, i, name, text

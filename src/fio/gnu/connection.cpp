@@ -11,7 +11,6 @@
 #include <unistd.h>
 #include <vector>
 
-#include "failure/failure.h"
 #include "fio/file/names.h"
 #include "fio/file/record_buffer.h"
 #include "fio/file/share.h"
@@ -56,16 +55,11 @@ std::uint32_t access_bits(Action action) {
     return (may_read(action) ? access_read : 0) | (may_write(action) ? access_write : 0);
 }
 
-void close_for_good(Unit& unit) {
+int close_for_good(Unit& unit) {
     int err = 0;
     disconnect(unit, false, err);
     give_back_new_unit_number(unit.number);
-    if (err == 0) return;
-    // Nobody is left to catch it: the program's output is incomplete, and its status says so.
-    Caller caller;
-    caller.unit = unit.number;
-    caller.has_unit = true;
-    raise_system_fault(caller, err);
+    return err;
 }
 
 void set_connection(Unit& unit, const Terms& terms) {

@@ -6,19 +6,43 @@
 #include "fio/gnu/items.h"
 #include "fio/gnu/records.h"
 #include "fio/gnu/utf8.h"
+#include "fio/number/integer_digits.h"
 
 namespace tarn::fio {
 namespace {
 
+constexpr Fault bad_scale_factor{61, iostat_format};
+
 FieldEdit field_of(const FormatNode& node) {
     return {node.edit, node.w, node.d, node.e};
+}
+
+// A value that fits a word, in a field of `width` columns at the end of what the record holds so
+// far: a block of blanks, then the digits. False: the general road has to do it.
+bool put_quick_integer(Statement& s, std::int64_t value, std::int32_t width) {
+    constexpr std::int32_t widest = 32;
+    if (width > widest || s.limit - s.cursor < widest || s.cursor < s.high) return false;
+    const std::uint64_t magnitude =
+        value < 0 ? -static_cast<std::uint64_t>(value) : static_cast<std::uint64_t>(value);
+    const int length = decimal_length(magnitude);
+    if (length + (value < 0 ? 1 : 0) > width) return false;
+    std::memset(s.cursor, ' ', widest);
+    char* end = s.cursor + width;
+    put_digits(end - length, magnitude, length);
+    if (value < 0) end[-length - 1] = '-';
+    s.cursor = s.high = end;
+    return true;
+}
+
+bool put_quick_integer(Statement& s, const FormatNode& node, const char* item, int kind) {
+    if (kind > 8 || node.w <= 0 || node.d >= 0 || s.modes.sign == SignMode::plus) return false;
+    return put_quick_integer(s, static_cast<std::int64_t>(load_integer(item, kind)), node.w);
 }
 
 void write_integer(Statement& s, const FormatNode& node, const char* item, int kind) {
     const FieldEdit edit = field_of(node);
     const std::size_t bound = node.w > 0 ? node.w : integer_field_bound(edit, kind);
     char* at = room(s, bound);
-    if (at == nullptr && node.w <= 0) return;
     if (at != nullptr) filled(s, put_integer(at, load_integer(item, kind), kind, edit, s.modes));
 }
 
@@ -39,8 +63,9 @@ void write_logical(Statement& s, const FormatNode& node, const char* item, int k
 void write_through_scratch(Statement& s, const char* item, int kind, const FieldEdit& edit) {
     char* field = scratch_room(s, real_field_bound(edit, item, kind, s.modes));
     if (field == nullptr) return;
-    const auto length =
-        static_cast<std::size_t>(put_real(field, item, kind, edit, s.modes) - field);
+    const char* end = put_real(field, item, kind, edit, s.modes);
+    if (end == nullptr) return fail(s, bad_scale_factor);
+    const auto length = static_cast<std::size_t>(end - field);
     char* at = room(s, length);
     if (at == nullptr) return;
     if (at != field) std::memcpy(at, field, length);
@@ -51,16 +76,20 @@ void write_real(Statement& s, const FormatNode& node, const char* item, int kind
     const FieldEdit edit = field_of(node);
     if (node.w <= 0 && s.record_end != nullptr) return write_through_scratch(s, item, kind, edit);
     char* at = room(s, node.w > 0 ? node.w : real_field_bound(edit, item, kind, s.modes));
-    if (at != nullptr) filled(s, put_real(at, item, kind, edit, s.modes));
+    if (at == nullptr) return;
+    char* end = put_real(at, item, kind, edit, s.modes);
+    if (end == nullptr) return fail(s, bad_scale_factor);
+    filled(s, end);
 }
 
-// Characters of 4 bytes on a record of bytes, with the two faults that gfortran's programs have
-// come to show: a narrow field doesn't cut the value, and the blanks of a wide one replace as many
-// of its first characters.
+// Characters of 4 bytes on a record of bytes, as gfortran's programs know it: a narrow field
+// doesn't cut the value, and on a UTF-8 file the blanks of a wide one replace as many of its first
+// characters.
 void write_wide_character(Statement& s, std::size_t width, const char* item, std::size_t length) {
     const std::size_t blanks = width > length ? width - length : 0;
+    const std::size_t lost = s.utf8 ? std::min(blanks, length) : 0;
     if (blanks > 0) put_blanks(s, blanks);
-    if (blanks < length) put_characters(s, item + 4 * blanks, 4, length - blanks);
+    put_characters(s, item + 4 * lost, 4, length - lost);
 }
 
 // A: the value right-justified in w characters, or its leftmost w. An item of another type goes
@@ -100,6 +129,8 @@ void write_bits_in_fixed_record(Statement& s, const FormatNode& node, const char
     filled(s, at + length);
 }
 
+}  // namespace
+
 void write_item(Statement& s, ItemType type, const char* item, int kind, std::size_t size) {
     const FormatNode* node = next_data_edit(s);
     if (node == nullptr) return;
@@ -108,6 +139,7 @@ void write_item(Statement& s, ItemType type, const char* item, int kind, std::si
     switch (node->edit) {
         case Edit::I:
             if (type != ItemType::integer) return fail_mismatch(s, *node, type);
+            if (put_quick_integer(s, *node, item, kind)) return;
             if (minimal_in_fixed) return write_integer_in_fixed_record(s, *node, item, kind);
             return write_integer(s, *node, item, kind);
         case Edit::B:
@@ -140,6 +172,8 @@ void write_item(Statement& s, ItemType type, const char* item, int kind, std::si
             return write_real(s, *node, item, kind);
     }
 }
+
+namespace {
 
 std::size_t utf8_length(const char* text, std::size_t length) {
     std::size_t bytes = 0;

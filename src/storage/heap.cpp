@@ -14,30 +14,6 @@ constexpr std::uint32_t spare_batch = 50;
 // reservation is two pages longer than what it is said to hold.
 constexpr std::uint32_t range_slack = 2 * page_size;
 
-template <class Record>
-Record& at(Address address) {
-    return *reinterpret_cast<Record*>(std::uintptr_t{address});
-}
-
-std::uint32_t& word_at(Address address) {
-    return at<std::uint32_t>(address);
-}
-
-template <class Record>
-Address address_of(const Record& record) {
-    return static_cast<Address>(reinterpret_cast<std::uintptr_t>(&record));
-}
-
-Address link_of(Address block) {
-    return (word_at(block) & block_link_bits) << 2;
-}
-
-// The top bits stay as they are: a block keeps its flags when its neighbour in the chain changes.
-void set_link(Address block, Address next) {
-    std::uint32_t& word = word_at(block);
-    word = (word & ~block_link_bits) | (next >> 2);
-}
-
 // 0, which is never a block, for a pointer that lies outside the addresses a heap can have.
 Address block_of(const void* pointer) {
     auto value = reinterpret_cast<std::uintptr_t>(pointer);
@@ -61,7 +37,9 @@ constexpr std::uint32_t padding_for(Address region, std::uint32_t alignment) {
 
 bool Heap::start() {
     Address base = reserve_pages(std::uint64_t{first_reservation} + range_slack);
-    if (base == 0 || !commit_pages(base, base + hash_page + first_heap_commit)) return false;
+    if (base == 0 || !free_index_.start() ||
+        !commit_pages(base, base + hash_page + first_heap_commit))
+        return false;
     hash_table_ = &at<Address>(base);
     use_memory_block(base + hash_page, first_reservation, first_heap_commit);
     return true;
@@ -75,6 +53,7 @@ void Heap::stop() {
         bool holds_hash = address_of(*hash_table_) == range - hash_page;
         release_pages(holds_hash ? range - hash_page : range, size);
     }
+    free_index_.stop();
     hash_table_ = nullptr;
     free_chain_ = spare_chains_ = total_allocated_ = 0;
     heap_extended_ = false;
@@ -130,17 +109,16 @@ Heap::Carved Heap::carve_memory_region(std::uint32_t total, std::uint32_t alignm
         total = 8;
         result.extra = true;
     }
-    Address previous = 0;
-    Address region = free_chain_;
-    std::uint32_t wanted = 0;
-    for (; region != 0; previous = region, region = link_of(region)) {
-        std::uint32_t size = at<FreeRegion>(region).size;
-        result.padding = padding_for(region, alignment);
-        wanted = total + result.padding;
-        if (size >= wanted && !(result.extra && size - wanted == 4)) break;
-    }
+    FreeIndex::Fit fit =
+        free_index_.find(free_chain_, total, [&](Address region, std::uint32_t size) {
+            std::uint32_t needed = total + padding_for(region, alignment);
+            return size >= needed && !(result.extra && size - needed == 4);
+        });
+    Address region = fit.region;
     if (region == 0) return result;
 
+    result.padding = padding_for(region, alignment);
+    std::uint32_t wanted = total + result.padding;
     Address next = link_of(region);
     std::uint32_t remainder = at<FreeRegion>(region).size - wanted;
     Address rest = region + wanted;
@@ -150,15 +128,17 @@ Heap::Carved Heap::carve_memory_region(std::uint32_t total, std::uint32_t alignm
         return result;
     }
     Address follower = next;
+    free_index_.remove(region, next);
     if (whole) {
         if (remainder == 4) result.extra = true;
     } else {
         at<FreeRegion>(rest).size = remainder;
         set_link(rest, next);
+        free_index_.insert(rest, remainder);
         follower = rest;
     }
-    if (previous) {
-        set_link(previous, follower);
+    if (fit.previous) {
+        set_link(fit.previous, follower);
     } else {
         free_chain_ = follower;
     }
@@ -183,31 +163,27 @@ Heap::Carved Heap::get_region(std::uint32_t total, std::uint32_t alignment) {
     }
 }
 
-// Finds the place by address and merges with both neighbours.
+// Takes its place in the list by address and merges with both neighbours.
 void Heap::free_memory_region(Address region, std::uint32_t size) {
-    Address previous = 0;
-    Address next = free_chain_;
-    while (next != 0 && next < region) {
-        previous = next;
-        next = link_of(next);
+    Address previous = free_index_.before(region);
+    Address next = previous ? link_of(previous) : free_chain_;
+    if (next && region + size == next) {
+        size += at<FreeRegion>(next).size;
+        Address behind = link_of(next);
+        free_index_.remove(next, behind);
+        next = behind;
     }
     if (previous && previous + at<FreeRegion>(previous).size == region) {
         region = previous;
-        at<FreeRegion>(region).size += size;
+        size += at<FreeRegion>(previous).size;
+    } else if (previous) {
+        set_link(previous, region);
     } else {
-        at<FreeRegion>(region).size = size;
-        if (previous) {
-            set_link(previous, region);
-        } else {
-            free_chain_ = region;
-        }
+        free_chain_ = region;
     }
-    FreeRegion& merged = at<FreeRegion>(region);
-    if (next && region + merged.size == next) {
-        merged.size += at<FreeRegion>(next).size;
-        next = link_of(next);
-    }
+    at<FreeRegion>(region).size = size;
     set_link(region, next);
+    free_index_.insert(region, size);
 }
 
 bool Heap::allocate_length_chains() {

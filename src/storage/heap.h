@@ -23,36 +23,12 @@
 #include <cstdint>
 #include <optional>
 
+#include "storage/free_index.h"
 #include "storage/pages.h"
 #include "storage/polled_section.h"
+#include "storage/records.h"
 
 namespace tarn::storage {
-
-struct MemoryBlock {  // header of a reserved range
-    Address next;
-    std::uint32_t size;
-    Address committed_end;  // the pages below it are committed
-    std::uint32_t unused;
-};
-static_assert(sizeof(MemoryBlock) == 16);
-
-struct FreeRegion {
-    std::uint32_t link;
-    std::uint32_t size;
-};
-static_assert(sizeof(FreeRegion) == 8);
-
-struct LengthChain {
-    Address next;
-    std::uint32_t length;  // as callers asked
-    Address first_block;
-};
-static_assert(sizeof(LengthChain) == 12);
-
-inline constexpr std::uint32_t block_link_bits = 0x1FFFFFFF;
-inline constexpr std::uint32_t block_has_extra = 0x20000000;
-inline constexpr std::uint32_t block_from_new = 0x40000000;
-inline constexpr std::uint32_t block_has_padding = 0x80000000;
 
 inline constexpr std::uint32_t hash_buckets = 1024;
 inline constexpr std::uint32_t first_reservation = 0x6400000;
@@ -132,6 +108,7 @@ class Heap {
     bool find_block(Address block, std::uint32_t& length);
 
     PolledSection section_;
+    FreeIndex free_index_;
     Address* hash_table_ = nullptr;
     Address free_chain_ = 0;
     Address spare_chains_ = 0;

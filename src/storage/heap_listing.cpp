@@ -5,25 +5,14 @@
 
 namespace tarn::storage {
 
-namespace {
-
-const LengthChain& chain_at(Address address) {
-    return *reinterpret_cast<const LengthChain*>(std::uintptr_t{address});
-}
-
-Address next_block(Address block) {
-    return (*reinterpret_cast<const std::uint32_t*>(std::uintptr_t{block}) & block_link_bits) << 2;
-}
-
-}  // namespace
-
 void Heap::print_chains() {
     if (!hash_table_) return;
     for (std::uint32_t bucket = 0; bucket < hash_buckets; ++bucket) {
         if (hash_table_[bucket] == 0) continue;
         std::printf("hash_value = %d\n", static_cast<int>(bucket));
-        for (Address c = hash_table_[bucket]; c; c = chain_at(c).next) {
-            std::printf("%8.8X, length of chain = %d\n", c, static_cast<int>(chain_at(c).length));
+        for (Address c = hash_table_[bucket]; c; c = at<LengthChain>(c).next) {
+            std::printf("%8.8X, length of chain = %d\n", c,
+                        static_cast<int>(at<LengthChain>(c).length));
         }
     }
     std::fflush(stdout);
@@ -31,9 +20,9 @@ void Heap::print_chains() {
 
 void Heap::print_chains(std::uint32_t bucket) {
     if (!hash_table_ || bucket >= hash_buckets) return;
-    for (Address c = hash_table_[bucket]; c; c = chain_at(c).next) {
-        std::printf("length of chain = %d  ", static_cast<int>(chain_at(c).length));
-        std::printf("data of first chain = %8.8x\n", chain_at(c).first_block);
+    for (Address c = hash_table_[bucket]; c; c = at<LengthChain>(c).next) {
+        std::printf("length of chain = %d  ", static_cast<int>(at<LengthChain>(c).length));
+        std::printf("data of first chain = %8.8x\n", at<LengthChain>(c).first_block);
     }
     std::fflush(stdout);
 }
@@ -42,11 +31,9 @@ void Heap::print_chain(std::uint32_t bucket, std::uint32_t length) {
     if (!hash_table_ || bucket >= hash_buckets) return;
     const LengthChain* chain = find_chain(bucket, length);
     if (!chain) return;
-    std::printf("c = %8.8x  length of chain = %d\n",
-                static_cast<unsigned>(reinterpret_cast<std::uintptr_t>(chain)),
-                static_cast<int>(length));
-    for (Address block = chain->first_block; block; block = next_block(block)) {
-        std::printf("pointer = %8.8x next data = %8.8x\n", block, next_block(block));
+    std::printf("c = %8.8x  length of chain = %d\n", address_of(*chain), static_cast<int>(length));
+    for (Address block = chain->first_block; block; block = link_of(block)) {
+        std::printf("pointer = %8.8x next data = %8.8x\n", block, link_of(block));
     }
     std::fflush(stdout);
 }

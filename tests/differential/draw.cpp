@@ -621,10 +621,11 @@ string real_field(bool comma) {
             if (c == '.') c = ',';
     return text;
 }
+// The peer looks behind a field that holds no letter, so there is always one.
 string logical_field() {
-    return pick({"T", "F",  ".T.", ".F.",    ".TRUE.", ".false.", "true", "false",
-                 "t", "f",  ".t",  ".f",     "Tomato", "Fish",    "x",    "",
-                 ".", ".x", "  T", " .true", "yes",    "1",       "0",    "tr ue"});
+    return pick({"T",   "F",      ".T.", ".F.", ".TRUE.", ".false.", "true", "false",
+                 "t",   "f",      ".t",  ".f",  "Tomato", "Fish",    "x",    ".x",
+                 "  T", " .true", "yes", "1",   "0",      "tr ue"});
 }
 string bits_field(char letter) {
     string text;
@@ -689,6 +690,8 @@ string read_edit(const Item& item, string& field, bool comma) {
     if (width == 0 && !chance(30)) width = 1;
     if (chance(1)) width = 0;
     field = fitted(field, width);
+    if (type == logicals && width > 0 && field.find_first_not_of(" .") == string::npos)
+        field.back() = 'T';
     string text = edit + num(width);
     if (edit[0] == 'F' || edit[0] == 'E' || edit[0] == 'D' || (edit[0] == 'G' && type == reals))
         text += "." + num(chance(70) ? below(4) : below(12));
@@ -732,10 +735,12 @@ string write_case() {
            join(items);
 }
 string list_write_case() {
-    const std::vector<Item> items = draw_items(chance(50) ? 1 : between(0, 7), false, 5);
+    const string modes = chance(35) ? draw_modes() : "-";
+    // The peer dies of delimited characters of kind 4 in a record of kind 1.
+    const std::vector<Item> items =
+        draw_items(chance(50) ? 1 : between(0, 7), false, modes == "-" ? 5 : 0);
     const int size = chance(80) ? 200 : between(1, 100);
-    return "l " + (chance(35) ? draw_modes() : string("-")) + " " + num(between(1, 4)) + " " +
-           num(size) + join(items);
+    return "l " + modes + " " + num(between(1, 4)) + " " + num(size) + join(items);
 }
 string read_case() {
     const string modes = chance(30) ? draw_modes() : "-";
@@ -869,7 +874,8 @@ std::vector<string> list_records(const std::vector<Item>& items, bool comma) {
 string list_read_case() {
     const string modes = chance(25) ? draw_modes() : "-";
     const bool comma = modes[0] != '-' && modes[1] == 'c';
-    const std::vector<Item> items = draw_items(chance(50) ? 1 : between(0, 6), true, 3);
+    // The peer puts bytes where characters of kind 4 belong.
+    const std::vector<Item> items = draw_items(chance(50) ? 1 : between(0, 6), true, 0);
     const std::vector<string> records = list_records(items, comma);
     std::size_t size = 1;
     for (const string& record : records)
@@ -881,38 +887,52 @@ string list_read_case() {
     return text + join(items);
 }
 
+// Internal files of character kind 4. Where the peer goes astray is left out: it writes behind the
+// last record, writes any memory for digits of another base that don't fit, ignores the width of A
+// for characters of kind 4 and reads bytes into them.
+bool goes_astray(const string& format, const std::vector<Item>& items) {
+    for (const Item& item : items)
+        if (item.type == wide && format.find_first_of("Aa") != string::npos) return true;
+    return format.find_first_of("BOZboz") != string::npos;
+}
 string wide_case(bool reading) {
     const bool list = chance(40);
-    const std::vector<Item> items = draw_items(between(1, 3), reading, 50);
+    const std::vector<Item> items = draw_items(between(1, 3), reading, !reading || !list ? 50 : 0);
     if (!reading) {
-        string format = list ? "*" : draw_format(items, chance(30));
-        // The peer writes whatever its memory holds for digits of another base that don't fit.
-        if (format.find_first_of("BOZboz") != string::npos) format = "(G0)";
-        return "W " + quoted(format) + " " + num(between(1, 3)) + " " + num(between(10, 90)) +
-               join(items);
-    }
-    if (list) {
-        const std::vector<string> records = list_records(items, false);
-        std::size_t size = 1;
-        for (const string& record : records)
-            if (record.size() > size) size = record.size();
-        string text = "R \"* " + num(static_cast<long long>(records.size())) + " " +
-                      num(static_cast<long long>(size));
-        for (const string& record : records) text += " " + quoted(record);
-        return text + join(items);
-    }
-    string format = "(", record;
-    for (const Item& item : items) {
-        for (int part = item.type == complexes ? 2 : 1; part > 0; --part) {
-            string field;
-            if (format.size() > 1) format += ",";
-            format += read_edit(item, field, false);
-            record += field;
+        string format = list ? "*" : "(";
+        if (!list) {
+            for (const Item& item : items) {
+                if (format.size() > 1) format += ",";
+                format += draw_descriptor(item);
+                if (item.type == complexes) format += ",1X," + draw_descriptor(item);
+            }
+            format += ")";
         }
+        if (goes_astray(format, items)) format = "(*(G0,:,1X))";
+        return "W " + quoted(format) + " 3 " + num(between(100, 300)) + join(items);
     }
-    return "R " + quoted(format + ")") + " 1 " +
-           num(static_cast<long long>(record.size()) + below(5)) + " " + quoted(record) +
-           join(items);
+    std::vector<string> records(1);
+    string format = list ? "*" : "(";
+    if (list) {
+        records = list_records(items, false);
+    } else {
+        for (const Item& item : items) {
+            for (int part = item.type == complexes ? 2 : 1; part > 0; --part) {
+                string field;
+                if (format.size() > 1) format += ",";
+                format += read_edit(item, field, false);
+                records[0] += field;
+            }
+        }
+        format += ")";
+    }
+    std::size_t size = 1;
+    for (const string& record : records)
+        if (record.size() > size) size = record.size();
+    string text = "R " + quoted(format) + " " + num(static_cast<long long>(records.size())) + " " +
+                  num(static_cast<long long>(size) + below(5));
+    for (const string& record : records) text += " " + quoted(record);
+    return text + join(items);
 }
 
 // ---- Sequences of statements on units ----

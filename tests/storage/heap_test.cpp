@@ -225,6 +225,98 @@ TEST_F(HeapTest, RandomWorkKeepsBlocksWhole) {
     EXPECT_EQ(heap.total_allocated(), 0U);
 }
 
+// The heap in its plainest form: a free list that is walked from its start. It tells where each
+// block must come to lie, spare records included.
+class FirstFitModel {
+  public:
+    FirstFitModel(Address start, std::uint32_t size) { free_[start] = size; }
+
+    Address get(std::uint32_t length, std::uint32_t alignment) {
+        if (spare_ == 0) {
+            carve(600, 4);
+            spare_ = 50;
+        }
+        Owned block = carve((length + 7) & ~3U, alignment);
+        blocks_[block.header] = block;
+        if (chains_[{bucket(block.header), length}]++ == 0) --spare_;
+        return block.header + 4;
+    }
+    void release(Address pointer, std::uint32_t length) {
+        Owned block = blocks_.at(pointer - 4);
+        blocks_.erase(pointer - 4);
+        if (--chains_[{bucket(block.header), length}] == 0) ++spare_;
+        auto at = free_.emplace(block.start, block.size).first;
+        if (auto next = std::next(at);
+            next != free_.end() && at->first + at->second == next->first) {
+            at->second += next->second;
+            free_.erase(next);
+        }
+        if (at != free_.begin()) {
+            auto before = std::prev(at);
+            if (before->first + before->second == at->first) {
+                before->second += at->second;
+                free_.erase(at);
+            }
+        }
+    }
+
+  private:
+    struct Owned {
+        Address start;
+        std::uint32_t size;
+        Address header;
+    };
+
+    static std::uint32_t bucket(Address header) { return tarn::storage::hash_bucket(header); }
+
+    Owned carve(std::uint32_t total, std::uint32_t alignment) {
+        bool extra = total == 4;
+        if (extra) total = 8;
+        for (auto [start, size] : free_) {
+            std::uint32_t padding = (0U - (start + 4)) & (alignment - 1) & ~3U;
+            if (size < total + padding) continue;
+            std::uint32_t rest = size - total - padding;
+            if (extra && rest == 4) continue;
+            free_.erase(start);
+            if (rest < 8) return {start, size, start + padding};
+            free_[start + total + padding] = rest;
+            return {start, total + padding, start + padding};
+        }
+        return {};
+    }
+
+    std::map<Address, std::uint32_t> free_;
+    std::map<Address, Owned> blocks_;
+    std::map<std::pair<std::uint32_t, std::uint32_t>, int> chains_;
+    std::uint32_t spare_ = 50;
+};
+
+TEST_F(HeapTest, BlocksLieWhereFirstFitPutsThem) {
+    void* probe = heap.get(4);
+    heap.release(probe);
+    FirstFitModel model(address(probe) - 4, static_cast<std::uint32_t>(heap.available()));
+    std::mt19937 random(3);
+    std::vector<std::pair<void*, std::uint32_t>> live;
+    // Waves of requests and releases, so that the list grows long and shrinks again.
+    for (int step = 0; step < 66000; ++step) {
+        bool grow = step / 6000 % 2 == 0;
+        if (random() % 8 < (grow ? 5U : 3U)) {
+            std::uint32_t length = random() % 20 == 0 ? random() % 30000 : random() % 100;
+            std::uint32_t alignment = random() % 2 == 0 ? 4 : 4U << random() % 10;
+            void* block = heap.get(length, alignment);
+            ASSERT_EQ(address(block), model.get(length, alignment)) << "step " << step;
+            live.emplace_back(block, length);
+        } else if (!live.empty()) {
+            std::swap(live[random() % live.size()], live.back());
+            auto [block, length] = live.back();
+            live.pop_back();
+            ASSERT_TRUE(heap.release(block).found);
+            model.release(address(block), length);
+        }
+    }
+    EXPECT_GT(live.size(), 500U);
+}
+
 TEST_F(HeapTest, ThreadsShareTheHeap) {
     auto work = [this](unsigned seed) {
         std::mt19937 random(seed);

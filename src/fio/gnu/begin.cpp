@@ -30,7 +30,7 @@ constexpr Fault not_there{156, iostat_internal};
 constexpr Fault read_after_open_write{81, iostat_bad_option};
 
 // The specifiers of one statement that change modes of the connection. False: a word of none.
-bool apply_modes(Statement& s, const TransferSpecifiers& specs) {
+bool apply_modes(Statement& s, const ModeSpecifiers& specs) {
     EditModes& modes = s.modes;
     const struct {
         std::string_view value;
@@ -52,7 +52,7 @@ bool apply_modes(Statement& s, const TransferSpecifiers& specs) {
     return true;
 }
 
-bool apply_asynchronous(Statement& s, const TransferSpecifiers& specs) {
+bool apply_asynchronous(Statement& s, const ModeSpecifiers& specs) {
     if (specs.asynchronous.data() == nullptr) return true;
     bool wanted = false;
     if (!keyword(specs.asynchronous, yes_no_words, wanted)) {
@@ -68,9 +68,9 @@ bool apply_asynchronous(Statement& s, const TransferSpecifiers& specs) {
 
 bool apply_advance(Statement& s, const TransferSpecifiers& specs) {
     bool advance = true;
-    if (specs.advance.data() != nullptr) {
-        if (!keyword(specs.advance, yes_no_words, advance)) {
-            fail(s, {213, iostat_bad_option}, specs.advance);
+    if (specs.modes != nullptr && specs.modes->advance.data() != nullptr) {
+        if (!keyword(specs.modes->advance, yes_no_words, advance)) {
+            fail(s, {213, iostat_bad_option}, specs.modes->advance);
             return false;
         }
         if (s.direct || s.internal || specs.format == nullptr) {
@@ -206,7 +206,7 @@ bool choose_format(Statement& s, const TransferSpecifiers& specs) {
 bool begin_on_internal(Statement& s, const TransferSpecifiers& specs) {
     s.internal = true;
     s.caller->internal = true;
-    s.file = specs.internal;
+    copy_internal_file(*specs.internal, s.file);
     s.wide = s.file.char_kind == 4;
     s.utf8 = s.wide && s.reading;
     s.record_limit = internal_record_limit;
@@ -244,7 +244,8 @@ bool begin_on_unit(Statement& s, const TransferSpecifiers& specs) {
 }
 
 bool open_statement(Statement& s, const TransferSpecifiers& specs) {
-    if (specs.has_internal ? !begin_on_internal(s, specs) : !begin_on_unit(s, specs)) return false;
+    if (specs.internal != nullptr ? !begin_on_internal(s, specs) : !begin_on_unit(s, specs))
+        return false;
     if (specs.is_namelist) {
         fail(s, not_there, "NAMELIST is not there yet");
         return false;
@@ -256,7 +257,10 @@ bool open_statement(Statement& s, const TransferSpecifiers& specs) {
     if (!s.internal && !check_access(s, specs)) return false;
     if (!choose_format(s, specs)) return false;
     if (!s.internal && !check_end(s)) return false;
-    if (specs.has_modes && (!apply_modes(s, specs) || !apply_asynchronous(s, specs))) return false;
+    if (specs.modes != nullptr &&
+        (!apply_modes(s, *specs.modes) || !apply_asynchronous(s, *specs.modes))) {
+        return false;
+    }
     if (!apply_advance(s, specs)) return false;
     if (s.unit != nullptr) {
         turn(s);
@@ -280,6 +284,7 @@ Statement* begin_transfer(Caller& caller, const TransferSpecifiers& specs) {
         begin_input(s);
     } else {
         begin_output(s);
+        s.formatted_output = !s.list_directed;
     }
     return statement;
 }

@@ -2,6 +2,15 @@
 
 namespace tarn::fio {
 
+void copy_internal_file(const InternalFile& from, InternalFile& to) {
+    to.base = from.base;
+    to.length = from.length;
+    to.count = from.count;
+    to.char_kind = from.char_kind;
+    to.rank = from.rank;
+    for (int i = 0; i < from.rank; ++i) to.dimension[i] = from.dimension[i];
+}
+
 void first_internal_record(InternalFile& file) {
     file.next = 1;
     file.record = file.count > 0 ? file.base : nullptr;

@@ -18,6 +18,9 @@ inline char32_t get_wide(const char* at) {
     return value;
 }
 
+// The dimensions behind the rank stay unset.
+void copy_internal_file(const InternalFile& from, InternalFile& to);
+
 // `record` becomes the first record, or null when the file has none.
 void first_internal_record(InternalFile& file);
 // The next one; `record` is null behind the last.

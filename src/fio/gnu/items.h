@@ -9,6 +9,8 @@
 
 namespace tarn::fio {
 
+// One item through the next data edit descriptor of a WRITE; not COMPLEX.
+void write_item(Statement& statement, ItemType type, const char* item, int kind, std::size_t size);
 void write_formatted(Statement& statement, ItemType type, const char* items, int kind,
                      std::size_t size, std::ptrdiff_t stride, std::size_t count);
 void write_list(Statement& statement, ItemType type, const char* items, int kind, std::size_t size,

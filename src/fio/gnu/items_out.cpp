@@ -6,12 +6,35 @@
 #include "fio/gnu/items.h"
 #include "fio/gnu/records.h"
 #include "fio/gnu/utf8.h"
+#include "fio/number/integer_digits.h"
 
 namespace tarn::fio {
 namespace {
 
 FieldEdit field_of(const FormatNode& node) {
     return {node.edit, node.w, node.d, node.e};
+}
+
+// A value that fits a word, in a field of `width` columns at the end of what the record holds so
+// far: a block of blanks, then the digits. False: the general road has to do it.
+bool put_quick_integer(Statement& s, std::int64_t value, std::int32_t width) {
+    constexpr std::int32_t widest = 32;
+    if (width > widest || s.limit - s.cursor < widest || s.cursor < s.high) return false;
+    const std::uint64_t magnitude =
+        value < 0 ? -static_cast<std::uint64_t>(value) : static_cast<std::uint64_t>(value);
+    const int length = decimal_length(magnitude);
+    if (length + (value < 0 ? 1 : 0) > width) return false;
+    std::memset(s.cursor, ' ', widest);
+    char* end = s.cursor + width;
+    put_digits(end - length, magnitude, length);
+    if (value < 0) end[-length - 1] = '-';
+    s.cursor = s.high = end;
+    return true;
+}
+
+bool put_quick_integer(Statement& s, const FormatNode& node, const char* item, int kind) {
+    if (kind > 8 || node.w <= 0 || node.d >= 0 || s.modes.sign == SignMode::plus) return false;
+    return put_quick_integer(s, static_cast<std::int64_t>(load_integer(item, kind)), node.w);
 }
 
 void write_integer(Statement& s, const FormatNode& node, const char* item, int kind) {
@@ -100,6 +123,8 @@ void write_bits_in_fixed_record(Statement& s, const FormatNode& node, const char
     filled(s, at + length);
 }
 
+}  // namespace
+
 void write_item(Statement& s, ItemType type, const char* item, int kind, std::size_t size) {
     const FormatNode* node = next_data_edit(s);
     if (node == nullptr) return;
@@ -108,6 +133,7 @@ void write_item(Statement& s, ItemType type, const char* item, int kind, std::si
     switch (node->edit) {
         case Edit::I:
             if (type != ItemType::integer) return fail_mismatch(s, *node, type);
+            if (put_quick_integer(s, *node, item, kind)) return;
             if (minimal_in_fixed) return write_integer_in_fixed_record(s, *node, item, kind);
             return write_integer(s, *node, item, kind);
         case Edit::B:
@@ -140,6 +166,8 @@ void write_item(Statement& s, ItemType type, const char* item, int kind, std::si
             return write_real(s, *node, item, kind);
     }
 }
+
+namespace {
 
 std::size_t utf8_length(const char* text, std::size_t length) {
     std::size_t bytes = 0;

@@ -132,7 +132,11 @@ void finish_external(Statement& s) {
         s.begin = at.begin;
         s.high = at.begin + length;
     }
-    std::memcpy(s.high, line_end.data(), line_end.size());
+    if (line_end.size() == 1) {
+        *s.high = line_end[0];
+    } else {
+        std::memcpy(s.high, line_end.data(), line_end.size());
+    }
     int err = 0;
     end_record(unit.file, static_cast<std::size_t>(s.high - s.begin) + line_end.size(),
                leaves_at_once(unit), err);

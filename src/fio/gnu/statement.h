@@ -59,6 +59,7 @@ struct Statement {
     Unit* unit = nullptr;  // null for an internal file
     bool reading = false;
     bool list_directed = false;
+    bool formatted_output = false;  // ready for `write_item`
     bool non_advancing = false;
     bool direct = false;
     bool stream = false;
@@ -120,6 +121,18 @@ bool next_input_record(Statement& statement);
 // The same, but none is no fault: false, and nothing was reported.
 bool try_next_input_record(Statement& statement);
 
+// The specifiers of few statements; without an address: not given.
+struct ModeSpecifiers {
+    std::string_view advance;
+    std::string_view asynchronous;
+    std::string_view blank;
+    std::string_view decimal;
+    std::string_view delim;
+    std::string_view pad;
+    std::string_view round;
+    std::string_view sign;
+};
+
 // What the compiled program asks of a data transfer statement.
 struct TransferSpecifiers {
     bool reading = false;
@@ -129,17 +142,14 @@ struct TransferSpecifiers {
     bool has_pos = false;
     bool has_end = false;
     bool has_eor = false;
-    bool has_internal = false;
     const char* format = nullptr;  // null: none
     std::size_t format_length = 0;
     std::int64_t rec = 0;
     std::int64_t pos = 0;
     std::int64_t* size = nullptr;
     std::int32_t* id = nullptr;
-    // The changeable modes and the others of few programs; null: not given.
-    bool has_modes = false;  // one of these is given
-    std::string_view advance, asynchronous, blank, decimal, delim, pad, round, sign;
-    InternalFile internal;
+    const ModeSpecifiers* modes = nullptr;   // null: none of them is given
+    const InternalFile* internal = nullptr;  // null: an external unit
 };
 
 // Opens a READ or WRITE. The statement is valid in any case; a fault is in its caller's outcome.
@@ -150,6 +160,7 @@ Statement* begin_iolength(Caller& caller, std::int64_t* result);
 // characters.
 void transfer_items(Statement& statement, ItemType type, void* items, int kind, std::size_t size,
                     std::ptrdiff_t stride, std::size_t count);
+void transfer_item(Statement& statement, ItemType type, void* item, int kind, std::size_t size);
 // Ends the statement: the rest of the format, the record, the unit. The record is gone then.
 void end_transfer(Statement* statement);
 

@@ -72,6 +72,14 @@ void transfer_items(Statement& s, ItemType type, void* items, int kind, std::siz
     read_formatted(s, type, at, kind, size, stride, count);
 }
 
+void transfer_item(Statement& s, ItemType type, void* item, int kind, std::size_t size) {
+    if (s.formatted_output && type != ItemType::complex) {
+        if (!s.failed) write_item(s, type, static_cast<const char*>(item), kind, size);
+        return;
+    }
+    transfer_items(s, type, item, kind, size, 0, 1);
+}
+
 void end_transfer(Statement* statement) {
     Statement& s = *statement;
     if (s.measuring) {

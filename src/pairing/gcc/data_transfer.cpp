@@ -25,9 +25,8 @@ void fill_caller(const DataBlock& block, fio::Caller& caller) {
     caller.outcome = fio::Outcome::ok;
 }
 
-void fill_modes(const DataBlock& block, fio::TransferSpecifiers& specs) {
+void fill_modes(const DataBlock& block, fio::ModeSpecifiers& specs) {
     const std::uint32_t flags = block.flags;
-    specs.has_modes = true;
     if ((flags & has_advance) != 0) specs.advance = {block.advance, block.advance_length};
     if ((flags & has_asynchronous) != 0) {
         specs.asynchronous = {block.asynchronous, block.asynchronous_length};
@@ -157,10 +156,21 @@ void begin_data_transfer(DataBlock& block, bool reading) {
     specs.has_eor = (flags & has_eor) != 0;
     specs.size = (flags & has_size) != 0 ? block.size : nullptr;
     specs.id = (flags & has_id) != 0 ? block.id : nullptr;
-    if ((flags & has_some_mode) != 0) fill_modes(block, specs);
-    specs.has_internal = (flags & has_internal_unit) != 0;
-    if (specs.has_internal) fill_internal(block, specs.internal);
     part.owner = Owner::gnu;
+    if ((flags & (has_some_mode | has_internal_unit)) == 0) {
+        part.statement = begin_transfer(part.caller, specs);
+        return;
+    }
+    fio::ModeSpecifiers modes;
+    fio::InternalFile internal;
+    if ((flags & has_some_mode) != 0) {
+        fill_modes(block, modes);
+        specs.modes = &modes;
+    }
+    if ((flags & has_internal_unit) != 0) {
+        fill_internal(block, internal);
+        specs.internal = &internal;
+    }
     part.statement = begin_transfer(part.caller, specs);
 }
 
@@ -186,7 +196,7 @@ void transfer_item(DataBlock& block, ItemType type, void* item, int kind, std::s
         native_road().transfer(&block, type, item, kind, size);
         return;
     }
-    transfer_items(statement_of(block), type, item, kind, size, 0, 1);
+    fio::transfer_item(statement_of(block), type, item, kind, size);
 }
 
 void transfer_array(DataBlock& block, const ArrayDescriptor& array, int kind,

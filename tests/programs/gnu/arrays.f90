@@ -79,7 +79,6 @@ program arrays
     backspace (10)
     read (10, *) ((c(i, j), j=1, 3), i=1, 2)
     write (10, *) l
-    backspace (10)
     write (10, *) z, zq
     rewind (10)
     a = 0
@@ -91,6 +90,7 @@ program arrays
     read (10, '(5F10.3)') x(2, :), x(1, :), r15
     print *, x, r15(1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 2, 1, 1, 1)
     l = .true.
+    read (10, *)
     read (10, *) (l(i), i=6, 1, -1)
     print *, c, l
     z = 0

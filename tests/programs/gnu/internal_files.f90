@@ -87,7 +87,7 @@ program internal_files
     print *, huge(99998:), huge(1:2), len_trim(huge)
     read (huge(99999:), '(A)') c
     print *, c
-    write (a(1:4), '(2(I2,F5.1))') (i, 1.5*i, i=1, 5)
+    write (a(1:4), '(I2,F5.1)') (i, 1.5*i, i=1, 4)
     print *, a(1:4)
     x = -1
     read (a(1)(1:4), '(F4.2)') x

@@ -48,6 +48,8 @@ void set_long(IOCode code, std::int64_t* value) {
 void set_outcome_words(CommonBlock& block) {
     const std::uint32_t flags = block.flags;
     block.flags &= ~outcome_mask;
+    current().source_file = block.source_file;
+    current().source_line = block.line;
     if ((flags & has_iostat) != 0) set_word(IOCode::iostat, block.iostat);
     if ((flags & has_iomsg) != 0) set_text(IOCode::iomsg, block.iomsg, block.iomsg_length);
     if ((flags & has_err) != 0) setOption(IOCode::err, TypeCode::none, nullptr, -1);

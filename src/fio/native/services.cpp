@@ -25,8 +25,8 @@ void preconnect(std::int32_t unit, std::string_view name, bool read_only, bool f
 }
 
 void open_to_window(std::int32_t number, void* window, std::int32_t target) {
-    IO_initialise();
     const std::lock_guard<std::recursive_mutex> guard(state().critical_section);
+    IO_initialise();
     UnitList_destroy(number);
     Unit* const unit = Unit_create(number, false);
     unit->kind = UnitKind::window;
@@ -47,7 +47,7 @@ void CloseAllFortranUnits() {
 
 std::int32_t unit_at_work() {
     const IO_type* const io = state().current_io;
-    return io != nullptr && io->busy && io->unit_number > 0 ? io->unit_number : 0;
+    return io != nullptr && io->busy ? io->unit_number : 0;
 }
 
 std::int32_t current_unit_number() {

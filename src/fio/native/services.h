@@ -16,7 +16,7 @@ void CloseAllFortranUnits();
 
 // The unit of the last statement, -1 for an internal file; 0 before any.
 std::int32_t current_unit_number();
-// The unit that a failure's report names: 0 outside statements.
+// The unit that a failure's report names: -1 for an internal file, 0 outside statements.
 std::int32_t unit_at_work();
 
 }  // namespace tarn::fio::native

@@ -160,11 +160,7 @@ int close_connection(Unit& unit) {
     const int reason = errno != 0 ? errno : EIO;
     if (!closed) io.busy = false;
     restoreSavedIO();
-<<<<<<< HEAD
     return closed ? 0 : reason;
-=======
-    return 0;
->>>>>>> main
 }
 
 }  // namespace tarn::fio::native

@@ -17,6 +17,7 @@
 #include "fio/gnu/options.h"
 #include "fio/gnu/records.h"
 #include "fio/unit.h"
+#include "frame/state.h"
 
 namespace tarn::fio {
 namespace {
@@ -124,17 +125,12 @@ void preconnect(std::int32_t number, int descriptor, Action action, const char* 
 }
 
 void bring_up() {
+    frame::ensure_up();
     const GnuOptions& options = gnu_options();
     preconnect(options.stderr_unit, STDERR_FILENO, Action::write, "stderr");
     preconnect(options.stdout_unit, STDOUT_FILENO, Action::write, "stdout");
     preconnect(options.stdin_unit, STDIN_FILENO, Action::read, "stdin");
     state().up.store(true, std::memory_order_release);
-}
-
-// The normal end of a program, behind its own exit routines: records left open get their line end,
-// buffers go out, scratch files go away.
-__attribute__((destructor)) void close_units_at_end() {
-    if (state().up.load(std::memory_order_acquire)) UnitList_destroyAll();
 }
 
 int sharing_bits(Share share) {

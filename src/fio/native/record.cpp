@@ -4,6 +4,7 @@
 #include <cstring>
 #include <limits>
 
+#include "fio/native/connect.h"
 #include "fio/native/hooks.h"
 
 namespace tarn::fio::native {
@@ -313,7 +314,9 @@ bool write_record(IO_type& io, Ending ending) {
         cut_trailing_blanks(out);
     }
     io.output_start = io.record_start;
-    io.edit.columns_before = ends_line ? 0 : io.edit.columns_before + length;
+    // A line on a screen may have been ended by the reader's own key: columns count anew there.
+    const bool counts = !ends_line && !io.no_line_end && is_file_kind(unit.kind);
+    io.edit.columns_before = counts ? io.edit.columns_before + length : 0;
     unit.unfinished_line = io.edit.columns_before;
     if (!write_unit_record(io, out)) return false;
     if (unit.status.stream) unit.file.stream_write_position = unit.file.logical_position + 1;
@@ -347,7 +350,7 @@ bool do_formatted_io_initialisation() {
     io.edit.repeat_left = 0;
     empty_record(io);
     const bool direct = is_direct(io.action);
-    if (direct && !IO_direct_access_position()) return false;
+    if (direct && is_file_kind(io.unit->kind) && !IO_direct_access_position()) return false;
     if (!is_read(io.action)) {
         const bool whole = direct || io.internal_file || io.unit->status.fixed_record_length;
         const std::int64_t fill = whole ? io.record_length : std::min(io.record_length, fill_chunk);

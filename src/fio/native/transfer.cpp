@@ -5,6 +5,7 @@
 #include <cstring>
 #include <string>
 
+#include "fio/native/connect.h"
 #include "fio/native/format.h"
 #include "fio/native/format_parser.h"
 #include "fio/native/format_stream.h"
@@ -101,11 +102,6 @@ bool check_compiled_format(IO_type& io) {
     return first == stream_start || IO_error(83);
 }
 
-bool is_file_kind(const Unit& unit) {
-    return unit.kind == UnitKind::text || unit.kind == UnitKind::full ||
-           unit.kind == UnitKind::printer;
-}
-
 // POS= puts a stream WRITE into the middle of what is there: that isn't the place to cut.
 bool is_placed(const IO_type& io) {
     return is_stream(io) && io.record_no > 0;
@@ -117,13 +113,13 @@ bool begin_direction(IO_type& io) {
     IOStatus& status = unit.status;
     if (is_read(io.action)) {
         if (!status.may_read && !IO_error(208)) return false;
-        if (!is_file_kind(unit)) return true;
+        if (!is_file_kind(unit.kind)) return true;
         status.writing = status.after_rewind = status.after_backspace = false;
         status.reading = status.read_mode = true;
         return true;
     }
     if (!status.may_write && !IO_error(139)) return false;
-    if (is_file_kind(unit) && !status.positioned_by_append && !is_placed(io)) {
+    if (is_file_kind(unit.kind) && !status.positioned_by_append && !is_placed(io)) {
         std::int64_t position = 0;
         int err = 0;
         sys_getFilePos(unit, position, err);
@@ -139,7 +135,9 @@ bool check_direction(IO_type& io) {
     if (!status.reading && !status.writing) return begin_direction(io);
     const bool reading = is_read(io.action);
     if (reading ? status.reading : status.writing) return true;
-    if (!reading && !status.may_write && !IO_error(139)) return false;
+    // A unit that was opened for one direction has its flag from the start.
+    const bool allowed = reading ? status.may_read : status.may_write;
+    if (!allowed && !IO_error(reading ? 208 : 139)) return false;
     status.reading = status.writing = true;
     return true;
 }
@@ -152,7 +150,7 @@ bool cut_file(IO_type& io) {
         unit.unfinished_line = 0;
         return true;
     }
-    if (!is_file_kind(unit) || is_placed(io)) return true;
+    if (!is_file_kind(unit.kind) || is_placed(io)) return true;
     if (!status.read_mode && !status.after_backspace && !status.after_rewind) return true;
     unit.unfinished_line = 0;
     status.read_mode = status.after_backspace = status.after_rewind = false;
@@ -184,6 +182,9 @@ bool move_right(IO_type& io, std::int64_t distance) {
         const std::int64_t rest = data_end(io) - io.record_cursor;
         io.record_cursor += std::clamp<std::int64_t>(rest, 0, distance);
         return true;
+    }
+    if (is_read(io.action) && io.internal_file && distance > room_to_record_end(io)) {
+        Fix_buffer_end_pointer(distance);
     }
     if (!reserve_field(io, distance)) return false;
     io.record_cursor += distance;

@@ -1,7 +1,6 @@
 // What the edit descriptors make of values.
-#include <gtest/gtest.h>
-
 #include <cmath>
+#include <gtest/gtest.h>
 #include <limits>
 
 #include "transfer.h"
@@ -56,10 +55,18 @@ TEST(IntegerOutput, FieldsOfEverySize) {
     for (const auto& c : cases) {
         std::string text;
         switch (c.size) {
-            case 1: text = written(c.format, static_cast<std::int8_t>(c.value)); break;
-            case 2: text = written(c.format, static_cast<std::int16_t>(c.value)); break;
-            case 4: text = written(c.format, static_cast<std::int32_t>(c.value)); break;
-            default: text = written(c.format, c.value); break;
+            case 1:
+                text = written(c.format, static_cast<std::int8_t>(c.value));
+                break;
+            case 2:
+                text = written(c.format, static_cast<std::int16_t>(c.value));
+                break;
+            case 4:
+                text = written(c.format, static_cast<std::int32_t>(c.value));
+                break;
+            default:
+                text = written(c.format, c.value);
+                break;
         }
         EXPECT_EQ(text, c.text) << c.format << " " << c.value;
     }
@@ -90,8 +97,7 @@ TEST(RealOutput, Real8) {
         {"(F10.0)", 2.5, "        3."},
         {"(F4.0)", -0.2, "  0."},
         {"(F30.1)", 1e22, "     10000000000000000000000.0"},
-        {"(F40.3)", 123456789012345678901234567890.0,
-         "      123456789012345677870000000000.000"},
+        {"(F40.3)", 123456789012345678901234567890.0, "      123456789012345677870000000000.000"},
         {"(F25.22)", 0.1, " 0.1000000000000000055500"},
         // E and D
         {"(E12.4)", 0.0, "  0.0000E+00"},
@@ -145,7 +151,8 @@ TEST(RealOutput, Real8) {
         {"(Z0)", 1.0, "3FF0000000000000"},
         {"(I5)", 1.0, "#51"},
     };
-    for (const auto& c : cases) EXPECT_EQ(written(c.format, c.value), c.text) << c.format << " " << c.value;
+    for (const auto& c : cases)
+        EXPECT_EQ(written(c.format, c.value), c.text) << c.format << " " << c.value;
 }
 
 TEST(RealOutput, OtherSizes) {

@@ -8,7 +8,7 @@
 namespace tarn::fio::native::test {
 
 extern "C" {
-#define TEST_ITEM(name)                                                                \
+#define TEST_ITEM(name)                                                               \
     void name##_h_WSF(const void*, const std::int32_t*) __asm__("\"" #name "#WSF\""); \
     void name##_h_RSF(void*, const std::int32_t*) __asm__("\"" #name "#RSF\"");
 TEST_ITEM(I1)
@@ -33,9 +33,13 @@ struct Logical {
 inline constexpr std::int32_t one = 1;
 
 // One item each way.
-#define TEST_MOVES(type, name)                                           \
-    inline void put(const type& item) { name##_h_WSF(const_cast<type*>(&item), &one); } \
-    inline void get(type& item) { name##_h_RSF(&item, &one); }
+#define TEST_MOVES(type, name)                        \
+    inline void put(const type& item) {               \
+        name##_h_WSF(const_cast<type*>(&item), &one); \
+    }                                                 \
+    inline void get(type& item) {                     \
+        name##_h_RSF(&item, &one);                    \
+    }
 TEST_MOVES(std::int8_t, I1)
 TEST_MOVES(std::int16_t, I2)
 TEST_MOVES(std::int32_t, I4)
@@ -51,8 +55,12 @@ TEST_MOVES(std::complex<long double>, CX)
 inline void put(std::string_view item) {
     CH_h_WSF(item.data(), &one, static_cast<std::ptrdiff_t>(item.size()));
 }
-inline void put(const char* item) { put(std::string_view(item)); }
-inline void put(const std::string& item) { put(std::string_view(item)); }
+inline void put(const char* item) {
+    put(std::string_view(item));
+}
+inline void put(const std::string& item) {
+    put(std::string_view(item));
+}
 inline void get(std::string& item) {
     CH_h_RSF(item.data(), &one, static_cast<std::ptrdiff_t>(item.size()));
 }
@@ -108,8 +116,8 @@ struct Internal {
     std::string shown() const {
         std::string all;
         for (std::int32_t r = 0; r < records; ++r) {
-            std::string line = text.substr(static_cast<std::size_t>(r * length),
-                                           static_cast<std::size_t>(length));
+            std::string line =
+                text.substr(static_cast<std::size_t>(r * length), static_cast<std::size_t>(length));
             if (line.front() == '~') break;
             line.erase(line.find_last_not_of(' ') + 1);
             if (r > 0) all += '|';

@@ -129,6 +129,8 @@ def same(case, ours, peer):
         return True
     outcome, *their_words = peer.split(" ")
     our_outcome, *our_words = ours.split(" ")
+    if case[0] in "wW" and outcome == "5006" and our_outcome in ("-1", "-2"):
+        return True  # the peer goes on behind the last record, and meets another failure
     if outcome != our_outcome or outcome in ("0", "DIED"):
         return False
     if case[0] in "wlWxXau":

@@ -516,17 +516,17 @@ string spoiled(string text) {
             text.erase(at, 1);
             break;
         case 1:
-            text.insert(at, pick({",", "(", ")", ".", "9", "E", "'", " ", "-", "*", "P", "/"}));
+            text.insert(at, pick({",", "(", ")", ".", "9", "E", "'", " ", "*", "P", "/"}));
             break;
         case 2:
-            text[at] = *pick({"Q", "1", "0", ".", ",", "E", "(", ")", "F", "-"});
+            text[at] = *pick({"Q", "1", "0", ".", ",", "E", "(", ")", "F"});
             break;
         default:
             text.resize(at);
-            // The peer looks for ever for the digits of an exponent at the end of a format.
-            if (at > 0 && text[at - 1] > '9') text += ')';
             break;
     }
+    // The peer looks for ever for the digits of an exponent at the end of a format.
+    if (!text.empty() && text.back() > '9') text += ')';
     return text;
 }
 string draw_format(const std::vector<Item>& items, bool structured) {
@@ -755,7 +755,7 @@ string read_case() {
         for (int part = item.type == complexes ? 2 : 1; part > 0; --part) {
             string field;
             if (format.back() != '(' && format.back() != ',') format += ",";
-            if (chance(12)) {
+            if (chance(12) && item.type != logicals) {
                 const int n = between(1, 4);
                 switch (below(4)) {
                     case 0:
@@ -789,8 +789,10 @@ string read_case() {
     format = mixed_case(format);
     if (chance(2)) format = spoiled(format);
     std::size_t size = 1;
+    bool whole = false;
+    for (const Item& item : items) whole |= item.type == logicals;
     for (string& record : records) {
-        cut_short(record);
+        if (!whole) cut_short(record);
         if (record.size() > size) size = record.size();
     }
     if (chance(50)) size += static_cast<std::size_t>(below(6));

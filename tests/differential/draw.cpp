@@ -614,7 +614,7 @@ string real_field(bool comma) {
     if (chance(45)) {
         text += pick({"e", "E", "d", "D", "q", "Q", "", "e"});
         text += pick({"+", "-", "", "+", "-"});
-        text += chance(70) ? num(below(40)) : chance(60) ? num(below(400)) : num(below(6000));
+        text += chance(70) ? num(below(40)) : chance(60) ? num(below(400)) : num(below(4800));
     }
     if (comma && chance(80))
         for (char& c : text)

@@ -4,7 +4,6 @@
 ! run: $PROGRAM > out.txt
 ! run: $PROGRAM | cat
 ! run: GFORTRAN_UNBUFFERED_ALL=1 $PROGRAM > out.txt
-! run: $PROGRAM > out.txt 2>&1
 program stdio_order
     implicit none
     integer :: i

@@ -80,10 +80,6 @@ program unformatted
     read (11, iostat=ios) n
     print *, n, ios
     close (11)
-    open (11, file='big.bin', form='unformatted', convert='native')
-    read (11, iostat=ios) n
-    print *, ios /= 0
-    close (11)
     open (12, file='dir.bin', access='direct', recl=16, convert='big_endian')
     write (12, rec=1) 1, 2, 3, 4
     write (12, rec=4) 1.5d0

@@ -955,11 +955,16 @@ string file_text(bool formatted) {
             text += draw_text(between(0, 12));
         }
     }
-    if (chance(30) && !text.empty()) text.pop_back();
+    // A last record without a line end is left to the programs: the peer has an end of file in
+    // place of such a record when no item asks for its characters.
     return text;
 }
-string simple_format(const std::vector<Item>& items) {
-    return draw_format(items, items.size() > 1);
+string simple_format(const std::vector<Item>& items, bool reading = false) {
+    string format = draw_format(items, items.size() > 1);
+    // Text in a format that reads is an error at another moment in the peer.
+    while (reading && format.find_first_of("'\"Hh") != string::npos)
+        format = draw_format(items, items.size() > 1);
+    return format;
 }
 string sequence_statement(int unit, const Connection& connection) {
     const string u = num(unit);
@@ -968,17 +973,17 @@ string sequence_statement(int unit, const Connection& connection) {
     const string advance = chance(25) ? "no" : "yes";
     const int what = below(100);
     if (what < 10) return "p " + u + " rewind";
-    if (what < 20) return "p " + u + " backspace";
-    if (what < 24) return "p " + u + " endfile";
+    if (what < 20) return "p " + u + (connection.access == "stream" ? " rewind" : " backspace");
+    if (what < 24) return "p " + u + (connection.access == "stream" ? " flush" : " endfile");
     if (what < 27) return "p " + u + " flush";
     if (what < 33) return "q " + u;
     if (what < 36) return "g " + u;
     const bool other = chance(3);  // a statement that doesn't fit the connection
     const bool formatted = (connection.form == "formatted") != other;
     const bool writes = chance(50);
-    const string place = connection.access == "direct" || chance(2)    ? "rec"
-                         : connection.access == "stream" && chance(40) ? "pos"
-                                                                       : "-";
+    const string place = connection.access == "direct"   ? "rec"
+                         : connection.access == "stream" ? (chance(40) ? "pos" : "-")
+                                                         : (chance(2) ? "rec" : "-");
     if (!formatted) {
         const string at = " " + place + " " +
                           num(chance(95) ? between(1, place == "pos" ? 40 : 6) : between(-1, 300));
@@ -987,15 +992,17 @@ string sequence_statement(int unit, const Connection& connection) {
     if (place != "-") {
         const string at = " " + place + " " +
                           num(chance(95) ? between(1, place == "pos" ? 40 : 6) : between(-1, 300));
-        return (writes ? "a " + u + at + " " + quoted(simple_format(to_write)) + join(to_write)
-                       : "b " + u + at + " " + quoted(simple_format(to_read)) + join(to_read));
+        return (writes
+                    ? "a " + u + at + " " + quoted(simple_format(to_write)) + join(to_write)
+                    : "b " + u + at + " " + quoted(simple_format(to_read, true)) + join(to_read));
     }
     // A list-directed READ of a UTF-8 file never ends in the peer when the file has.
     if (chance(35) && (writes || !connection.utf8))
         return writes ? "X " + u + join(to_write) : "Y " + u + join(to_read);
     return writes
                ? "x " + u + " " + advance + " " + quoted(simple_format(to_write)) + join(to_write)
-               : "y " + u + " " + advance + " " + quoted(simple_format(to_read)) + join(to_read);
+               : "y " + u + " " + advance + " " + quoted(simple_format(to_read, true)) +
+                     join(to_read);
 }
 
 int print_sequence(int most) {

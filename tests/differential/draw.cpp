@@ -490,11 +490,18 @@ string draw_control() {
 // A list of edits for some items, with groups, repeats and controls between them.
 string draw_format_list(const std::vector<Item>& items, std::size_t& next, int depth) {
     string text;
+    bool behind_data = false;
     const int parts = between(1, 5);
     for (int part = 0; part < parts; ++part) {
         if (part > 0) text += ",";
+        const bool moved = !behind_data;
+        behind_data = false;
         if (chance(30)) {
-            text += draw_control();
+            string control = draw_control();
+            // The peer adds a move to the right, when nothing has filled it yet, to the left margin
+            // that TL would pass.
+            while (moved && control[0] == 'T' && control[1] == 'L') control = draw_control();
+            text += control;
         } else if (depth < 3 && chance(20)) {
             if (chance(60)) text += num(between(1, 4));
             text += "(" + draw_format_list(items, next, depth + 1) + ")";
@@ -503,6 +510,7 @@ string draw_format_list(const std::vector<Item>& items, std::size_t& next, int d
             ++next;
             if (chance(15)) text += num(between(2, 4));
             text += draw_descriptor(item);
+            behind_data = true;
         }
     }
     return text;
@@ -687,8 +695,8 @@ string read_edit(const Item& item, string& field, bool comma) {
     }
     field = blanks(field, 6);
     width = chance(60) ? static_cast<int>(field.size()) + below(4) : between(1, 20);
-    if (width == 0 && !chance(30)) width = 1;
-    if (chance(1)) width = 0;
+    if (width == 0 && (type == logicals || !chance(30))) width = 1;
+    if (chance(1) && type != logicals) width = 0;
     field = fitted(field, width);
     if (type == logicals && width > 0 && field.find_first_not_of(" .") == string::npos)
         field.back() = 'T';
@@ -787,7 +795,6 @@ string read_case() {
         if (comma_at != string::npos && comma_at > 2) format = format.substr(0, comma_at) + ")";
     }
     format = mixed_case(format);
-    if (chance(2)) format = spoiled(format);
     std::size_t size = 1;
     bool whole = false;
     for (const Item& item : items) whole |= item.type == logicals;
@@ -808,7 +815,9 @@ string list_value(Class type, bool comma) {
         case integers:
             return integer_field();
         case logicals:
-            return logical_field();
+            // A word of letters makes the peer take a comma behind a blank for one more value.
+            return pick({"T", "F", ".T.", ".F.", ".TRUE.", ".false.", "t", "f", ".t", ".f", "x",
+                         ".x", "1", "0"});
         case reals:
             return chance(70) ? real_field(comma) : integer_field();
         case complexes: {
@@ -859,7 +868,14 @@ std::vector<string> list_records(const std::vector<Item>& items, bool comma) {
     for (std::size_t i = 0; i < items.size(); ++i) {
         if (i > 0) separate();
         if (chance(12)) {
-            const int repeat = chance(90) ? between(1, 4) : below(12);
+            int repeat = chance(90) ? between(1, 4) : below(12);
+            // The peer repeats a value of one kind into an item of another as its bytes lie.
+            for (std::size_t j = i + 1;
+                 j < items.size() && j < i + static_cast<std::size_t>(repeat); ++j)
+                if (items[j].type == items[i].type && items[j].bytes != items[i].bytes) repeat = 1;
+            // It repeats no value of kind 10.
+            if (items[i].bytes == 10 && (items[i].type == reals || items[i].type == complexes))
+                repeat = 1;
             records.back() += num(repeat) + "*";
             if (chance(25)) continue;
             i += static_cast<std::size_t>(repeat > 0 ? repeat - 1 : 0);
@@ -977,7 +993,7 @@ string sequence_statement(int unit, const Connection& connection) {
     if (what < 24) return "p " + u + (connection.access == "stream" ? " flush" : " endfile");
     if (what < 27) return "p " + u + " flush";
     if (what < 33) return "q " + u;
-    if (what < 36) return "g " + u;
+    if (what < 36) return "p " + u + " flush\ng " + u;
     const bool other = chance(3);  // a statement that doesn't fit the connection
     const bool formatted = (connection.form == "formatted") != other;
     const bool writes = chance(50);

@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <mutex>
 #include <new>
 #include <thread>
 
@@ -17,7 +18,7 @@ namespace {
 constexpr std::uint32_t bucket_count = 1024;
 
 struct State {
-    std::mutex lock;
+    platform::Lock lock;
     Unit* first = nullptr;
     Unit* buckets[bucket_count] = {};
     std::int32_t next_handle = 1;
@@ -103,7 +104,7 @@ void flush_units(bool end_records) {
 
 }  // namespace
 
-std::mutex& unit_list_lock() {
+platform::Lock& unit_list_lock() {
     return state.lock;
 }
 

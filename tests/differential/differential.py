@@ -136,11 +136,11 @@ def same(case, ours, peer):
         return True
     if outcome != our_outcome or outcome in ("0", "DIED"):
         return False
-    if case[0] in "wlWxXau":
+    if case[0] in "wlWxXaubv":
         return True
     before = re.findall(r" ((?:[ilrz][0-9aq]|c[14])[:\"][^ ]*)", case)
     start = len(their_words) - len(before)
-    if case[0] not in "rdRyYbv" or len(our_words) != len(their_words):
+    if case[0] not in "rdRyY" or len(our_words) != len(their_words):
         return False
     changed = [i for i, words in enumerate(zip(before, their_words[start:], our_words[start:]))
                if len(set(words)) > 1]

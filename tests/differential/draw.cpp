@@ -498,9 +498,11 @@ string draw_format_list(const std::vector<Item>& items, std::size_t& next, int d
         behind_data = false;
         if (chance(30)) {
             string control = draw_control();
-            // The peer adds a move to the right, when nothing has filled it yet, to the left margin
-            // that TL would pass.
-            while (moved && control[0] == 'T' && control[1] == 'L') control = draw_control();
+            // The peer adds a move to the right, when nothing has filled it yet, to the place that
+            // T or TL would go to at its left.
+            while (moved && control[0] == 'T' && control[1] != 'R' &&
+                   (control[1] == 'L' || part + depth > 0))
+                control = draw_control();
             text += control;
         } else if (depth < 3 && chance(20)) {
             if (chance(60)) text += num(between(1, 4));
@@ -750,8 +752,14 @@ string list_write_case() {
     const int size = chance(80) ? 200 : between(1, 100);
     return "l " + modes + " " + num(between(1, 4)) + " " + num(size) + join(items);
 }
+// The peer reads with ROUND='COMPATIBLE' as with 'NEAREST'.
+string draw_read_modes() {
+    string modes = draw_modes();
+    if (modes[4] == 'c') modes[4] = 'n';
+    return modes;
+}
 string read_case() {
-    const string modes = chance(30) ? draw_modes() : "-";
+    const string modes = chance(30) ? draw_read_modes() : "-";
     const bool comma = modes[0] != '-' && modes[1] == 'c';
     const int count = chance(60) ? 1 : between(0, 5);
     const std::vector<Item> items = draw_items(count, true, 3);
@@ -890,7 +898,7 @@ std::vector<string> list_records(const std::vector<Item>& items, bool comma) {
     return records;
 }
 string list_read_case() {
-    const string modes = chance(25) ? draw_modes() : "-";
+    const string modes = chance(25) ? draw_read_modes() : "-";
     const bool comma = modes[0] != '-' && modes[1] == 'c';
     // The peer puts bytes where characters of kind 4 belong.
     const std::vector<Item> items = draw_items(chance(50) ? 1 : between(0, 6), true, 0);
@@ -999,7 +1007,7 @@ string sequence_statement(int unit, const Connection& connection) {
     const bool writes = chance(50);
     const string place = connection.access == "direct"   ? "rec"
                          : connection.access == "stream" ? (chance(40) ? "pos" : "-")
-                                                         : (chance(2) ? "rec" : "-");
+                                                         : "-";
     if (!formatted) {
         const string at = " " + place + " " +
                           num(chance(95) ? between(1, place == "pos" ? 40 : 6) : between(-1, 300));
@@ -1048,7 +1056,7 @@ int print_sequence(int most) {
                              : connection.access == "stream" ? 0
                              : chance(5)                     ? between(10, 100)
                                                              : 0;
-            say("o " + u + " " + (chance(25) ? draw_modes() : "npnypp") + " " +
+            say("o " + u + " " + (chance(25) ? draw_read_modes() : "npnypp") + " " +
                 pick({"unknown", "unknown", "unknown", "old", "new", "replace"}) + " " +
                 connection.access + " " + connection.form + " " +
                 pick({"readwrite", "readwrite", "readwrite", "readwrite", "read", "write"}) + " " +

@@ -146,7 +146,7 @@ bool IO_quick_close(Unit& unit) {
     return close_unit(current(), unit, unit.status.scratch ? close_delete : close_keep, nullptr);
 }
 
-int close_connection(Unit& unit) {
+void close_connection(Unit& unit) {
     const std::lock_guard<std::recursive_mutex> guard(state().critical_section);
     beginIO(ActionCode::close);
     IO_type& io = current();
@@ -156,7 +156,6 @@ int close_connection(Unit& unit) {
     // No label and no IOSTAT=: what goes wrong here ends the program with a report.
     (void)close_connected(io, unit, 0);
     restoreSavedIO();
-    return 0;
 }
 
 }  // namespace tarn::fio::native

@@ -3,7 +3,7 @@
 #   tarn::tarnlibc       the library and its headers
 #   tarn::malloc         the own heap under the plain names
 #   tarn::fortran, tarn::c   the library and the start-up object of a program in that language
-# The drivers install themselves in tools/CMakeLists.txt.
+# The drivers and the start-up objects install themselves.
 include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
 
@@ -20,14 +20,6 @@ install(DIRECTORY include/tarn DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
 set(package_folder ${CMAKE_INSTALL_LIBDIR}/cmake/tarnlibc)
 install(EXPORT tarnlibcTargets NAMESPACE tarn:: DESTINATION ${package_folder})
 
-# Start-up objects, where the build makes them.
-foreach(language fortran c)
-  if(TARGET tarn_start_${language})
-    install(FILES ${PROJECT_BINARY_DIR}/tarn_start_${language}.o
-      DESTINATION ${CMAKE_INSTALL_LIBDIR}/tarnlibc)
-  endif()
-endforeach()
-
 configure_package_config_file(cmake/tarnlibcConfig.cmake.in ${PROJECT_BINARY_DIR}/install/tarnlibcConfig.cmake
   INSTALL_DESTINATION ${package_folder} PATH_VARS CMAKE_INSTALL_LIBDIR)
 write_basic_package_version_file(${PROJECT_BINARY_DIR}/install/tarnlibcConfigVersion.cmake
@@ -36,5 +28,6 @@ install(FILES ${PROJECT_BINARY_DIR}/install/tarnlibcConfig.cmake
   ${PROJECT_BINARY_DIR}/install/tarnlibcConfigVersion.cmake DESTINATION ${package_folder})
 
 file(RELATIVE_PATH TARN_PREFIX_FROM_PC /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
+string(REGEX REPLACE "/$" "" TARN_PREFIX_FROM_PC "${TARN_PREFIX_FROM_PC}")
 configure_file(cmake/tarnlibc.pc.in ${PROJECT_BINARY_DIR}/install/tarnlibc.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/install/tarnlibc.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

@@ -7,7 +7,6 @@
 #include <ctype.h>
 #include <stdio.h>
 #include <string.h>
-
 #include <tarn/storage.h>
 
 struct word {

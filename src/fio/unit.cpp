@@ -1,5 +1,6 @@
 #include "fio/unit.h"
 
+#include <cerrno>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
@@ -8,6 +9,7 @@
 #include <thread>
 
 #include "fio/file/record_buffer.h"
+#include "fio/gnu/fault.h"
 #include "fio/gnu/records.h"
 namespace tarn::fio {
 namespace {
@@ -77,10 +79,26 @@ bool try_for(auto&& lock, std::chrono::milliseconds longest) {
     return true;
 }
 
-void flush_unit(Unit& unit) {
+void flush_unit(Unit& unit, bool ends_record) {
     int err = 0;
-    finish_open_record(unit, err);
+    if (ends_record) finish_open_record(unit, err);
     write_out(unit.file, err);
+}
+
+void flush_units(bool end_records) {
+    const bool locked = try_for(state.lock, std::chrono::milliseconds(50));
+    auto patience = std::chrono::milliseconds(100);
+    for (Unit* unit = state.first; unit != nullptr; unit = unit->next) {
+        if (!unit->file.dirty && !unit->gnu.record_open) continue;
+        // A unit in the middle of another thread's statement is waited for a little. A failing
+        // program writes it as it stands: what it holds would be lost otherwise.
+        const bool held = try_for(unit->lock, patience);
+        if (!held) patience = std::chrono::milliseconds(0);
+        if (end_records || (held && unit->statements == 0)) flush_unit(*unit, end_records);
+        if (held) unit->lock.unlock();
+    }
+    if (locked) state.lock.unlock();
+    flush_console_output();
 }
 
 }  // namespace
@@ -136,12 +154,13 @@ Unit* Unit_create(std::int32_t number, bool buffered) {
     return unit;
 }
 
-void Unit_close(Unit& unit) {
+int Unit_close(Unit& unit) {
+    int err = 0;
     if (unit.status.connected && unit.closer != nullptr) {
-        unit.closer(unit);
+        err = unit.closer(unit);
     } else if (unit.file.descriptor >= 0) {
         console_detach(unit);
-        file_close(unit.file);
+        if (file_close(unit.file) != 0) err = errno;
     }
     unit.status.connected = false;
     std::free(unit.saved_record);
@@ -150,6 +169,7 @@ void Unit_close(Unit& unit) {
     std::free(unit.file.buffer);
     unit.file.buffer = nullptr;
     unit.file.capacity = 0;
+    return err;
 }
 
 void Unit_free(Unit* unit) {
@@ -227,24 +247,35 @@ void UnitList_destroy(std::int32_t number) {
 }
 
 void UnitList_destroyAll() {
+    Caller failed;
+    int reason = 0;
+    std::string name;
     for (;;) {
         Unit* unit = nullptr;
         {
             const std::lock_guard guard(state.lock);
             unit = state.first;
-            if (unit == nullptr) return;
+            if (unit == nullptr) break;
             unlink(*unit);
         }
         // A thread that never ends its statement (it waits for input, say) must not keep the
         // program from ending: its unit is written out and left alone.
-        if (try_for(unit->lock, std::chrono::milliseconds(200))) {
-            Unit_close(*unit);
-            unit->lock.unlock();
-            Unit_free(unit);
-        } else {
-            flush_unit(*unit);
+        if (!try_for(unit->lock, std::chrono::milliseconds(200))) {
+            flush_unit(*unit, true);
+            continue;
         }
+        std::string path = unit->file.path;
+        const int err = Unit_close(*unit);
+        if (err != 0 && reason == 0) {
+            reason = err;
+            failed.unit = unit->number;
+            failed.has_unit = true;
+            name.swap(path);
+        }
+        unit->lock.unlock();
+        Unit_free(unit);
     }
+    if (reason != 0) raise_system_fault(failed, reason, name);
 }
 
 Unit* acquire_unit(std::int32_t number) {
@@ -301,19 +332,11 @@ void release_unit(Unit* unit) {
 }
 
 void flush_all_units() {
-    const bool locked = try_for(state.lock, std::chrono::milliseconds(50));
-    auto patience = std::chrono::milliseconds(100);
-    for (Unit* unit = state.first; unit != nullptr; unit = unit->next) {
-        if (!unit->file.dirty && !unit->gnu.record_open) continue;
-        // A unit in the middle of another thread's statement is waited for a little, then written
-        // as it stands: what it holds would be lost otherwise.
-        const bool held = try_for(unit->lock, patience);
-        if (!held) patience = std::chrono::milliseconds(0);
-        flush_unit(*unit);
-        if (held) unit->lock.unlock();
-    }
-    if (locked) state.lock.unlock();
-    flush_console_output();
+    flush_units(false);
+}
+
+void finish_all_units() {
+    flush_units(true);
 }
 
 }  // namespace tarn::fio

@@ -109,9 +109,11 @@ struct Unit {
     const Dialect* dialect = &native_dialect;
     File file;
     GnuConnection gnu;
-    bool native_console = false;      // units 1 and 2 as the system made them: no gnu connection
-    void (*closer)(Unit&) = nullptr;  // the whole CLOSE of the dialect that made the connection
-    std::recursive_mutex lock;        // held by a gnu statement from its start to its end
+    bool native_console = false;  // units 1 and 2 as the system made them: no gnu connection
+    // The whole CLOSE of the dialect that made the connection; an errno value, 0 when all went
+    // well.
+    int (*closer)(Unit&) = nullptr;
+    std::recursive_mutex lock;  // held by a gnu statement from its start to its end
 
     std::int32_t statements = 0;  // in progress on it, one inside the other; under the lock
 
@@ -126,8 +128,8 @@ struct Unit {
 // `buffered`: the unit gets a file buffer at once.
 Unit* Unit_create(std::int32_t number, bool buffered);
 void Unit_initialise(Unit& unit, std::int32_t number, bool buffered);
-void Unit_close(Unit& unit);  // closes a connected unit and frees what the record owns
-void Unit_free(Unit* unit);   // gives up a reference; the last one frees the record
+int Unit_close(Unit& unit);  // closes a connected unit, frees what the record owns; an errno value
+void Unit_free(Unit* unit);  // gives up a reference; the last one frees the record
 void Unit_clear(Unit& unit);
 std::uint32_t Unit_iostatus(const Unit& unit);
 std::uint32_t Unit_iostatus1(const Unit& unit);
@@ -143,6 +145,7 @@ void UnitList_remove(Unit* unit);
 void UnitList_remove(std::int32_t number);
 void UnitList_destroy(Unit* unit);
 void UnitList_destroy(std::int32_t number);
+// The end of the program. A unit that can't be written out is a failure of the program.
 void UnitList_destroyAll();
 
 // Guards the list and the index, never held while a unit's lock is waited for.
@@ -157,8 +160,10 @@ Unit* acquire_or_create_unit(std::int32_t number, bool& created);
 void hold_unit(Unit& unit);  // the same for a unit at hand
 void release_unit(Unit* unit);
 
-// Writes out what the buffers of all units hold, whatever state they are in: the last thing a
-// failing program does. Takes no lock that the failing thread may hold.
+// Writes out what the buffers of all units hold, and leaves them connected.
 void flush_all_units();
+// The last thing a failing program does: open records are ended too, whatever state the units are
+// in. Waits for no lock for long.
+void finish_all_units();
 
 }  // namespace tarn::fio

@@ -23,8 +23,6 @@ struct Node {
 struct EndState {
     Node* exit_routines = nullptr;
     Node* cleanup_routines = nullptr;
-    int status = 0;       // what the process ends with, once the system has told us
-    bool failed = false;  // something couldn't be written; reported already
     bool aborting = false;
 };
 constinit EndState end;
@@ -47,8 +45,8 @@ void run_list(Node*& list) {
     }
 }
 
-void call(bool (*hook)()) {
-    if (hook && !hook()) end.failed = true;
+void call(void (*hook)()) {
+    if (hook) hook();
 }
 
 void flush_c_streams() {
@@ -68,23 +66,10 @@ void close_file_numbers() {
     }
 }
 
-void at_system_exit(int status, void*) {
-    end.status = status;
-    run_exit_routines();
-    if (hooks().finish_scopes) hooks().finish_scopes();
-    call(hooks().flush_fortran_units);
-    call(hooks().flush_fortran_handles);
-}
-
 [[gnu::destructor]] void at_the_very_end() {
     if (!state().ready.load(std::memory_order_acquire)) return;
     run_exit_chain();
-    // The status was settled before the last bytes went out; a program whose output is incomplete
-    // must not look like one that went well.
-    if (end.failed && end.status == 0) {
-        std::fflush(nullptr);
-        _exit(1);
-    }
+    close_and_tidy();
 }
 
 }  // namespace
@@ -119,26 +104,27 @@ void close_and_tidy() {
 
 void run_exit_chain() {
     run_exit_routines();
-    close_and_tidy();
-    if (hooks().finish_scopes) hooks().finish_scopes();
-    close_file_numbers();
-    flush_c_streams();
+    call(hooks().finish_scopes);
 }
 
-void watch_system_exit() {
-    on_exit(at_system_exit, nullptr);
+void join_system_exit() {
+    ::atexit(run_exit_chain);
 }
 
 void exit_program(int status) {
     run_exit_chain();
+    close_file_numbers();
+    flush_c_streams();
     if (__debugged) platform::debug_output("MONWT32 Program termination");
-    ::exit(end.failed && status == 0 ? 1 : status);
+    ::exit(status);
 }
 
 void exit_fortran(std::int16_t status) {
     run_exit_chain();
+    close_file_numbers();
+    flush_c_streams();
     if (__debugged) stop_in_debugger("MONWT32 Program termination");
-    ::exit(end.failed && status == 0 ? 1 : status);
+    ::exit(status);
 }
 
 void abort_program() {

@@ -1,13 +1,11 @@
 // How a program stops.
 //
-// Every normal way out meets one chain: the program's own exit routines, newest first; then the
-// Fortran units and handles; destructors of compiled C++; C streams. The chain may be entered any
-// number of times and deals with what came since the last: `exit` of this library runs it at once,
-// and the library's destructor, which is the last of the process to run, runs it for plain `exit`,
-// a return from main, and static destructors that still print.
-//
-// Between the two, the system's own exit handlers come past at_system_exit. It writes everything
-// out but leaves the units connected: a static destructor or another library may still use them.
+// Every normal way out goes through the system's `exit` and meets, in this order: the program's
+// own exit routines, newest first; destructors of compiled C++ and of static objects; other
+// libraries' ends; and as the last of the process the library's destructor, which closes the
+// Fortran units and flushes the Fortran handles. The units stay connected until then, so that a
+// static destructor or another library may still print. Each step may be entered any number of
+// times and deals with what came since the last.
 #pragma once
 
 #include <cstdint>
@@ -20,11 +18,13 @@ void run_exit_routines();
 void add_cleanup_routine(void (*routine)());
 void run_cleanup_routines();  // each once
 
+// All steps but the last.
 void run_exit_chain();
-void close_and_tidy();  // closes all Fortran units, flushes the Fortran handles
+void close_and_tidy();  // the last: closes all Fortran units, flushes the Fortran handles
 
-// Registers at_system_exit; once, as the library comes up.
-void watch_system_exit();
+// Gives the chain its place among the system's exit handlers: behind everything that is
+// registered after the library came up.
+void join_system_exit();
 
 [[noreturn]] void exit_program(int status);
 [[noreturn]] void exit_fortran(std::int16_t status);

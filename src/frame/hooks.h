@@ -22,11 +22,11 @@ struct Hooks {
     void (*preconnect)(std::int32_t unit, std::string_view name, bool read_only,
                        bool formatted) = nullptr;
 
-    // The end. Each may be called more than once and deals with what came since; false: something
-    // couldn't be written, and has been reported.
-    bool (*close_fortran_units)() = nullptr;
-    bool (*flush_fortran_units)() = nullptr;    // writes out, and leaves the units connected
-    bool (*flush_fortran_handles)() = nullptr;  // __flush_fortran_io
+    // The end. Each may be called more than once and deals with what came since. What can't be
+    // written is a failure, and ends the process as one.
+    void (*close_fortran_units)() = nullptr;
+    void (*flush_fortran_units)() = nullptr;    // writes out, and leaves the units connected
+    void (*flush_fortran_handles)() = nullptr;  // __flush_fortran_io
     void (*finish_scopes)() = nullptr;          // destructors of compiled C++
     void (*end_window_output)() = nullptr;
 

@@ -114,7 +114,7 @@ void initialise_library() {
     }
     s.init_count = 1;
     attach();
-    watch_system_exit();
+    join_system_exit();
     __sai = 0;
     s.format_check = -1;
     call(hooks().initialise_storage);

@@ -888,11 +888,11 @@ string list_read_case() {
 }
 
 // Internal files of character kind 4. Where the peer goes astray is left out: it writes behind the
-// last record, writes any memory for digits of another base that don't fit, ignores the width of A
-// for characters of kind 4 and reads bytes into them.
+// last record, writes any memory for digits of another base that don't fit, takes the bytes of a
+// number under A for signed, and ignores the width of A for characters of kind 4.
 bool goes_astray(const string& format, const std::vector<Item>& items) {
     for (const Item& item : items)
-        if (item.type == wide && format.find_first_of("Aa") != string::npos) return true;
+        if (item.type != characters && format.find_first_of("Aa") != string::npos) return true;
     return format.find_first_of("BOZboz") != string::npos;
 }
 string wide_case(bool reading) {

@@ -11,7 +11,7 @@ import sys
 import tempfile
 import unittest
 
-DRIVERS = sys.argv.pop(1)
+DRIVERS = os.path.abspath(sys.argv.pop(1))
 
 HELLO = "program hello\n  print '(a,i0)', 'a@b ', 42\nend program\n"
 CALLER = """\
@@ -144,6 +144,15 @@ class Drivers(unittest.TestCase):
         self.assertEqual(self.output("program").split(), ["a@b", "42"])
         self.tarnfc("--dialect=gnu", "-c", "hello.f90")
         self.assertIn("_gfortran_st_write", self.symbols("hello.o"))
+
+    def test_floating_point_rules(self):
+        self.put(zero_f90="real :: x = 1\nread (*, *) x\nprint *, 1 / x\nend\n")
+        for rules, quiet in (("system", True), ("native", False)):
+            self.tarnfc(f"--float={rules}", "zero.f90", "-o", "zero")
+            result = subprocess.run([os.path.join(self.folder, "zero")], input=b"0\n",
+                                    capture_output=True, check=False)  # fmt: skip
+            self.assertEqual(b"Infinity" in result.stdout, quiet)
+            self.assertEqual(result.returncode == 0, quiet)
 
     def test_shared_object(self):
         self.put(part_f90="subroutine part()\n print *, 1\nend\n",

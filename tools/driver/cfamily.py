@@ -2,7 +2,7 @@
 
 import paths
 from command import (CommandLine, compiler_of, include_arguments, link_arguments, main_of,
-                     replace_process, version_text)  # fmt: skip
+                     replace_process, take_choice, version_text)  # fmt: skip
 
 HELP = """\
 usage: {driver} [options] file...
@@ -10,8 +10,10 @@ usage: {driver} [options] file...
 Compiles and links {language} programs on the run-time library tarnlibc. Every option goes to the
 compiler, {compiler}; the driver adds the library's headers, the library and its start-up object.
 
-  {driver} --version     the versions of driver and compiler
-  {driver} --help        this text
+  --float=system         floating-point exceptions give their results quietly (the default)
+  --float=native         all of them but the inexact one trap, as the library's own compilers start
+  --version              the versions of driver and compiler
+  --help                 this text
 
 Environment: {variable} names another compiler.
 """
@@ -27,9 +29,10 @@ def main(driver, compiler, variable, language):
         if arguments == ["--version"]:
             print(version_text(driver, command_line, variable), end="")
             return 0
+        float_rules, arguments = take_choice(arguments, "--float", ["system", "native"])
         command = CommandLine(arguments)
         added = include_arguments([paths.INCLUDE]) + command.arguments()
-        added += link_arguments(command, "tarn_start_c.o")
+        added += link_arguments(command, "c", float_rules)
         return replace_process(command_line, added, variable)
 
     return main_of(driver, run)

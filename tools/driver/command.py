@@ -104,7 +104,21 @@ class CommandLine:
         return out
 
 
-def link_arguments(command, start_object):
+def take_choice(arguments, option, choices):
+    """Takes `--option=choice` out of the arguments; the choice is the first one by default."""
+    choice, rest = choices[0], []
+    for argument in arguments:
+        if argument == option or argument.startswith(option + "="):
+            choice = argument.partition("=")[2]
+            if choice not in choices:
+                allowed = " and ".join(f"{option}={known}" for known in choices)
+                raise UserError(f"{argument}: the choices are {allowed}")
+        else:
+            rest.append(argument)
+    return choice, rest
+
+
+def link_arguments(command, language, float_rules):
     """What a program needs of us at its link: the start-up object, and the library ahead of the
     compiler's own. With --as-needed the latter are loaded only where something of them is used."""
     if not command.links() or "-r" in command.modes:
@@ -114,9 +128,9 @@ def link_arguments(command, start_object):
     if command.has("-nostdlib", "-nodefaultlibs"):
         return []
     out = ["-x", "none"] if command.has("-x") else []
-    start = os.path.join(paths.START, start_object)
-    if "-shared" not in command.modes and not command.has("-nostartfiles") and os.path.exists(start):
-        out.append(start)
+    if "-shared" not in command.modes and not command.has("-nostartfiles"):
+        rules = "native_" if float_rules == "native" else ""
+        out.append(os.path.join(paths.START, f"tarn_start_{rules}{language}.o"))
     # -Xlinker, not -Wl: a folder's name may hold a comma.
     out += ["-L" + paths.LIB, "-Xlinker", "-rpath", "-Xlinker", paths.LIB]
     return out + paths.LINK + ["-Wl,-z,separate-code", "-Wl,--as-needed", "-ltarnlibc"]

@@ -21,7 +21,7 @@ import tempfile
 import paths
 from command import (FORTRAN_FIXED, FORTRAN_FREE, PREPROCESSED, CommandLine, UserError,
                      compiler_of, include_arguments, link_arguments, main_of, missing,
-                     replace_process, version_text)  # fmt: skip
+                     replace_process, take_choice, version_text)  # fmt: skip
 from rewrite import Form, mentions_names, read, rewrite
 
 VARIABLE = "TARN_FC"
@@ -39,6 +39,8 @@ of the library's own routines may be written as they are, with their `@`.
 
   --dialect=gnu          input and output as gfortran's own run-time does them (the default)
   --dialect=native       input and output as the library's own compilers expect them
+  --float=system         floating-point exceptions give their results quietly (the default)
+  --float=native         all of them but the inexact one trap, as the library's own compilers start
   --version              the versions of driver and compiler
   --help                 this text
 
@@ -214,18 +216,6 @@ class Build:
         return self.run(arguments + added)
 
 
-def take_dialect(arguments):
-    dialect, rest = "gnu", []
-    for argument in arguments:
-        if argument.startswith("--dialect"):
-            dialect = argument.partition("=")[2]
-            if dialect not in ("gnu", "native"):
-                raise UserError(f"{argument}: the dialects are --dialect=gnu and --dialect=native")
-        else:
-            rest.append(argument)
-    return dialect, rest
-
-
 def needs_work(sources, native, command):
     return sources and (
         native or any(mentions_names(source.path, command.folders()) for source in sources)
@@ -240,14 +230,15 @@ def run(arguments):
     if arguments == ["--version"]:
         print(version_text("tarnfc", compiler, VARIABLE), end="")
         return 0
-    dialect, arguments = take_dialect(arguments)
+    dialect, arguments = take_choice(arguments, "--dialect", ["gnu", "native"])
+    float_rules, arguments = take_choice(arguments, "--float", ["system", "native"])
     native = dialect == "native"
     command = CommandLine(arguments)
     if native and any(w[0].startswith("-flto") for k, w, _ in command.items if k == "option"):
         raise UserError("--dialect=native does not go with -flto: it works on finished objects")
     added = include_arguments([paths.INCLUDE, paths.MODULES])
     command.items += [("option", [word], None) for word in added]
-    linked = link_arguments(command, "tarn_start_fortran.o")
+    linked = link_arguments(command, "fortran", float_rules)
 
     inputs = command.inputs()
     sources = [

@@ -68,6 +68,16 @@ std::size_t write_bytes(File& file, const char* bytes, std::size_t count, int& e
     return done;
 }
 
+// Other processes may have appended in between: the positions move to where the bytes ended up.
+void follow_end(File& file) {
+    const off_t end = lseek(file.descriptor, 0, SEEK_CUR);
+    if (end < 0 || end == file.real_position) return;
+    const std::int64_t shift = end - file.real_position;
+    file.real_position += shift;
+    file.buffer_position += shift;
+    file.logical_position += shift;
+}
+
 // Reads behind the valid bytes of the buffer; the number of bytes, 0 at the end or on failure.
 std::size_t read_more(File& file, int& err) {
     if (file.terminal) flush_console_output();
@@ -126,6 +136,7 @@ void write_out(File& file, int& err) {
     }
     file.real_position += static_cast<std::int64_t>(done);
     file.buffer_position += static_cast<std::int64_t>(done);
+    if (file.append && file.seekable) follow_end(file);
     file.data_count -= done;
     // What a full disk refused stays: a later record may find room for it again.
     if (file.data_count > 0) std::memmove(file.buffer, file.buffer + done, file.data_count);
@@ -240,7 +251,8 @@ void move_to(File& file, std::int64_t target, int& err) {
 }
 
 void cut_here(File& file, int& err) {
-    if (!file.seekable) return;
+    // Records that others have appended behind ours stay.
+    if (!file.seekable || file.append) return;
     struct stat status;
     if (fstat(file.descriptor, &status) != 0 || !S_ISREG(status.st_mode)) return;
     if (status.st_size <= file.logical_position) return;

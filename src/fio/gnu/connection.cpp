@@ -11,13 +11,13 @@
 #include <unistd.h>
 #include <vector>
 
-#include "failure/failure.h"
 #include "fio/file/names.h"
 #include "fio/file/record_buffer.h"
 #include "fio/file/share.h"
 #include "fio/gnu/options.h"
 #include "fio/gnu/records.h"
 #include "fio/unit.h"
+#include "frame/state.h"
 
 namespace tarn::fio {
 namespace {
@@ -55,10 +55,11 @@ std::uint32_t access_bits(Action action) {
     return (may_read(action) ? access_read : 0) | (may_write(action) ? access_write : 0);
 }
 
-void close_for_good(Unit& unit) {
+int close_for_good(Unit& unit) {
     int err = 0;
     disconnect(unit, false, err);
     give_back_new_unit_number(unit.number);
+    return err;
 }
 
 void set_connection(Unit& unit, const Terms& terms) {
@@ -124,19 +125,12 @@ void preconnect(std::int32_t number, int descriptor, Action action, const char* 
 }
 
 void bring_up() {
+    frame::ensure_up();
     const GnuOptions& options = gnu_options();
     preconnect(options.stderr_unit, STDERR_FILENO, Action::write, "stderr");
     preconnect(options.stdout_unit, STDOUT_FILENO, Action::write, "stdout");
     preconnect(options.stdin_unit, STDIN_FILENO, Action::read, "stdin");
-    failure::Hooks& hooks = failure::hooks();
-    if (hooks.flush_everything == nullptr) hooks.flush_everything = flush_all_units;
     state().up.store(true, std::memory_order_release);
-}
-
-// The normal end of a program, behind its own exit routines: records left open get their line end,
-// buffers go out, scratch files go away.
-__attribute__((destructor)) void close_units_at_end() {
-    if (state().up.load(std::memory_order_acquire)) UnitList_destroyAll();
 }
 
 int sharing_bits(Share share) {

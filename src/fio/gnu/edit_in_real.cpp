@@ -51,7 +51,8 @@ FieldResult get_word(const char* field, const char* at, const char* end, bool ne
     if (fault != nullptr) return fault_at(bad_character, field, fault);
     RealWord word = RealWord::nan;
     const bool blank_is_zero = modes.blank == Blank::zero;
-    const char* const after = scan_real_word(at, end, blank_is_zero, word);
+    const char* const after =
+        scan_real_word(at, end, blank_is_zero ? NanText::words_and_blanks : NanText::words, word);
     const bool ended =
         after != nullptr && (after == end || after[-1] == ')' || (*after == ' ' && !blank_is_zero));
     if (!ended) return fault_at(bad_character, field, at);

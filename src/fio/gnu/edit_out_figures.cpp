@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cstring>
 
+#include "fio/gnu/edit_out_general.h"
+
 namespace tarn::fio {
 
 namespace {
@@ -100,9 +102,7 @@ DecimalDigits shown_digits(const BinaryReal& value, int kind, std::int64_t count
 // made in the arithmetic of the item's type, so that far from 1 it can miss.
 template <typename Real>
 std::int32_t guessed_exponent(const void* item, const DecimalDigits& one) {
-    Real value;
-    std::memcpy(&value, item, sizeof value);
-    if (value < 0) value = -value;
+    const Real value = load_magnitude<Real>(item);
     const std::int32_t exponent = one.point - 1;
     if (*one.digits != '1') return exponent;
     const Real scaled = power_of_ten<Real>(-exponent) * value;
@@ -156,8 +156,18 @@ void repeat_shift(DecimalDigits& number, std::int64_t made, std::int64_t d, std:
     const std::int64_t all = before + made;
     const std::int64_t last = number.point + made;  // index of the digit behind the last
     if (zeros == d && d > 0) {
-        // Its last digit makes room for a zero in front.
-        if (number.count != 0 && last == static_cast<std::int64_t>(number.count)) --number.count;
+        // A zero comes in front, and the last digit but one gives way to the last.
+        if (number.count == 0) return;
+        const char lowest =
+            last == static_cast<std::int64_t>(number.count) ? number.digits[number.count - 1] : '0';
+        if (last == 1) {
+            ++number.point;
+            return;
+        }
+        const auto kept = static_cast<std::size_t>(last - 1);
+        while (number.count < kept) number.digits[number.count++] = '0';
+        number.count = kept;
+        number.digits[kept - 1] = lowest;
         drop_trailing_zeros(number);
     } else if (zeros > d) {
         // All are replaced by a single 1 at the end, in front of what the last one was.

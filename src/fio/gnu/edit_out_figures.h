@@ -39,19 +39,38 @@ Figures fixed_figures(const BinaryReal& value, int kind, std::int64_t d, std::in
 Figures exponent_figures(const BinaryReal& value, const void* item, int kind, Edit edit,
                          std::int64_t d, std::int64_t scale, Rounding round, char* buffer);
 
+// The digits of a kind that an edit descriptor without a d shows.
+constexpr std::int32_t default_digits(int kind) {
+    switch (kind) {
+        case 4:
+            return 9;
+        case 8:
+            return 17;
+        case 10:
+            return 21;
+        default:
+            return 36;
+    }
+}
+
+// The width of a kind in list-directed output.
+constexpr std::int32_t usual_width(int kind) {
+    switch (kind) {
+        case 4:
+            return 16;
+        case 8:
+            return 25;
+        case 10:
+            return 30;
+        default:
+            return 45;
+    }
+}
+
 // The digits before the point of an EN field, less one: the exponent above a multiple of three.
 constexpr std::int32_t above_three(std::int32_t exponent) {
     const std::int32_t rest = exponent % 3;
     return rest < 0 ? rest + 3 : rest;
-}
-
-// 10^n as gfortran's run-time computes it in the type of an item: by repeated multiplication, and
-// one division for n below 0.
-template <typename Real>
-Real power_of_ten(std::int64_t n) {
-    Real power = 1;
-    for (std::int64_t i = n < 0 ? -n : n; i > 0; --i) power *= 10;
-    return n < 0 ? 1 / power : power;
 }
 
 }  // namespace tarn::fio

@@ -2,7 +2,9 @@
 #include <cstring>
 
 #include "fio/gnu/edit_out.h"
+#include "fio/gnu/edit_out_blanks.h"
 #include "fio/number/decimal.h"
+#include "fio/number/integer_digits.h"
 
 namespace tarn::fio {
 
@@ -39,8 +41,20 @@ char* put_magnitude(UInt128 magnitude, char* end) {
 
 constexpr std::size_t decimal_room = 40;
 
+// The digits of a value of 64 bits, straight into the field.
+char* put_short(char* out, std::uint64_t magnitude, char sign, int w) {
+    const int length = decimal_length(magnitude);
+    const int needed = length + (sign != 0 ? 1 : 0);
+    if (w <= 0) w = needed;
+    if (needed > w) return fill(out, '*', w);
+    out = put_blanks(out, w - needed);
+    if (sign != 0) *out++ = sign;
+    put_digits(out, magnitude, length);
+    return out + length;
+}
+
 // Columns of an INTEGER in list-directed output.
-std::int64_t list_width(int kind) {
+int list_width(int kind) {
     switch (kind) {
         case 1:
             return 4;
@@ -74,10 +88,14 @@ char* put_integer(char* out, Int128 value, int, const FieldEdit& edit, const Edi
     }
     const bool negative = value < 0;
     const UInt128 magnitude = negative ? -static_cast<UInt128>(value) : static_cast<UInt128>(value);
+    const char sign = sign_of(negative, modes.sign);
+    if (magnitude >> 64 == 0 && edit.d <= 0) {
+        return put_short(out, static_cast<std::uint64_t>(magnitude), sign, edit.w);
+    }
     char buffer[decimal_room];
     char* const end = buffer + sizeof buffer;
     const char* digits = put_magnitude(magnitude, end);
-    return put_whole(out, digits, end - digits, sign_of(negative, modes.sign), edit.w,
+    return put_whole(out, digits, end - digits, sign, edit.w,
                      edit.edit == Edit::I ? edit.d : absent);
 }
 
@@ -125,12 +143,19 @@ char* put_logical(char* out, bool value, const FieldEdit& edit) {
 char* put_list_integer(char* out, Int128 value, int kind, const EditModes& modes) {
     const bool negative = value < 0;
     const UInt128 magnitude = negative ? -static_cast<UInt128>(value) : static_cast<UInt128>(value);
+    const char sign = sign_of(negative, modes.sign);
+    if (kind <= 8) {
+        return put_short(
+            out, static_cast<std::uint64_t>(magnitude), sign,
+            std::max(list_width(kind),
+                     decimal_length(static_cast<std::uint64_t>(magnitude)) + (sign != 0 ? 1 : 0)));
+    }
     char buffer[decimal_room];
     char* const end = buffer + sizeof buffer;
     const char* digits = put_magnitude(magnitude, end);
-    const char sign = sign_of(negative, modes.sign);
     const std::int64_t needed = end - digits + (sign != 0 ? 1 : 0);
-    return put_whole(out, digits, end - digits, sign, std::max(list_width(kind), needed), absent);
+    return put_whole(out, digits, end - digits, sign,
+                     std::max<std::int64_t>(list_width(kind), needed), absent);
 }
 
 char* put_list_logical(char* out, bool value, int) {

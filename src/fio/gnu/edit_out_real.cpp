@@ -3,6 +3,8 @@
 #include <limits>
 
 #include "fio/gnu/edit_out_figures.h"
+#include "fio/gnu/edit_out_general.h"
+#include "fio/gnu/edit_out_quick.h"
 
 namespace tarn::fio {
 
@@ -28,34 +30,6 @@ char sign_of(bool negative, SignMode mode) {
 
 char mark_of(const EditModes& modes) {
     return modes.decimal == DecimalMark::comma ? ',' : '.';
-}
-
-// The digits of a kind that an edit descriptor without a d shows.
-std::int32_t default_digits(int kind) {
-    switch (kind) {
-        case 4:
-            return 9;
-        case 8:
-            return 17;
-        case 10:
-            return 21;
-        default:
-            return 36;
-    }
-}
-
-// The width of a kind in list-directed output.
-std::int32_t usual_width(int kind) {
-    switch (kind) {
-        case 4:
-            return 16;
-        case 8:
-            return 25;
-        case 10:
-            return 30;
-        default:
-            return 45;
-    }
 }
 
 // The field that a number is put into.
@@ -189,64 +163,34 @@ char* put_special(char* out, const BinaryReal& value, std::int64_t w, const Edit
     return out + length;
 }
 
-// How a G edit descriptor shows a value. The limits between the forms are compared in the
-// arithmetic of the item's own type, so that the choice is the one gfortran's programs know even
-// where the limit itself was rounded.
-struct GeneralForm {
-    bool fixed = false;
-    std::int64_t d = 0;
-};
-
+// The digits before the point of a G field, or -1 where it shows the exponent.
 template <typename Real>
-GeneralForm general_form(const void* item, std::int32_t d, bool negative, Rounding round) {
-    Real value;
-    std::memcpy(&value, item, sizeof value);
-    if (value < 0) value = -value;
+std::int64_t general_digits(const void* item, const BinaryReal& value, std::int64_t d,
+                            Rounding round) {
+    if (d == 0) return -1;
+    if (value.significand == 0) return 1;
     Real r = 0.5;
-    switch (round) {
-        case Rounding::zero:
-            r = 0;
-            break;
-        case Rounding::up:
-            r = negative ? 0 : 1;
-            break;
-        case Rounding::down:
-            r = negative ? 1 : 0;
-            break;
-        default:
-            break;
-    }
-    if (d == 0) return {};
-    if (value == 0) return {true, d - 1};
-    const Real limit = power_of_ten<Real>(d);
-    const Real scale = 1 - r / limit;
-    const Real least = static_cast<Real>(0.1 * scale);
-    if (value < least || (r < 1 && r >= limit - value) || (r == 1 && 1 > limit - value)) return {};
-    // The number of digits before the point.
-    std::int64_t low = 0;
-    std::int64_t high = std::int64_t{d} + 1;
-    while (high - low > 1) {
-        const std::int64_t middle = (low + high) / 2;
-        if (value < static_cast<Real>(power_of_ten<Real>(middle - 1) * scale)) {
-            high = middle;
-        } else {
-            low = middle;
-        }
-    }
-    return {true, d - low};
+    if (round == Rounding::zero) r = 0;
+    if (round == Rounding::up) r = value.negative ? 0 : 1;
+    if (round == Rounding::down) r = value.negative ? 1 : 0;
+    const Real magnitude = load_magnitude<Real>(item);
+    if (d > General<Real>::most) return General<Real>::digits_before_slowly(magnitude, d, r);
+    const int digits = static_cast<int>(d);
+    const Real scale = 1 - r / General<Real>::tens[static_cast<std::size_t>(digits)];
+    return General<Real>::digits_before(magnitude, decimal_exponent(value) + 1, digits, r, scale);
 }
 
-GeneralForm general_form(const void* item, int kind, std::int32_t d, bool negative,
-                         Rounding round) {
+std::int64_t general_digits(const void* item, int kind, const BinaryReal& value, std::int64_t d,
+                            Rounding round) {
     switch (kind) {
         case 4:
-            return general_form<float>(item, d, negative, round);
+            return general_digits<float>(item, value, d, round);
         case 8:
-            return general_form<double>(item, d, negative, round);
+            return general_digits<double>(item, value, d, round);
         case 10:
-            return general_form<long double>(item, d, negative, round);
+            return general_digits<long double>(item, value, d, round);
         default:
-            return general_form<__float128>(item, d, negative, round);
+            return general_digits<__float128>(item, value, d, round);
     }
 }
 
@@ -310,14 +254,13 @@ char* put_edited(char* out, const void* item, int kind, const FieldEdit& edit, b
     if (request.d < 0) request.d = 0;
     if (edit.edit == Edit::G) {
         request.field.general = true;
-        const GeneralForm form = general_form(item, kind, static_cast<std::int32_t>(request.d),
-                                              value.negative, modes.round);
-        if (form.fixed) {
+        const std::int64_t before = general_digits(item, kind, value, request.d, modes.round);
+        if (before >= 0) {
             std::int32_t tail = edit.e <= 0 ? 4 : edit.e + 2;
             if (tail >= w) tail = w - 1;
             if (minimal) tail = 0;
             request.edit = Edit::F;
-            request.d = form.d;
+            request.d -= before;
             request.scale = 0;
             request.field.w = minimal ? 0 : w - tail;
             request.field.trailing_blanks = tail;
@@ -344,6 +287,7 @@ FieldEdit list_edit(int kind) {
 }  // namespace
 
 char* put_list_real(char* out, const void* value, int kind, const EditModes& modes) {
+    if (char* end = quick_put_list_real(out, value, kind, modes)) return end;
     EditModes list_modes = modes;
     list_modes.scale = 1;
     return put_edited(out, value, kind, list_edit(kind), false, false, list_modes);
@@ -392,6 +336,7 @@ std::size_t real_field_bound(const FieldEdit& edit, const void* value, int kind,
 
 char* put_real(char* out, const void* value, int kind, const FieldEdit& edit,
                const EditModes& modes) {
+    if (char* end = quick_put_real(out, value, kind, edit, modes)) return end;
     const bool minimal = edit.w <= 0 && edit.edit != Edit::F;
     return put_edited(out, value, kind, edit, minimal, true, modes);
 }

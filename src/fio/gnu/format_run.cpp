@@ -18,11 +18,6 @@ void put_literal(Statement& s, const FormatNode& node) {
     filled(s, at + node.length);
 }
 
-// Behind a scalar internal file nothing is wrong until an item wants to be read.
-bool is_internal_scalar(const Statement& s) {
-    return s.internal && s.file.rank == 0;
-}
-
 void next_records(Statement& s, std::int32_t count) {
     for (std::int32_t i = 0; i < count && !s.failed; ++i) {
         if (!s.reading) {
@@ -39,7 +34,7 @@ void skip_input(Statement& s, std::int64_t count) {
     const std::int64_t passed = count < left ? count : left;
     s.cursor += passed;
     s.size_count += passed;
-    if (count > left && s.non_advancing) s.end_of_record = true;
+    if (count > left && s.non_advancing && s.record_at_hand) s.end_of_record = true;
 }
 
 void position(Statement& s, Edit edit, std::int64_t n) {

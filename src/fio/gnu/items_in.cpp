@@ -83,7 +83,7 @@ void report_field(Statement& s, const Field& field, const FieldResult& result) {
 }
 
 void read_number(Statement& s, const FormatNode& node, Edit edit, char* item, int kind) {
-    const Field field = take_number(s, static_cast<std::size_t>(node.w));
+    const Field field = take_number(s, node.w < 0 ? 1 : static_cast<std::size_t>(node.w));
     if (field.text == nullptr) return;
     FieldResult result;
     switch (edit) {

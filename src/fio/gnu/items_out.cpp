@@ -11,6 +11,8 @@
 namespace tarn::fio {
 namespace {
 
+constexpr Fault bad_scale_factor{61, iostat_format};
+
 FieldEdit field_of(const FormatNode& node) {
     return {node.edit, node.w, node.d, node.e};
 }
@@ -41,7 +43,6 @@ void write_integer(Statement& s, const FormatNode& node, const char* item, int k
     const FieldEdit edit = field_of(node);
     const std::size_t bound = node.w > 0 ? node.w : integer_field_bound(edit, kind);
     char* at = room(s, bound);
-    if (at == nullptr && node.w <= 0) return;
     if (at != nullptr) filled(s, put_integer(at, load_integer(item, kind), kind, edit, s.modes));
 }
 
@@ -62,8 +63,9 @@ void write_logical(Statement& s, const FormatNode& node, const char* item, int k
 void write_through_scratch(Statement& s, const char* item, int kind, const FieldEdit& edit) {
     char* field = scratch_room(s, real_field_bound(edit, item, kind, s.modes));
     if (field == nullptr) return;
-    const auto length =
-        static_cast<std::size_t>(put_real(field, item, kind, edit, s.modes) - field);
+    const char* end = put_real(field, item, kind, edit, s.modes);
+    if (end == nullptr) return fail(s, bad_scale_factor);
+    const auto length = static_cast<std::size_t>(end - field);
     char* at = room(s, length);
     if (at == nullptr) return;
     if (at != field) std::memcpy(at, field, length);
@@ -74,16 +76,20 @@ void write_real(Statement& s, const FormatNode& node, const char* item, int kind
     const FieldEdit edit = field_of(node);
     if (node.w <= 0 && s.record_end != nullptr) return write_through_scratch(s, item, kind, edit);
     char* at = room(s, node.w > 0 ? node.w : real_field_bound(edit, item, kind, s.modes));
-    if (at != nullptr) filled(s, put_real(at, item, kind, edit, s.modes));
+    if (at == nullptr) return;
+    char* end = put_real(at, item, kind, edit, s.modes);
+    if (end == nullptr) return fail(s, bad_scale_factor);
+    filled(s, end);
 }
 
-// Characters of 4 bytes on a record of bytes, with the two faults that gfortran's programs have
-// come to show: a narrow field doesn't cut the value, and the blanks of a wide one replace as many
-// of its first characters.
+// Characters of 4 bytes on a record of bytes, as gfortran's programs know it: a narrow field
+// doesn't cut the value, and on a UTF-8 file the blanks of a wide one replace as many of its first
+// characters.
 void write_wide_character(Statement& s, std::size_t width, const char* item, std::size_t length) {
     const std::size_t blanks = width > length ? width - length : 0;
+    const std::size_t lost = s.utf8 ? std::min(blanks, length) : 0;
     if (blanks > 0) put_blanks(s, blanks);
-    if (blanks < length) put_characters(s, item + 4 * blanks, 4, length - blanks);
+    put_characters(s, item + 4 * lost, 4, length - lost);
 }
 
 // A: the value right-justified in w characters, or its leftmost w. An item of another type goes

@@ -39,7 +39,8 @@ bool find_value(Statement& s) {
         if (*s.cursor == '/') {
             ++s.cursor;
             s.list.input_complete = true;
-            return true;
+            if (at_end_of_file(s)) fail_end_of_file(s);
+            return !s.failed;
         }
         if (*s.cursor != ',' || comma_passed) return true;
         ++s.cursor;
@@ -246,7 +247,9 @@ void read_list_item(Statement& s, ItemType type, void* item, int kind, std::size
     if (list.first ? !find_first_value(s) : !find_next_value(s)) return;
     list.repeat = 1;
     list.null_value = false;
-    if (at_list_separator(s)) {
+    // A decimal comma begins a number where a REAL is wanted.
+    const bool number = type == ItemType::real && s.modes.decimal == DecimalMark::comma;
+    if (at_list_separator(s) && !(number && s.cursor < s.limit && *s.cursor == ',')) {
         pass_separator(s);
         list.repeat = 0;
         return;

@@ -1,4 +1,5 @@
 // REAL and COMPLEX values of list-directed input.
+#include <algorithm>
 #include <cstring>
 
 #include "fio/gnu/items.h"
@@ -22,31 +23,40 @@ void store(const Statement& s, DecimalNumber number, std::int64_t written, char*
     to_binary(number, s.modes.round, kind, item);
 }
 
-// A word, a number of many digits, or something else: the token at the cursor.
-bool take_unusual(Statement& s, const char* end, char* item, int kind) {
+// A word at the cursor, INF or NAN with or without a sign; false when none stands there.
+bool take_word(Statement& s, char* item, int kind, bool in_complex) {
+    const char* at = s.cursor;
+    const bool negative = at < s.limit && *at == '-';
+    if (at < s.limit && (*at == '-' || *at == '+')) ++at;
+    RealWord word = RealWord::nan;
+    at = scan_real_word(at, s.limit, NanText::no_separators, word);
+    if (at == nullptr) return false;
+    if (at < s.limit && !is_list_separator(*at) && !(in_complex && *at == ')')) return false;
+    store_real_word(word, negative, item, kind);
+    s.cursor += at - s.cursor;
+    return true;
+}
+
+// A number of many digits, or a fault: the token from the cursor to `end`.
+bool take_long(Statement& s, const char* end, char* item, int kind) {
     const std::string_view token(s.cursor, static_cast<std::size_t>(end - s.cursor));
     EditModes modes = s.modes;
     modes.blank = Blank::null;
     LongRealScanner scanner(s.cursor, end, modes);
-    const bool scanned = scanner.scan();
-    if (scanned && scanner.word() != nullptr) {
-        RealWord word = RealWord::nan;
-        if (scan_real_word(scanner.word(), end, false, word) == end) {
-            store_real_word(word, scanner.negative(), item, kind);
-            s.cursor += token.size();
-            return true;
-        }
-    } else if (scanned && scanner.has_digit()) {
+    const bool scanned = scanner.scan() && scanner.word() == nullptr;
+    if (scanned && scanner.has_digit()) {
         store(s, scanner.number(), scanner.written(), item, kind);
         s.cursor += token.size();
         return true;
-    } else if (end == s.limit && (scanned || scanner.fault() == end)) {
-        // Nothing in it is wrong, but more has to come.
+    }
+    const bool only_sign = scanned && scanner.is_blank();
+    const bool cut_exponent = !scanned && scanner.has_digit() && scanner.fault() == end;
+    if (only_sign || cut_exponent) {
         s.cursor += token.size();
         fail_incomplete(s, bad_list_value, token);
-        return false;
+    } else {
+        fail_value(s, bad_list_value, token);
     }
-    fail_value(s, bad_list_value, token);
     return false;
 }
 
@@ -56,27 +66,20 @@ bool take_real(Statement& s, char* item, int kind, bool in_complex) {
     PlainReal real;
     scan_plain_real(s.cursor, s.limit, mark, real);
     if (real.end != nullptr) {
-        const bool ended = real.end == s.limit || (in_complex && *real.end == ')') ||
-                           (is_list_separator(*real.end) && *real.end != mark);
+        // Behind an exponent a comma separates, even where it is the decimal mark.
+        const bool ended =
+            real.end == s.limit || (in_complex && *real.end == ')') ||
+            (is_list_separator(*real.end) && (*real.end != mark || real.has_exponent));
         if (ended) {
             store(s, real.number, real.written, item, kind);
             s.cursor += real.end - s.cursor;
             return true;
         }
     }
+    if (take_word(s, item, kind, in_complex)) return true;
     const char* end = token_end(s.cursor, s.limit, mark);
-    if (in_complex) {
-        // NAN(...) has a parenthesis of its own.
-        const char* at = s.cursor;
-        int open = 0;
-        while (at < end && (*at != ')' || open > 0)) {
-            if (*at == '(') ++open;
-            if (*at == ')') --open;
-            ++at;
-        }
-        end = at;
-    }
-    return take_unusual(s, end, item, kind);
+    if (in_complex) end = std::find(static_cast<const char*>(s.cursor), end, ')');
+    return take_long(s, end, item, kind);
 }
 
 // The character between the parts; it may stand in a later record.

@@ -73,7 +73,7 @@ bool LongRealScanner::scan_exponent() {
         const char c = *at_;
         if (c != ' ' && !is_decimal_digit(c)) return false;
         if (c == ' ' && !blank_is_zero_) continue;
-        if (written_ < 1000000000) written_ = written_ * 10 + (c == ' ' ? 0 : c - '0');
+        if (written_ < far_exponent) written_ = written_ * 10 + (c == ' ' ? 0 : c - '0');
     }
     if (negative) written_ = -written_;
     return true;

@@ -83,6 +83,9 @@ inline std::uint64_t short_value(const char* at, const char* end) {
     return value;
 }
 
+// Stands for every exponent of ten digits and more.
+inline constexpr std::int64_t far_exponent = 1000000000;
+
 // A REAL of the common shape: sign, digits with at most one decimal mark among them, exponent.
 struct PlainReal {
     DecimalNumber number;      // without the exponent where none was written
@@ -130,9 +133,12 @@ inline void scan_plain_real(const char* at, const char* end, char mark, PlainRea
         bool negative = false;
         if (at < end && (*at == '+' || *at == '-')) negative = *at++ == '-';
         const char* const exponent_end = digits_end(at, end);
-        if (exponent_end == at || exponent_end - at > 9) return;
+        if (exponent_end == at) return;
         real.has_exponent = true;
-        const auto written = static_cast<std::int64_t>(short_value(at, exponent_end));
+        while (exponent_end - at > 9 && *at == '0') ++at;
+        const std::int64_t written = exponent_end - at > 9
+                                         ? far_exponent
+                                         : static_cast<std::int64_t>(short_value(at, exponent_end));
         real.written = negative ? -written : written;
         at = exponent_end;
     }

@@ -3,9 +3,15 @@
 #include <string_view>
 
 #include "fio/gnu/item.h"
+#include "fio/gnu/list_scan.h"
 
 namespace tarn::fio {
 namespace {
+
+bool may_stand_inside(char c, NanText inside) {
+    if (inside == NanText::no_separators) return c != ')' && !is_list_separator(c);
+    return is_word_character(c) || (c == ' ' && inside == NanText::words_and_blanks);
+}
 
 bool begins_with(const char* at, const char* end, std::string_view word) {
     if (static_cast<std::size_t>(end - at) < word.size()) return false;
@@ -32,7 +38,7 @@ void store_word(RealWord word, bool negative, void* item, std::size_t size) {
 
 }  // namespace
 
-const char* scan_real_word(const char* at, const char* end, bool blanks_inside, RealWord& word) {
+const char* scan_real_word(const char* at, const char* end, NanText inside, RealWord& word) {
     if (begins_with(at, end, "inf")) {
         word = RealWord::infinity;
         return at + (begins_with(at, end, "infinity") ? 8 : 3);
@@ -43,7 +49,7 @@ const char* scan_real_word(const char* at, const char* end, bool blanks_inside, 
     if (at == end || *at != '(') return at;
     do {
         ++at;
-    } while (at < end && (is_word_character(*at) || (*at == ' ' && blanks_inside)));
+    } while (at < end && may_stand_inside(*at, inside));
     return at < end && *at == ')' ? at + 1 : nullptr;
 }
 

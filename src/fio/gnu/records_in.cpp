@@ -103,7 +103,8 @@ void drop_record(Statement& s) {
 }  // namespace
 
 void begin_input(Statement& s) {
-    if (!fetch_or_fail(s) || s.unit == nullptr) return;
+    // A non-advancing statement meets the end of the file with its first item.
+    if (!(s.non_advancing ? fetch_record(s) : fetch_or_fail(s)) || s.unit == nullptr) return;
     GnuConnection& connection = s.unit->gnu;
     connection.last_was_write = false;
     if (!connection.record_open) return;

@@ -4,6 +4,7 @@
 
 #include "fio/file/record_buffer.h"
 #include "fio/gnu/internal_file.h"
+#include "fio/gnu/options.h"
 #include "fio/gnu/records.h"
 #include "fio/unit.h"
 
@@ -162,6 +163,16 @@ void finish_internal(Statement& s) {
     if (s.file.record != nullptr) blank(s, s.high, s.record_end);
 }
 
+// A scalar internal file has one record. What follows a slash or reversion goes on in it, behind
+// one blank, and the statement hears of the end when it ends; another fault on the way counts.
+void go_on_behind_scalar(Statement& s) {
+    char* at = room(s, 1);
+    if (at == nullptr) return;
+    *at = ' ';
+    filled(s, at + 1);
+    s.behind_scalar = true;
+}
+
 // A sequential WRITE makes its record the last one of the file.
 void cut_behind(Statement& s) {
     Unit& unit = *s.unit;
@@ -184,7 +195,9 @@ void begin_output(Statement& s) {
 
 void next_output_record(Statement& s) {
     if (s.failed) return;
-    if (s.internal) {
+    if (is_internal_scalar(s) && !s.wide) {
+        go_on_behind_scalar(s);
+    } else if (s.internal) {
         finish_internal(s);
         next_internal_record(s.file);
         begin_internal(s);
@@ -199,7 +212,11 @@ void next_output_record(Statement& s) {
 }
 
 void end_output(Statement& s) {
-    if (s.internal) return finish_internal(s);
+    if (s.internal) {
+        const bool left_last = s.file.record == nullptr && s.file.count > 0 && !s.wide;
+        if (left_last || s.behind_scalar) return fail_end_of_file(s);
+        return finish_internal(s);
+    }
     if (s.begin == nullptr) return;
     if (s.direct) return finish_direct(s);
     if (s.non_advancing || s.no_line_end) {
@@ -221,7 +238,11 @@ char* make_room(Statement& s, std::size_t count) {
     const std::ptrdiff_t end = at + static_cast<std::ptrdiff_t>(count) * cell;
     if (s.record_end != nullptr ? end > s.record_end - s.begin
                                 : end + s.column_base > s.record_limit) {
-        fail_end_of_record(s);
+        if (s.behind_scalar) {
+            fail_end_of_file(s);
+        } else {
+            fail_end_of_record(s);
+        }
         return nullptr;
     }
     if (end > s.room_end - s.begin) {
@@ -258,9 +279,10 @@ void fill_wide(Statement& s, const char* end) {
 void finish_open_record(Unit& unit, int& err) {
     if (!unit.gnu.record_open || !unit.gnu.last_was_write) return;
     unit.gnu.record_open = false;
-    // A prompt at the end of the program stays as it is; a file ends with a whole record.
-    const bool console = unit.file.descriptor == 1 || unit.file.descriptor == 2;
-    const std::string_view line_end = console ? std::string_view{} : unit.dialect->line_end;
+    // A prompt at the end of the program stays as it is; any other unit ends with a whole record.
+    const GnuOptions& options = gnu_options();
+    const bool standard = unit.number == options.stdout_unit || unit.number == options.stderr_unit;
+    const std::string_view line_end = standard ? std::string_view() : unit.dialect->line_end;
     const std::size_t length = unit.saved_length + line_end.size();
     const OutputRoom at = begin_record(unit.file, length, err);
     if (at.begin == nullptr) return;

@@ -67,6 +67,7 @@ struct Statement {
     bool internal = false;
     bool wide = false;       // an internal file of 4-byte characters
     bool measuring = false;  // INQUIRE(IOLENGTH=): items are only counted
+    bool behind_scalar = false;  // the one record of a scalar internal file has been left
     bool failed = false;     // the items that follow are ignored
     bool moved = false;      // the file was positioned by REC= or POS=
     EditModes modes;
@@ -114,6 +115,10 @@ struct Statement {
     std::size_t scratch_capacity = 0;
     Statement* below = nullptr;  // in the thread's stock
 };
+
+inline bool is_internal_scalar(const Statement& statement) {
+    return statement.internal && statement.file.rank == 0;
+}
 
 // Input: brings the next record to hand, from the unit or the internal file; false when there is
 // none (the end of the file has been reported and the statement has failed).

@@ -126,7 +126,8 @@ bool read_file_record(IO_type& io) {
         return true;
     }
     take_input(io, length);
-    ++unit.current_record;
+    // A direct record's number is known from its positioning.
+    if (!is_direct(io.action)) ++unit.current_record;
     return true;
 }
 
@@ -219,14 +220,11 @@ bool write_window_record(IO_type& io, Output out) {
     return true;
 }
 
-void write_console_record(const Output& out) {
+int write_console_record(const Output& out) {
     if (hooks().window_flush != nullptr) hooks().window_flush();
     std::string_view text(out.text, out.length);
-    if (!out.ends_line) {
-        sys_consoleWrite(text);
-    } else {
-        sys_consoleWriteLine(text == " " ? std::string_view() : text);
-    }
+    if (!out.ends_line) return sys_consoleWrite(text);
+    return sys_consoleWriteLine(text == " " ? std::string_view() : text);
 }
 
 bool write_unit_record(IO_type& io, Output out) {
@@ -249,7 +247,7 @@ bool write_unit_record(IO_type& io, Output out) {
         case UnitKind::window:
             return write_window_record(io, out);
         case UnitKind::console:
-            write_console_record(out);
+            err = write_console_record(out);
             break;
         default:
             break;

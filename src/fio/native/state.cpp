@@ -7,6 +7,7 @@
 
 #include "fio/gnu/connection.h"
 #include "fio/native/connect.h"
+#include "frame/state.h"
 
 namespace tarn::fio::native {
 namespace {
@@ -114,6 +115,7 @@ void static_IO_initialise() {
     State& s = state();
     if (s.initialised) return;
     s.initialised = true;
+    frame::ensure_up();
     s.temp_io = new_record();
     newIO();
     s.current_io->busy = false;

@@ -24,6 +24,27 @@ void append_digits(Natural& number, const char* digits, std::size_t count) {
     }
 }
 
+// Puts a normal value together, rounded to nearest. False for what is none.
+template <typename Bits, int precision, int exponent_bits>
+bool store_nearest(const ScaledDecimal& scaled, bool negative, void* target) {
+    constexpr int top_exponent = (1 << exponent_bits) - 1;
+    constexpr int bias = top_exponent / 2 + precision - 1;
+    constexpr Word half = Word{1} << 63;
+    const int drop = 64 - precision - static_cast<int>(scaled.significand >> 63 == 0);
+    Word significand = scaled.significand >> drop;
+    const Word rest = scaled.significand << (64 - drop);
+    const bool odd_or_more = (significand & 1) != 0 || scaled.more;
+    significand += rest > half || (rest == half && odd_or_more) ? 1 : 0;
+    // A carry out of the significand raises the exponent field by itself.
+    const int field = scaled.exponent + drop + bias;
+    if (field < 1 || field >= top_exponent - 1) return false;
+    const Bits bits =
+        static_cast<Bits>(negative) << (8 * sizeof(Bits) - 1) |
+        ((static_cast<Bits>(field - 1) << (precision - 1)) + static_cast<Bits>(significand));
+    std::memcpy(target, &bits, sizeof bits);
+    return true;
+}
+
 // REAL(4) and REAL(8) of up to 19 digits.
 bool quick_to_binary(const DecimalNumber& number, Rounding round, int kind, void* target,
                      ConvertResult& result) {
@@ -32,6 +53,13 @@ bool quick_to_binary(const DecimalNumber& number, Rounding round, int kind, void
     if (!scale_decimal(number_of_digits(number.digits, number.count),
                        static_cast<int>(number.exponent), scaled)) {
         return false;
+    }
+    result = ConvertResult::ok;
+    if (round <= Rounding::nearest) {
+        const bool stored =
+            kind == 8 ? store_nearest<std::uint64_t, 53, 11>(scaled, number.negative, target)
+                      : store_nearest<std::uint32_t, 24, 8>(scaled, number.negative, target);
+        if (stored) return true;
     }
     result = round_and_store(kind, number.negative, scaled.significand, scaled.exponent,
                              scaled.more, round, target);

@@ -2,6 +2,7 @@
 // values, lengths behind the pairs, and landing records for the labels.
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
@@ -81,10 +82,10 @@ class Packed {
 
     // Calls the opening entry: the words are those of a compiled call, with some more behind them.
     void call(Opening entry) {
-        std::vector<std::intptr_t> w = pairs_;
-        w.insert(w.end(), lengths_.begin(), lengths_.end());
-        if (w.size() > 64) std::abort();
-        w.resize(64);
+        // A failing statement jumps over this frame: it must own nothing.
+        std::intptr_t w[64] = {};
+        if (pairs_.size() + lengths_.size() > std::size(w)) std::abort();
+        std::copy(lengths_.begin(), lengths_.end(), std::copy(pairs_.begin(), pairs_.end(), w));
         const auto count = static_cast<std::int16_t>(pairs_.size());
         entry(&count, w[0], w[1], w[2], w[3], w[4], w[5], w[6], w[7], w[8], w[9], w[10], w[11],
               w[12], w[13], w[14], w[15], w[16], w[17], w[18], w[19], w[20], w[21], w[22], w[23],

@@ -8,12 +8,15 @@ The head of the program tells, in comment lines that begin with //> or !>:
                         the start-up object; none: without one; preload: built without the library,
                         which is preloaded (default: by the language)
     flags: ...          for the compiler
+    with: FILE          another source of this folder, compiled by its own compiler
     args: ...           for the program
     env: NAME=VALUE     repeated
     stdin: LINE         repeated
     status: N           default 0
     out: LINE, err: LINE    what it writes, line by line; exact
     err~: REGEX         standard error as a whole matches instead
+    stdout: FILE        where standard output goes; `closed` is a pipe that nobody reads
+    file: NAME          what follows in `out:` is this file's text instead
 More than one `run:` line starts another run of the same program with lines of its own.
 """
 import os
@@ -30,11 +33,11 @@ COMPILERS = {".c": "gcc", ".cpp": "g++", ".f90": "gfortran"}
 class Run:
     def __init__(self):
         self.args, self.env, self.stdin, self.out, self.err = [], {}, [], [], []
-        self.status, self.pattern = 0, None
+        self.status, self.pattern, self.stdout, self.file = 0, None, None, None
 
 
 def read_head(path):
-    build = {"start": None, "flags": []}
+    build = {"start": None, "flags": [], "with": []}
     runs = [Run()]
     for line in open(path, encoding="utf-8"):
         match = re.match(r"(?://|!)> ?([a-z]+~?):(?: (.*))?$", line.rstrip("\n"))
@@ -48,6 +51,8 @@ def read_head(path):
             build["start"] = value
         elif key == "flags":
             build["flags"] = shlex.split(value)
+        elif key == "with":
+            build["with"].append(value)
         elif key == "args":
             run.args = shlex.split(value)
         elif key == "env":
@@ -57,6 +62,8 @@ def read_head(path):
             run.status = int(value)
         elif key in ("stdin", "out", "err"):
             getattr(run, key).append(value)
+        elif key in ("stdout", "file"):
+            setattr(run, key, value)
         elif key == "err~":
             run.pattern = value
         else:
@@ -73,6 +80,12 @@ def compile_program(build_folder, path, build, output):
     folder, name = os.path.dirname(output), os.path.basename(path)
     shutil.copy(path, folder)
     command = [COMPILERS[suffix], "-g1", "-w", name, "-o", output] + build["flags"]
+    for other in build["with"]:
+        source = os.path.join(os.path.dirname(path), other)
+        compiled = os.path.join(folder, os.path.basename(other) + ".o")
+        compiler = COMPILERS[os.path.splitext(other)[1]]
+        subprocess.run([compiler, "-g1", "-w", "-c", source, "-o", compiled], check=True)
+        command.append(compiled)
     if start not in ("none", "preload"):
         command.append(os.path.join(build_folder, "lib", f"tarn_start_{start}.o"))
     if start != "preload":
@@ -86,21 +99,37 @@ def text(lines):
     return "".join(line + "\n" for line in lines)
 
 
+def standard_output(run):
+    if run.stdout is None:
+        return subprocess.PIPE
+    if run.stdout == "closed":
+        reader, writer = os.pipe()
+        os.close(reader)
+        return writer
+    return open(run.stdout, "w", encoding="utf-8")
+
+
 def check(build_folder, start, program, run):
     environment = {k: v for k, v in os.environ.items()
                    if not k.startswith(("GFORTRAN_", "TARN", "ORVAL"))}
     if start == "preload":
         environment["LD_PRELOAD"] = os.path.join(build_folder, "libtarnlibc.so")
     environment.update(run.env)
+    folder = os.path.dirname(program)
     result = subprocess.run([program] + run.args, input=text(run.stdin), text=True, env=environment,
-                            capture_output=True, timeout=60, cwd=os.path.dirname(program))
+                            stdout=standard_output(run), stderr=subprocess.PIPE, timeout=60,
+                            cwd=folder)
     faults = []
     # A signal's number is the shell's: 128 and the signal.
     status = result.returncode if result.returncode >= 0 else 128 - result.returncode
     if status != run.status:
         faults.append(f"status {status}, not {run.status}")
-    if result.stdout != text(run.out):
-        faults.append(f"standard output {result.stdout!r}, not {text(run.out)!r}")
+    written = result.stdout or ""
+    if run.file:
+        with open(os.path.join(folder, run.file), encoding="utf-8") as file:
+            written = file.read()
+    if written != text(run.out):
+        faults.append(f"output {written!r}, not {text(run.out)!r}")
     if run.pattern is not None:
         if not re.search(run.pattern, result.stderr):
             faults.append(f"standard error {result.stderr!r} doesn't match {run.pattern!r}")

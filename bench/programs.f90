@@ -1,0 +1,70 @@
+! The work that `bench/run` times: `programs WHAT COUNT PLACE`. COUNT records of three values go to
+! or come from the file `bench.WHAT`, or with PLACE `pipe` to standard output. The values are made
+! before, so that little but the statements takes time.
+program programs
+    implicit none
+    integer, parameter :: kept = 4096
+    character(20) :: what, word, place
+    integer :: count, unit, i, j, k, total, n(3, kept), m(3)
+    real(8) :: x(3, kept), y(3) = 0, sum
+    call get_command_argument(1, what)
+    if (what == 'start') stop
+    call get_command_argument(2, word)
+    call get_command_argument(3, place)
+    read (word, *) count
+    do i = 1, kept
+        do k = 1, 3
+            j = mod(i*7919 + k*104729, 1000003)
+            x(k, i) = (j - 500000)*(1.1d0 + k*0.7d0)*10d0**(mod(i, 9) - 8)
+            n(k, i) = j*(10**mod(i, 4)) - 1000
+        end do
+    end do
+    if (what == 'print') then
+        do i = 1, count
+            print *, i, x(1, iand(i, kept - 1) + 1), 'some text'
+        end do
+        stop
+    end if
+    unit = 10
+    if (place == 'pipe') then
+        unit = 6
+    else
+        open (unit, file='bench.'//what(index(what, '-') + 1:))
+    end if
+    sum = 0
+    total = 0
+    do i = 1, count
+        j = iand(i, kept - 1) + 1
+        select case (what)
+        case ('write-e24.16')
+            write (unit, '(3E24.16)') x(1, j), x(2, j), x(3, j)
+        case ('write-f12.4')
+            write (unit, '(3F12.4)') x(1, j), x(2, j), x(3, j)
+        case ('write-es15.7')
+            write (unit, '(3ES15.7)') x(1, j), x(2, j), x(3, j)
+        case ('write-g15.7')
+            write (unit, '(3G15.7)') x(1, j), x(2, j), x(3, j)
+        case ('write-list')
+            write (unit, *) x(1, j), x(2, j), x(3, j)
+        case ('write-i10')
+            write (unit, '(3I10)') n(1, j), n(2, j), n(3, j)
+        case ('read-e24.16')
+            read (unit, '(3E24.16)') y(1), y(2), y(3)
+        case ('read-f12.4')
+            read (unit, '(3F12.4)') y(1), y(2), y(3)
+        case ('read-es15.7')
+            read (unit, '(3ES15.7)') y(1), y(2), y(3)
+        case ('read-g15.7')
+            read (unit, '(3G15.7)') y(1), y(2), y(3)
+        case ('read-list')
+            read (unit, *) y(1), y(2), y(3)
+        case ('read-i10')
+            read (unit, '(3I10)') m(1), m(2), m(3)
+            total = ieor(total, m(3))
+        case default
+            error stop 'what?'
+        end select
+        sum = sum + y(1)
+    end do
+    if (what(1:4) == 'read') print *, sum, total
+end program

@@ -1,0 +1,33 @@
+// What the rooms below ask of Fortran I/O: at the start, before the library's own messages, in a
+// failure and at the end.
+#include "failure/failure.h"
+#include "fio/file/file.h"
+#include "fio/native/services.h"
+#include "fio/unit.h"
+#include "frame/hooks.h"
+#include "platform/kernel/console.h"
+
+namespace tarn::fio {
+namespace {
+
+std::ptrdiff_t read_console_line(std::string& line) {
+    constexpr std::size_t longest = 4096;
+    line.resize(longest);
+    const std::ptrdiff_t length = sys_consoleRead(line.data(), longest);
+    line.resize(length > 0 ? static_cast<std::size_t>(length) : 0);
+    return length;
+}
+
+void install() {
+    frame::hooks().preconnect = native::preconnect;
+    frame::hooks().close_fortran_units = UnitList_destroyAll;
+    frame::hooks().flush_fortran_units = flush_all_units;
+    failure::hooks().flush_everything = flush_all_units;
+    failure::hooks().current_io_unit = native::unit_at_work;
+    platform::console_hooks().flush_output = flush_console_output;
+    platform::console_hooks().read_line = read_console_line;
+}
+TARN_PREAMBLE(install)
+
+}  // namespace
+}  // namespace tarn::fio

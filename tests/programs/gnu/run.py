@@ -28,7 +28,7 @@ import sys
 import tempfile
 
 FOLDER = os.path.dirname(os.path.abspath(__file__))
-TIME_LIMIT = 120
+TIME_LIMIT = 60
 
 
 def directives(path):

@@ -23,10 +23,18 @@
  * A failure ends the program with a report, unless the statement has TARN_IOSTAT; the value of the
  * latter is an int32_t, 0 when all went well, negative at the end of the file or of the record,
  * otherwise the number of the failure. Then the items that are left do nothing.
+ *
+ * TARN_ERR, TARN_END and TARN_EOR are labels: their value is a jmp_buf of the caller, which the
+ * statement goes to instead of returning, with 1, 2 or 3 as what setjmp gives there. The statement
+ * is over then: no item and no end follows.
+ *
+ * The same statements in the form of one call for each specifier are in io_calls.h; what the units
+ * know beside their statements is in io_units.h.
  */
 #ifndef TARN_IO_H
 #define TARN_IO_H
 
+#include <stddef.h>
 #include <stdint.h>
 
 #include "tarn/link_name.h"
@@ -54,27 +62,60 @@ enum tarn_type {
 enum tarn_specifier {
     TARN_ACCESS = 1,         /* text */
     TARN_BLANK = 2,          /* text */
+    TARN_DIRECT = 3,         /* INQUIRE: a text result */
+    TARN_END = 4,            /* a label: the end of the file */
+    TARN_ERR = 5,            /* a label: a failure */
     TARN_EXIST = 6,          /* INQUIRE: a LOGICAL*4 result */
     TARN_FILE = 7,           /* text */
+    TARN_FORMAT = 8,         /* a FORMAT statement compiled into code, behind a jump of 5 bytes */
     TARN_FORM = 9,           /* text */
+    TARN_FORMATTED = 10,     /* INQUIRE: a text result */
     TARN_IOSTAT = 11,        /* an integer that receives the status */
     TARN_NAME = 12,          /* INQUIRE: a text result */
+    TARN_NAMED = 13,         /* INQUIRE: a LOGICAL*4 result */
     TARN_NEXTREC = 14,       /* INQUIRE: an integer result */
     TARN_NUMBER = 15,        /* INQUIRE: an integer result */
     TARN_OPENED = 16,        /* INQUIRE: a LOGICAL*4 result */
     TARN_REC = 17,           /* the record of a direct-access statement */
     TARN_RECL = 18,          /* the length of a record */
+    TARN_SEQUENTIAL = 19,    /* INQUIRE: a text result */
     TARN_STATUS = 20,        /* text */
+    TARN_UNFORMATTED = 21,   /* INQUIRE: a text result */
     TARN_UNIT = 22,          /* an integer */
+    TARN_FILETYPE = 23,      /* text */
+    TARN_HANDLE = 24,        /* INQUIRE: a 16-bit result, the number of the unit's handle */
+    TARN_NEW_NAME = 25,      /* CLOSE: text, what the file is to be called */
+    TARN_STRICT = 26,        /* no value: extensions of the standard are refused */
     TARN_INTERNAL_FILE = 27, /* text: the statement works on it, as one record */
     TARN_FORMAT_TEXT = 31,   /* text: a format with its brackets */
-    TARN_POSITION = 44,      /* text */
-    TARN_ACTION = 45,        /* text */
-    TARN_DELIM = 46,         /* text */
-    TARN_PAD = 47,           /* text */
-    TARN_ADVANCE = 48,       /* text */
-    TARN_IOMSG = 61          /* text that receives the message of a failure */
+    TARN_INTERNAL_RECORDS = 34, /* an integer: an internal file has so many records */
+    TARN_DRIVER = 37,           /* OPEN: a tarn_device_driver */
+    TARN_TRANSPARENT = 42,      /* INQUIRE: a text result */
+    TARN_SHARE = 43,            /* text */
+    TARN_POSITION = 44,         /* text */
+    TARN_ACTION = 45,           /* text */
+    TARN_DELIM = 46,            /* text */
+    TARN_PAD = 47,              /* text */
+    TARN_ADVANCE = 48,          /* text */
+    TARN_SIZE = 49,             /* an integer result: characters read; INQUIRE: bytes of the file */
+    TARN_EOR = 50,              /* a label: the end of the record */
+    TARN_READWRITE = 51,        /* INQUIRE: a text result */
+    TARN_READ = 53,             /* INQUIRE: a text result */
+    TARN_WRITE = 54,            /* INQUIRE: a text result */
+    TARN_STATUS_END = 57, /* io_calls.h: a 4-byte word, 0, 1 end, 2 end of record, 3 failure */
+    TARN_STATUS_EOR = 58,
+    TARN_STATUS_ERR = 59,
+    TARN_FORMAT_TABLE = 60, /* a count of 16-bit words, and the code stream of a format */
+    TARN_IOMSG = 61,        /* text that receives the message of a failure */
+    TARN_POS = 62,          /* INQUIRE: an integer result */
+    TARN_STREAM = 63        /* INQUIRE: a text result */
 };
+
+/* A routine of the program that stands in for a file (TARN_DRIVER). `*operation`: 1 read a record
+ * into `buffer` and give its length, 2 write the record, 3 ENDFILE, 4 REWIND, 5 BACKSPACE, 6 OPEN,
+ * 7 CLOSE, 8 INQUIRE. A status other than 0 is failure 155. */
+typedef void (*tarn_device_driver)(char* buffer, int32_t* capacity, int32_t* length,
+                                   int32_t* operation, int16_t* status, size_t buffer_length);
 
 /* ---- Openings. The words of data transfers are followed by items and an end. ---- */
 

@@ -52,15 +52,16 @@ void hand_over(File& from, File& to) {
     from.read_index = from.data_count;
 }
 
-void write(std::string_view text, std::string_view line_end) {
+int write(std::string_view text, std::string_view line_end) {
     const std::lock_guard guard(console.lock);
     Unit& unit = output();
     hold_unit(unit);
     int err = 0;
     file_write(unit.file, text.data(), text.size(), err);
     if (err == 0) file_write(unit.file, line_end.data(), line_end.size(), err);
-    if (unit.file.terminal || unit.gnu.unbuffered) file_flush(unit.file);
+    if (err == 0 && (unit.file.terminal || unit.gnu.unbuffered)) err = file_flush(unit.file);
     release_unit(&unit);
+    return err;
 }
 
 }  // namespace
@@ -123,12 +124,12 @@ std::ptrdiff_t sys_consoleRead(char* bytes, std::size_t capacity) {
     }
 }
 
-void sys_consoleWriteLine(std::string_view text) {
-    write(text, native_dialect.line_end);
+int sys_consoleWriteLine(std::string_view text) {
+    return write(text, native_dialect.line_end);
 }
 
-void sys_consoleWrite(std::string_view text) {
-    write(text, {});
+int sys_consoleWrite(std::string_view text) {
+    return write(text, {});
 }
 
 }  // namespace tarn::fio

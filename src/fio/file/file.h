@@ -96,8 +96,9 @@ bool sys_fileExists(std::string_view name);
 //
 // `sys_consoleRead`: one line of standard input; its length, or -1 at the end.
 std::ptrdiff_t sys_consoleRead(char* bytes, std::size_t capacity);
-void sys_consoleWriteLine(std::string_view text);
-void sys_consoleWrite(std::string_view text);
+// Both writes give a platform error number, 0 when all went well.
+int sys_consoleWriteLine(std::string_view text);
+int sys_consoleWrite(std::string_view text);
 
 // Makes `unit`, whose file stands on descriptor 0 or 1, the console's way in or out; what the
 // console held until now is handed over. `console_detach` must be called before such a unit is

@@ -1,4 +1,5 @@
 // CLOSE, FLUSH, and the implicit closes: an OPEN that takes a unit over, and the program's end.
+#include <cerrno>
 #include <mutex>
 #include <string>
 

@@ -1,4 +1,5 @@
 // The one road that every failure of a native statement takes, and the way out of a statement.
+#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -6,6 +7,7 @@
 #include <string>
 
 #include "failure/failure.h"
+#include "fio/file/pipe_guard.h"
 #include "fio/native/state.h"
 #include "platform/kernel/error.h"
 
@@ -48,16 +50,37 @@ void store_iostat(const ResultWord& word, std::int32_t value) {
     store_integer(word, word.type == TypeCode::integer1 ? INT8_MAX : INT16_MAX);
 }
 
+// The statement in the source, the unit and its file: for callers that tell where they are.
+std::string place_of(const IO_type& io) {
+    std::string lines;
+    if (io.source_file == nullptr) return lines;
+    lines.append("    in ").append(io.source_file);
+    lines.append(", line ").append(std::to_string(io.source_line)).append("\n");
+    if (io.internal_file) return lines.append("    on an internal file\n");
+    if (io.unit_number < 0) return lines;
+    lines.append("    on unit ").append(std::to_string(io.unit_number));
+    if (io.unit != nullptr && !io.unit->file.path.empty())
+        lines.append(", file '").append(io.unit->file.path).append("'");
+    return lines.append("\n");
+}
+
+// A reader that went away is no fault of the program: it ends as a program in a pipe does.
+void end_by_closed_pipe() {
+    flush_all_units();
+    die_of_closed_pipe();
+}
+
 [[noreturn]] void displayError(const Failure& failure) {
+    const bool closed_pipe = failure.system && errno == EPIPE;
+    if (closed_pipe) end_by_closed_pipe();
+    const std::string place = place_of(current());
     if (failure.system) {
         std::string report = "Win32 error detected in ";
-        report += failure.where;
-        report += " : ";
-        report += text_of(failure);
+        report.append(failure.where).append(" : ").append(text_of(failure));
+        if (!place.empty()) report.append("\n").append(place);
         failure::fail_text(report);
     }
-    if (!failure.own_text.empty()) failure::fail_sentence(failure.code, failure.own_text, {});
-    failure::fail(failure.code);
+    failure::fail_sentence(failure.code, text_of(failure), place);
 }
 
 // Marks the statement as over, to be left through `label`.

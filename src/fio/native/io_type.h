@@ -142,6 +142,8 @@ struct IO_type {
 
     // Where the outcome goes.
     ResultWord iostat;
+    const char* source_file = nullptr;  // where the statement stands, if its caller told
+    std::int32_t source_line = 0;
     bool iostat_given = false;  // stays when the end-of-file road clears the address
     std::int32_t* status_word = nullptr;
     ResultWord size;

@@ -66,15 +66,8 @@ bool seek_stream(Unit& unit, std::int64_t target, bool write) {
     if (err != 0) return false;
     if (position == target) return true;
     if (!write) return false;
-    // Behind the end of the file: zero bytes lead up to the place.
-    sys_fileSeekToEOF(unit, position, err);
-    static constexpr char zeros[512] = {};
-    while (err == 0 && position < target) {
-        const std::int64_t count =
-            std::min<std::int64_t>(target - position, static_cast<std::int64_t>(sizeof zeros));
-        sys_fileWrite(unit, zeros, static_cast<std::size_t>(count), err);
-        position += count;
-    }
+    // Behind the end of the file: the hole that the record leaves reads as zero bytes.
+    file_seek(unit.file, target, err);
     return err == 0;
 }
 
@@ -133,7 +126,8 @@ bool read_file_record(IO_type& io) {
         return true;
     }
     take_input(io, length);
-    ++unit.current_record;
+    // A direct record's number is known from its positioning.
+    if (!is_direct(io.action)) ++unit.current_record;
     return true;
 }
 
@@ -226,14 +220,11 @@ bool write_window_record(IO_type& io, Output out) {
     return true;
 }
 
-void write_console_record(const Output& out) {
+int write_console_record(const Output& out) {
     if (hooks().window_flush != nullptr) hooks().window_flush();
     std::string_view text(out.text, out.length);
-    if (!out.ends_line) {
-        sys_consoleWrite(text);
-    } else {
-        sys_consoleWriteLine(text == " " ? std::string_view() : text);
-    }
+    if (!out.ends_line) return sys_consoleWrite(text);
+    return sys_consoleWriteLine(text == " " ? std::string_view() : text);
 }
 
 bool write_unit_record(IO_type& io, Output out) {
@@ -256,7 +247,7 @@ bool write_unit_record(IO_type& io, Output out) {
         case UnitKind::window:
             return write_window_record(io, out);
         case UnitKind::console:
-            write_console_record(out);
+            err = write_console_record(out);
             break;
         default:
             break;

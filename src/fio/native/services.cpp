@@ -2,9 +2,7 @@
 
 #include <mutex>
 
-#include "failure/failure.h"
 #include "fio/native/statement.h"
-#include "frame/hooks.h"
 
 namespace tarn::fio::native {
 namespace {
@@ -14,18 +12,6 @@ void set_text(IOCode code, std::string_view text) {
     setOption(code, TypeCode::character, const_cast<char*>(text.data()),
               static_cast<std::ptrdiff_t>(text.size()));
 }
-
-// The unit that a failure's report names: 0 outside statements.
-std::int32_t unit_at_work() {
-    const IO_type* const io = state().current_io;
-    return io != nullptr && io->busy && io->unit_number > 0 ? io->unit_number : 0;
-}
-
-void install() {
-    frame::hooks().preconnect = preconnect;
-    failure::hooks().current_io_unit = unit_at_work;
-}
-TARN_PREAMBLE(install)
 
 }  // namespace
 
@@ -39,8 +25,8 @@ void preconnect(std::int32_t unit, std::string_view name, bool read_only, bool f
 }
 
 void open_to_window(std::int32_t number, void* window, std::int32_t target) {
-    IO_initialise();
     const std::lock_guard<std::recursive_mutex> guard(state().critical_section);
+    IO_initialise();
     UnitList_destroy(number);
     Unit* const unit = Unit_create(number, false);
     unit->kind = UnitKind::window;
@@ -57,6 +43,11 @@ void open_to_window(std::int32_t number, void* window, std::int32_t target) {
 
 void CloseAllFortranUnits() {
     if (state().initialised) UnitList_destroyAll();
+}
+
+std::int32_t unit_at_work() {
+    const IO_type* const io = state().current_io;
+    return io != nullptr && io->busy ? io->unit_number : 0;
 }
 
 std::int32_t current_unit_number() {

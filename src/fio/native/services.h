@@ -14,7 +14,9 @@ void open_to_window(std::int32_t number, void* window, std::int32_t target);
 
 void CloseAllFortranUnits();
 
-// The statement at hand, or 0.
+// The unit of the last statement, -1 for an internal file; 0 before any.
 std::int32_t current_unit_number();
+// The unit that a failure's report names: -1 for an internal file, 0 outside statements.
+std::int32_t unit_at_work();
 
 }  // namespace tarn::fio::native

@@ -229,9 +229,9 @@ void IOSTART__(ActionCode action, const std::int16_t* count, va_list words,
 }
 
 void parseEntryCode(std::uint32_t code, void* value, std::ptrdiff_t length, ActionCode action) {
-    IO_initialise();
     State& s = state();
     const std::lock_guard<std::recursive_mutex> guard(s.critical_section);
+    IO_initialise();
     if (s.current_io->begun) {
         beginIO(action);
         s.current_io->begun = false;

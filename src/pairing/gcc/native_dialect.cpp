@@ -20,8 +20,8 @@ using fio::ItemType;
 // Statements of a program's threads come one after the other: the dialect knows one stream of
 // statements. Held from a statement's opening to its end; a statement inside one nests.
 void enter() {
-    IO_initialise();
     state().critical_section.lock();
+    IO_initialise();
 }
 void leave() {
     state().critical_section.unlock();
@@ -48,6 +48,8 @@ void set_long(IOCode code, std::int64_t* value) {
 void set_outcome_words(CommonBlock& block) {
     const std::uint32_t flags = block.flags;
     block.flags &= ~outcome_mask;
+    current().source_file = block.source_file;
+    current().source_line = block.line;
     if ((flags & has_iostat) != 0) set_word(IOCode::iostat, block.iostat);
     if ((flags & has_iomsg) != 0) set_text(IOCode::iomsg, block.iomsg, block.iomsg_length);
     if ((flags & has_err) != 0) setOption(IOCode::err, TypeCode::none, nullptr, -1);
@@ -141,8 +143,8 @@ void set_transfer_words(DataBlock& block) {
 }
 
 void begin_native_transfer(DataBlock& block, bool reading) {
-    native_road() = {native_transfer, native_done};
     enter();
+    native_road() = {native_transfer, native_done};
     block.part().owner = Owner::native;
     beginIO(action_of(block, reading));
     set_outcome_words(common_part(block));

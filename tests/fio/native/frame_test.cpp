@@ -10,12 +10,12 @@ extern "C" {
 void spec_Open(std::uint32_t, void*) __asm__("_Open");
 void spec_OpenC(std::uint32_t, void*, std::ptrdiff_t) __asm__("_OpenC");
 void spec_Close(std::uint32_t, void*) __asm__("_Close");
-void CLOSE_ALL_FORTRAN_UNITS_h() __asm__("\"CLOSE_ALL_FORTRAN_UNITS#\"");
+void CLOSE_ALL_FORTRAN_UNITS_h() LINK_NAME("CLOSE_ALL_FORTRAN_UNITS#");
 void __show_unit_list();
-const char* W32STREAM_INFO_h(const std::int16_t*) __asm__("\"W32STREAM_INFO#\"");
-const char* W32STREAM_INQUIRE_NAME_h(const std::int16_t*) __asm__("\"W32STREAM_INQUIRE_NAME#\"");
+const char* W32STREAM_INFO_h(const std::int16_t*) LINK_NAME("W32STREAM_INFO#");
+const char* W32STREAM_INQUIRE_NAME_h(const std::int16_t*) LINK_NAME("W32STREAM_INQUIRE_NAME#");
 void __SetMaximumIOBufferSize(std::int32_t);
-void GET_IOBUFFER_ADDRESS_h(void**, std::int32_t*) __asm__("\"GET_IOBUFFER_ADDRESS#\"");
+void GET_IOBUFFER_ADDRESS_h(void**, std::int32_t*) LINK_NAME("GET_IOBUFFER_ADDRESS#");
 }
 
 // An OPEN that fails with message 152.

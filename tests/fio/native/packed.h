@@ -2,6 +2,7 @@
 // values, lengths behind the pairs, and landing records for the labels.
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
@@ -17,32 +18,33 @@
 #include <vector>
 
 #include "fio/native/io_type.h"
+#include "frame/link_name.h"
 
 namespace tarn::fio::native::test {
 
 using Opening = void (*)(const std::int16_t* count, ...);
 
 extern "C" {
-void RSF1_hh(const std::int16_t*, ...) __asm__("\"RSF1##\"");
-void WSF1_hh(const std::int16_t*, ...) __asm__("\"WSF1##\"");
-void RDF1_hh(const std::int16_t*, ...) __asm__("\"RDF1##\"");
-void WDF1_hh(const std::int16_t*, ...) __asm__("\"WDF1##\"");
-void WSU1_hh(const std::int16_t*, ...) __asm__("\"WSU1##\"");
-void OPEN_hh(const std::int16_t*, ...) __asm__("\"OPEN##\"");
-void CLOS_hh(const std::int16_t*, ...) __asm__("\"CLOS##\"");
-void FLUSH_hh(const std::int16_t*, ...) __asm__("\"FLUSH##\"");
-void INQR_hh(const std::int16_t*, ...) __asm__("\"INQR##\"");
-void ENDF_hh(const std::int16_t*, ...) __asm__("\"ENDF##\"");
-void RWIN_hh(const std::int16_t*, ...) __asm__("\"RWIN##\"");
-void BACK_hh(const std::int16_t*, ...) __asm__("\"BACK##\"");
-void WSF2_h() __asm__("\"WSF2#\"");
-void I4_h_WSF(void*, const std::int32_t*) __asm__("\"I4#WSF\"");
-void I4_h_RSF(void*, const std::int32_t*) __asm__("\"I4#RSF\"");
-void CH_h_WSF(const char*, const std::int32_t*, std::ptrdiff_t) __asm__("\"CH#WSF\"");
-void R4_h_WSF(const void*, const std::int32_t*) __asm__("\"R4#WSF\"");
-void CH_h_RSF(char*, const std::int32_t*, std::ptrdiff_t) __asm__("\"CH#RSF\"");
-void ENABLE_REENTRANT_IO_h(const std::int32_t*) __asm__("\"ENABLE_REENTRANT_IO#\"");
-std::int32_t GET_LAST_IO_ERROR_h() __asm__("\"GET_LAST_IO_ERROR#\"");
+void RSF1_hh(const std::int16_t*, ...) LINK_NAME("RSF1##");
+void WSF1_hh(const std::int16_t*, ...) LINK_NAME("WSF1##");
+void RDF1_hh(const std::int16_t*, ...) LINK_NAME("RDF1##");
+void WDF1_hh(const std::int16_t*, ...) LINK_NAME("WDF1##");
+void WSU1_hh(const std::int16_t*, ...) LINK_NAME("WSU1##");
+void OPEN_hh(const std::int16_t*, ...) LINK_NAME("OPEN##");
+void CLOS_hh(const std::int16_t*, ...) LINK_NAME("CLOS##");
+void FLUSH_hh(const std::int16_t*, ...) LINK_NAME("FLUSH##");
+void INQR_hh(const std::int16_t*, ...) LINK_NAME("INQR##");
+void ENDF_hh(const std::int16_t*, ...) LINK_NAME("ENDF##");
+void RWIN_hh(const std::int16_t*, ...) LINK_NAME("RWIN##");
+void BACK_hh(const std::int16_t*, ...) LINK_NAME("BACK##");
+void WSF2_h() LINK_NAME("WSF2#");
+void I4_h_WSF(void*, const std::int32_t*) LINK_NAME("I4#WSF");
+void I4_h_RSF(void*, const std::int32_t*) LINK_NAME("I4#RSF");
+void CH_h_WSF(const char*, const std::int32_t*, std::ptrdiff_t) LINK_NAME("CH#WSF");
+void R4_h_WSF(const void*, const std::int32_t*) LINK_NAME("R4#WSF");
+void CH_h_RSF(char*, const std::int32_t*, std::ptrdiff_t) LINK_NAME("CH#RSF");
+void ENABLE_REENTRANT_IO_h(const std::int32_t*) LINK_NAME("ENABLE_REENTRANT_IO#");
+std::int32_t GET_LAST_IO_ERROR_h() LINK_NAME("GET_LAST_IO_ERROR#");
 void __inhibit_iostat(std::int32_t);
 void __fsu();
 }
@@ -80,10 +82,10 @@ class Packed {
 
     // Calls the opening entry: the words are those of a compiled call, with some more behind them.
     void call(Opening entry) {
-        std::vector<std::intptr_t> w = pairs_;
-        w.insert(w.end(), lengths_.begin(), lengths_.end());
-        if (w.size() > 64) std::abort();
-        w.resize(64);
+        // A failing statement jumps over this frame: it must own nothing.
+        std::intptr_t w[64] = {};
+        if (pairs_.size() + lengths_.size() > std::size(w)) std::abort();
+        std::copy(lengths_.begin(), lengths_.end(), std::copy(pairs_.begin(), pairs_.end(), w));
         const auto count = static_cast<std::int16_t>(pairs_.size());
         entry(&count, w[0], w[1], w[2], w[3], w[4], w[5], w[6], w[7], w[8], w[9], w[10], w[11],
               w[12], w[13], w[14], w[15], w[16], w[17], w[18], w[19], w[20], w[21], w[22], w[23],

@@ -8,9 +8,9 @@
 namespace tarn::fio::native::test {
 
 extern "C" {
-#define TEST_ITEM(name)                                                               \
-    void name##_h_WSF(const void*, const std::int32_t*) __asm__("\"" #name "#WSF\""); \
-    void name##_h_RSF(void*, const std::int32_t*) __asm__("\"" #name "#RSF\"");
+#define TEST_ITEM(name)                                                          \
+    void name##_h_WSF(const void*, const std::int32_t*) LINK_NAME(#name "#WSF"); \
+    void name##_h_RSF(void*, const std::int32_t*) LINK_NAME(#name "#RSF");
 TEST_ITEM(I1)
 TEST_ITEM(I2)
 TEST_ITEM(I8)

@@ -1,17 +1,14 @@
-// The engine's one entry that isn't a step of a statement.
+// The engine's one entry that isn't a step of a statement; include/tarn/edit.h tells what it does.
 #include <cmath>
 #include <cstring>
 
 #include "fio/number/decimal.h"
 #include "frame/link_name.h"
 
-// The decimal digits of a value: |value| = 0.d1d2... x 10^exponent. `count` is the number of
-// significant digits, or, 0 or negative, of digits behind the point. At most 5000 characters are
-// written, without a terminator. What isn't a number has the digits of a zero.
 extern "C" TARN_EXPORT void CVDL_h(long double value, std::int16_t* sign, char* digits,
                                    std::int32_t* exponent, std::int32_t count) LINK_NAME("CVDL#");
-extern "C" void CVDL_h(long double value, std::int16_t* sign, char* digits, std::int32_t* exponent,
-                       std::int32_t count) {
+extern "C" void CVDL_h(long double value, std::int16_t* sign, char* digits,
+                       std::int32_t* exponent, std::int32_t count) {
     if (!std::isfinite(value)) value = 0;
     char room[tarn::fio::max_native_digits];
     const tarn::fio::NativeDigits made = tarn::fio::native_digits(value, count, room);

@@ -110,17 +110,17 @@ class Encoder {
             }
             case Shape::group:
                 first(step.op, 3);
-                return word(step.repeat) & word(step.level);
+                return word(step.repeat) && word(step.level);
             case Shape::width:
                 first(step.op, 3);
-                return word(step.repeat) & word(step.w);
+                return word(step.repeat) && word(step.w);
             case Shape::digits:
                 first(step.op, step.d == absent ? 3 : 4);
-                return word(step.repeat) & word(step.w) & (step.d == absent || word(step.d));
+                return word(step.repeat) && word(step.w) && (step.d == absent || word(step.d));
             case Shape::real:
             case Shape::power:
                 first(step.op, step.e == absent ? 4 : 5);
-                return word(step.repeat) & word(step.w) & word(step.d) &
+                return word(step.repeat) && word(step.w) && word(step.d) &&
                        (step.e == absent || word(step.e));
             case Shape::text:
                 return put_text(step);

@@ -66,15 +66,8 @@ bool seek_stream(Unit& unit, std::int64_t target, bool write) {
     if (err != 0) return false;
     if (position == target) return true;
     if (!write) return false;
-    // Behind the end of the file: zero bytes lead up to the place.
-    sys_fileSeekToEOF(unit, position, err);
-    static constexpr char zeros[512] = {};
-    while (err == 0 && position < target) {
-        const std::int64_t count =
-            std::min<std::int64_t>(target - position, static_cast<std::int64_t>(sizeof zeros));
-        sys_fileWrite(unit, zeros, static_cast<std::size_t>(count), err);
-        position += count;
-    }
+    // Behind the end of the file: the hole that the record leaves reads as zero bytes.
+    file_seek(unit.file, target, err);
     return err == 0;
 }
 

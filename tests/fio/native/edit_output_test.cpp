@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <limits>
 
+#include "tarn/edit.h"
 #include "transfer.h"
 
 namespace tarn::fio::native::test {
@@ -166,6 +167,46 @@ TEST(RealOutput, OtherSizes) {
     float undefined;
     std::memset(&undefined, 0x80, sizeof undefined);
     EXPECT_EQ(written("(F6.2,E4.1)", undefined, undefined), "??????????");
+}
+
+// Another library's digits of the same values, where a tie is out of the question.
+TEST(RealOutput, AgreesWithAnotherConversion) {
+    std::uint64_t seed = 0x9E3779B97F4A7C15U;
+    for (int i = 0; i < 3000; ++i) {
+        seed = seed * 6364136223846793005U + 1442695040888963407U;
+        const double mantissa = 1 + static_cast<double>(seed >> 12) / 4503599627370496.0;
+        const double value =
+            std::ldexp(i % 2 == 0 ? mantissa : -mantissa, static_cast<int>(seed % 1900) - 950);
+        if (std::abs(value) > 1e13 && std::abs(value) < 1e17) continue;  // halves end there
+        char expected[400];
+        std::snprintf(expected, sizeof expected, "%.15E", value);
+        char* const e = std::strchr(expected, 'E');
+        const int exponent = std::atoi(e + 1);
+        std::snprintf(e, 8, "E%c%03d", exponent < 0 ? '-' : '+', std::abs(exponent));
+        const std::string text = written("(ES30.15E3)", value);
+        EXPECT_EQ(text.substr(text.find_first_not_of(' ')), expected);
+        if (std::abs(value) > 1e13 || std::abs(value) < 1e-3) continue;
+        std::snprintf(expected, sizeof expected, "%30.5f", value);
+        EXPECT_EQ(written("(F30.5)", value), expected);
+    }
+}
+
+TEST(RealOutput, DigitsForCompiledCode) {
+    char digits[40] = {};
+    std::int16_t sign = 0;
+    std::int32_t exponent = 99;
+    const auto convert = [&](long double value, std::int32_t count) {
+        std::memset(digits, 0, sizeof digits);
+        CVDL_h(value, &sign, digits, &exponent, count);
+        return (sign < 0 ? "-" : "") + std::string(digits) + "," + std::to_string(exponent);
+    };
+    EXPECT_EQ(convert(-123.456L, 4), "-1235,3");
+    EXPECT_EQ(convert(123.456L, -1), "1235,3");
+    EXPECT_EQ(convert(0.0625L, -3), "63,-1");
+    EXPECT_EQ(convert(999.96L, -1), "10000,4");
+    EXPECT_EQ(convert(0, 3), "000,0");
+    EXPECT_EQ(convert(std::numeric_limits<double>::min(), 17), "22250738585072014,-307");
+    EXPECT_EQ(convert(1.0L / 3, 25), "3333333333333333333400000,0");
 }
 
 TEST(LogicalAndCharacterOutput, Fields) {

@@ -127,6 +127,18 @@ TEST(Formats, InNumericVariables) {
     EXPECT_EQ(line, "   12ab");
 }
 
+TEST(Formats, MismatchesTellWhere) {
+    std::string text(80, '~');
+    std::string line(80, '~');
+    Packed statement;
+    statement.fill(IOCode::iomsg, text)
+        .add(IOCode::internal_file, TypeCode::character, line.data(), 80)
+        .format("(2I3,F5.1,'x',ES9.1)");
+    EXPECT_EQ(transfer(statement, WSF1_hh, [] { put(1), put(2), put(3.0), put("abc"); }), 51);
+    text.erase(text.find_last_not_of(' ') + 1);
+    EXPECT_EQ(text, "FORMAT mismatch: ES-Format with CHARACTER item (at data position 4).");
+}
+
 TEST(InternalFiles, ItemsMustNotOverlap) {
     std::string line(20, 'x');
     Packed statement;

@@ -282,6 +282,7 @@ Statement* begin_transfer(Caller& caller, const TransferSpecifiers& specs) {
     if (!open_statement(s, specs)) return statement;
     if (s.reading) {
         begin_input(s);
+        s.formatted_input = !s.list_directed;
     } else {
         begin_output(s);
         s.formatted_output = !s.list_directed;

@@ -60,16 +60,17 @@ struct Statement {
     bool reading = false;
     bool list_directed = false;
     bool formatted_output = false;  // ready for `write_item`
+    bool formatted_input = false;   // ready for `read_item`
     bool non_advancing = false;
     bool direct = false;
     bool stream = false;
     bool utf8 = false;
     bool internal = false;
-    bool wide = false;       // an internal file of 4-byte characters
-    bool measuring = false;  // INQUIRE(IOLENGTH=): items are only counted
+    bool wide = false;           // an internal file of 4-byte characters
+    bool measuring = false;      // INQUIRE(IOLENGTH=): items are only counted
     bool behind_scalar = false;  // the one record of a scalar internal file has been left
-    bool failed = false;     // the items that follow are ignored
-    bool moved = false;      // the file was positioned by REC= or POS=
+    bool failed = false;         // the items that follow are ignored
+    bool moved = false;          // the file was positioned by REC= or POS=
     EditModes modes;
 
     // The record at hand. On output of 4-byte characters the pointers step by four.

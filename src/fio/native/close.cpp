@@ -1,8 +1,8 @@
 // CLOSE, FLUSH, and the implicit closes: an OPEN that takes a unit over, and the program's end.
-#include <cerrno>
 #include <mutex>
 #include <string>
 
+#include "fio/gnu/connection.h"
 #include "fio/native/connect.h"
 #include "platform/kernel/error.h"
 
@@ -58,8 +58,11 @@ bool rename_file(const std::string& path, std::string_view new_name) {
 // Closes the file by the rules of the dialect that opened it; a platform error number.
 int close_file(Unit& unit) {
     int err = 0;
-    if (unit.dialect != &native_dialect && unit.closer != nullptr) {
-        err = platform::platform_error(unit.closer(unit));
+    if (unit.dialect != &native_dialect) {
+        int reason = 0;
+        disconnect(unit, false, reason);
+        give_back_new_unit_number(unit.number);
+        err = platform::platform_error(reason);
     } else if (unit.file.descriptor >= 0) {
         sys_fileClose(unit, err);
     }
@@ -155,20 +158,16 @@ bool IO_quick_close(Unit& unit) {
     return close_unit(current(), unit, unit.status.scratch ? close_delete : close_keep, nullptr);
 }
 
-int close_connection(Unit& unit) {
+void close_connection(Unit& unit) {
     const std::lock_guard<std::recursive_mutex> guard(state().critical_section);
     beginIO(ActionCode::close);
     IO_type& io = current();
     io.close_removes_unit = false;
     io.unit_number = unit.number;
     io.unit = io.target_unit = &unit;
-    io.iostat_given = true;  // the caller reports what goes wrong
-    errno = 0;
-    const bool closed = close_connected(io, unit, 0);
-    const int reason = errno != 0 ? errno : EIO;
-    if (!closed) io.busy = false;
+    // No label and no IOSTAT=: what goes wrong here ends the program with a report.
+    (void)close_connected(io, unit, 0);
     restoreSavedIO();
-    return closed ? 0 : reason;
 }
 
 }  // namespace tarn::fio::native

@@ -1,9 +1,8 @@
 // CLOSE, FLUSH, and the implicit closes: an OPEN that takes a unit over, and the program's end.
-#include <cerrno>
 #include <mutex>
 #include <string>
 
-#include "fio/file/record_buffer.h"
+#include "fio/gnu/connection.h"
 #include "fio/native/connect.h"
 #include "platform/kernel/error.h"
 
@@ -59,14 +58,11 @@ bool rename_file(const std::string& path, std::string_view new_name) {
 // Closes the file by the rules of the dialect that opened it; a platform error number.
 int close_file(Unit& unit) {
     int err = 0;
-    if (unit.dialect != &native_dialect && unit.closer != nullptr) {
-        // What can't be written is this statement's to report, not the closer's, which knows no
-        // IOSTAT=.
+    if (unit.dialect != &native_dialect) {
         int reason = 0;
-        write_out(unit.file, reason);
-        if (reason != 0) unit.file.dirty = false;
+        disconnect(unit, false, reason);
+        give_back_new_unit_number(unit.number);
         err = platform::platform_error(reason);
-        unit.closer(unit);
     } else if (unit.file.descriptor >= 0) {
         sys_fileClose(unit, err);
     }

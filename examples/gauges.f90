@@ -38,17 +38,16 @@ program gauges
   close (unit)
 
   ! A direct-access file: any record at any time.
-  inquire (iolength=length) one
-  open (newunit=unit, file='levels.dat', access='direct', recl=length, status='replace')
+  open (newunit=unit, file='levels.dat', access='direct', form='formatted', recl=14, status='replace')
   do i = size(today), 1, -1
-    write (unit, rec=i) today(i)
+    write (unit, '(a8,f6.2)', rec=i) today(i)
   end do
-  write (unit, rec=3) reading('Worms', 2.46)
-  read (unit, rec=3) one
+  write (unit, '(a8,f6.2)', rec=3) reading('Worms', 2.46)
+  read (unit, '(a8,f6.2)', rec=3) one
   inquire (unit, recl=length, nextrec=next)
   print '(2a,f5.2,2(a,i0))', 'record 3: ', one%station, one%level, ', record length ', length, &
     ', next record ', next
-  read (unit, rec=99, iostat=status, iomsg=line) one
+  read (unit, '(a8,f6.2)', rec=99, iostat=status) one
   print '(a,l2)', 'record 99 is refused: ', status > 0
   close (unit, status='delete')
 

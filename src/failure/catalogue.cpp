@@ -5,6 +5,7 @@
 namespace tarn::failure {
 namespace {
 
+// NOLINTBEGIN(bugprone-suspicious-missing-comma): long sentences are cut into two
 constexpr const char* texts[] = {
     /*   0 */ "Undefined error",
     /*   1 */ "Floating point arithmetic overflow",
@@ -515,6 +516,7 @@ constexpr const char* texts[] = {
     /* 496 */ "abs(x) < 1 is required in ATANH(x)",
     /* 497 */ "",
 };
+// NOLINTEND(bugprone-suspicious-missing-comma)
 static_assert(sizeof texts / sizeof *texts == catalogue_size);
 
 struct Row {

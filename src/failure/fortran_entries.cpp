@@ -39,12 +39,12 @@ void tell_fortran_debugger(std::string_view text, bool fatal) {
         store->append(text).push_back('\n');
     }
     if (!fatal) return;
-    LIBCOM_h_.state = frame::lib_failed;
-    LIBCOM_h_.text = store->c_str();
+    tarn_libcom.state = frame::lib_failed;
+    tarn_libcom.text = store->c_str();
     std::string line = "ORVALFAIL@";
     if (frame::state().debugger_flag != 0) line.append(" ").append(*store);
     platform::debug_output(line.c_str());
-    LIBCOM_h_.text = nullptr;
+    tarn_libcom.text = nullptr;
 }
 
 void error_text(std::string_view text, bool fatal) {

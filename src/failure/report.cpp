@@ -107,7 +107,7 @@ std::string report_text(int number, std::string_view free, const char* routine,
 }
 
 void report(int number, std::string_view text) {
-    frame::attach();
+    frame::ensure_up();  // the options say where a report goes
     if (reporter.taken.exchange(true)) fail_again(text);
     // The reports of the room above and of the system's library compute with floating-point
     // numbers too; a trap in here would hide what went wrong.

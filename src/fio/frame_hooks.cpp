@@ -22,7 +22,7 @@ void install() {
     frame::hooks().preconnect = native::preconnect;
     frame::hooks().close_fortran_units = UnitList_destroyAll;
     frame::hooks().flush_fortran_units = flush_all_units;
-    failure::hooks().flush_everything = flush_all_units;
+    failure::hooks().flush_everything = finish_all_units;
     failure::hooks().current_io_unit = native::unit_at_work;
     platform::console_hooks().flush_output = flush_console_output;
     platform::console_hooks().read_line = read_console_line;

@@ -8,12 +8,12 @@
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
-#include <mutex>
 #include <string>
 
 #include "fio/dialect.h"
 #include "fio/file/file.h"
 #include "fio/modes.h"
+#include "platform/kernel/lock.h"
 
 namespace tarn::fio {
 
@@ -100,7 +100,7 @@ struct Unit {
     std::size_t saved_length = 0;  // 0: nothing kept
     // Characters of a line that a non-advancing native WRITE has left unfinished on the file.
     std::int64_t unfinished_line = 0;
-    void* driver = nullptr;        // a user driver, or the window or edit box of a window unit
+    void* driver = nullptr;  // a user driver, or the window or edit box of a window unit
     UnitKind kind = UnitKind::driver;
     std::int32_t share = 0;  // 0 COMPAT, 1 DENYRW, 2 DENYWR, 3 DENYRD, 4 DENYNONE
     IOStatus status;
@@ -110,10 +110,8 @@ struct Unit {
     File file;
     GnuConnection gnu;
     bool native_console = false;  // units 1 and 2 as the system made them: no gnu connection
-    // The whole CLOSE of the dialect that made the connection; an errno value, 0 when all went
-    // well.
-    int (*closer)(Unit&) = nullptr;
-    std::recursive_mutex lock;  // held by a gnu statement from its start to its end
+    void (*closer)(Unit&) = nullptr;  // the whole CLOSE of the dialect that made the connection
+    platform::Lock lock;  // held by a gnu statement from its start to its end
 
     std::int32_t statements = 0;  // in progress on it, one inside the other; under the lock
 
@@ -128,8 +126,8 @@ struct Unit {
 // `buffered`: the unit gets a file buffer at once.
 Unit* Unit_create(std::int32_t number, bool buffered);
 void Unit_initialise(Unit& unit, std::int32_t number, bool buffered);
-int Unit_close(Unit& unit);  // closes a connected unit, frees what the record owns; an errno value
-void Unit_free(Unit* unit);  // gives up a reference; the last one frees the record
+void Unit_close(Unit& unit);  // closes a connected unit and frees what the record owns
+void Unit_free(Unit* unit);   // gives up a reference; the last one frees the record
 void Unit_clear(Unit& unit);
 std::uint32_t Unit_iostatus(const Unit& unit);
 std::uint32_t Unit_iostatus1(const Unit& unit);
@@ -145,11 +143,10 @@ void UnitList_remove(Unit* unit);
 void UnitList_remove(std::int32_t number);
 void UnitList_destroy(Unit* unit);
 void UnitList_destroy(std::int32_t number);
-// The end of the program. A unit that can't be written out is a failure of the program.
 void UnitList_destroyAll();
 
 // Guards the list and the index, never held while a unit's lock is waited for.
-std::mutex& unit_list_lock();
+platform::Lock& unit_list_lock();
 
 // What a gnu statement does at its start and its end. `acquire_unit` finds a unit and waits for its
 // lock; null when there is none. A unit that another thread closes while this one waits counts as

@@ -98,7 +98,7 @@ void run_cleanup_routines() {
 
 void close_and_tidy() {
     call(hooks().close_fortran_units);
-    LIBCOM_h_.state = lib_closed;
+    tarn_libcom.state = lib_closed;
     call(hooks().flush_fortran_handles);
 }
 

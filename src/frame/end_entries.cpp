@@ -129,7 +129,7 @@ void PAUSE_h(const char* text, std::ptrdiff_t length) {
 TARN_EXPORT void CLOSE_UNITS_h() LINK_NAME("CLOSE_UNITS#");
 void CLOSE_UNITS_h() {
     if (hooks().close_fortran_units) hooks().close_fortran_units();
-    LIBCOM_h_.state = lib_closed;
+    tarn_libcom.state = lib_closed;
 }
 
 TARN_EXPORT void CLOSETIDY_ORVUNIT_h() LINK_NAME("CLOSETIDY_ORVUNIT#");

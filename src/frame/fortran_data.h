@@ -20,10 +20,13 @@ struct LibraryCommon {
 }  // namespace tarn::frame
 
 extern "C" {
-extern TARN_EXPORT tarn::frame::LibraryCommon LIBCOM_h_ LINK_NAME("LIBCOM#_");
-extern TARN_EXPORT std::intptr_t LIB_h_[16] LINK_NAME("LIB#_");
-extern TARN_EXPORT std::intptr_t IOF77_h_[16] LINK_NAME("IOF77#_");
-extern TARN_EXPORT std::intptr_t PRFPT_h_[16] LINK_NAME("PRFPT#_");
 extern TARN_EXPORT unsigned char __DEBUGGER_SPACE_[256];
 extern TARN_EXPORT tarn::frame::DebugInfo* __ptr_to_debuginfo;
+
+// The address sanitizer can't spell a second name that it derives from a variable like `LIB#_`. So
+// the variables have plain names, and the assembler gives them their link names.
+extern tarn::frame::LibraryCommon tarn_libcom;
+extern std::intptr_t tarn_lib[16];
+extern std::intptr_t tarn_iof77[16];
+extern std::intptr_t tarn_prfpt[16];
 }

@@ -22,7 +22,7 @@ void tell_debugger() {
     char line[128];
     auto address = [](const void* cell) { return reinterpret_cast<unsigned long>(cell); };
     std::snprintf(line, sizeof line, "ADDRESSES 0x%016lx 0x%016lx 0x%016lx 0x%016lx\n",
-                  address(&LIBCOM_h_), address(LIB_h_), address(IOF77_h_),
+                  address(&tarn_libcom), address(tarn_lib), address(tarn_iof77),
                   address(&state().debugger_flag));
     platform::debug_output(line);
 }
@@ -48,7 +48,7 @@ void start_once() {
     State& s = state();
     if (s.fortran_started) return;
     s.fortran_started = true;
-    LIBCOM_h_.state = lib_running;
+    tarn_libcom.state = lib_running;
     const char* tests = std::getenv("RUNNING_TARNICK_TESTS");
     if (tests && std::string_view(tests).find_first_not_of(' ') != std::string_view::npos) {
         s.stack_faults = true;

@@ -22,8 +22,22 @@ void* __throw_temporary_ptr = nullptr;
 unsigned char __DEBUGGER_SPACE_[256] = {};
 tarn::frame::DebugInfo* __ptr_to_debuginfo = nullptr;
 
-tarn::frame::LibraryCommon LIBCOM_h_ = {};
-std::intptr_t LIB_h_[16] = {};
-std::intptr_t IOF77_h_[16] = {};
-std::intptr_t PRFPT_h_[16] = {};
+tarn::frame::LibraryCommon tarn_libcom = {};
+std::intptr_t tarn_lib[16] = {};
+std::intptr_t tarn_iof77[16] = {};
+std::intptr_t tarn_prfpt[16] = {};
 }
+
+static_assert(sizeof(tarn::frame::LibraryCommon) == 16 && sizeof tarn_lib == 128);
+__asm__(R"(
+        .macro  TARN_COMMON name, variable, bytes
+        .globl  "\name"
+        .set    "\name", \variable
+        .type   "\name", @object
+        .size   "\name", \bytes
+        .endm
+        TARN_COMMON "LIBCOM#_", tarn_libcom, 16
+        TARN_COMMON "LIB#_", tarn_lib, 128
+        TARN_COMMON "IOF77#_", tarn_iof77, 128
+        TARN_COMMON "PRFPT#_", tarn_prfpt, 128
+)");

@@ -15,9 +15,9 @@
 
 namespace tarn::storage {
 
-namespace {
-
 constinit State the_state;
+
+namespace {
 
 constexpr int heap_is_corrupt = 30;
 constexpr int out_of_storage = 294;
@@ -50,6 +50,13 @@ void hold_heap_over_forks() {
 
 bool raise_low_memory() {
     return the_state.hooks.raise_low_memory && the_state.hooks.raise_low_memory();
+}
+
+// Whoever changes the mode or the exception mode calls this under the lock.
+void decide_pass_through() {
+    bool fatal = the_state.exception_mode.load(std::memory_order_relaxed) & malloc_failure_is_fatal;
+    bool system = the_state.mode.load(std::memory_order_relaxed) == Mode::system;
+    the_state.passes_through.store(system && !fatal, std::memory_order_release);
 }
 
 void install_storage() {
@@ -129,10 +136,6 @@ void* reallocate_own(void* pointer, std::size_t size) {
 
 }  // namespace
 
-State& state() {
-    return the_state;
-}
-
 void initialise_storage_allocator() {
     {
         InSection held(the_state.heap.section());
@@ -140,6 +143,7 @@ void initialise_storage_allocator() {
         if (environment_wants_own_heap()) the_state.heap_by_system = 0;
         if (the_state.heap_by_system || frame::state().managed) {
             the_state.mode.store(Mode::system, std::memory_order_release);
+            decide_pass_through();
             return;
         }
         // A start that finds no room leaves a heap whose every request is refused.
@@ -152,6 +156,14 @@ void initialise_storage_allocator() {
 
 Mode mode() {
     return system_mode() ? Mode::system : Mode::own;
+}
+
+std::uint32_t change_exception_mode(std::uint32_t set, std::uint32_t clear) {
+    InSection held(the_state.heap.section());
+    std::uint32_t old = the_state.exception_mode.load(std::memory_order_relaxed);
+    the_state.exception_mode.store((old | set) & ~clear, std::memory_order_relaxed);
+    decide_pass_through();
+    return old;
 }
 
 void* get_memory(std::intptr_t length) {

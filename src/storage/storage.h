@@ -33,6 +33,9 @@ struct Hooks {
 
 struct State {
     std::atomic<Mode> mode{Mode::undecided};
+    // System mode, and a null result of malloc is the caller's concern: the entries have nothing to
+    // add to the system's.
+    std::atomic<bool> passes_through{false};
     std::int32_t heap_by_system = 1;
     Heap heap;
 
@@ -44,12 +47,17 @@ struct State {
     char pending_share_name[81] = "";
     Hooks hooks;
 };
-State& state();
+extern constinit State the_state;
+inline State& state() {
+    return the_state;
+}
 
 // Fixes the mode. A later call changes nothing.
 void initialise_storage_allocator();
 // The mode in force; the first call fixes it.
 Mode mode();
+// Sets bits of the exception mode, or clears them; the word before.
+std::uint32_t change_exception_mode(std::uint32_t set, std::uint32_t clear);
 
 // The core. Its blocks are 4-aligned in the own heap.
 void* get_memory(std::intptr_t length);

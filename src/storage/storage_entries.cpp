@@ -1,6 +1,7 @@
 // The storage entries that compiled programs call, under their link names. What each does is told
 // in include/tarn/storage.h.
 #include <cstdarg>
+#include <cstdlib>
 
 #include "frame/link_name.h"
 #include "storage/polled_section.h"
@@ -11,6 +12,11 @@
 namespace storage = tarn::storage;
 
 namespace {
+
+// The short way, with no call between a program and the system's allocator but our own.
+bool passes_through() {
+    return storage::state().passes_through.load(std::memory_order_relaxed);
+}
 
 bool own_heap() {
     return storage::mode() == storage::Mode::own;
@@ -35,9 +41,13 @@ TARN_EXPORT void __initialise_storage_allocator() {
 }
 
 TARN_EXPORT void* tarn_malloc(size_t size) {
+    if (passes_through()) [[likely]]
+        return std::malloc(size);
     return storage::allocate(size);
 }
 TARN_EXPORT void tarn_free(void* block) {
+    if (passes_through()) [[likely]]
+        return std::free(block);
     storage::deallocate(block);
 }
 TARN_EXPORT void* tarn_calloc(size_t count, size_t size) {
@@ -57,16 +67,14 @@ TARN_EXPORT tarn_new_handler set_new_handler(tarn_new_handler handler) {
 }
 
 TARN_EXPORT int fault_malloc_failure(int flag) {
-    auto& mode = storage::state().exception_mode;
-    std::uint32_t old = flag ? mode.fetch_or(storage::malloc_failure_is_fatal)
-                             : mode.fetch_and(~storage::malloc_failure_is_fatal);
-    return (old & storage::malloc_failure_is_fatal) != 0;
+    constexpr auto bit = storage::malloc_failure_is_fatal;
+    return (storage::change_exception_mode(flag ? bit : 0, flag ? 0 : bit) & bit) != 0;
 }
 TARN_EXPORT uint32_t set_exception_mode(uint32_t mask) {
-    return storage::state().exception_mode.fetch_or(mask);
+    return storage::change_exception_mode(mask, 0);
 }
 TARN_EXPORT uint32_t reset_exception_mode(uint32_t mask) {
-    return storage::state().exception_mode.fetch_and(~mask);
+    return storage::change_exception_mode(0, mask);
 }
 TARN_EXPORT uint32_t get_exception_mode() {
     return storage::state().exception_mode.load();

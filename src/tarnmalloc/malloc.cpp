@@ -72,7 +72,7 @@ std::size_t at_least_natural(std::size_t alignment) {
 template <class Routine>
 Routine library_routine(const char* name) {
     auto routine = reinterpret_cast<Routine>(dlsym(RTLD_NEXT, name));
-    if (!routine) fail("*** Error  294, out of storage in operator new\n");
+    if (!routine) fail("*** Error  294, Storage block is not big enough for this operation\n");
     return routine;
 }
 

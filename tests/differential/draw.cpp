@@ -490,11 +490,20 @@ string draw_control() {
 // A list of edits for some items, with groups, repeats and controls between them.
 string draw_format_list(const std::vector<Item>& items, std::size_t& next, int depth) {
     string text;
+    bool behind_data = false;
     const int parts = between(1, 5);
     for (int part = 0; part < parts; ++part) {
         if (part > 0) text += ",";
+        const bool moved = !behind_data;
+        behind_data = false;
         if (chance(30)) {
-            text += draw_control();
+            string control = draw_control();
+            // The peer adds a move to the right, when nothing has filled it yet, to the place that
+            // T or TL would go to at its left.
+            while (moved && control[0] == 'T' && control[1] != 'R' &&
+                   (control[1] == 'L' || part + depth > 0))
+                control = draw_control();
+            text += control;
         } else if (depth < 3 && chance(20)) {
             if (chance(60)) text += num(between(1, 4));
             text += "(" + draw_format_list(items, next, depth + 1) + ")";
@@ -503,6 +512,7 @@ string draw_format_list(const std::vector<Item>& items, std::size_t& next, int d
             ++next;
             if (chance(15)) text += num(between(2, 4));
             text += draw_descriptor(item);
+            behind_data = true;
         }
     }
     return text;
@@ -516,17 +526,17 @@ string spoiled(string text) {
             text.erase(at, 1);
             break;
         case 1:
-            text.insert(at, pick({",", "(", ")", ".", "9", "E", "'", " ", "-", "*", "P", "/"}));
+            text.insert(at, pick({",", "(", ")", ".", "9", "E", "'", " ", "*", "P", "/"}));
             break;
         case 2:
-            text[at] = *pick({"Q", "1", "0", ".", ",", "E", "(", ")", "F", "-"});
+            text[at] = *pick({"Q", "1", "0", ".", ",", "E", "(", ")", "F"});
             break;
         default:
             text.resize(at);
-            // The peer looks for ever for the digits of an exponent at the end of a format.
-            if (at > 0 && text[at - 1] > '9') text += ')';
             break;
     }
+    // The peer looks for ever for the digits of an exponent at the end of a format.
+    if (!text.empty() && text.back() > '9') text += ')';
     return text;
 }
 string draw_format(const std::vector<Item>& items, bool structured) {
@@ -614,7 +624,7 @@ string real_field(bool comma) {
     if (chance(45)) {
         text += pick({"e", "E", "d", "D", "q", "Q", "", "e"});
         text += pick({"+", "-", "", "+", "-"});
-        text += chance(70) ? num(below(40)) : chance(60) ? num(below(400)) : num(below(6000));
+        text += chance(70) ? num(below(40)) : chance(60) ? num(below(400)) : num(below(4800));
     }
     if (comma && chance(80))
         for (char& c : text)
@@ -687,8 +697,8 @@ string read_edit(const Item& item, string& field, bool comma) {
     }
     field = blanks(field, 6);
     width = chance(60) ? static_cast<int>(field.size()) + below(4) : between(1, 20);
-    if (width == 0 && !chance(30)) width = 1;
-    if (chance(1)) width = 0;
+    if (width == 0 && (type == logicals || !chance(30))) width = 1;
+    if (chance(1) && type != logicals) width = 0;
     field = fitted(field, width);
     if (type == logicals && width > 0 && field.find_first_not_of(" .") == string::npos)
         field.back() = 'T';
@@ -742,8 +752,14 @@ string list_write_case() {
     const int size = chance(80) ? 200 : between(1, 100);
     return "l " + modes + " " + num(between(1, 4)) + " " + num(size) + join(items);
 }
+// The peer reads with ROUND='COMPATIBLE' as with 'NEAREST'.
+string draw_read_modes() {
+    string modes = draw_modes();
+    if (modes[4] == 'c') modes[4] = 'n';
+    return modes;
+}
 string read_case() {
-    const string modes = chance(30) ? draw_modes() : "-";
+    const string modes = chance(30) ? draw_read_modes() : "-";
     const bool comma = modes[0] != '-' && modes[1] == 'c';
     const int count = chance(60) ? 1 : between(0, 5);
     const std::vector<Item> items = draw_items(count, true, 3);
@@ -755,7 +771,7 @@ string read_case() {
         for (int part = item.type == complexes ? 2 : 1; part > 0; --part) {
             string field;
             if (format.back() != '(' && format.back() != ',') format += ",";
-            if (chance(12)) {
+            if (chance(12) && item.type != logicals) {
                 const int n = between(1, 4);
                 switch (below(4)) {
                     case 0:
@@ -787,10 +803,11 @@ string read_case() {
         if (comma_at != string::npos && comma_at > 2) format = format.substr(0, comma_at) + ")";
     }
     format = mixed_case(format);
-    if (chance(2)) format = spoiled(format);
     std::size_t size = 1;
+    bool whole = false;
+    for (const Item& item : items) whole |= item.type == logicals;
     for (string& record : records) {
-        cut_short(record);
+        if (!whole) cut_short(record);
         if (record.size() > size) size = record.size();
     }
     if (chance(50)) size += static_cast<std::size_t>(below(6));
@@ -806,7 +823,9 @@ string list_value(Class type, bool comma) {
         case integers:
             return integer_field();
         case logicals:
-            return logical_field();
+            // A word of letters makes the peer take a comma behind a blank for one more value.
+            return pick({"T", "F", ".T.", ".F.", ".TRUE.", ".false.", "t", "f", ".t", ".f", "x",
+                         ".x", "1", "0"});
         case reals:
             return chance(70) ? real_field(comma) : integer_field();
         case complexes: {
@@ -857,7 +876,14 @@ std::vector<string> list_records(const std::vector<Item>& items, bool comma) {
     for (std::size_t i = 0; i < items.size(); ++i) {
         if (i > 0) separate();
         if (chance(12)) {
-            const int repeat = chance(90) ? between(1, 4) : below(12);
+            int repeat = chance(90) ? between(1, 4) : below(12);
+            // The peer repeats a value of one kind into an item of another as its bytes lie.
+            for (std::size_t j = i + 1;
+                 j < items.size() && j < i + static_cast<std::size_t>(repeat); ++j)
+                if (items[j].type == items[i].type && items[j].bytes != items[i].bytes) repeat = 1;
+            // It repeats no value of kind 10.
+            if (items[i].bytes == 10 && (items[i].type == reals || items[i].type == complexes))
+                repeat = 1;
             records.back() += num(repeat) + "*";
             if (chance(25)) continue;
             i += static_cast<std::size_t>(repeat > 0 ? repeat - 1 : 0);
@@ -872,7 +898,7 @@ std::vector<string> list_records(const std::vector<Item>& items, bool comma) {
     return records;
 }
 string list_read_case() {
-    const string modes = chance(25) ? draw_modes() : "-";
+    const string modes = chance(25) ? draw_read_modes() : "-";
     const bool comma = modes[0] != '-' && modes[1] == 'c';
     // The peer puts bytes where characters of kind 4 belong.
     const std::vector<Item> items = draw_items(chance(50) ? 1 : between(0, 6), true, 0);
@@ -953,11 +979,16 @@ string file_text(bool formatted) {
             text += draw_text(between(0, 12));
         }
     }
-    if (chance(30) && !text.empty()) text.pop_back();
+    // A last record without a line end is left to the programs: the peer has an end of file in
+    // place of such a record when no item asks for its characters.
     return text;
 }
-string simple_format(const std::vector<Item>& items) {
-    return draw_format(items, items.size() > 1);
+string simple_format(const std::vector<Item>& items, bool reading = false) {
+    string format = draw_format(items, items.size() > 1);
+    // Text in a format that reads is an error at another moment in the peer.
+    while (reading && format.find_first_of("'\"Hh") != string::npos)
+        format = draw_format(items, items.size() > 1);
+    return format;
 }
 string sequence_statement(int unit, const Connection& connection) {
     const string u = num(unit);
@@ -966,17 +997,17 @@ string sequence_statement(int unit, const Connection& connection) {
     const string advance = chance(25) ? "no" : "yes";
     const int what = below(100);
     if (what < 10) return "p " + u + " rewind";
-    if (what < 20) return "p " + u + " backspace";
-    if (what < 24) return "p " + u + " endfile";
+    if (what < 20) return "p " + u + (connection.access == "stream" ? " rewind" : " backspace");
+    if (what < 24) return "p " + u + (connection.access == "stream" ? " flush" : " endfile");
     if (what < 27) return "p " + u + " flush";
     if (what < 33) return "q " + u;
-    if (what < 36) return "g " + u;
+    if (what < 36) return "p " + u + " flush\ng " + u;
     const bool other = chance(3);  // a statement that doesn't fit the connection
     const bool formatted = (connection.form == "formatted") != other;
     const bool writes = chance(50);
-    const string place = connection.access == "direct" || chance(2)    ? "rec"
-                         : connection.access == "stream" && chance(40) ? "pos"
-                                                                       : "-";
+    const string place = connection.access == "direct"   ? "rec"
+                         : connection.access == "stream" ? (chance(40) ? "pos" : "-")
+                                                         : "-";
     if (!formatted) {
         const string at = " " + place + " " +
                           num(chance(95) ? between(1, place == "pos" ? 40 : 6) : between(-1, 300));
@@ -985,15 +1016,17 @@ string sequence_statement(int unit, const Connection& connection) {
     if (place != "-") {
         const string at = " " + place + " " +
                           num(chance(95) ? between(1, place == "pos" ? 40 : 6) : between(-1, 300));
-        return (writes ? "a " + u + at + " " + quoted(simple_format(to_write)) + join(to_write)
-                       : "b " + u + at + " " + quoted(simple_format(to_read)) + join(to_read));
+        return (writes
+                    ? "a " + u + at + " " + quoted(simple_format(to_write)) + join(to_write)
+                    : "b " + u + at + " " + quoted(simple_format(to_read, true)) + join(to_read));
     }
     // A list-directed READ of a UTF-8 file never ends in the peer when the file has.
     if (chance(35) && (writes || !connection.utf8))
         return writes ? "X " + u + join(to_write) : "Y " + u + join(to_read);
     return writes
                ? "x " + u + " " + advance + " " + quoted(simple_format(to_write)) + join(to_write)
-               : "y " + u + " " + advance + " " + quoted(simple_format(to_read)) + join(to_read);
+               : "y " + u + " " + advance + " " + quoted(simple_format(to_read, true)) +
+                     join(to_read);
 }
 
 int print_sequence(int most) {
@@ -1023,7 +1056,7 @@ int print_sequence(int most) {
                              : connection.access == "stream" ? 0
                              : chance(5)                     ? between(10, 100)
                                                              : 0;
-            say("o " + u + " " + (chance(25) ? draw_modes() : "npnypp") + " " +
+            say("o " + u + " " + (chance(25) ? draw_read_modes() : "npnypp") + " " +
                 pick({"unknown", "unknown", "unknown", "old", "new", "replace"}) + " " +
                 connection.access + " " + connection.form + " " +
                 pick({"readwrite", "readwrite", "readwrite", "readwrite", "read", "write"}) + " " +

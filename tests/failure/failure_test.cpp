@@ -217,6 +217,7 @@ TEST(Report, TwoThreadsMakeOneReport) {
 TEST(Report, MayGoToStandardOutput) {
     EXPECT_EXIT(
         {
+            frame::ensure_up();
             dup2(2, 1);
             close(2);
             frame::traceback_flags() |= frame::tb_kill_dialogbox;

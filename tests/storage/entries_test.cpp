@@ -27,6 +27,7 @@ namespace {
 [[noreturn]] void in_mode(const char* value, const std::function<void()>& body) {
     setenv("ORVEX_NEW_MEMORY", value, 1);
     tarn::storage::state().mode = tarn::storage::Mode::undecided;
+    tarn::storage::state().passes_through = false;
     __initialise_storage_allocator();
     body();
     std::fflush(stdout);
@@ -163,6 +164,19 @@ TEST(OwnHeap, Failures) {
 }
 
 int handler_calls = 0;
+
+TEST(StorageModes, AFailingMallocIsFatalInSystemModeToo) {
+    EXPECT_EXIT(in_mode("TRUE",
+                        [] {
+                            CHECK(tarn_malloc(SIZE_MAX / 2) == nullptr);
+                            CHECK(set_exception_mode(1) == 0);
+                            CHECK(reset_exception_mode(1) == 1);
+                            CHECK(tarn_malloc(SIZE_MAX / 2) == nullptr);
+                            fault_malloc_failure(1);
+                            tarn_malloc(SIZE_MAX / 2);
+                        }),
+                testing::ExitedWithCode(1), "Error  294, ");
+}
 
 TEST(OwnHeap, NewHandler) {
     expect_in_own_heap([] {

@@ -384,6 +384,12 @@ void sys_fileOpen(Unit& unit, std::string_view name, int mode, int& err, bool cr
         err = last_error();
         return;
     }
+    struct stat about;
+    if (::fstat(descriptor, &about) == 0 && S_ISDIR(about.st_mode)) {
+        ::close(descriptor);
+        err = own_error(error_access_denied);
+        return;
+    }
     File& file = unit.file;
     file_adopt(file, descriptor, access_bits_of(access), true);
     file.append = false;

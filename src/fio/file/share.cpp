@@ -102,8 +102,8 @@ int open_with_sharing(const char* path, int flags, int access, int sharing) {
     if (descriptor < 0) return -1;
     int reason = 0;
     struct stat about;
-    if (::fstat(descriptor, &about) == 0 && S_ISDIR(about.st_mode)) {
-        reason = EISDIR;
+    if (::fstat(descriptor, &about) != 0) {
+        reason = errno;
     } else if (locks && S_ISREG(about.st_mode) && !claim_in_turn(descriptor, access, sharing)) {
         reason = EAGAIN;
     } else if (empties && S_ISREG(about.st_mode) && ::ftruncate(descriptor, 0) != 0) {

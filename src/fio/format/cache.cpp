@@ -11,15 +11,29 @@ std::uint64_t mix(std::uint64_t hash, std::uint64_t word) {
     return static_cast<std::uint64_t>(product) ^ static_cast<std::uint64_t>(product >> 64);
 }
 
+template <class Word>
+std::uint64_t load(const char* text) {
+    Word word;
+    std::memcpy(&word, text, sizeof word);
+    return word;
+}
+
+// The last bytes are taken as a whole word that may overlap the one before.
 std::uint64_t hash_text(const char* text, std::size_t length) {
     std::uint64_t hash = 0x2545F4914F6CDD1DULL + length;
-    std::uint64_t word = 0;
-    for (; length >= sizeof word; text += sizeof word, length -= sizeof word) {
-        std::memcpy(&word, text, sizeof word);
-        hash = mix(hash, word);
+    if (length >= 8) {
+        const char* last = text + length - 8;
+        for (; text < last; text += 8) hash = mix(hash, load<std::uint64_t>(text));
+        return mix(hash, load<std::uint64_t>(last));
     }
-    word = 0;
-    std::memcpy(&word, text, length);
+    if (length >= 4) {
+        const std::uint64_t tail = load<std::uint32_t>(text + length - 4);
+        return mix(hash, load<std::uint32_t>(text) | tail << 32);
+    }
+    std::uint64_t word = 0;
+    for (std::size_t i = 0; i < length; ++i) {
+        word = word << 8 | static_cast<unsigned char>(text[i]);
+    }
     return mix(hash, word);
 }
 

@@ -55,11 +55,16 @@ std::uint32_t access_bits(Action action) {
     return (may_read(action) ? access_read : 0) | (may_write(action) ? access_write : 0);
 }
 
-int close_for_good(Unit& unit) {
+// The close at the program's end: nobody is left to catch what goes wrong.
+void close_for_good(Unit& unit) {
+    Caller nobody;
+    nobody.unit = unit.number;
+    nobody.has_unit = true;
+    const std::string path = unit.file.path;
     int err = 0;
     disconnect(unit, false, err);
     give_back_new_unit_number(unit.number);
-    return err;
+    if (err != 0) raise_system_fault(nobody, err, path);
 }
 
 void set_connection(Unit& unit, const Terms& terms) {

@@ -85,10 +85,10 @@ FieldResult get_integer(const char* field, std::size_t width, void* item, int ki
     bool negative = false;
     if (at < end && (*at == '-' || *at == '+')) negative = *at++ == '-';
     const char* const digits = at;
-    at = digits_end(at, end);
-    if (at != digits && at - digits <= 18 &&
+    std::uint64_t value = 0;
+    at = take_digits(at, end, field, value);
+    if (at != digits && at - digits <= 19 &&
         (at == end || (modes.blank == Blank::null && skip_blanks(at, end) == end))) {
-        const std::uint64_t value = short_value(digits, at);
         if (value <= greatest_integer(kind) + (negative ? 1 : 0)) {
             store_integer(item, kind, negative ? -UInt128{value} : UInt128{value});
             return {};

@@ -16,16 +16,12 @@ FieldResult fault_at(Fault fault, const char* field, const char* at) {
     return {fault, static_cast<std::size_t>(at - field)};
 }
 
-FieldResult store(DecimalNumber number, std::int64_t written, bool has_mark, bool has_exponent,
-                  std::int32_t d, void* item, int kind, const EditModes& modes) {
-    std::int64_t shift = has_exponent ? written : -std::int64_t{modes.scale};
+// The exponent that counts beside the digits' own place; false: it is out of range.
+bool exponent_of_field(std::int64_t written, bool has_mark, bool has_exponent, std::int32_t d,
+                       const EditModes& modes, std::int64_t& shift) {
+    shift = has_exponent ? written : -std::int64_t{modes.scale};
     if (!has_mark) shift -= d;
-    if (shift > greatest_exponent || shift < -greatest_exponent) {
-        return {exponent_out_of_range, 0};
-    }
-    number.exponent += shift;
-    to_binary(number, modes.round, kind, item);
-    return {};
+    return shift <= greatest_exponent && shift >= -greatest_exponent;
 }
 
 // What may follow a word that begins at `at`: letters, digits, blanks and one pair of parentheses.
@@ -72,8 +68,15 @@ FieldResult get_real_slowly(const char* field, std::size_t width, std::int32_t d
         to_binary({}, modes.round, kind, item);
         return {};
     }
-    return store(scanner.number(), scanner.written(), scanner.has_mark(), scanner.has_exponent(), d,
-                 item, kind, modes);
+    std::int64_t shift = 0;
+    if (!exponent_of_field(scanner.written(), scanner.has_mark(), scanner.has_exponent(), d, modes,
+                           shift)) {
+        return {exponent_out_of_range, 0};
+    }
+    DecimalNumber number = scanner.number();
+    number.exponent += shift;
+    to_binary(number, modes.round, kind, item);
+    return {};
 }
 
 }  // namespace
@@ -82,12 +85,15 @@ FieldResult get_real(const char* field, std::size_t width, std::int32_t d, void*
                      const EditModes& modes) {
     const char* const end = field + width;
     PlainReal real;
-    scan_plain_real(skip_blanks(field, end), end, modes.decimal == DecimalMark::comma ? ',' : '.',
-                    real);
+    scan_plain_real(skip_blanks(field, end), end, field,
+                    modes.decimal == DecimalMark::comma ? ',' : '.', real);
     if (real.end != nullptr &&
         (real.end == end || (modes.blank == Blank::null && skip_blanks(real.end, end) == end))) {
-        return store(real.number, real.written, real.has_mark, real.has_exponent, d, item, kind,
-                     modes);
+        std::int64_t shift = 0;
+        if (!exponent_of_field(real.written, real.has_mark, real.has_exponent, d, modes, shift)) {
+            return {exponent_out_of_range, 0};
+        }
+        if (store_plain_real(real, shift, modes.round, kind, item)) return {};
     }
     return get_real_slowly(field, width, d, item, kind, modes);
 }

@@ -1,6 +1,10 @@
 // Output editing in the gnu dialect: one item into one field. Pure functions over a buffer: no
 // record, no statement. Each writes at `out` and returns the end of what it wrote; the caller has
 // asked for the room before.
+//
+// Every field is what gfortran 12 prints, its habits at the edges included. Where its run-time
+// writes beyond its own buffers (a scale factor far below -d, hundreds of digits under ROUND=), the
+// field is what the rules say.
 #pragma once
 
 #include <cstddef>
@@ -23,7 +27,9 @@ struct FieldEdit {
 // The most bytes that the put_ function of the same item can write.
 std::size_t real_field_bound(const FieldEdit& edit, const void* value, int kind,
                              const EditModes& modes);
-// F, E, D, EN, ES, EX, G of a REAL (one part of a COMPLEX).
+// F, E, D, EN, ES, EX, G of a REAL (one part of a COMPLEX). Null when E or D, also as G chooses it,
+// has no digit to show (d = 0 under a scale factor of 0) or the scale factor k isn't within
+// -d < k < d + 2: a fault of the format.
 char* put_real(char* out, const void* value, int kind, const FieldEdit& edit,
                const EditModes& modes);
 

@@ -1,9 +1,10 @@
 #include <algorithm>
 #include <cstring>
-#include <limits>
+#include <string_view>
 
 #include "fio/gnu/edit_out_figures.h"
 #include "fio/gnu/edit_out_general.h"
+#include "fio/gnu/edit_out_hexadecimal.h"
 #include "fio/gnu/edit_out_quick.h"
 
 namespace tarn::fio {
@@ -142,6 +143,11 @@ char* put_number(char* out, const Figures& figures, const Field& field, bool neg
     return put_blanks(out, field.trailing_blanks);
 }
 
+char* put_text(char* out, std::string_view text) {
+    for (const char character : text) *out++ = character;
+    return out;
+}
+
 // Infinity and not-a-number.
 char* put_special(char* out, const BinaryReal& value, std::int64_t w, const EditModes& modes) {
     const char sign = sign_of(value.negative, modes.sign);
@@ -149,18 +155,15 @@ char* put_special(char* out, const BinaryReal& value, std::int64_t w, const Edit
         if (w == 0) w = 3;
         if (w < 3) return put_stars(out, w);
         out = put_blanks(out, w - 3);
-        std::memcpy(out, "NaN", 3);
-        return out + 3;
+        return put_text(out, "NaN");
     }
     if (w == 0) w = sign != 0 ? 4 : 3;
     if (w < 3 || (w == 3 && value.negative)) return put_stars(out, w);
     const std::int64_t signs = sign != 0 && w > 3 ? 1 : 0;
-    const char* const name = w - signs >= 8 ? "Infinity" : "Inf";
-    const std::size_t length = std::strlen(name);
-    out = put_blanks(out, w - signs - static_cast<std::int64_t>(length));
+    const std::string_view name = w - signs >= 8 ? "Infinity" : "Inf";
+    out = put_blanks(out, w - signs - static_cast<std::int64_t>(name.size()));
     if (signs != 0) *out++ = sign;
-    std::memcpy(out, name, length);
-    return out + length;
+    return put_text(out, name);
 }
 
 // The digits before the point of a G field, or -1 where it shows the exponent.
@@ -246,6 +249,7 @@ char* put_edited(char* out, const void* item, int kind, const FieldEdit& edit, b
     const BinaryReal value = take_apart(item, kind);
     const std::int32_t w = std::max(edit.w, 0);
     if (value.kind != RealClass::finite) return put_special(out, value, minimal ? 0 : w, modes);
+    if (edit.edit == Edit::EX) return put_hexadecimal(out, value, edit, modes);
     Request request{edit.edit, edit.d, modes.scale, {w, edit.e, 0, minimal, usual_width(kind)}};
     if (minimal && edit.d <= 0) {
         request.d = default_digits(kind);
@@ -316,6 +320,7 @@ char* put_list_complex(char* out, const void* value, int kind, const EditModes& 
 std::size_t real_field_bound(const FieldEdit& edit, const void* value, int kind,
                              const EditModes& modes) {
     if (edit.w > 0) return static_cast<std::size_t>(edit.w);
+    if (edit.edit == Edit::EX) return hexadecimal_field_bound(edit);
     const auto d = static_cast<std::int64_t>(std::max(edit.d, default_digits(kind)));
     const auto e = static_cast<std::int64_t>(std::max(edit.e, 5));
     // Sign, leading zero, point, exponent letter and sign.
@@ -326,8 +331,6 @@ std::size_t real_field_bound(const FieldEdit& edit, const void* value, int kind,
             bound +=
                 std::max<std::int64_t>(0, std::int64_t{decimal_exponent(real)} + 2 + modes.scale);
         }
-    } else if (edit.edit != Edit::G) {
-        bound += std::abs(std::int64_t{modes.scale});
     } else {
         bound += std::abs(std::int64_t{modes.scale});
     }

@@ -89,6 +89,7 @@ std::string_view position_word(const Unit& unit) {
     if (unit.status.direct) return "UNDEFINED";
     const File& file = unit.file;
     const std::int64_t here = file.logical_position;
+    if (!unit.status.stream && !file.seekable && here > 0) return "UNSPECIFIED";
     if (unit.status.stream || !file.seekable) {
         return file.position_state == 1 ? "REWIND" : file.position_state == 2 ? "APPEND" : "ASIS";
     }

@@ -241,7 +241,6 @@ void save_value(Statement& s, ItemType type, int kind, const void* value, std::s
 void read_list_item(Statement& s, ItemType type, void* item, int kind, std::size_t size) {
     if (s.failed) return;
     ListState& list = s.list;
-    ++s.items;
     char* const target = static_cast<char*>(item);
     if (list.repeat > 0) return give_saved(s, type, target, kind, size);
     if (list.first ? !find_first_value(s) : !find_next_value(s)) return;

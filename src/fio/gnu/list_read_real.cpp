@@ -18,11 +18,6 @@ char decimal_mark(const Statement& s) {
     return s.modes.decimal == DecimalMark::comma ? ',' : '.';
 }
 
-void store(const Statement& s, DecimalNumber number, std::int64_t written, char* item, int kind) {
-    number.exponent += written;
-    to_binary(number, s.modes.round, kind, item);
-}
-
 // A word at the cursor, INF or NAN with or without a sign; false when none stands there.
 bool take_word(Statement& s, char* item, int kind, bool in_complex) {
     const char* at = s.cursor;
@@ -45,7 +40,9 @@ bool take_long(Statement& s, const char* end, char* item, int kind) {
     LongRealScanner scanner(s.cursor, end, modes);
     const bool scanned = scanner.scan() && scanner.word() == nullptr;
     if (scanned && scanner.has_digit()) {
-        store(s, scanner.number(), scanner.written(), item, kind);
+        DecimalNumber number = scanner.number();
+        number.exponent += scanner.written();
+        to_binary(number, s.modes.round, kind, item);
         s.cursor += token.size();
         return true;
     }
@@ -64,14 +61,13 @@ bool take_long(Statement& s, const char* end, char* item, int kind) {
 bool take_real(Statement& s, char* item, int kind, bool in_complex) {
     const char mark = decimal_mark(s);
     PlainReal real;
-    scan_plain_real(s.cursor, s.limit, mark, real);
+    scan_plain_real(s.cursor, s.limit, s.begin, mark, real);
     if (real.end != nullptr) {
         // Behind an exponent a comma separates, even where it is the decimal mark.
         const bool ended =
             real.end == s.limit || (in_complex && *real.end == ')') ||
             (is_list_separator(*real.end) && (*real.end != mark || real.has_exponent));
-        if (ended) {
-            store(s, real.number, real.written, item, kind);
+        if (ended && store_plain_real(real, real.written, s.modes.round, kind, item)) {
             s.cursor += real.end - s.cursor;
             return true;
         }

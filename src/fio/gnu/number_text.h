@@ -42,15 +42,47 @@ constexpr int leading_digits_of_eight(std::uint64_t word) {
     return others == 0 ? 8 : std::countr_zero(others) / 8;
 }
 
-// The value of eight digits: neighbours are joined to pairs, fours and the whole.
+// The value of eight digits: neighbours are joined to pairs, fours and the whole. Bytes of zero
+// count as digits 0.
 constexpr std::uint32_t value_of_eight(std::uint64_t word) {
-    word -= 0x3030303030303030U;
+    word &= 0x0F0F0F0F0F0F0F0FU;
     word = word * 10 + (word >> 8);
     constexpr std::uint64_t mask = 0x000000FF000000FFU;
     constexpr std::uint64_t upper = 0x000F424000000064U;  // 100 + (1000000 << 32)
     constexpr std::uint64_t lower = 0x0000271000000001U;  // 1 + (10000 << 32)
     return static_cast<std::uint32_t>(((word & mask) * upper + ((word >> 16) & mask) * lower) >>
                                       32);
+}
+
+inline constexpr std::uint64_t small_powers_of_ten[] = {1,      10,      100,      1000,     10000,
+                                                        100000, 1000000, 10000000, 100000000};
+
+// The value of a run of digits, put behind the digits that `value` holds; the run's end. More
+// digits than 19 in all don't fit: the value is of no use then. What lies between `floor` and `at`
+// may be looked at.
+inline const char* take_digits(const char* at, const char* end, const char* floor,
+                               std::uint64_t& value) {
+    for (;;) {
+        const std::ptrdiff_t left = end - at;
+        std::uint64_t word = 0;
+        if (left >= 8) {
+            word = load_eight(at);
+        } else if (left == 0) {
+            return at;
+        } else if (end - floor >= 8) {
+            word = load_eight(end - 8) >> (64 - 8 * left);
+        } else {
+            for (; at < end && is_decimal_digit(*at); ++at) {
+                value = value * 10 + static_cast<std::uint64_t>(*at - '0');
+            }
+            return at;
+        }
+        const int count = leading_digits_of_eight(word);
+        if (count == 0) return at;
+        value = value * small_powers_of_ten[count] + value_of_eight(word << (64 - 8 * count));
+        at += count;
+        if (count < 8) return at;
+    }
 }
 
 // The end of a run of digits.
@@ -75,74 +107,62 @@ inline const char* skip_blanks(const char* at, const char* end) {
     return at;
 }
 
-// The value of a run of at most 18 digits.
-inline std::uint64_t short_value(const char* at, const char* end) {
-    std::uint64_t value = 0;
-    for (; end - at >= 8; at += 8) value = value * 100000000U + value_of_eight(load_eight(at));
-    for (; at < end; ++at) value = value * 10 + static_cast<std::uint64_t>(*at - '0');
-    return value;
-}
-
 // Stands for every exponent of ten digits and more.
 inline constexpr std::int64_t far_exponent = 1000000000;
 
 // A REAL of the common shape: sign, digits with at most one decimal mark among them, exponent.
 struct PlainReal {
-    DecimalNumber number;      // without the exponent where none was written
-    std::int64_t written = 0;  // the exponent that was written
+    bool negative = false;
     bool has_mark = false;
     bool has_exponent = false;
+    std::uint64_t significand = 0;  // the digits, if there are no more than 19
+    const char* whole = nullptr;    // the digits before the mark
+    const char* whole_end = nullptr;
+    const char* fraction = nullptr;  // those behind it
+    const char* fraction_end = nullptr;
+    std::int64_t written = 0;   // the exponent that was written
     const char* end = nullptr;  // where the number ends; null: it hasn't the common shape
-    char digits[48];            // room for digits that lie on both sides of the mark
 };
 
-// `mark`: '.' or ','. A point is a decimal mark in any case.
-inline void scan_plain_real(const char* at, const char* end, char mark, PlainReal& real) {
-    real.end = nullptr;
-    if (at < end && (*at == '-' || *at == '+')) real.number.negative = *at++ == '-';
-    const char* const whole = at;
-    const char* const whole_end = digits_end(at, end);
-    const char* fraction = whole_end;
-    const char* fraction_end = whole_end;
-    at = whole_end;
+inline const char* take_exponent(const char* at, const char* end, PlainReal& real) {
+    if (is_exponent_letter(*at)) ++at;
+    bool negative = false;
+    if (at < end && (*at == '+' || *at == '-')) negative = *at++ == '-';
+    const char* const digits = at;
+    std::int64_t written = 0;
+    for (; at < end && is_decimal_digit(*at); ++at) {
+        if (written < far_exponent) written = written * 10 + (*at - '0');
+    }
+    if (at == digits) return nullptr;
+    real.has_exponent = true;
+    real.written = negative ? -written : written;
+    return at;
+}
+
+// `mark`: '.' or ','. A point is a decimal mark in any case. What lies between `floor` and `at` may
+// be looked at.
+inline void scan_plain_real(const char* at, const char* end, const char* floor, char mark,
+                            PlainReal& real) {
+    if (at < end && (*at == '-' || *at == '+')) real.negative = *at++ == '-';
+    real.whole = at;
+    at = take_digits(at, end, floor, real.significand);
+    real.whole_end = real.fraction = real.fraction_end = at;
     if (at < end && (*at == '.' || *at == mark)) {
         real.has_mark = true;
-        fraction = at + 1;
-        fraction_end = digits_end(fraction, end);
-        at = fraction_end;
+        real.fraction = at + 1;
+        at = take_digits(at + 1, end, floor, real.significand);
+        real.fraction_end = at;
     }
-    if (whole == whole_end && fraction == fraction_end) return;
-    const auto whole_count = static_cast<std::size_t>(whole_end - whole);
-    const auto fraction_count = static_cast<std::size_t>(fraction_end - fraction);
-    real.number.exponent = -static_cast<std::int64_t>(fraction_count);
-    if (fraction_count == 0) {
-        real.number.digits = whole;
-        real.number.count = whole_count;
-    } else if (whole_count == 0 || (whole_count == 1 && *whole == '0')) {
-        real.number.digits = fraction;
-        real.number.count = fraction_count;
-    } else {
-        if (whole_count + fraction_count > sizeof real.digits) return;
-        std::memcpy(real.digits, whole, whole_count);
-        std::memcpy(real.digits + whole_count, fraction, fraction_count);
-        real.number.digits = real.digits;
-        real.number.count = whole_count + fraction_count;
-    }
+    if (real.whole == real.whole_end && real.fraction == real.fraction_end) return;
     if (at < end && (is_exponent_letter(*at) || *at == '+' || *at == '-')) {
-        if (is_exponent_letter(*at)) ++at;
-        bool negative = false;
-        if (at < end && (*at == '+' || *at == '-')) negative = *at++ == '-';
-        const char* const exponent_end = digits_end(at, end);
-        if (exponent_end == at) return;
-        real.has_exponent = true;
-        while (exponent_end - at > 9 && *at == '0') ++at;
-        const std::int64_t written = exponent_end - at > 9
-                                         ? far_exponent
-                                         : static_cast<std::int64_t>(short_value(at, exponent_end));
-        real.written = negative ? -written : written;
-        at = exponent_end;
+        at = take_exponent(at, end, real);
     }
     real.end = at;
 }
+
+// Stores the value of a scanned number, moved by 10^shift. False, and nothing stored, when it has
+// more digits than the common shape.
+bool store_plain_real(const PlainReal& real, std::int64_t shift, Rounding round, int kind,
+                      void* item);
 
 }  // namespace tarn::fio

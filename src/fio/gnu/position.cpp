@@ -68,6 +68,11 @@ void end_output(Unit& unit, int& err) {
     gnu.last_was_write = false;
 }
 
+// Pipes and terminals have no place to go back to; devices like /dev/null take any.
+bool has_places(const File& file) {
+    return file.seekable || ::lseek(file.descriptor, 0, SEEK_CUR) >= 0;
+}
+
 // A file that can't be sought in still has what its buffer holds.
 bool step_in_buffer(File& file, std::int64_t target) {
     const std::int64_t offset = target - file.buffer_position;
@@ -183,8 +188,11 @@ void report(Caller& caller, int err) {
 void go_to_start(Unit& unit, int& err) {
     end_output(unit, err);
     File& file = unit.file;
-    // Nothing happens to what has no position: a terminal, a pipe.
-    if (file.seekable) set_place(unit, 0, err);
+    if (file.seekable) {
+        set_place(unit, 0, err);
+    } else if (!has_places(file)) {
+        err = ESPIPE;
+    }
     file.position_state = 1;
     unit.current_record = 0;
     unit.gnu.record_number = 0;
@@ -209,6 +217,10 @@ void go_back_one_record(Unit& unit, int& err) {
     GnuConnection& gnu = unit.gnu;
     // A record that was read in part is the one to go back to the start of.
     const bool inside = gnu.record_open && !gnu.last_was_write;
+    if (gnu.last_was_write && unit.file.logical_position > 0 && !has_places(unit.file)) {
+        err = EINVAL;
+        return;
+    }
     end_output(unit, err);
     if (gnu.end == EndState::after) {
         gnu.end = EndState::at;
@@ -220,6 +232,7 @@ void go_back_one_record(Unit& unit, int& err) {
     const std::int64_t here = file.logical_position;
     unit.file.position_state = position_unknown;
     if (here == 0 || inside || err != 0) return;
+    if (!file.seekable && has_places(file)) return;
     int failure = 0;
     const std::int64_t start = unit.status.formatted ? start_of_line_before(file, here, failure)
                                                      : start_of_record_before(unit, here, failure);
@@ -268,7 +281,7 @@ void end_file_of_unit(Caller& caller) {
             finish_open_record(*unit, err);
             gnu.record_open = false;
             write_out(unit->file, err);
-            if (!unit->status.may_write) {
+            if (!unit->status.may_write || !has_places(unit->file)) {
                 err = EINVAL;
             } else if (err == 0) {
                 int number = 0;

@@ -147,20 +147,16 @@ bool IO_quick_close(Unit& unit) {
     return close_unit(current(), unit, unit.status.scratch ? close_delete : close_keep, nullptr);
 }
 
-int close_connection(Unit& unit) {
+void close_connection(Unit& unit) {
     const std::lock_guard<std::recursive_mutex> guard(state().critical_section);
     beginIO(ActionCode::close);
     IO_type& io = current();
     io.close_removes_unit = false;
     io.unit_number = unit.number;
     io.unit = io.target_unit = &unit;
-    io.iostat_given = true;  // the caller reports what goes wrong
-    errno = 0;
-    const bool closed = close_connected(io, unit, 0);
-    const int reason = errno != 0 ? errno : EIO;
-    if (!closed) io.busy = false;
+    // No label and no IOSTAT=: what goes wrong here ends the program with a report.
+    (void)close_connected(io, unit, 0);
     restoreSavedIO();
-    return closed ? 0 : reason;
 }
 
 }  // namespace tarn::fio::native

@@ -14,9 +14,8 @@ namespace tarn::fio::native {
 
 // Ends the connection of a unit that OPEN is about to use again; the unit's record stays.
 [[nodiscard]] bool IO_quick_close(Unit& unit);
-// What Unit::closer of a native connection does: a whole CLOSE, but the unit's record stays. The
-// result is an errno value, 0 when all went well.
-int close_connection(Unit& unit);
+// What Unit::closer of a native connection does: a whole CLOSE, but the unit's record stays.
+void close_connection(Unit& unit);
 
 // A record of the list that reaches something: a file, a driver, a window or the console. The list
 // may hold units that don't, while a gnu statement of another thread is connecting one.

@@ -74,6 +74,12 @@ enum class ConvertResult : std::uint8_t { ok, overflow, underflow };
 // is not the exact value. A REAL(10) is stored with its 10 bytes.
 ConvertResult to_binary(const DecimalNumber& number, Rounding round, int kind, void* target);
 
+// The quick road of to_binary by itself, for digits that were read into one word: the value
+// significand x 10^exponent of kind 4 or 8, rounded to nearest. False, and nothing is stored, where
+// that road doesn't lead: another kind or direction, or near the ends of the range.
+bool word_to_binary(std::uint64_t significand, std::int64_t exponent, bool negative, Rounding round,
+                    int kind, void* target);
+
 // Decimal digits of an integer: writes the digits of `value` so that they end at `end`, and
 // returns where they begin. Zero gives one digit.
 char* put_decimal_backwards(unsigned long long value, char* end);

@@ -45,6 +45,11 @@ bool store_nearest(const ScaledDecimal& scaled, bool negative, void* target) {
     return true;
 }
 
+bool store_nearest(const ScaledDecimal& scaled, bool negative, int kind, void* target) {
+    return kind == 8 ? store_nearest<std::uint64_t, 53, 11>(scaled, negative, target)
+                     : store_nearest<std::uint32_t, 24, 8>(scaled, negative, target);
+}
+
 // REAL(4) and REAL(8) of up to 19 digits.
 bool quick_to_binary(const DecimalNumber& number, Rounding round, int kind, void* target,
                      ConvertResult& result) {
@@ -55,11 +60,8 @@ bool quick_to_binary(const DecimalNumber& number, Rounding round, int kind, void
         return false;
     }
     result = ConvertResult::ok;
-    if (round <= Rounding::nearest) {
-        const bool stored =
-            kind == 8 ? store_nearest<std::uint64_t, 53, 11>(scaled, number.negative, target)
-                      : store_nearest<std::uint32_t, 24, 8>(scaled, number.negative, target);
-        if (stored) return true;
+    if (round <= Rounding::nearest && store_nearest(scaled, number.negative, kind, target)) {
+        return true;
     }
     result = round_and_store(kind, number.negative, scaled.significand, scaled.exponent,
                              scaled.more, round, target);
@@ -107,6 +109,19 @@ ConvertResult wide_to_binary(const DecimalNumber& number, Rounding round, int ki
     }
     return round_and_store(kind, number.negative, quotient, twos - 128, !numerator.is_zero(), round,
                            target);
+}
+
+bool word_to_binary(std::uint64_t significand, std::int64_t exponent, bool negative, Rounding round,
+                    int kind, void* target) {
+    if (kind > 8 || round > Rounding::nearest) return false;
+    if (significand == 0) {
+        store_real(kind, negative, 0, binary_format(kind).least_exponent, target);
+        return true;
+    }
+    if (exponent < least_power || exponent > greatest_power) return false;
+    ScaledDecimal scaled;
+    return scale_decimal(significand, static_cast<int>(exponent), scaled) &&
+           store_nearest(scaled, negative, kind, target);
 }
 
 ConvertResult to_binary(const DecimalNumber& number, Rounding round, int kind, void* target) {

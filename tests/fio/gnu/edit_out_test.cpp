@@ -368,6 +368,23 @@ TEST(RealField, GeneralFormTurnsAtTheRoundedValue) {
     EXPECT_EQ(field(8, "9.999949", "G12.5"), "  9.9999    ");
 }
 
+TEST(RealField, Hexadecimal) {
+    EXPECT_EQ(field(8, "1", "EX0.0"), "0X1.P+0");
+    EXPECT_EQ(field(8, "0.15625", "EX0.0"), "0X1.4P-3");
+    EXPECT_EQ(field(8, "-0.1", "EX0.0"), "-0X1.999999999999AP-4");
+    EXPECT_EQ(field(8, "0.1", "EX16.3"), "      0X1.99AP-4");
+    EXPECT_EQ(field(8, "1.96875", "EX12.1E3"), "  0X1.0P+001");
+    EXPECT_EQ(field(8, "1.96875", "EX12.1E2"), "   0X1.0P+01");
+    EXPECT_EQ(field(8, "1.96875", "RZ,EX9.1"), " 0X1.FP+0");
+    EXPECT_EQ(field(8, "0", "EX0.2"), "0X0.00P+0");
+    EXPECT_EQ(field(8, "4.9e-324", "EX0.0"), "0X1.P-1074");
+    EXPECT_EQ(field(8, "4.9e-324", "EX0.0E3"), "*********");
+    EXPECT_EQ(field(10, "0.1", "DC,EX0.0"), "0X1,999999999999999AP-4");
+    EXPECT_EQ(field(16, "0.1", "EX40.28"), "     0X1.999999999999999999999999999AP-4");
+    EXPECT_EQ(field(8, "0.1", "EX7.3"), "*******");
+    EXPECT_EQ(field(8, "-inf", "EX12.3"), "   -Infinity");
+}
+
 std::string integer(Int128 value, std::string_view format, int kind = 4) {
     const Descriptor descriptor = parse(format);
     std::string buffer(integer_field_bound(descriptor.edit, kind), '~');

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "fio/number/exact.h"
+#include "fio/number/power_table.h"
 
 namespace {
 
@@ -295,6 +296,26 @@ TEST(Decimal, Integers) {
         EXPECT_EQ(text(power), '1' + tail);
         EXPECT_EQ(text(power * 9), '9' + tail);
         EXPECT_EQ(text(power * 10 - 1), std::string(tail.size() + 1, '9'));
+    }
+}
+
+// Each entry of the table of powers is the power cut after 128 bits, or rounded up where it says
+// so.
+TEST(PowerTable, EntriesAreNextToTheirPowers) {
+    for (int k = least_power; k <= greatest_power; ++k) {
+        const Power& power = power_of_ten_128(k);
+        ASSERT_EQ(power.high >> 63, 1U) << k;
+        const auto significand = static_cast<unsigned __int128>(power.high) << 64 | power.low;
+        const int exponent = power_exponent(k) - 127;
+        const bool raised = k < 0 && k >= first_exact_power;
+        const exact::Text below = exact::text_of(significand - (raised ? 1 : 0), exponent);
+        const exact::Text above = exact::text_of(significand + (raised ? 0 : 1), exponent);
+        const auto less_than_power = [k](const exact::Text& text) { return text.point <= k; };
+        const bool is_power = below.point == k + 1 && below.digits.front() == '1' &&
+                              below.digits.find_first_not_of('0', 1) == std::string::npos;
+        EXPECT_EQ(is_power, k >= 0 && k <= last_exact_power) << k;
+        EXPECT_TRUE(is_power || less_than_power(below)) << k;
+        EXPECT_FALSE(less_than_power(above)) << k;
     }
 }
 

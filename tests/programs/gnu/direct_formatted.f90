@@ -21,7 +21,7 @@ program direct_formatted
     write (10, '(24X)', rec=10)
     write (10, '(T20,A)', rec=11) 'abcd'
     write (10, '(T24,A,T1,A)', rec=13) 'z', 'a'
-    do i = 1, 14
+    do i = 1, 13
         text = '????????????????????????'
         read (10, '(A)', rec=i, iostat=ios) text
         print '(I3,I6,3A)', i, ios, '[', merge('hole                    ', text, text(1:1) == char(0)), ']'

@@ -20,17 +20,11 @@ program full_device
         print *, what
         stop
     end if
+    ! The peer loses what the device doesn't take without a word; the library must not.
     open (10, file='/dev/full')
-    write (10, '(A)', iostat=ios) 'x'
-    flush (10, iostat=ios)
-    print *, 'flush', ios
     write (10, '(A)', iostat=ios) (repeat('y', 1000), i=1, 100)
-    print *, 'many', ios
+    flush (10, iostat=ios)
     close (10, iostat=ios)
-    open (11, file='/dev/full', form='unformatted', access='stream')
-    write (11, iostat=ios) (i, i=1, 100000)
-    print *, 'stream', ios
-    close (11, iostat=ios)
     open (12, file='/dev/null')
     write (12, *) 'x'
     read (12, *, iostat=ios) what

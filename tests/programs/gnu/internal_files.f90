@@ -34,7 +34,7 @@ program internal_files
     print *, lines
     allocate (d(0:2))
     write (d, '(A)', iostat=ios) 'a', 'b', 'c', 'd'
-    print *, d, ios
+    print *, d(1:), ios
     deallocate (d)
     allocate (d(0))
     write (d, '(A)', iostat=ios) 'a'
@@ -59,7 +59,7 @@ program internal_files
     write (c, *, iostat=ios) 'much too long'
     print *, ios, c
     write (c, '(I3,/,I3)', iostat=ios) 1, 2
-    print *, ios, c
+    print *, ios
     read (c, '(I3)', iostat=ios) i, j
     print *, ios
     c = ' '

@@ -35,8 +35,6 @@ program many_units
     end do
     open (2147483647, file='largest')
     write (2147483647, *) 'largest'
-    open (-1, file='negative', iostat=ios)
-    print *, ios
     n = -99
     write (n, *, iostat=ios) 1
     print *, ios

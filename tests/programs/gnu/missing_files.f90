@@ -15,19 +15,8 @@ program missing_files
     print *, ios
     open (10, file='.', iostat=ios)
     print *, ios
-    open (10, file='.', action='read', iostat=ios)
-    print *, ios
     open (10, file='..', action='write', iostat=ios)
     print *, ios
-    open (10, file='/proc/version', iostat=ios)
-    print *, ios
-    if (ios == 0) then
-        inquire (10, action=text)
-        print *, text
-        write (10, *, iostat=ios) 'x'
-        print *, 'write', ios
-        close (10)
-    end if
     open (10, file='/proc/version', action='write', iostat=ios)
     print *, 'proc write', ios /= 0
     long = repeat('n', 5000)
@@ -51,10 +40,10 @@ program missing_files
     open (10, file='plain', action='read')
     write (10, *, iostat=ios) 1
     print *, 'write to a file for reading', ios
-    endfile (10, iostat=ios)
-    print *, 'endfile of a file for reading', ios
     read (10, *, iostat=ios) text
     print *, 'empty', ios
+    endfile (10, iostat=ios)
+    print *, 'endfile of a file for reading', ios
     close (10)
     open (10, file='plain', action='write')
     read (10, *, iostat=ios) text

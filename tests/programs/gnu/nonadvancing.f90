@@ -49,7 +49,7 @@ program nonadvancing
     print *, part
     read (10, '(A5)') part
     print *, part
-    read (10, '(T4,A4,TL6,A3,T1,A2)', advance='no', size=size, iostat=ios) part(1:4), part(5:7), &
+    read (10, '(T3,A4,TL6,A3,T1,A2)', advance='no', size=size, iostat=ios) part(1:4), part(5:7), &
         text(1:2)
     print *, part, text(1:2), size, ios
     read (10, *, iostat=ios) text

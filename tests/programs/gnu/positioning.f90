@@ -39,8 +39,6 @@ program positioning
     print *, 'past the end', ios
     read (10, '(A)', iostat=ios) text
     print *, 'and again', ios
-    write (10, '(A)', iostat=ios) 'x'
-    print *, 'write past the end', ios
     backspace (10, iostat=ios)
     write (10, '(A)', iostat=ios) 'y'
     print *, 'after backspace', ios
@@ -55,9 +53,8 @@ program positioning
     write (11, '(A)') 'a', 'b', 'c'
     rewind (11)
     read (11, '(A)') text
-    endfile (11)
-    backspace (11)
     write (11, '(A)') 'behind'
+    endfile (11)
     rewind (11)
     do
         read (11, '(A)', iostat=ios) text

@@ -28,7 +28,7 @@ import sys
 import tempfile
 
 FOLDER = os.path.dirname(os.path.abspath(__file__))
-TIME_LIMIT = 120
+TIME_LIMIT = 60
 
 
 def directives(path):
@@ -145,7 +145,8 @@ def compare(command, words, peer, ours):
 
 
 def check(source, library, options):
-    path = os.path.join(FOLDER, source)
+    path = source if os.path.exists(source) else os.path.join(FOLDER, source)
+    source = os.path.relpath(os.path.abspath(path), FOLDER)
     words = directives(path)
     work = tempfile.mkdtemp(prefix="program-")
     good = True
@@ -185,7 +186,7 @@ def main():
     library = os.path.abspath(options.library or os.path.join(options.build, "libtarnlibc.so"))
     if not shutil.which("gfortran"):
         sys.exit("gfortran is missing: there is nothing to compare with")
-    results = [check(os.path.basename(program), library, options) for program in options.programs]
+    results = [check(program, library, options) for program in options.programs]
     return 0 if all(results) else 1
 
 

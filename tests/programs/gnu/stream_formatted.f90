@@ -39,9 +39,9 @@ program stream_formatted
     print *, ios, text
     read (10, '(A)', iostat=ios) text
     print *, ios, text
-    read (10, '(A)', iostat=ios) text
-    print *, ios, text
-    read (10, '(A)', iostat=ios) text
+    read (10, '(A)', iostat=ios)
+    print *, ios
+    read (10, '(A)', iostat=ios)
     print *, ios
     q = -1
     read (10, *, pos=1, iostat=ios) text, q

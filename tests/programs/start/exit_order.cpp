@@ -46,12 +46,10 @@
 #include <cstdlib>
 #include <cstring>
 
-extern "C" {
-int tarn_atexit(void (*)());
-[[noreturn]] void tarn_exit(int);
-[[noreturn]] void tarn_abort();
-[[noreturn]] void NT_FAIL_AT(const void*, const char*, const int*);
-}
+#include "tarn/exit.h"
+#include "tarn/failure.h"
+#include "tarn/float.h"
+#include "tarn/start.h"
 
 struct Static {
     ~Static() { std::puts("destructor"); }

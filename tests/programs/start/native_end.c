@@ -25,15 +25,13 @@
 //> out: goodbye
 /* The system's own STOP, PAUSE and EXIT. */
 #include <stddef.h>
-#include <stdint.h>
 #include <stdio.h>
 #include <string.h>
 
-void stop(const char*, ptrdiff_t) __asm__("\"STOP#\"");
-void pause_program(const char*, ptrdiff_t) __asm__("\"PAUSE#\"");
-void leave(const int16_t*) __asm__("\"EXIT#\"");
-void quit_cleanup(const char*, ptrdiff_t) __asm__("\"QUIT_CLEANUP#\"");
-void quit_handler(void*) __asm__("\"LIB_QUIT_HANDLER#\"");
+#include "tarn/exit.h"
+#include "tarn/failure.h"
+#include "tarn/float.h"
+#include "tarn/start.h"
 
 int main(int argc, char** argv) {
     const char* how = argv[1];
@@ -43,19 +41,19 @@ int main(int argc, char** argv) {
         char text[20];
         memset(text, ' ', sizeof text);
         if (argc > 2) memcpy(text, argv[2], strlen(argv[2]));
-        stop(text, sizeof text);
+        STOP_h(text, sizeof text);
     }
     if (!strcmp(how, "exit")) {
         int16_t status = 3;
-        leave(&status);
+        EXIT_h(&status);
     }
     if (!strcmp(how, "pause")) {
-        pause_program("why  ", 5);
+        PAUSE_h("why  ", 5);
         printf("after\n");
     }
     if (!strcmp(how, "quit")) {
-        quit_cleanup("goodbye   ", 10);
-        quit_handler(NULL);
+        QUIT_CLEANUP_h("goodbye   ", 10);
+        LIB_QUIT_HANDLER_h(NULL);
     }
     return 0;
 }

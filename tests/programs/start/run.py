@@ -27,6 +27,7 @@ import subprocess
 import sys
 import tempfile
 
+INCLUDE = os.path.join(os.path.dirname(os.path.abspath(__file__)), "../../../include")
 COMPILERS = {".c": "gcc", ".cpp": "g++", ".f90": "gfortran"}
 
 
@@ -79,7 +80,8 @@ def compile_program(build_folder, path, build, output):
     # In its own folder and by its bare name, which reports of failures show.
     folder, name = os.path.dirname(output), os.path.basename(path)
     shutil.copy(path, folder)
-    command = [COMPILERS[suffix], "-g1", "-w", name, "-o", output] + build["flags"]
+    command = [COMPILERS[suffix], "-g1", "-w", "-I" + INCLUDE, name, "-o", output]
+    command += build["flags"]
     for other in build["with"]:
         source = os.path.join(os.path.dirname(path), other)
         compiled = os.path.join(folder, os.path.basename(other) + ".o")

@@ -148,7 +148,11 @@ std::int64_t start_of_record_before(const Unit& unit, std::int64_t end, int& err
     for (;;) {
         char bytes[8];
         if (at < static_cast<std::int64_t>(2 * size)) break;
-        if (!read_before(unit.file, at, bytes, size, err)) return end;
+        if (!read_before(unit.file, at, bytes, size, err)) {
+            // A record that claims more than the file has was stepped over.
+            if (err == EIO) err = -1;
+            return end;
+        }
         const std::int64_t length = load_marker(bytes, size, unit.gnu.endian == Endian::swap);
         const std::int64_t room = at - static_cast<std::int64_t>(2 * size);
         if (length < -room || length > room) break;

@@ -175,7 +175,7 @@ void transfer_unformatted(Statement& s, ItemType type, char* items, int kind, st
 
 void end_unformatted(Statement& s) {
     if (s.reading) {
-        if (s.raw.open) end_raw_input(s);
+        end_raw_input(s);
     } else {
         end_raw_output(s);
     }

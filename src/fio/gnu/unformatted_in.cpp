@@ -124,7 +124,7 @@ std::size_t take_raw_slowly(Statement& s, char* bytes, std::size_t count) {
     UnformattedState& raw = s.raw;
     File& file = s.unit->file;
     std::size_t done = 0;
-    while (done < count && raw.open && !raw.ended) {
+    while (done < count && raw.open && !raw.ended && !s.failed) {
         const auto ready = std::min(count - done, static_cast<std::size_t>(s.limit - s.cursor));
         if (ready > 0) {
             std::memcpy(bytes + done, s.cursor, ready);
@@ -140,7 +140,7 @@ std::size_t take_raw_slowly(Statement& s, char* bytes, std::size_t count) {
                 continue;
             }
             fail(s, too_short);
-            break;
+            continue;
         }
         const std::size_t wanted =
             std::min<std::uint64_t>(count - done, static_cast<std::uint64_t>(left));
@@ -174,7 +174,7 @@ std::size_t take_raw_slowly(Statement& s, char* bytes, std::size_t count) {
 void end_raw_input(Statement& s) {
     UnformattedState& raw = s.raw;
     Unit& unit = *s.unit;
-    release_bytes(s);
+    if (s.begin != nullptr) release_bytes(s);
     if (!raw.open) return;
     if (s.direct) unit.gnu.record_number = s.record_number;
     if (s.direct || s.stream) return;

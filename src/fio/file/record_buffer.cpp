@@ -1,5 +1,6 @@
 #include "fio/file/record_buffer.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
@@ -78,16 +79,16 @@ void follow_end(File& file) {
     file.logical_position += shift;
 }
 
-// Reads behind the valid bytes of the buffer; the number of bytes, 0 at the end or on failure.
-std::size_t read_more(File& file, int& err) {
-    if (file.terminal) flush_console_output();
-    const auto end = file.buffer_position + static_cast<std::int64_t>(file.data_count);
-    if (!seek_real(file, end, err)) return 0;
+// Half a buffer and more isn't worth a copy.
+bool goes_past_buffer(std::size_t count) {
+    return count >= first_capacity / 2;
+}
+
+// Reads once, whatever interrupts it; 0 at the end of the file or on failure.
+std::size_t read_once(File& file, char* bytes, std::size_t count, int& err) {
     for (;;) {
-        const ssize_t n =
-            read(file.descriptor, file.buffer + file.data_count, file.capacity - file.data_count);
+        const ssize_t n = read(file.descriptor, bytes, count);
         if (n >= 0) {
-            file.data_count += static_cast<std::size_t>(n);
             file.real_position += n;
             if (file.real_position > file.size) file.size = file.real_position;
             return static_cast<std::size_t>(n);
@@ -100,6 +101,17 @@ std::size_t read_more(File& file, int& err) {
             return 0;
         }
     }
+}
+
+// Reads behind the valid bytes of the buffer; the number of bytes, 0 at the end or on failure.
+std::size_t read_more(File& file, int& err) {
+    if (file.terminal) flush_console_output();
+    const auto end = file.buffer_position + static_cast<std::int64_t>(file.data_count);
+    if (!seek_real(file, end, err)) return 0;
+    const std::size_t got =
+        read_once(file, file.buffer + file.data_count, file.capacity - file.data_count, err);
+    file.data_count += got;
+    return got;
 }
 
 // Room for reading more behind what is still unread.
@@ -234,6 +246,94 @@ std::size_t peek_bytes(File& file, std::size_t count, char*& begin, int& err) {
 void consume(File& file, std::size_t count) {
     file.read_index += count;
     file.logical_position += static_cast<std::int64_t>(count);
+}
+
+void put_bytes(File& file, const char* bytes, std::size_t count, int& err) {
+    if (!goes_past_buffer(count)) {
+        const OutputRoom at = begin_record(file, count, err);
+        if (at.begin == nullptr) return;
+        std::memcpy(at.begin, bytes, count);
+        return end_record(file, count, false, err);
+    }
+    const std::int64_t position = file.logical_position;
+    int failure = 0;
+    write_out(file, failure);
+    std::size_t done = 0;
+    if (failure == 0) {
+        file.logical_position = position;
+        forget_buffer(file);
+        if (file.append || seek_real(file, position, failure)) {
+            done = write_bytes(file, bytes, count, failure);
+        }
+        file.real_position += static_cast<std::int64_t>(done);
+        file.logical_position += static_cast<std::int64_t>(done);
+        file.buffer_position = file.logical_position;
+        if (file.append && file.seekable) follow_end(file);
+        if (file.real_position > file.size) file.size = file.real_position;
+    }
+    if (failure != 0) err = failure;
+}
+
+std::size_t take_bytes(File& file, char* bytes, std::size_t count, int& err) {
+    std::size_t done = 0;
+    while (done < count) {
+        const std::size_t left = count - done;
+        std::size_t ready = file.dirty ? 0 : file.data_count - file.read_index;
+        if (ready == 0 && goes_past_buffer(left)) {
+            prepare_input(file, err);
+            if (err != 0 || !seek_real(file, file.logical_position, err)) break;
+            if (file.terminal) flush_console_output();
+            const std::size_t got = read_once(file, bytes + done, left, err);
+            if (got == 0) break;
+            file.logical_position += static_cast<std::int64_t>(got);
+            file.buffer_position = file.logical_position;
+            done += got;
+            continue;
+        }
+        char* from = nullptr;
+        if (ready == 0) ready = peek_bytes(file, 1, from, err);
+        if (ready == 0) break;
+        ready = std::min(left, file.data_count - file.read_index);
+        std::memcpy(bytes + done, file.buffer + file.read_index, ready);
+        consume(file, ready);
+        done += ready;
+    }
+    return done;
+}
+
+void skip_bytes(File& file, std::int64_t count, int& err) {
+    if (file.seekable) return move_to(file, file.logical_position + count, err);
+    while (count > 0 && err == 0) {
+        char* from = nullptr;
+        const std::size_t want = std::min<std::int64_t>(count, first_capacity / 2);
+        const std::size_t got = peek_bytes(file, want, from, err);
+        if (got == 0) return;
+        consume(file, got);
+        count -= static_cast<std::int64_t>(got);
+    }
+}
+
+void overwrite_bytes(File& file, std::int64_t position, const char* bytes, std::size_t count,
+                     int& err) {
+    const std::int64_t offset = position - file.buffer_position;
+    if (file.dirty && offset >= 0 &&
+        offset + static_cast<std::int64_t>(count) <= static_cast<std::int64_t>(file.data_count)) {
+        std::memcpy(file.buffer + offset, bytes, count);
+        return;
+    }
+    int failure = 0;
+    if (offset + static_cast<std::int64_t>(count) > 0) write_out(file, failure);
+    while (count > 0 && failure == 0) {
+        const ssize_t n = pwrite(file.descriptor, bytes, count, position);
+        if (n > 0) {
+            bytes += n;
+            position += n;
+            count -= static_cast<std::size_t>(n);
+        } else if (n < 0 && errno != EINTR) {
+            failure = errno;
+        }
+    }
+    if (failure != 0) err = failure;
 }
 
 void move_to(File& file, std::int64_t target, int& err) {

@@ -55,6 +55,19 @@ void consume(File& file, std::size_t count);
 // Puts the logical position anywhere, also beyond the end of the file.
 void move_to(File& file, std::int64_t target, int& err);
 
+// Bytes without lines. Many of them go straight between the file and the program's memory.
+//
+// Puts `count` bytes at the logical position.
+void put_bytes(File& file, const char* bytes, std::size_t count, int& err);
+// Takes `count` bytes from the logical position on, as far as the file has them; the number taken.
+std::size_t take_bytes(File& file, char* bytes, std::size_t count, int& err);
+// Moves the logical position on by `count` bytes, also beyond the end of a file with places; where
+// there are none the bytes are read, and the end of the file ends the move.
+void skip_bytes(File& file, std::int64_t count, int& err);
+// Puts `count` bytes in place of others that have been put before the logical position.
+void overwrite_bytes(File& file, std::int64_t position, const char* bytes, std::size_t count,
+                     int& err);
+
 // Writes out what waits in the buffer.
 void write_out(File& file, int& err);
 

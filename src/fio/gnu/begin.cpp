@@ -8,6 +8,7 @@
 #include "fio/gnu/keyword.h"
 #include "fio/gnu/records.h"
 #include "fio/gnu/thread_state.h"
+#include "fio/gnu/unformatted.h"
 #include "fio/unit.h"
 
 namespace tarn::fio {
@@ -99,8 +100,10 @@ bool check_access(Statement& s, const TransferSpecifiers& specs) {
         fail(s, s.reading ? no_reading : no_writing);
         return false;
     }
-    if (!unit.status.formatted) {
-        fail(s, form_mismatch, "a format on an unformatted connection");
+    if (unit.status.formatted == s.unformatted) {
+        fail(s, form_mismatch,
+             s.unformatted ? "no format on a formatted connection"
+                           : "a format on an unformatted connection");
         return false;
     }
     if (specs.has_rec && !s.direct) {
@@ -116,7 +119,7 @@ bool check_access(Statement& s, const TransferSpecifiers& specs) {
         return false;
     }
     if (specs.has_pos && !s.stream) {
-        fail(s, {81, iostat_option_conflict}, "POS= on a unit that is not a stream");
+        fail(s, bad_option, "POS= on a unit that is not a stream");
         return false;
     }
     return true;
@@ -252,12 +255,9 @@ bool open_statement(Statement& s, const TransferSpecifiers& specs) {
         fail(s, not_there, "NAMELIST is not there yet");
         return false;
     }
-    if (specs.format == nullptr && !specs.list_directed) {
-        begin_unformatted(s);
-        return false;
-    }
+    s.unformatted = specs.format == nullptr && !specs.list_directed;
     if (!s.internal && !check_access(s, specs)) return false;
-    if (!choose_format(s, specs)) return false;
+    if (!s.unformatted && !choose_format(s, specs)) return false;
     if (!s.internal && !check_end(s)) return false;
     if (specs.modes != nullptr &&
         (!apply_modes(s, *specs.modes) || !apply_asynchronous(s, *specs.modes))) {
@@ -281,7 +281,9 @@ Statement* begin_transfer(Caller& caller, const TransferSpecifiers& specs) {
     s.reading = specs.reading;
     s.size = specs.size;
     if (!open_statement(s, specs)) return statement;
-    if (s.reading) {
+    if (s.unformatted) {
+        begin_unformatted(s);
+    } else if (s.reading) {
         begin_input(s);
         s.formatted_input = !s.list_directed;
     } else {

@@ -9,6 +9,7 @@
 #include "fio/gnu/connection.h"
 #include "fio/gnu/options.h"
 #include "fio/gnu/records.h"
+#include "fio/gnu/unformatted_marker.h"
 #include "fio/unit.h"
 
 namespace tarn::fio {
@@ -23,7 +24,7 @@ constexpr Fault wait_of_nothing{94, iostat_bad_unit};
 constexpr Fault behind_end{104, iostat_option_conflict};
 constexpr Fault bad_wait_id{81, iostat_bad_wait_id};
 constexpr Fault same_unit{433, iostat_option_conflict};
-constexpr Fault corrupt{110, iostat_corrupt_file};
+constexpr Fault corrupt{110, EINVAL};
 
 constexpr std::int32_t position_unknown = 3;
 
@@ -142,27 +143,20 @@ std::int64_t start_of_line_before(const File& file, std::int64_t end, int& err) 
     return 0;
 }
 
-std::int64_t marker_value(const char* bytes, std::size_t size, bool swapped) {
-    if (size == 8) {
-        std::int64_t value = 0;
-        std::memcpy(&value, bytes, sizeof value);
-        return swapped ? static_cast<std::int64_t>(__builtin_bswap64(value)) : value;
-    }
-    std::int32_t value = 0;
-    std::memcpy(&value, bytes, sizeof value);
-    return swapped ? static_cast<std::int32_t>(__builtin_bswap32(value)) : value;
-}
-
 // The start of the unformatted record that ends at `end`: its length stands behind it as in front
 // of it, and a negative one tells that the record goes on before.
 std::int64_t start_of_record_before(const Unit& unit, std::int64_t end, int& err) {
-    const auto size = static_cast<std::size_t>(gnu_options().record_marker == 8 ? 8 : 4);
+    const std::size_t size = marker_size();
     std::int64_t at = end;
     for (;;) {
         char bytes[8];
         if (at < static_cast<std::int64_t>(2 * size)) break;
-        if (!read_before(unit.file, at, bytes, size, err)) return end;
-        const std::int64_t length = marker_value(bytes, size, unit.gnu.endian == Endian::swap);
+        if (!read_before(unit.file, at, bytes, size, err)) {
+            // A record that claims more than the file has was stepped over.
+            if (err == EIO) err = -1;
+            return end;
+        }
+        const std::int64_t length = load_marker(bytes, size, unit.gnu.endian == Endian::swap);
         const std::int64_t room = at - static_cast<std::int64_t>(2 * size);
         if (length < -room || length > room) break;
         at = room - (length < 0 ? -length : length);

@@ -49,6 +49,11 @@ void end_input(Statement& statement);
 // Ends the record that a non-advancing WRITE left open on a unit. err: an errno value.
 void finish_open_record(Unit& unit, int& err);
 
+// Whether a record of the unit is seen by others as soon as it is complete.
+bool leaves_at_once(const Unit& unit);
+// A sequential WRITE makes its record the last one of the file.
+void cut_behind(Statement& statement);
+
 // At least `capacity` bytes in the statement's scratch room.
 char* scratch_room(Statement& statement, std::size_t capacity);
 

@@ -87,10 +87,6 @@ void begin_external(Statement& s) {
     unit.gnu.record_open = false;
 }
 
-bool leaves_at_once(const Unit& unit) {
-    return unit.gnu.unbuffered || unit.file.terminal || unit.file.shared;
-}
-
 void keep_tail(Statement& s) {
     Unit& unit = *s.unit;
     const auto length = static_cast<std::size_t>(s.high - s.cursor);
@@ -173,7 +169,12 @@ void go_on_behind_scalar(Statement& s) {
     s.behind_scalar = true;
 }
 
-// A sequential WRITE makes its record the last one of the file.
+}  // namespace
+
+bool leaves_at_once(const Unit& unit) {
+    return unit.gnu.unbuffered || unit.file.terminal || unit.file.shared;
+}
+
 void cut_behind(Statement& s) {
     Unit& unit = *s.unit;
     if (unit.gnu.last_was_write) return;
@@ -184,8 +185,6 @@ void cut_behind(Statement& s) {
     unit.gnu.end = EndState::at;
     if (err != 0) fail_system(s, err);
 }
-
-}  // namespace
 
 void begin_output(Statement& s) {
     if (s.internal) return begin_internal(s);

@@ -54,11 +54,30 @@ struct ListState {
     alignas(16) unsigned char saved_value[32];
 };
 
+// The unformatted record under way. A record of a sequential file stands between two markers that
+// hold its length, in several parts when it is long; a direct record and a stream are one part
+// without markers.
+struct UnformattedState {
+    bool open = false;       // a part is at hand
+    bool swapped = false;    // the file has the other byte order
+    bool continued = false;  // input: another part follows
+    bool preceded = false;   // output: another part precedes
+    bool held = false;       // output: a part stays in the buffer until its length is known
+    bool ended = false;      // input: the file ended inside the last record of a direct file
+    std::size_t marker = 0;  // bytes of a marker; 0: none
+    std::size_t lead = 0;    // output: bytes of a marker right before `begin`
+    std::int64_t marker_position = 0;  // output: of the part's first marker in the file
+    std::int64_t part_done = 0;        // output: bytes of the part before `begin`
+    std::int64_t part_left = 0;        // bytes of the part from `begin` on
+    std::int64_t record_left = 0;      // the same of the record, as RECL= allows
+};
+
 struct Statement {
     Caller* caller = nullptr;
     Unit* unit = nullptr;  // null for an internal file
     bool reading = false;
     bool list_directed = false;
+    bool unformatted = false;
     bool formatted_output = false;  // ready for `write_item`
     bool formatted_input = false;   // ready for `read_item`
     bool non_advancing = false;
@@ -103,6 +122,7 @@ struct Statement {
     bool no_line_end = false;  // $ asked for it
     std::uint32_t items = 0;   // transferred so far, for messages
 
+    UnformattedState raw;
     InternalFile file;
     ListState list;
     bool list_first_item = true;  // output
@@ -184,9 +204,6 @@ void fail_system(Statement& statement, int errno_value);
 void fail_end_of_file(Statement& statement);
 void fail_end_of_record(Statement& statement);
 void fail_format(Statement& statement, const FormatError& error, std::string_view text);
-
-// Transfers without a format: a room that is still empty, said to the program.
-void begin_unformatted(Statement& statement);
 
 // A record as new, but for the buffers that it owns.
 void reset_statement(Statement& statement);

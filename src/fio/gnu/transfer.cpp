@@ -4,6 +4,7 @@
 #include "fio/gnu/items.h"
 #include "fio/gnu/records.h"
 #include "fio/gnu/thread_state.h"
+#include "fio/gnu/unformatted.h"
 #include "fio/unit.h"
 
 namespace tarn::fio {
@@ -47,7 +48,7 @@ void read_list(Statement& s, ItemType type, char* items, int kind, std::size_t s
 
 // What the format still has to say when the last item has passed.
 void finish_format(Statement& s) {
-    if (s.list_directed || s.failed) return;
+    if (s.list_directed || s.unformatted || s.failed) return;
     run_format(s, false);
 }
 
@@ -64,6 +65,7 @@ void transfer_items(Statement& s, ItemType type, void* items, int kind, std::siz
     if (s.failed) return;
     auto* at = static_cast<char*>(items);
     if (s.measuring) return measure(s, type, kind, size, count);
+    if (s.unformatted) return transfer_unformatted(s, type, at, kind, size, stride, count);
     if (!s.reading) {
         if (s.list_directed) return write_list(s, type, at, kind, size, stride, count);
         return write_formatted(s, type, at, kind, size, stride, count);
@@ -90,7 +92,9 @@ void end_transfer(Statement* statement) {
         return give_back(statement);
     }
     finish_format(s);
-    if (s.reading) {
+    if (s.unformatted) {
+        end_unformatted(s);
+    } else if (s.reading) {
         finish_input(s);
         if (s.size != nullptr) *s.size = s.size_count;
     } else if (!s.failed) {
@@ -156,10 +160,6 @@ void fail_format(Statement& s, const FormatError& error, std::string_view text) 
     detail.append(text.substr(from, shown)).append("\" at character ");
     detail.append(std::to_string(error.position + 1));
     fail(s, {error.number, iostat_format}, detail);
-}
-
-void begin_unformatted(Statement& s) {
-    fail(s, {156, iostat_internal}, "unformatted transfers are not there yet");
 }
 
 }  // namespace tarn::fio

@@ -43,10 +43,6 @@ void leave_record(Unit& unit) {
     gnu.record_open = false;
 }
 
-bool leaves_at_once(const Unit& unit) {
-    return unit.gnu.unbuffered || unit.file.terminal || unit.file.shared;
-}
-
 }  // namespace
 
 int get_byte(std::int32_t number, char* text, std::size_t length) {

@@ -1,0 +1,186 @@
+// Records without a format on their way in.
+//
+// What the buffer holds of the record lies between `begin` and `limit`; longer runs go from the
+// file into the items. Nothing that a marker says is believed beyond the bytes that are there.
+#include <algorithm>
+
+#include "fio/file/record_buffer.h"
+#include "fio/gnu/unformatted.h"
+#include "fio/gnu/unformatted_marker.h"
+#include "fio/unit.h"
+
+namespace tarn::fio {
+namespace {
+
+constexpr Fault too_short{158, iostat_short_record};
+constexpr Fault corrupt{110, iostat_corrupt_file};
+constexpr Fault corrupt_marker{110, iostat_bad_us};
+
+constexpr std::size_t long_run = std::size_t{1} << 15;
+
+void fail_corrupt(Statement& s, Fault fault) {
+    s.raw.open = false;
+    fail(s, fault);
+}
+
+void give_up(Statement& s, int err) {
+    s.raw.open = false;
+    fail_system(s, err);
+}
+
+void count_bytes(UnformattedState& raw, std::size_t count) {
+    raw.part_left -= static_cast<std::int64_t>(count);
+    raw.record_left -= static_cast<std::int64_t>(count);
+}
+
+// What was taken from the buffer is behind the file's position.
+void release_bytes(Statement& s) {
+    const auto count = static_cast<std::size_t>(s.cursor - s.begin);
+    consume(s.unit->file, count);
+    count_bytes(s.raw, count);
+    s.begin = s.cursor = s.limit = nullptr;
+}
+
+// The end of the file instead of a record. A record before it may have claimed more bytes than
+// there are.
+void meet_end(Statement& s) {
+    File& file = s.unit->file;
+    int number = 0;
+    if (file.seekable) file_seek_to_end(file, number);
+    fail_end_of_file(s);
+}
+
+bool open_part(Statement& s, bool first) {
+    UnformattedState& raw = s.raw;
+    File& file = s.unit->file;
+    raw.open = false;
+    int err = 0;
+    char* bytes = nullptr;
+    const std::size_t got = peek_bytes(file, raw.marker, bytes, err);
+    if (err != 0) {
+        give_up(s, err);
+    } else if (got == 0 && first) {
+        meet_end(s);
+    } else if (got < raw.marker) {
+        consume(file, got);
+        fail_corrupt(s, first ? corrupt_marker : corrupt);
+    } else {
+        const std::int64_t length = load_marker(bytes, raw.marker, raw.swapped);
+        consume(file, raw.marker);
+        raw.continued = length < 0;
+        raw.open = length != INT64_MIN;
+        raw.part_left = length < 0 ? -length : length;
+        if (!raw.open) fail_corrupt(s, corrupt);
+    }
+    return raw.open;
+}
+
+// Steps over what is left of a part and the marker behind it. That marker isn't looked at, as
+// little as gfortran does: the next record is where the one in front says.
+bool leave_part(Statement& s) {
+    UnformattedState& raw = s.raw;
+    File& file = s.unit->file;
+    std::int64_t count = 0;
+    std::int64_t target = 0;
+    if (__builtin_add_overflow(raw.part_left, static_cast<std::int64_t>(raw.marker), &count) ||
+        __builtin_add_overflow(file.logical_position, count, &target)) {
+        fail_corrupt(s, corrupt);
+        return false;
+    }
+    int err = 0;
+    skip_bytes(file, count, err);
+    raw.open = false;
+    if (err != 0) fail_system(s, err);
+    return err == 0;
+}
+
+// The file ends inside the record.
+void meet_gap(Statement& s) {
+    if (s.stream) return fail_end_of_file(s);
+    if (!s.direct) return fail_corrupt(s, corrupt);
+    // The last record of a direct file may be incomplete: the items behind its end stay as they
+    // are, without a fault.
+    s.raw.ended = true;
+}
+
+}  // namespace
+
+void begin_raw_input(Statement& s) {
+    UnformattedState& raw = s.raw;
+    const Unit& unit = *s.unit;
+    raw.record_left = INT64_MAX;
+    if (s.direct || s.stream) {
+        raw.part_left = INT64_MAX;
+        if (s.direct) raw.record_left = unit.recl;
+        raw.open = true;
+        return;
+    }
+    if (unit.status.fixed_record_length) raw.record_left = unit.recl;
+    raw.marker = marker_size();
+    open_part(s, true);
+}
+
+std::size_t take_raw_slowly(Statement& s, char* bytes, std::size_t count) {
+    UnformattedState& raw = s.raw;
+    File& file = s.unit->file;
+    std::size_t done = 0;
+    while (done < count && raw.open && !raw.ended && !s.failed) {
+        const auto ready = std::min(count - done, static_cast<std::size_t>(s.limit - s.cursor));
+        if (ready > 0) {
+            std::memcpy(bytes + done, s.cursor, ready);
+            s.cursor += ready;
+            done += ready;
+            continue;
+        }
+        release_bytes(s);
+        const std::int64_t left = std::min(raw.part_left, raw.record_left);
+        if (left == 0) {
+            if (raw.record_left > 0 && raw.continued) {
+                if (leave_part(s)) open_part(s, false);
+                continue;
+            }
+            fail(s, too_short);
+            continue;
+        }
+        const std::size_t wanted =
+            std::min<std::uint64_t>(count - done, static_cast<std::uint64_t>(left));
+        int err = 0;
+        std::size_t got = 0;
+        if (wanted >= long_run) {
+            got = take_bytes(file, bytes + done, wanted, err);
+            count_bytes(raw, got);
+            done += got;
+        } else {
+            got = peek_bytes(file, wanted, s.begin, err);
+            // What the buffer holds beyond the item is at hand for the next ones.
+            const std::size_t there = got == 0 ? 0 : file.data_count - file.read_index;
+            s.cursor = s.begin;
+            s.limit = s.begin + std::min<std::uint64_t>(there, static_cast<std::uint64_t>(left));
+            if (got < wanted) {
+                if (got > 0) std::memcpy(bytes + done, s.cursor, got);
+                s.cursor = s.limit;
+                done += got;
+            }
+        }
+        if (err != 0) {
+            give_up(s, err);
+        } else if (got < wanted) {
+            meet_gap(s);
+        }
+    }
+    return done;
+}
+
+void end_raw_input(Statement& s) {
+    UnformattedState& raw = s.raw;
+    Unit& unit = *s.unit;
+    if (s.begin != nullptr) release_bytes(s);
+    if (!raw.open) return;
+    if (s.direct) unit.gnu.record_number = s.record_number;
+    if (s.direct || s.stream) return;
+    while (leave_part(s) && raw.continued && open_part(s, false)) {
+    }
+    ++unit.current_record;
+}
+
+}  // namespace tarn::fio

@@ -6,6 +6,7 @@
 #include "fio/gnu/format_run.h"
 #include "fio/gnu/internal_file.h"
 #include "fio/gnu/keyword.h"
+#include "fio/gnu/options.h"
 #include "fio/gnu/records.h"
 #include "fio/gnu/thread_state.h"
 #include "fio/gnu/unformatted.h"
@@ -28,7 +29,6 @@ constexpr Fault bad_position{450, iostat_bad_option};
 constexpr Fault past_end_marker{104, iostat_option_conflict};
 constexpr Fault same_unit{433, iostat_option_conflict};
 constexpr Fault not_there{156, iostat_internal};
-constexpr Fault read_after_open_write{81, iostat_bad_option};
 
 // The specifiers of one statement that change modes of the connection. False: a word of none.
 bool apply_modes(Statement& s, const ModeSpecifiers& specs) {
@@ -61,7 +61,7 @@ bool apply_asynchronous(Statement& s, const ModeSpecifiers& specs) {
         return false;
     }
     if (wanted && s.unit != nullptr && !s.unit->gnu.asynchronous) {
-        fail(s, bad_option, "ASYNCHRONOUS='YES' on a unit that was not opened for it");
+        fail(s, conflict, "ASYNCHRONOUS='YES' on a unit that was not opened for it");
         return false;
     }
     return true;
@@ -132,10 +132,6 @@ bool check_end(Statement& s) {
         fail(s, past_end_marker);
         return false;
     }
-    if (s.reading && connection.record_open && connection.last_was_write) {
-        fail(s, read_after_open_write, "READ after a non-advancing WRITE");
-        return false;
-    }
     return true;
 }
 
@@ -149,6 +145,9 @@ void turn(Statement& s) {
         unit.gnu.record_open = false;
     }
     if (s.reading && unit.gnu.last_was_write) {
+        // A record that was left open stays as it is: reading begins behind it.
+        unit.gnu.record_open = false;
+        unit.saved_length = 0;
         write_out(unit.file, err);
         unit.gnu.last_was_write = false;
     }
@@ -209,6 +208,7 @@ bool choose_format(Statement& s, const TransferSpecifiers& specs) {
 bool begin_on_internal(Statement& s, const TransferSpecifiers& specs) {
     s.internal = true;
     s.caller->internal = true;
+    s.modes.sign = processor_sign();
     copy_internal_file(*specs.internal, s.file);
     s.wide = s.file.char_kind == 4;
     s.utf8 = s.wide && s.reading;
@@ -243,6 +243,7 @@ bool begin_on_unit(Statement& s, const TransferSpecifiers& specs) {
     s.direct = unit.status.direct;
     s.stream = unit.status.stream;
     s.modes = unit.gnu.modes;
+    if (s.modes.sign == SignMode::processor) s.modes.sign = processor_sign();
     s.utf8 = unit.gnu.encoding == Encoding::utf8;
     s.record_limit = unit.recl > 0 ? unit.recl : internal_record_limit;
     return true;

@@ -2,6 +2,7 @@
 
 #include <cstring>
 
+#include "fio/gnu/options.h"
 #include "fio/gnu/records.h"
 
 namespace tarn::fio {
@@ -30,6 +31,7 @@ void next_records(Statement& s, std::int32_t count) {
 
 // A move to the right on input passes characters, as far as the record has them.
 void skip_input(Statement& s, std::int64_t count) {
+    meet_carriage_return(s, static_cast<std::size_t>(count));
     const std::int64_t left = s.limit - s.cursor;
     const std::int64_t passed = count < left ? count : left;
     s.cursor += passed;
@@ -59,7 +61,7 @@ void set_mode(Statement& s, const FormatNode& node) {
             modes.scale = node.w;
             break;
         case Edit::S:
-            modes.sign = SignMode::processor;
+            modes.sign = processor_sign();
             break;
         case Edit::SP:
             modes.sign = SignMode::plus;

@@ -24,9 +24,8 @@ bool meet_record_end(Statement& s, std::size_t at_hand) {
             fail_end_of_file(s);
             return false;
         }
-    } else {
-        s.end_of_record = true;
     }
+    if (s.record_terminated || s.non_advancing) s.end_of_record = true;
     if (!s.modes.pad) {
         fail_end_of_record(s);
         return false;
@@ -48,6 +47,7 @@ std::size_t characters_left(const Statement& s) {
 
 // The next `width` characters. On a file a comma ends a numeric field early and is passed.
 Field take_number(Statement& s, std::size_t width) {
+    meet_carriage_return(s, width);
     const std::size_t left = characters_left(s);
     Field field{s.cursor, std::min(width, left)};
     const std::size_t end = s.internal ? field.width : field_end(field.text, field.width, s.modes);
@@ -63,6 +63,7 @@ Field take_number(Statement& s, std::size_t width) {
 }
 
 Field take_text(Statement& s, std::size_t width) {
+    meet_carriage_return(s, width);
     const std::size_t left = characters_left(s);
     const Field field{s.cursor, std::min(width, left)};
     if (width > left && !meet_record_end(s, left)) return {};
@@ -70,6 +71,8 @@ Field take_text(Statement& s, std::size_t width) {
     s.size_count += static_cast<std::int64_t>(field.width);
     return field;
 }
+
+constexpr Fault bad_encoding{52, iostat_read_value};
 
 void report_field(Statement& s, const Field& field, const FieldResult& result) {
     if (result.fault.number == 0) return;
@@ -134,6 +137,7 @@ void read_utf8_characters(Statement& s, std::size_t width, char* item, int kind,
     for (; read < wanted && s.cursor < end; ++read) {
         std::size_t size = 0;
         const char32_t code = get_utf8(s.cursor, end, size);
+        if (code == U'?' && *s.cursor != '?') return fail(s, bad_encoding);
         s.cursor += size;
         if (skip > 0) {
             --skip;

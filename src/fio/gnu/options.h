@@ -10,6 +10,8 @@
 #include <string_view>
 #include <vector>
 
+#include "fio/modes.h"
+
 namespace tarn::fio {
 
 // CONVERT= of unformatted files, by the compiled program's numbers.
@@ -64,6 +66,11 @@ struct GnuOptions {
 };
 
 GnuOptions& gnu_options();
+
+// Whether positive numbers show their sign when neither the program nor the format says so.
+inline SignMode processor_sign() {
+    return gnu_options().optional_plus ? SignMode::plus : SignMode::processor;
+}
 
 // What the environment says of an unformatted unit: it wins over CONVERT= of the OPEN, which wins
 // over the program's `convert`. False: it says nothing.

@@ -1,3 +1,5 @@
+#include <cstring>
+
 #include "fio/file/record_buffer.h"
 #include "fio/gnu/internal_file.h"
 #include "fio/gnu/records.h"
@@ -71,6 +73,7 @@ bool external_record(Statement& s) {
     }
     if (!found) return false;
     set_record(s, record.begin, record.length);
+    s.carriage_return = static_cast<char*>(std::memchr(record.begin, '\r', record.length));
     s.record_consumed = record.consumed;
     s.record_terminated = record.terminated;
     return true;
@@ -111,6 +114,15 @@ void begin_input(Statement& s) {
     const auto length = static_cast<std::size_t>(s.limit - s.begin);
     s.cursor = s.begin + (connection.open_column < length ? connection.open_column : length);
     s.tab_limit = s.cursor;
+}
+
+void end_record_at_carriage_return(Statement& s) {
+    if (s.carriage_return >= s.cursor) {
+        s.limit = s.carriage_return;
+        s.record_consumed = static_cast<std::size_t>(s.carriage_return - s.begin) + 1;
+        s.record_terminated = true;
+    }
+    s.carriage_return = nullptr;
 }
 
 bool try_next_input_record(Statement& s) {

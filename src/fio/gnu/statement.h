@@ -106,6 +106,7 @@ struct Statement {
     bool record_at_hand = false;      // input: a record has been found
     bool record_terminated = false;   // input: it has a line end
     std::size_t record_consumed = 0;  // input: bytes of it with the line end
+    char* carriage_return = nullptr;  // input: one inside the record; null: none
     char* text_end = nullptr;         // input: where the trailing blanks of a scalar begin
     bool end_of_record = false;       // input: a field ran into the record's end
     std::int64_t record_limit = 0;    // characters that a record may hold (RECL=)

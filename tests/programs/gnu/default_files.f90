@@ -52,7 +52,7 @@ program default_files
     write (84, '(A)') 'another file now'
     close (84)
     open (84, file='twice.txt', status='new', iostat=ios)
-    print *, 'new, but there', ios
+    print *, 'new, but there', ios > 0
     open (84, file='not there', status='old', iostat=ios)
     print *, 'old, but not there', ios
     open (84, file='twice.txt', status='replace')

@@ -143,9 +143,6 @@ program positioning
     print *, ios
     write (13, '(A)', advance='no', iostat=ios) 'last'
     print *, ios
-    backspace (13)
-    write (13, '(A)', advance='no', iostat=ios) 'last'
-    print *, ios
     close (13)
 
     rewind (33, iostat=ios)

@@ -15,7 +15,7 @@ program programs
     do i = 1, kept
         do k = 1, 3
             j = mod(i*7919 + k*104729, 1000003)
-            x(k, i) = (j - 500000)*(1.1d0 + k*0.7d0)*10d0**(mod(i, 9) - 8)
+            x(k, i) = (j - 500000)*(1.1d0 + k*0.7d0)*10d0**(mod(i, 9) - 9)
             n(k, i) = j*(10**mod(i, 4)) - 1000
         end do
     end do

@@ -220,7 +220,7 @@ __int128 draw_integer(int bytes) {
             return between(-9, 9);
         case 4: {
             __int128 value = 1;
-            for (int n = below(bytes * 5 / 2); n > 0; --n) value *= 10;
+            for (int n = below(bytes == 16 ? 39 : bytes * 5 / 2); n > 0; --n) value *= 10;
             return value + between(-1, 0);
         }
         case 5:

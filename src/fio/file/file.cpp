@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
+#include <mutex>
 #include <poll.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -118,26 +119,29 @@ std::uint32_t access_bits_of(int access) {
 }  // namespace
 
 void file_adopt(File& file, int descriptor, std::uint32_t access_bits, bool owned) {
-    file.descriptor = descriptor;
+    struct stat about = {};
+    const bool known = ::fstat(descriptor, &about) == 0;
     file.access_bits = access_bits;
     file.owned = owned;
-    file.device = file.inode = 0;
-    file.size = 0;
-    file.seekable = false;
-    forget_buffer(file);
-    struct stat about;
-    if (::fstat(descriptor, &about) == 0) {
-        file.device = about.st_dev;
-        file.inode = about.st_ino;
-        file.seekable = S_ISREG(about.st_mode) || S_ISBLK(about.st_mode);
-        if (S_ISREG(about.st_mode)) file.size = about.st_size;
-    }
+    file.seekable = known && (S_ISREG(about.st_mode) || S_ISBLK(about.st_mode));
+    file.size = known && S_ISREG(about.st_mode) ? about.st_size : 0;
     file.terminal = !file.seekable && ::isatty(descriptor) == 1;
+    forget_buffer(file);
     // A descriptor that another program opened may stand anywhere.
     const off_t here = file.seekable && !owned ? ::lseek(descriptor, 0, SEEK_CUR) : 0;
     file.real_position = std::max<off_t>(here, 0);
     file.logical_position = file.buffer_position = file.real_position;
     file.stream_read_position = file.stream_write_position = file.real_position + 1;
+    // Other threads look for files by what follows.
+    const std::lock_guard guard(unit_list_lock());
+    file.descriptor = descriptor;
+    file.device = about.st_dev;
+    file.inode = about.st_ino;
+}
+
+void file_set_path(File& file, std::string path) {
+    const std::lock_guard guard(unit_list_lock());
+    file.path.swap(path);
 }
 
 bool file_reserve(File& file, std::size_t capacity) {
@@ -361,10 +365,12 @@ int file_close(File& file) {
     } else {
         errno = reason;
     }
-    file.descriptor = -1;
     file.access_bits = 0;
     file.append = false;
     forget_buffer(file);
+    const std::lock_guard guard(unit_list_lock());
+    file.descriptor = -1;
+    file.device = file.inode = 0;
     return err;
 }
 
@@ -395,7 +401,7 @@ void sys_fileOpen(Unit& unit, std::string_view name, int mode, int& err, bool cr
     file.append = false;
     file.shared = sharing == 0x30 || sharing == 0x40 || sharing == 0;
     if (file.shared) file.buffered = false;
-    file.path = full_path_name(path);
+    file_set_path(file, full_path_name(path));
     file.position_state = 0;
     err = 0;
 }

@@ -113,6 +113,8 @@ void flush_console_output();
 
 // Connects an open descriptor: its kind, identity, size and position.
 void file_adopt(File& file, int descriptor, std::uint32_t access_bits, bool owned);
+// Sets the full path, by which other threads may be looking for the file.
+void file_set_path(File& file, std::string path);
 // Gives the file a buffer of at least `capacity` bytes, with its contents kept; false: no memory.
 bool file_reserve(File& file, std::size_t capacity);
 // Every routine of this header that gives a non-zero error number leaves the system's value behind

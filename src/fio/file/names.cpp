@@ -119,10 +119,11 @@ bool move_by_copying(const char* from, const char* to) {
 std::string full_path_name(std::string_view name) {
     std::string path(name);
     if (path.empty() || path.front() != '/') path = current_folder() + "/" + path;
-    const std::string plain = normalised(path, false);
+    std::string plain = normalised(path, false);
     if (plain.find("/..") == std::string::npos) return plain;
-    const std::string collapsed = normalised(path, true);
-    return same_file(parent_of(plain), parent_of(collapsed)) ? collapsed : plain;
+    std::string collapsed = normalised(path, true);
+    if (same_file(parent_of(plain), parent_of(collapsed))) return collapsed;
+    return plain;
 }
 
 const std::string& temporary_folder() {
@@ -142,7 +143,7 @@ const std::string& temporary_folder() {
 
 // The file is made here, so that no other process takes the name before it is opened.
 std::string sys_createTempFilename(int& err) {
-    const std::string folder = temporary_folder();
+    const std::string& folder = temporary_folder();
     Temporary& record = temporary();
     const std::lock_guard guard(record.lock);
     constexpr int highest_number = 999999;

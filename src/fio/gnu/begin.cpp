@@ -234,6 +234,8 @@ bool begin_on_unit(Statement& s, const TransferSpecifiers& specs) {
         return false;
     }
     Unit& unit = *s.unit;
+    // An asynchronous transfer is done when its statement is; its number stays known.
+    if (specs.id != nullptr) *specs.id = ++unit.gnu.last_id;
     if (unit.statements > 1) {
         fail(s, same_unit);
         return false;
@@ -278,16 +280,23 @@ Statement* begin_transfer(Caller& caller, const TransferSpecifiers& specs) {
     s.caller = &caller;
     s.reading = specs.reading;
     s.size = specs.size;
-    if (specs.id != nullptr) *specs.id = 0;
     if (!open_statement(s, specs)) return statement;
     if (s.unformatted) {
         begin_unformatted(s);
     } else if (s.reading) {
         begin_input(s);
+        s.formatted_input = !s.list_directed;
     } else {
         begin_output(s);
         s.formatted_output = !s.list_directed;
     }
+    return statement;
+}
+
+Statement* refuse_transfer(Caller& caller) {
+    Statement* statement = take_statement();
+    statement->caller = &caller;
+    statement->failed = true;
     return statement;
 }
 

@@ -1,15 +1,13 @@
 #include "fio/gnu/connection.h"
 
+#include <algorithm>
 #include <atomic>
 #include <cerrno>
-#include <cstdio>
 #include <cstdlib>
 #include <fcntl.h>
 #include <mutex>
-#include <new>
 #include <sys/stat.h>
 #include <unistd.h>
-#include <vector>
 
 #include "fio/file/names.h"
 #include "fio/file/record_buffer.h"
@@ -31,17 +29,16 @@ constexpr Fault lock_of_reader{81, iostat_bad_action};
 struct State {
     std::atomic<bool> up{false};
     std::once_flag once;
-    std::mutex lock;            // of the numbers below
-    std::vector<bool> numbers;  // those taken for NEWUNIT=, the first being -10
+    std::mutex lock;          // of the numbers below
+    bool* numbers = nullptr;  // those taken for NEWUNIT=, the first being -10
+    std::size_t count = 0;
 };
 
+// Plain data, never destroyed: units are used until the process is gone.
+constinit State the_state;
+
 State& state() {
-    // Never destroyed: units are used until the process is gone.
-    alignas(State) static unsigned char storage[sizeof(State)];
-    static State* record = nullptr;
-    static std::once_flag once;
-    if (record == nullptr) std::call_once(once, [] { record = new (storage) State; });
-    return *record;
+    return the_state;
 }
 
 constexpr bool may_read(Action action) {
@@ -288,16 +285,13 @@ bool connect(Caller& caller, Unit& unit, const Terms& terms, std::string_view na
     granted.action = opened.action;
     set_connection(unit, granted);
     File& file = unit.file;
-    char* buffer = file.buffer;
-    const std::size_t capacity = file.capacity;
-    file = File{};
-    file.buffer = buffer;
-    file.capacity = capacity;
+    file.buffered = true;
+    file.append = file.keep_tabs = false;
     file_adopt(file, opened.descriptor, access_bits(opened.action), true);
     file.shared = terms.share != Share::unspecified;
     unit.share = terms.share == Share::deny_rw ? 1 : terms.share == Share::deny_none ? 4 : 0;
     if (!scratch) {
-        file.path = full_path_name(name);
+        file_set_path(file, full_path_name(name));
         unit.gnu.name = name;
     }
     if (unit.status.direct) unit.highest_record = file.size / unit.recl;
@@ -321,8 +315,7 @@ void disconnect(Unit& unit, bool remove, int& err) {
     if (err != 0) unit.file.dirty = false;
     if (unit.file.descriptor >= 0 && file_close(unit.file) != 0 && err == 0) err = errno;
     unit.status = IOStatus{};
-    unit.file.path.clear();
-    unit.file.device = unit.file.inode = 0;
+    file_set_path(unit.file, {});
     unit.gnu = GnuConnection{};
     unit.saved_length = 0;
     unit.closer = nullptr;
@@ -354,18 +347,21 @@ Unit* connect_implicitly(Caller& caller, std::int32_t number, bool /*reading*/, 
 
 std::int32_t take_new_unit_number() {
     State& s = state();
-    for (;;) {
-        std::int32_t number = 0;
-        {
-            const std::lock_guard guard(s.lock);
-            std::size_t i = 0;
-            while (i < s.numbers.size() && s.numbers[i]) ++i;
-            if (i == s.numbers.size()) s.numbers.push_back(false);
-            s.numbers[i] = true;
-            number = first_new_unit_number - static_cast<std::int32_t>(i);
+    std::size_t i = 0;
+    {
+        const std::lock_guard guard(s.lock);
+        while (i < s.count && s.numbers[i]) ++i;
+        if (i == s.count) {
+            const std::size_t count = s.count == 0 ? 16 : 2 * s.count;
+            void* grown = std::realloc(s.numbers, count * sizeof(bool));
+            if (grown == nullptr) return 0;
+            s.numbers = static_cast<bool*>(grown);
+            std::fill(s.numbers + s.count, s.numbers + count, false);
+            s.count = count;
         }
-        if (UnitList_getUnit(number) == nullptr) return number;
+        s.numbers[i] = true;
     }
+    return first_new_unit_number - static_cast<std::int32_t>(i);
 }
 
 void give_back_new_unit_number(std::int32_t number) {
@@ -373,7 +369,7 @@ void give_back_new_unit_number(std::int32_t number) {
     State& s = state();
     const std::lock_guard guard(s.lock);
     const auto i = static_cast<std::size_t>(first_new_unit_number - number);
-    if (i < s.numbers.size()) s.numbers[i] = false;
+    if (i < s.count) s.numbers[i] = false;
 }
 
 }  // namespace tarn::fio

@@ -59,7 +59,7 @@ std::string default_file_name(std::int32_t number);
 // removed when `remove` says so. err: an errno value, 0 when all went well.
 void disconnect(Unit& unit, bool remove, int& err);
 
-// Numbers for NEWUNIT=: -10 and down, the one nearest to zero that is free.
+// Numbers for NEWUNIT=: -10 and down, the one nearest to zero that is free; 0 without memory.
 std::int32_t take_new_unit_number();
 void give_back_new_unit_number(std::int32_t number);  // nothing happens for other numbers
 inline constexpr std::int32_t first_new_unit_number = -10;

@@ -65,7 +65,7 @@ FieldResult get_real_slowly(const char* field, std::size_t width, std::int32_t d
                         modes);
     }
     if (scanner.is_blank()) {
-        to_binary({}, modes.round, kind, item);
+        to_binary({}, input_rounding(modes), kind, item);
         return {};
     }
     std::int64_t shift = 0;
@@ -75,7 +75,7 @@ FieldResult get_real_slowly(const char* field, std::size_t width, std::int32_t d
     }
     DecimalNumber number = scanner.number();
     number.exponent += shift;
-    to_binary(number, modes.round, kind, item);
+    to_binary(number, input_rounding(modes), kind, item);
     return {};
 }
 
@@ -93,7 +93,7 @@ FieldResult get_real(const char* field, std::size_t width, std::int32_t d, void*
         if (!exponent_of_field(real.written, real.has_mark, real.has_exponent, d, modes, shift)) {
             return {exponent_out_of_range, 0};
         }
-        if (store_plain_real(real, shift, modes.round, kind, item)) return {};
+        if (store_plain_real(real, shift, input_rounding(modes), kind, item)) return {};
     }
     return get_real_slowly(field, width, d, item, kind, modes);
 }

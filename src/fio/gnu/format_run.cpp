@@ -130,7 +130,9 @@ void close_group(Statement& s, const FormatNode& node) {
 }  // namespace
 
 void start_format(Statement& s) {
-    s.node = 0;
+    // The outermost parenthesis is open already.
+    s.node = 1;
+    s.counters[0] = 1;
     s.repeat_left = 0;
     s.data_edit = nullptr;
     s.data_used = false;

@@ -15,6 +15,9 @@ void write_formatted(Statement& statement, ItemType type, const char* items, int
                      std::size_t size, std::ptrdiff_t stride, std::size_t count);
 void write_list(Statement& statement, ItemType type, const char* items, int kind, std::size_t size,
                 std::ptrdiff_t stride, std::size_t count);
+// One item through the next data edit descriptor of a READ; not COMPLEX. A statement that has
+// failed, or that has met its record's end without advancing, leaves the item as it is.
+void read_item(Statement& statement, ItemType type, char* item, int kind, std::size_t size);
 void read_formatted(Statement& statement, ItemType type, char* items, int kind, std::size_t size,
                     std::ptrdiff_t stride, std::size_t count);
 

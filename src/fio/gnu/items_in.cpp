@@ -167,7 +167,10 @@ void read_characters(Statement& s, const FormatNode& node, char* item, int kind,
     }
 }
 
+}  // namespace
+
 void read_item(Statement& s, ItemType type, char* item, int kind, std::size_t size) {
+    if (s.failed || (s.end_of_record && s.non_advancing)) return;
     const FormatNode* node = next_data_edit(s);
     if (node == nullptr) return;
     if (!s.record_at_hand) return fail_end_of_file(s);
@@ -199,20 +202,14 @@ void read_item(Statement& s, ItemType type, char* item, int kind, std::size_t si
     read_number(s, *node, edit, item, kind);
 }
 
-bool goes_on(const Statement& s) {
-    return !s.failed && !(s.end_of_record && s.non_advancing);
-}
-
-}  // namespace
-
 void read_formatted(Statement& s, ItemType type, char* items, int kind, std::size_t size,
                     std::ptrdiff_t stride, std::size_t count) {
     const bool complex = type == ItemType::complex;
     const std::size_t part = complex ? real_size(kind) : size;
     const ItemType element = complex ? ItemType::real : type;
-    for (; count > 0 && goes_on(s); --count, items += stride) {
+    for (; count > 0 && !s.failed; --count, items += stride) {
         read_item(s, element, items, kind, part);
-        if (complex && goes_on(s)) read_item(s, element, items + part, kind, part);
+        if (complex) read_item(s, element, items + part, kind, part);
     }
 }
 

@@ -22,14 +22,29 @@ FieldEdit field_of(const FormatNode& node) {
 bool put_quick_integer(Statement& s, std::int64_t value, std::int32_t width) {
     constexpr std::int32_t widest = 32;
     if (width > widest || s.limit - s.cursor < widest || s.cursor < s.high) return false;
+    const bool negative = value < 0;
     const std::uint64_t magnitude =
-        value < 0 ? -static_cast<std::uint64_t>(value) : static_cast<std::uint64_t>(value);
-    const int length = decimal_length(magnitude);
-    if (length + (value < 0 ? 1 : 0) > width) return false;
-    std::memset(s.cursor, ' ', widest);
-    char* end = s.cursor + width;
-    put_digits(end - length, magnitude, length);
-    if (value < 0) end[-length - 1] = '-';
+        negative ? -static_cast<std::uint64_t>(value) : static_cast<std::uint64_t>(value);
+    char* const end = s.cursor + width;
+    int length = 0;
+    if (magnitude < 100'000'000 && width >= 8) {
+        // All eight digits at once; blanks take the place of the leading zeros.
+        const std::uint64_t digits = eight_digits(static_cast<std::uint32_t>(magnitude));
+        const int zeros = __builtin_ctzll(digits | std::uint64_t{1} << 56) / 8;
+        length = 8 - zeros;
+        if (length + (negative ? 1 : 0) > width) return false;
+        const std::uint64_t leading = (std::uint64_t{1} << (8 * zeros)) - 1;
+        const std::uint64_t text =
+            digits + 0x3030'3030'3030'3030 - (leading & 0x1010'1010'1010'1010);
+        std::memset(s.cursor, ' ', widest);
+        std::memcpy(end - 8, &text, 8);
+    } else {
+        length = decimal_length(magnitude);
+        if (length + (negative ? 1 : 0) > width) return false;
+        std::memset(s.cursor, ' ', widest);
+        put_digits(end - length, magnitude, length);
+    }
+    if (negative) end[-length - 1] = '-';
     s.cursor = s.high = end;
     return true;
 }

@@ -1,4 +1,15 @@
 // List-directed input: separators, null values, repeat counts, and the simple types.
+//
+// What a program reads here is what it reads with gfortran, faulty input included, apart from
+// these, where gfortran's reader goes wrong:
+// - The record in which a fault is found goes by, always. There, some faults leave its rest to the
+//   next READ, and others take the record after it as well.
+// - A logical word without points (`true`) ends at a slash or comma like any value, and may be the
+//   last thing in a file without a line end.
+// - A repeated REAL(10) or COMPLEX(10) value serves all items of its repeat count.
+// - On UTF-8 units numbers, default characters and repeat counts are read as on others.
+// - A number without a digit (`.`) is a fault that leaves the item as it was; so does a COMPLEX
+//   whose second part is at fault.
 #include <cstring>
 
 #include "fio/gnu/edit_in.h"

@@ -42,7 +42,7 @@ bool take_long(Statement& s, const char* end, char* item, int kind) {
     if (scanned && scanner.has_digit()) {
         DecimalNumber number = scanner.number();
         number.exponent += scanner.written();
-        to_binary(number, s.modes.round, kind, item);
+        to_binary(number, input_rounding(s.modes), kind, item);
         s.cursor += token.size();
         return true;
     }
@@ -67,7 +67,7 @@ bool take_real(Statement& s, char* item, int kind, bool in_complex) {
         const bool ended =
             real.end == s.limit || (in_complex && *real.end == ')') ||
             (is_list_separator(*real.end) && (*real.end != mark || real.has_exponent));
-        if (ended && store_plain_real(real, real.written, s.modes.round, kind, item)) {
+        if (ended && store_plain_real(real, real.written, input_rounding(s.modes), kind, item)) {
             s.cursor += real.end - s.cursor;
             return true;
         }

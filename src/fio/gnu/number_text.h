@@ -110,6 +110,12 @@ inline const char* skip_blanks(const char* at, const char* end) {
 // Stands for every exponent of ten digits and more.
 inline constexpr std::int64_t far_exponent = 1000000000;
 
+// How a value that was read is rounded: under ROUND='COMPATIBLE' gfortran's programs see the
+// nearest value, with halves to even, as without ROUND=.
+inline Rounding input_rounding(const EditModes& modes) {
+    return modes.round == Rounding::compatible ? Rounding::nearest : modes.round;
+}
+
 // A REAL of the common shape: sign, digits with at most one decimal mark among them, exponent.
 struct PlainReal {
     bool negative = false;

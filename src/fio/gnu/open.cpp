@@ -295,7 +295,10 @@ void open_unit(Caller& caller, const OpenSpecifiers& specifiers) {
     if (!look_up(caller, specifiers, request) || !settle_position(caller, request)) return;
     std::int32_t number = specifiers.unit;
     const bool numbered_here = specifiers.new_unit != nullptr;
-    if (numbered_here) number = take_new_unit_number();
+    if (numbered_here) {
+        number = take_new_unit_number();
+        if (number == 0) return raise_system_fault(caller, ENOMEM);
+    }
     caller.unit = number;
     caller.has_unit = true;
     if (!numbered_here && number < 0 && UnitList_getUnit(number) == nullptr) {

@@ -56,7 +56,8 @@ bool is_unformatted_stream(const Unit& unit) {
     return unit.status.stream && !unit.status.formatted;
 }
 
-// What was written is the last of a file of records.
+}  // namespace
+
 void end_output(Unit& unit, int& err) {
     GnuConnection& gnu = unit.gnu;
     const bool written = gnu.last_was_write;
@@ -68,6 +69,8 @@ void end_output(Unit& unit, int& err) {
     if (cuts) cut_here(unit.file, err);
     gnu.last_was_write = false;
 }
+
+namespace {
 
 // Pipes and terminals have no place to go back to; devices like /dev/null take any.
 bool has_places(const File& file) {

@@ -21,5 +21,7 @@ void wait_for_unit(Caller& caller, const std::int32_t* id);
 void go_to_start(Unit& unit, int& err);
 void go_to_end(Unit& unit, int& err);
 void go_back_one_record(Unit& unit, int& err);
+// Only the end of the output.
+void end_output(Unit& unit, int& err);
 
 }  // namespace tarn::fio

@@ -79,6 +79,7 @@ struct Statement {
     bool list_directed = false;
     bool unformatted = false;
     bool formatted_output = false;  // ready for `write_item`
+    bool formatted_input = false;   // ready for `read_item`
     bool non_advancing = false;
     bool direct = false;
     bool stream = false;
@@ -179,6 +180,8 @@ struct TransferSpecifiers {
 
 // Opens a READ or WRITE. The statement is valid in any case; a fault is in its caller's outcome.
 Statement* begin_transfer(Caller& caller, const TransferSpecifiers& specifiers);
+// A statement that has failed before it began: its items are ignored.
+Statement* refuse_transfer(Caller& caller);
 // Opens INQUIRE(IOLENGTH=).
 Statement* begin_iolength(Caller& caller, std::int64_t* result);
 // `count` items `stride` bytes apart. `size`: bytes of an item; of a CHARACTER its length in

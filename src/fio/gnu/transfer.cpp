@@ -79,6 +79,9 @@ void transfer_item(Statement& s, ItemType type, void* item, int kind, std::size_
         if (!s.failed) write_item(s, type, static_cast<const char*>(item), kind, size);
         return;
     }
+    if (s.formatted_input && type != ItemType::complex) {
+        return read_item(s, type, static_cast<char*>(item), kind, size);
+    }
     transfer_items(s, type, item, kind, size, 0, 1);
 }
 

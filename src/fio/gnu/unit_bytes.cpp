@@ -123,7 +123,8 @@ void terminal_name(std::int32_t number, char* text, std::size_t length) {
     const int descriptor = descriptor_of_unit(number);
     char name[256];
     if (descriptor < 0 || ::ttyname_r(descriptor, name, sizeof name) != 0) return;
-    std::memcpy(text, name, std::min(length, std::strlen(name)));
+    const std::string_view word(name);
+    std::memcpy(text, word.data(), std::min(length, word.size()));
 }
 
 void flush_one_unit(std::int32_t number) {

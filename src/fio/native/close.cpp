@@ -1,8 +1,8 @@
 // CLOSE, FLUSH, and the implicit closes: an OPEN that takes a unit over, and the program's end.
-#include <cerrno>
 #include <mutex>
 #include <string>
 
+#include "fio/gnu/connection.h"
 #include "fio/native/connect.h"
 #include "platform/kernel/error.h"
 
@@ -55,6 +55,20 @@ bool rename_file(const std::string& path, std::string_view new_name) {
     return IO_system_error(err, "IO_close");
 }
 
+// Closes the file by the rules of the dialect that opened it; a platform error number.
+int close_file(Unit& unit) {
+    int err = 0;
+    if (unit.dialect != &native_dialect) {
+        int reason = 0;
+        disconnect(unit, false, reason);
+        give_back_new_unit_number(unit.number);
+        err = platform::platform_error(reason);
+    } else if (unit.file.descriptor >= 0) {
+        sys_fileClose(unit, err);
+    }
+    return err;
+}
+
 // The common tail. `new_name` null: none.
 bool close_unit(IO_type& io, Unit& unit, std::int32_t status, const std::string_view* new_name) {
     int err = 0;
@@ -67,11 +81,8 @@ bool close_unit(IO_type& io, Unit& unit, std::int32_t status, const std::string_
     }
     const bool is_file = is_file_kind(unit.kind);
     const std::string path = unit.file.path;
-    if (unit.file.descriptor >= 0) {
-        int close_error = 0;
-        sys_fileClose(unit, close_error);
-        if (err == 0) err = close_error;
-    }
+    const int close_error = close_file(unit);
+    if (err == 0) err = close_error;
     drop_connection(io, unit);
     if (err != 0 && is_file) return report_file_error(err, "IO_close");
     if (!is_file || path.empty()) return true;

@@ -28,10 +28,14 @@ std::int32_t match(const TextWord& word, std::string_view word_list);
 // A file operation's failure: a full disk is message 117, all else the system's own.
 [[nodiscard]] bool report_file_error(int err, const char* where);
 
+// A file that a gnu statement connected: where its records end, and how it ends, is told there.
+inline bool is_gnu_file(const Unit& unit) {
+    return unit.dialect == &gnu_dialect && is_file_kind(unit.kind);
+}
 // A native connection as a gnu statement sees it: all that its OPEN settles.
 void describe_to_gnu(Unit& unit);
 // Where it stands, at the start of a native statement on a gnu connection and at the end of any.
-void take_over_from_gnu(Unit& unit);
+[[nodiscard]] bool take_over_from_gnu(Unit& unit);
 void hand_over_to_gnu(Unit& unit);
 
 }  // namespace tarn::fio::native

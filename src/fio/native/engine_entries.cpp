@@ -7,8 +7,8 @@
 
 extern "C" TARN_EXPORT void CVDL_h(long double value, std::int16_t* sign, char* digits,
                                    std::int32_t* exponent, std::int32_t count) LINK_NAME("CVDL#");
-extern "C" void CVDL_h(long double value, std::int16_t* sign, char* digits,
-                       std::int32_t* exponent, std::int32_t count) {
+extern "C" void CVDL_h(long double value, std::int16_t* sign, char* digits, std::int32_t* exponent,
+                       std::int32_t count) {
     if (!std::isfinite(value)) value = 0;
     char room[tarn::fio::max_native_digits];
     const tarn::fio::NativeDigits made = tarn::fio::native_digits(value, count, room);

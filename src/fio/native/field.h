@@ -76,8 +76,4 @@ inline bool ends_field(char c) {
 // Opcodes 30, 31 and 32.
 [[nodiscard]] bool IO_handle_ITx_format(IO_type& io, std::int64_t value);
 
-inline bool is_bits_edit(std::int32_t code) {
-    return code == op_B || code == op_O || code == edit_Z;
-}
-
 }  // namespace tarn::fio::native

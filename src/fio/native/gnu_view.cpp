@@ -1,5 +1,7 @@
 // Units that both dialects use: each keeps the other's picture of the connection true.
+#include "fio/gnu/position.h"
 #include "fio/native/connect.h"
+#include "platform/kernel/error.h"
 
 namespace tarn::fio::native {
 
@@ -30,16 +32,22 @@ void describe_to_gnu(Unit& unit) {
     gnu.stream_position = 1;
 }
 
-void take_over_from_gnu(Unit& unit) {
-    if (unit.dialect != &gnu_dialect) return;
+bool take_over_from_gnu(Unit& unit) {
+    if (unit.dialect != &gnu_dialect) return true;
     GnuConnection& gnu = unit.gnu;
-    // What a non-advancing gnu WRITE left of its record stands in the file; the native record
-    // goes on behind it.
+    unit.status.end_of_file = gnu.end == EndState::after;
+    if (is_write(current().action)) {
+        // The native record goes on behind what a non-advancing gnu WRITE put out. Behind data
+        // that was read it ends the file, as it would in a gnu statement.
+        if (!gnu.last_was_write) unit.status.read_mode = true;
+    } else if (gnu.last_was_write) {
+        int err = 0;
+        end_output(unit, err);
+        if (err != 0) return report_file_error(platform::platform_error(err), "RdSeqFrm");
+    }
     if (gnu.record_open) unit.saved_length = 0;
     gnu.record_open = false;
-    unit.status.end_of_file = gnu.end != EndState::before;
-    // A WRITE behind data that was read ends the file there, as it would in a gnu statement.
-    if (!gnu.last_was_write) unit.status.read_mode = true;
+    return true;
 }
 
 void hand_over_to_gnu(Unit& unit) {
@@ -47,7 +55,7 @@ void hand_over_to_gnu(Unit& unit) {
     GnuConnection& gnu = unit.gnu;
     gnu.record_open = false;
     gnu.last_was_write = is_write(io.action);
-    gnu.end = unit.status.end_of_file ? EndState::at : EndState::before;
+    gnu.end = unit.status.end_of_file ? EndState::after : EndState::before;
     gnu.record_number = unit.current_record;
     if (unit.status.stream) gnu.stream_position = unit.file.logical_position + 1;
 }

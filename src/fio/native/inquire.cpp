@@ -272,6 +272,7 @@ bool IO_inquire() {
             unit = sys_findUnitFromFilename(path);
             // The list gave a bare pointer: from here on the unit is held like any other.
             if (unit != nullptr && unit->number >= 0) {
+                let_unit_go(io);
                 io.unit_number = unit->number;
                 io.unit = io.held_unit = acquire_unit(unit->number);
                 unit = io.unit;

@@ -1,9 +1,12 @@
 // BACKSPACE, REWIND and ENDFILE.
+#include "fio/gnu/position.h"
+
 #include <algorithm>
 #include <cstring>
 
 #include "fio/native/connect.h"
 #include "fio/native/hooks.h"
+#include "platform/kernel/error.h"
 
 namespace tarn::fio::native {
 namespace {
@@ -33,6 +36,14 @@ bool write_kept_line_end(Unit& unit) {
     int err = 0;
     write_printer_line_end(unit, err);
     return err == 0 || report_file_error(err, "WrSeqFrm");
+}
+
+// Moves a file that a gnu statement connected, whose records may have another layout.
+bool move_gnu_file(Unit& unit, void (*move)(Unit&, int&), const char* where) {
+    int err = 0;
+    move(unit, err);
+    if (err < 0) return IO_error(110);
+    return err == 0 || report_file_error(platform::platform_error(err), where);
 }
 
 // Reads a file from behind without disturbing what the unit knows of it.
@@ -162,6 +173,7 @@ bool may_backspace(UnitKind kind) {
 }
 
 bool rewind_file(Unit& unit) {
+    if (is_gnu_file(unit)) return move_gnu_file(unit, go_to_start, "IO_rewind");
     if (!write_kept_line_end(unit) || !IO_write_flush()) return false;
     std::int64_t position = 0;
     int err = 0;
@@ -196,7 +208,11 @@ bool IO_backspace() {
     if (status.transparent) return IO_error(90);
     if (!may_backspace(unit->kind)) return IO_error(90);
     IO_discard_buffer();
-    if (!step_back(*unit)) return false;
+    if (is_gnu_file(*unit)) {
+        if (!move_gnu_file(*unit, go_back_one_record, "IO_backspace")) return false;
+    } else if (!step_back(*unit)) {
+        return false;
+    }
     unit->unfinished_line = 0;
     status.end_of_file = false;
     hand_over_to_gnu(*unit);
@@ -241,13 +257,18 @@ bool IO_endfile() {
     if (unit == nullptr) return go_on;
     IOStatus& status = unit->status;
     if ((status.direct || status.stream) && !IO_error(96)) return false;
+    if (is_gnu_file(*unit)) {
+        status.end_of_file = unit->gnu.end == EndState::after;
+        if (!move_gnu_file(*unit, end_output, "IO_endfile")) return false;
+    }
     if (status.end_of_file && !IO_error(104)) return false;
     // Refused before anything is cut.
     if (!check_endfile(*unit)) return false;
     if (is_file_kind(unit->kind)) {
         if (!IO_write_flush() || !write_kept_line_end(*unit)) return false;
         int err = 0;
-        if (unit->current_record == 0 && !status.transparent) sys_truncateFile(*unit, true, err);
+        const bool at_start = unit->current_record == 0 && !is_gnu_file(*unit);
+        if (at_start && !status.transparent) sys_truncateFile(*unit, true, err);
         if (err != 0) return report_file_error(err, "IO_endfile");
     }
     if (is_driver(*unit)) {

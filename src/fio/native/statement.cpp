@@ -177,6 +177,7 @@ bool doIO() {
     if (io.internal_file || !io.spec_block.unit_given) {
         io.unit_number = -1;
         io.unit = nowhere_unit();
+        io.held_unit = acquire_unit(-1);
     }
     if (io.count_given && (io.internal_count < 1 || io.internal_count > largest_count)) {
         if (!IO_error(150)) return false;
@@ -191,7 +192,7 @@ bool doIO() {
     io.target_unit = io.unit;
     if (!is_control(io.action)) {
         Set_Format_Position(-1);
-        if (io.unit != nullptr && !io.internal_file) take_over_from_gnu(*io.unit);
+        if (io.unit != nullptr && !io.internal_file && !take_over_from_gnu(*io.unit)) return false;
         return run_transfer(io);
     }
     if (!run_control(io.action)) return false;

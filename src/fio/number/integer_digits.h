@@ -35,9 +35,9 @@ inline int decimal_length(std::uint64_t value) {
     return guess + (value >= powers_of_ten[guess] ? 1 : 0) + (value == 0 ? 1 : 0);
 }
 
-// Eight digits of a value below 10^8: four pairs of digits, then the digits of each pair, side by
-// side in one word.
-inline void put_eight(char* out, std::uint32_t value) {
+// Eight digits of a value below 10^8 as numbers from 0 to 9, the first digit in the lowest byte:
+// four pairs of digits, then the digits of each pair, side by side in one word.
+inline std::uint64_t eight_digits(std::uint32_t value) {
     const std::uint64_t high = value / 10000;
     const std::uint64_t low = value % 10000;
     const std::uint64_t fours = high | low << 32;
@@ -46,8 +46,11 @@ inline void put_eight(char* out, std::uint32_t value) {
     const std::uint64_t twos = hundreds | (fours - 100 * hundreds) << 16;
     // x / 10 for x < 100 in four lanes.
     const std::uint64_t tens = (twos * 103 >> 10) & 0x000F'000F'000F'000F;
-    const std::uint64_t ones = tens | (twos - 10 * tens) << 8;
-    const std::uint64_t text = ones | 0x3030'3030'3030'3030;
+    return tens | (twos - 10 * tens) << 8;
+}
+
+inline void put_eight(char* out, std::uint32_t value) {
+    const std::uint64_t text = eight_digits(value) | 0x3030'3030'3030'3030;
     std::memcpy(out, &text, 8);
 }
 

@@ -137,9 +137,14 @@ NativeRoad& native_road() {
 
 void begin_data_transfer(DataBlock& block, bool reading) {
     PrivatePart& part = block.part();
-    block.flags &= ~outcome_mask;
     fill_caller(block, part.caller);
     const std::uint32_t flags = block.flags;
+    if ((flags & outcome_mask) != 0) {
+        // A unit number outside 32 bits has been reported before the statement.
+        part.owner = Owner::gnu;
+        part.statement = fio::refuse_transfer(part.caller);
+        return;
+    }
     fio::TransferSpecifiers specs;
     specs.reading = reading;
     specs.list_directed = (flags & list_directed) != 0;

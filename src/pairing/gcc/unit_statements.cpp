@@ -131,6 +131,8 @@ fio::Inquiry inquiry_of(const InquireBlock& block) {
 
 template <class Statement>
 void run(CommonBlock& block, Statement statement) {
+    // A unit number outside 32 bits has been reported before the statement.
+    if ((block.flags & outcome_mask) != 0) return;
     fio::Caller caller = caller_of(block);
     statement(caller);
     store_outcome(block, caller);

@@ -7,9 +7,9 @@ namespace tarn::fio::native::test {
 namespace {
 
 extern "C" {
-void spec_Open(std::uint32_t, void*) __asm__("_Open");
-void spec_OpenC(std::uint32_t, void*, std::ptrdiff_t) __asm__("_OpenC");
-void spec_Close(std::uint32_t, void*) __asm__("_Close");
+void spec_Open(std::uint32_t, void*) LINK_NAME("_Open");
+void spec_OpenC(std::uint32_t, void*, std::ptrdiff_t) LINK_NAME("_OpenC");
+void spec_Close(std::uint32_t, void*) LINK_NAME("_Close");
 void CLOSE_ALL_FORTRAN_UNITS_h() LINK_NAME("CLOSE_ALL_FORTRAN_UNITS#");
 void __show_unit_list();
 const char* W32STREAM_INFO_h(const std::int16_t*) LINK_NAME("W32STREAM_INFO#");

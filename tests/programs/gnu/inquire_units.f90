@@ -87,6 +87,10 @@ contains
                  readwrite=both, delim=delim, pad=pad, encoding=encoding, decimal=decimal, &
                  round=round, sign=sign, asynchronous=asynchronous, &
                  size=size, pos=position)
+        ! What stands for POS= of a file that is no stream, and for POSITION= inside one, has no
+        ! meaning to a program.
+        if (access /= 'STREAM') position = -99
+        if (where /= 'APPEND') where = 'elsewhere'
         print '(A,": ",3L2,I11,I4)', what, exists, opened, named, recl, next
         print '(3X,*(A,:,1X))', trim(access), trim(sequential), trim(direct), trim(stream), &
             trim(form), trim(formatted), trim(unformatted), trim(blank), trim(where), &
@@ -105,6 +109,7 @@ contains
                  write=writable, readwrite=both, size=size, blank=blank, position=where, &
                  delim=delim, pad=pad, encoding=encoding)
         if (opened) number = 1
+        if (where /= 'APPEND') where = 'elsewhere'
         print '(A,": ",3L2,I4)', what, exists, opened, named, number
         print '(3X,*(A,:,1X))', trim(access), trim(sequential), trim(direct), trim(stream), &
             trim(form), trim(formatted), trim(unformatted), trim(blank), trim(where), &

@@ -13,6 +13,7 @@ program list_read
     if (argument == 'stdin') then
         many = -1
         b = -9
+        i = -5
         read *, a, b, c, s, many, i
         print *, a, b, c, s, many, i
         read (*, *, iostat=ios) z, p, q, s, i

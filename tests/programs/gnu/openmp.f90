@@ -29,7 +29,7 @@ program openmp
     end do
     print *, 'internal', bad
     bad = 0
-    !$omp parallel do private(unit, text, n, k, ios) reduction(+:bad) schedule(dynamic)
+    !$omp parallel do private(unit, text, n, k, ios, value) reduction(+:bad) schedule(dynamic)
     do i = 1, 200
         write (text, '(A,I0)') 'thread', i
         open (newunit=unit, file=text)

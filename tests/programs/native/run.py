@@ -53,7 +53,7 @@ def main():
         complaints.append(f"standard error: {run.stderr!r}")
     if len(sys.argv) > 3 and sys.argv[3] == "--accept":
         source.with_suffix(".expected").write_bytes(run.stdout)
-    sys.exit("\n".join(complaints))
+    sys.exit("\n".join(complaints) or 0)
 
 
 main()

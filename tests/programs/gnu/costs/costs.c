@@ -69,7 +69,7 @@ static int count_allocations(void) {
     return wrong;
 }
 
-// The instructions that fifty statements take with so many units connected: a child runs them
+// The instructions that twenty statements take with so many units connected: a child runs them
 // between two stops, and is led from one to the other a step at a time.
 static long instructions(int32_t count) {
     const pid_t child = fork();
@@ -104,7 +104,7 @@ static long instructions(int32_t count) {
 
 static int count_units(void) {
     const long few = instructions(10), many = instructions(1000);
-    printf("instructions of 50 statements: %ld with 10 units, %ld with 1000\n", few, many);
+    printf("instructions of 20 statements: %ld with 10 units, %ld with 1000\n", few, many);
     if (few <= 0 || many <= 0) {
         fputs("the statements can't be counted\n", stderr);
         return 1;

@@ -16,11 +16,11 @@ subroutine close_units(count)
     end do
 end
 
-! Fifty statements on units all over the list.
+! Twenty statements on units all over the list.
 subroutine write_units(count)
     integer :: count, i, n
     n = 1
-    do i = 1, 50
+    do i = 1, 20
         n = mod(n*37, count) + 1
         write (100 + 7*n, '(I8)') i
     end do

@@ -30,4 +30,21 @@ program g
   write(6,'(a)',advance='no') 'g-part,'
   call nat(7)
   print '(a)', 'end'
+  open(32,file='n.txt',status='replace')
+  write(32,'(a)') 'one','two','three'
+  rewind(32); read(32,'(a)') s; write(32,'(a)') 'new'
+  call nat(8)          ! behind the gnu WRITE nothing is left
+  call nat(10); call nat(8); call nat(8)
+  call nat(9); call nat(8)
+  write(32,'(a)',advance='no') 'open'
+  call nat(10)         ! ends the open record
+  do
+    read(32,'(a)',iostat=ios) s; if (ios/=0) exit
+    print *, '[',trim(s),']'
+  end do
+  rewind(32); read(32,'(a)') s; backspace(32); write(32,'(a)') 'first'
+  call nat(11)
+  call nat(12)
+  open(32,file='n.txt'); read(32,'(a)') s; print *, s; read(32,'(a)',iostat=ios) s; print *, ios
+  close(32,status='delete')
 end program

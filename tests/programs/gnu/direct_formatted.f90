@@ -61,6 +61,9 @@ program direct_formatted
     print *, i, n
     write (10, rec=3, iostat=ios) 1, 2, 3
     print *, 'too long', ios
+    ! gfortran doesn't find its way out of that failure: the next statement has a new connection.
+    close (10)
+    open (10, file='direct.dat', access='direct', recl=8, status='old')
     read (10, rec=3, iostat=ios) values(1:3)
     print *, 'too long', ios
     close (10)

@@ -94,12 +94,15 @@ bool apply_advance(Statement& s, const TransferSpecifiers& specs) {
     return true;
 }
 
+bool check_action(Statement& s) {
+    const Unit& unit = *s.unit;
+    if (s.reading ? unit.status.may_read : unit.status.may_write) return true;
+    fail(s, s.reading ? no_reading : no_writing);
+    return false;
+}
+
 bool check_access(Statement& s, const TransferSpecifiers& specs) {
-    Unit& unit = *s.unit;
-    if (s.reading ? !unit.status.may_read : !unit.status.may_write) {
-        fail(s, s.reading ? no_reading : no_writing);
-        return false;
-    }
+    const Unit& unit = *s.unit;
     if (unit.status.formatted == s.unformatted) {
         fail(s, form_mismatch,
              s.unformatted ? "no format on a formatted connection"
@@ -257,9 +260,9 @@ bool open_statement(Statement& s, const TransferSpecifiers& specs) {
         return false;
     }
     s.unformatted = specs.format == nullptr && !specs.list_directed;
-    if (!s.internal && !check_access(s, specs)) return false;
+    if (!s.internal && !check_action(s)) return false;
     if (!s.unformatted && !choose_format(s, specs)) return false;
-    if (!s.internal && !check_end(s)) return false;
+    if (!s.internal && (!check_access(s, specs) || !check_end(s))) return false;
     if (specs.modes != nullptr &&
         (!apply_modes(s, *specs.modes) || !apply_asynchronous(s, *specs.modes))) {
         return false;

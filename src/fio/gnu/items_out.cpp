@@ -54,32 +54,16 @@ bool put_quick_integer(Statement& s, const FormatNode& node, const char* item, i
     return put_quick_integer(s, static_cast<std::int64_t>(load_integer(item, kind)), node.w);
 }
 
-void write_integer(Statement& s, const FormatNode& node, const char* item, int kind) {
-    const FieldEdit edit = field_of(node);
-    const std::size_t bound = node.w > 0 ? node.w : integer_field_bound(edit, kind);
-    char* at = room(s, bound);
-    if (at != nullptr) filled(s, put_integer(at, load_integer(item, kind), kind, edit, s.modes));
-}
-
-void write_bits(Statement& s, const FormatNode& node, const char* item, std::size_t size) {
-    const FieldEdit edit = field_of(node);
-    char* at = room(s, node.w > 0 ? node.w : bits_field_bound(edit, size));
-    if (at != nullptr) filled(s, put_bits(at, item, size, edit));
-}
-
-void write_logical(Statement& s, const FormatNode& node, const char* item, int kind) {
-    FieldEdit edit = field_of(node);
-    if (edit.w <= 0) edit.w = 1;
-    char* at = room(s, edit.w);
-    if (at != nullptr) filled(s, put_logical(at, load_integer(item, kind) != 0, edit));
-}
-
-// The fields of minimal width in a record that has just room for them: made aside, then moved.
-void write_through_scratch(Statement& s, const char* item, int kind, const FieldEdit& edit) {
-    char* field = scratch_room(s, real_field_bound(edit, item, kind, s.modes));
+// A field as wide as its value asks. Where the room at hand might not hold the widest that it could
+// become, it is made aside first: only what it really takes has to fit the record.
+template <class Put>
+void write_minimal(Statement& s, std::size_t bound, Put put) {
+    const bool fits = s.limit - s.cursor >= static_cast<std::ptrdiff_t>(bound);
+    char* field = fits ? s.cursor : scratch_room(s, bound);
     if (field == nullptr) return;
-    const char* end = put_real(field, item, kind, edit, s.modes);
+    char* end = put(field);
     if (end == nullptr) return fail(s, bad_scale_factor);
+    if (fits) return filled(s, end);
     const auto length = static_cast<std::size_t>(end - field);
     char* at = room(s, length);
     if (at == nullptr) return;
@@ -87,14 +71,44 @@ void write_through_scratch(Statement& s, const char* item, int kind, const Field
     filled(s, at + length);
 }
 
-void write_real(Statement& s, const FormatNode& node, const char* item, int kind) {
-    const FieldEdit edit = field_of(node);
-    if (node.w <= 0 && s.record_end != nullptr) return write_through_scratch(s, item, kind, edit);
-    char* at = room(s, node.w > 0 ? node.w : real_field_bound(edit, item, kind, s.modes));
+// A field of the descriptor's width, or of minimal width.
+template <class Put, class Bound>
+void write_field(Statement& s, const FormatNode& node, Bound bound, Put put) {
+    if (node.w <= 0) return write_minimal(s, bound(), put);
+    char* at = room(s, static_cast<std::size_t>(node.w));
     if (at == nullptr) return;
-    char* end = put_real(at, item, kind, edit, s.modes);
+    char* end = put(at);
     if (end == nullptr) return fail(s, bad_scale_factor);
     filled(s, end);
+}
+
+void write_integer(Statement& s, const FormatNode& node, const char* item, int kind) {
+    if (put_quick_integer(s, node, item, kind)) return;
+    const FieldEdit edit = field_of(node);
+    write_field(
+        s, node, [&] { return integer_field_bound(edit, kind); },
+        [&](char* out) { return put_integer(out, load_integer(item, kind), kind, edit, s.modes); });
+}
+
+void write_bits(Statement& s, const FormatNode& node, const char* item, std::size_t size) {
+    const FieldEdit edit = field_of(node);
+    write_field(
+        s, node, [&] { return bits_field_bound(edit, size); },
+        [&](char* out) { return put_bits(out, item, size, edit); });
+}
+
+void write_real(Statement& s, const FormatNode& node, const char* item, int kind) {
+    const FieldEdit edit = field_of(node);
+    write_field(
+        s, node, [&] { return real_field_bound(edit, item, kind, s.modes); },
+        [&](char* out) { return put_real(out, item, kind, edit, s.modes); });
+}
+
+void write_logical(Statement& s, const FormatNode& node, const char* item, int kind) {
+    FieldEdit edit = field_of(node);
+    if (edit.w <= 0) edit.w = 1;
+    char* at = room(s, edit.w);
+    if (at != nullptr) filled(s, put_logical(at, load_integer(item, kind) != 0, edit));
 }
 
 // Characters of 4 bytes on a record of bytes, as gfortran's programs know it: a narrow field
@@ -117,51 +131,19 @@ void write_character(Statement& s, const FormatNode& node, const char* item, int
     put_characters(s, item, kind, std::min(width, length));
 }
 
-void write_integer_in_fixed_record(Statement& s, const FormatNode& node, const char* item,
-                                   int kind) {
-    char field[64];
-    const FieldEdit edit = field_of(node);
-    const std::size_t bound = integer_field_bound(edit, kind);
-    char* made = bound <= sizeof field ? field : scratch_room(s, bound);
-    if (made == nullptr) return;
-    const auto length = static_cast<std::size_t>(
-        put_integer(made, load_integer(item, kind), kind, edit, s.modes) - made);
-    char* at = room(s, length);
-    if (at == nullptr) return;
-    std::memmove(at, made, length);
-    filled(s, at + length);
-}
-
-void write_bits_in_fixed_record(Statement& s, const FormatNode& node, const char* item,
-                                std::size_t size) {
-    const FieldEdit edit = field_of(node);
-    char* made = scratch_room(s, bits_field_bound(edit, size));
-    if (made == nullptr) return;
-    const auto length = static_cast<std::size_t>(put_bits(made, item, size, edit) - made);
-    char* at = room(s, length);
-    if (at == nullptr) return;
-    if (at != made) std::memcpy(at, made, length);
-    filled(s, at + length);
-}
-
 }  // namespace
 
 void write_item(Statement& s, ItemType type, const char* item, int kind, std::size_t size) {
     const FormatNode* node = next_data_edit(s);
     if (node == nullptr) return;
     ++s.items;
-    const bool minimal_in_fixed = node->w <= 0 && s.record_end != nullptr;
     switch (node->edit) {
         case Edit::I:
             if (type != ItemType::integer) return fail_mismatch(s, *node, type);
-            if (put_quick_integer(s, *node, item, kind)) return;
-            if (minimal_in_fixed) return write_integer_in_fixed_record(s, *node, item, kind);
             return write_integer(s, *node, item, kind);
         case Edit::B:
         case Edit::O:
         case Edit::Z:
-            if (minimal_in_fixed)
-                return write_bits_in_fixed_record(s, *node, item, static_cast<std::size_t>(kind));
             return write_bits(s, *node, item, static_cast<std::size_t>(kind));
         case Edit::L:
             return write_logical(s, *node, item, kind);
@@ -169,10 +151,7 @@ void write_item(Statement& s, ItemType type, const char* item, int kind, std::si
             if (type == ItemType::character) return write_character(s, *node, item, kind, size);
             return write_character(s, *node, item, 1, size);
         case Edit::G:
-            if (type == ItemType::integer) {
-                if (minimal_in_fixed) return write_integer_in_fixed_record(s, *node, item, kind);
-                return write_integer(s, *node, item, kind);
-            }
+            if (type == ItemType::integer) return write_integer(s, *node, item, kind);
             if (type == ItemType::logical) return write_logical(s, *node, item, kind);
             if (type == ItemType::character) {
                 FormatNode text = *node;

@@ -54,7 +54,7 @@ bool direct_record(Statement& s) {
         fail_system(s, err);
         return false;
     }
-    if (length == 0) return false;
+    // The first record must be there (REC= was checked); one behind the file's end is empty.
     set_record(s, begin, length);
     s.record_consumed = length;
     s.record_terminated = true;

@@ -364,4 +364,16 @@ void cut_here(File& file, int& err) {
     file.size = file.logical_position;
 }
 
+void take_back(File& file, std::int64_t position, int& err) {
+    const std::int64_t kept = file.dirty ? position - file.buffer_position : 0;
+    file.logical_position = position;
+    if (kept > 0) {
+        file.data_count = std::min(file.data_count, static_cast<std::size_t>(kept));
+        file.write_index = file.data_count;
+    } else {
+        forget_buffer(file);
+    }
+    cut_here(file, err);
+}
+
 }  // namespace tarn::fio

@@ -68,6 +68,9 @@ void skip_bytes(File& file, std::int64_t count, int& err);
 void overwrite_bytes(File& file, std::int64_t position, const char* bytes, std::size_t count,
                      int& err);
 
+// Gives up what was put from `position` on, as far as it got: the file ends there again.
+void take_back(File& file, std::int64_t position, int& err);
+
 // Writes out what waits in the buffer.
 void write_out(File& file, int& err);
 

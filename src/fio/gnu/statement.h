@@ -67,6 +67,7 @@ struct UnformattedState {
     std::size_t marker = 0;  // bytes of a marker; 0: none
     std::size_t lead = 0;    // output: bytes of a marker right before `begin`
     std::int64_t marker_position = 0;  // output: of the part's first marker in the file
+    std::int64_t record_position = 0;  // output: of the record's first byte in the file
     std::int64_t part_done = 0;        // output: bytes of the part before `begin`
     std::int64_t part_left = 0;        // bytes of the part from `begin` on
     std::int64_t record_left = 0;      // the same of the record, as RECL= allows

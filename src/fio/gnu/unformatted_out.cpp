@@ -34,9 +34,14 @@ void close_room(Statement& s) {
     s.begin = s.cursor = s.limit = s.room_end = nullptr;
 }
 
-// The system refused something: what is left of the record is given up.
+// The system refused something. A sequential record that can't be completed is taken back, so that
+// the file stays one of whole records.
 void give_up(Statement& s, int err) {
     s.raw.open = false;
+    if (s.raw.marker > 0 && !s.raw.held) {
+        int ignored = 0;
+        take_back(s.unit->file, s.raw.record_position, ignored);
+    }
     close_room(s);
     fail_system(s, err);
 }
@@ -146,6 +151,7 @@ void begin_raw_output(Statement& s) {
     raw.held = sequential && (!unit.file.seekable || unit.file.append);
     raw.record_left =
         s.direct || (sequential && unit.status.fixed_record_length) ? unit.recl : INT64_MAX;
+    raw.record_position = unit.file.logical_position;
     int err = 0;
     begin_part(s, err);
     if (err != 0) give_up(s, err);
@@ -195,7 +201,7 @@ void end_raw_output(Statement& s) {
     int err = 0;
     if (raw.marker > 0) {
         end_part(s, false, now, err);
-        ++unit.current_record;
+        if (err == 0) ++unit.current_record;
     } else {
         if (s.direct && !s.failed) fill_direct(s, err);
         commit(s, now, err);

@@ -113,7 +113,7 @@ void end_part(Statement& s, bool goes_on, bool now, int& err) {
     File& file = s.unit->file;
     if (s.room_end - s.cursor < static_cast<std::ptrdiff_t>(raw.marker)) {
         make_raw_room(s, raw.marker, err);
-        if (err != 0) return;
+        if (err != 0 || s.cursor == nullptr) return;
     }
     const std::int64_t length = raw.part_done + used(s);
     store_marker(s.cursor, raw.marker, raw.swapped, raw.preceded ? -length : length);

@@ -113,4 +113,5 @@ program unformatted_arrays
         end if
         close (unit)
     end do
+    deallocate (cube, copy)
 end program

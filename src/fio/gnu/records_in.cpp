@@ -105,9 +105,26 @@ void drop_record(Statement& s) {
 
 }  // namespace
 
+namespace {
+
+// No record is left. A non-advancing statement hears of it with its first item, one on a stream
+// when it has filled its items from an empty record, any other at once.
+void begin_behind_end(Statement& s) {
+    if (s.failed || s.non_advancing) return;
+    if (!s.stream || s.list_directed) return fail_end_of_file(s);
+    char* empty = scratch_room(s, 1);
+    if (empty == nullptr) return;
+    set_record(s, empty, 0);
+    s.record_consumed = 0;
+    s.record_terminated = false;
+    s.behind_end = true;
+}
+
+}  // namespace
+
 void begin_input(Statement& s) {
-    // A non-advancing statement meets the end of the file with its first item.
-    if (!(s.non_advancing ? fetch_record(s) : fetch_or_fail(s)) || s.unit == nullptr) return;
+    if (!fetch_record(s)) return begin_behind_end(s);
+    if (s.unit == nullptr) return;
     GnuConnection& connection = s.unit->gnu;
     connection.last_was_write = false;
     if (!connection.record_open) return;

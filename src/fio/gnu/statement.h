@@ -89,6 +89,7 @@ struct Statement {
     bool wide = false;           // an internal file of 4-byte characters
     bool measuring = false;      // INQUIRE(IOLENGTH=): items are only counted
     bool behind_scalar = false;  // the one record of a scalar internal file has been left
+    bool behind_end = false;     // a stream is read behind its end: told when the statement ends
     bool failed = false;         // the items that follow are ignored
     bool moved = false;          // the file was positioned by REC= or POS=
     EditModes modes;

@@ -55,6 +55,7 @@ void finish_format(Statement& s) {
 void finish_input(Statement& s) {
     if (!s.failed && s.list_directed) finish_list_read(s);
     if (!s.failed && s.non_advancing && s.end_of_record) fail_end_of_record(s);
+    if (!s.failed && s.behind_end) fail_end_of_file(s);
     if (s.unit != nullptr || s.internal) end_input(s);
 }
 

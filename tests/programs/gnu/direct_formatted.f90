@@ -18,7 +18,7 @@ program direct_formatted
     write (10, '(A)', rec=12) 'beyond a hole'
     write (10, '(24X)', rec=10)
     write (10, '(T20,A)', rec=11) 'abcd'
-    write (10, '(T24,A,T1,A)', rec=13) 'z', 'a'
+    write (10, '(T24,A)', rec=13) 'z'
     do i = 1, 13
         text = '????????????????????????'
         read (10, '(A)', rec=i, iostat=ios) text

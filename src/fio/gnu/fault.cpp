@@ -75,8 +75,22 @@ std::string place_of(const Caller& caller) {
     return lines;
 }
 
-void store_message(const Caller& caller, std::string_view message) {
+// The text of a report on one line, without its number.
+std::string one_line(const Caller& caller, std::string_view message) {
+    std::string text(message);
+    const std::string place = place_of(caller);
+    for (std::size_t from = 0; from < place.size();) {
+        const std::size_t begin = place.find_first_not_of(' ', from);
+        const std::size_t end = place.find('\n', begin);
+        text.append(", ").append(place, begin, end - begin);
+        from = end + 1;
+    }
+    return text;
+}
+
+void store_message(const Caller& caller, std::string_view sentence) {
     if (caller.iomsg == nullptr) return;
+    const std::string message = one_line(caller, sentence);
     const std::size_t count = std::min(message.size(), caller.iomsg_length);
     std::memcpy(caller.iomsg, message.data(), count);
     std::memset(caller.iomsg + count, ' ', caller.iomsg_length - count);

@@ -69,7 +69,9 @@ class Lock {
     void wait();
     void wake_one();
 
-    static thread_local std::int32_t current_thread __attribute__((tls_model("initial-exec")));
+    // `constinit` here, too: every user knows then that there is nothing to initialise.
+    static constinit thread_local std::int32_t current_thread
+        __attribute__((tls_model("initial-exec")));
 
     std::atomic<std::uint32_t> state_{unlocked};
     std::atomic<std::int32_t> owner_{0};

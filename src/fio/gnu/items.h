@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "fio/gnu/statement.h"
+#include "fio/integer_item.h"
 
 namespace tarn::fio {
 
@@ -27,33 +28,6 @@ void put_blanks(Statement& statement, std::size_t count);
 
 // An edit descriptor met an item of another type.
 void fail_mismatch(Statement& statement, const FormatNode& node, ItemType type);
-
-inline Int128 load_integer(const char* item, int kind) {
-    switch (kind) {
-        case 1:
-            return static_cast<std::int8_t>(*item);
-        case 2: {
-            std::int16_t value;
-            std::memcpy(&value, item, sizeof value);
-            return value;
-        }
-        case 4: {
-            std::int32_t value;
-            std::memcpy(&value, item, sizeof value);
-            return value;
-        }
-        case 8: {
-            std::int64_t value;
-            std::memcpy(&value, item, sizeof value);
-            return value;
-        }
-        default: {
-            Int128 value;
-            std::memcpy(&value, item, sizeof value);
-            return value;
-        }
-    }
-}
 
 // Bytes of one REAL in memory: kind 10 takes 16.
 constexpr std::size_t real_size(int kind) {

@@ -1,4 +1,5 @@
 // Integer items: I, B, O, Z and G editing, numbers in words, and their list-directed form.
+#include "fio/integer_item.h"
 #include "fio/native/english_words.h"
 #include "fio/native/field.h"
 #include "fio/native/list_input.h"
@@ -14,28 +15,7 @@ constexpr std::int32_t bad_character = 52;
 constexpr std::int32_t out_of_range = 53;
 
 std::int64_t load_signed(const void* item, std::int32_t size) {
-    switch (size) {
-        case 1: {
-            std::int8_t value;
-            std::memcpy(&value, item, sizeof value);
-            return value;
-        }
-        case 2: {
-            std::int16_t value;
-            std::memcpy(&value, item, sizeof value);
-            return value;
-        }
-        case 4: {
-            std::int32_t value;
-            std::memcpy(&value, item, sizeof value);
-            return value;
-        }
-        default: {
-            std::int64_t value;
-            std::memcpy(&value, item, sizeof value);
-            return value;
-        }
-    }
+    return static_cast<std::int64_t>(load_integer(static_cast<const char*>(item), size));
 }
 
 // ---- Output ----

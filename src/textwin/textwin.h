@@ -1,0 +1,49 @@
+// Text windows: scrolling windows of lines that a program writes to as to a terminal, and the one
+// message pump through which every wait of the window library goes.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+
+#include "platform/base/types.h"
+
+namespace tarn::textwin {
+
+using platform::COLORREF;
+using platform::HBRUSH;
+using platform::HMENU;
+using platform::HWND;
+
+HWND create_window(const char* title, std::int32_t x, std::int32_t y, std::int32_t width,
+                   std::int32_t height);
+HWND create_default_window();
+HWND get_default_window();
+HWND create_embeded_window_x(HWND parent, bool horizontal_bar, bool vertical_bar, std::int32_t x,
+                             std::int32_t y, std::int32_t width, std::int32_t height, HBRUSH brush,
+                             COLORREF background, COLORREF text, HMENU popup);
+void win_coua(HWND hwnd, const char* bytes, std::size_t count);
+void win_coua_f();  // the next write doesn't repaint at its end
+void set_default_font(platform::HFONT font);
+void set_one_shot_style(std::uint32_t style);  // extra style of the next embedded window
+bool is_text_window(HWND hwnd);
+// The selected text in new storage (free()), null for none.
+char* selected_text(HWND hwnd, bool only_ask);
+
+// mode 0 runs until WM_QUIT, 1 polls, 2 polls and lets WM_QUIT through, 3 waits for one batch.
+void yield_program_control(std::int32_t mode);
+std::uint32_t& yield_mask();  // the upper limit given to PeekMessageA; 0: all
+
+// What the room above adds to the pump.
+struct PumpHooks {
+    bool (*pre_filter)(platform::MSG&) = nullptr;
+    void (*post_filter)(const platform::MSG&) = nullptr;
+    void (*loop_hook)() = nullptr;
+    void (*idle)() = nullptr;
+    void (*graphics_update)() = nullptr;
+    void (*end)() = nullptr;                               // at the end of the program
+    HWND (*control_of_unit)(std::int32_t unit) = nullptr;  // hwnd_from_fortran_unit
+};
+PumpHooks& pump_hooks();
+
+}  // namespace tarn::textwin

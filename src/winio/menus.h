@@ -1,0 +1,51 @@
+// Menus in a format, and accelerator keys.
+#pragma once
+
+#include <cstdint>
+
+#include "winio/builder.h"
+
+namespace tarn::winio {
+
+struct menu_info {
+    menu_info* next;
+    fancy_window* window;
+    char* text;
+    char* help;
+    std::int32_t *grey, *check;
+    call_back callback;
+    call_back grey_test;
+    HMENU menu, submenu;
+    std::int32_t id;
+    std::int32_t position;
+    std::int32_t grey_state;  // -1 forces a send
+    std::int32_t resource_id;
+    std::uint32_t offsets;
+    std::int32_t kind;    // 0 bar, 1 %sm, 2 nested, 3 %pm, 4 continuation
+    std::uint32_t flags;  // 1 made by the system; 8 a `^` state function for grey and check
+};
+struct accelerator {
+    accelerator* next;
+    word wparam, lparam;
+    std::uint32_t message;
+    std::int32_t key;
+};
+enum : std::int32_t { key_alt = 0x100, key_control = 0x200, key_shift = 0x400 };
+
+HMENU read_menu(code_call& call, std::int32_t kind);
+void peek_menu(code_call& call, std::int32_t kind);
+void get_menu_help(menu_info* old_head, menu_info* new_head, code_call& call);
+bool display_popup_menu1(fancy_window* window, HWND hwnd, platform::LPARAM place, bool from_mouse);
+std::int32_t char_from_name(const char* text, bool report);
+// The mnemonic of a text, upper case, 0 for none; with `peek` nothing is recorded.
+std::int32_t seek_accelerators(const char* text, fancy_window* window, bool fold, bool peek);
+void new_accelerator(std::uint32_t message, std::int32_t key, word lparam, word wparam);
+// A selected menu command; false: not of this window.
+bool menu_command(fancy_window* window, std::int32_t id);
+void menu_selected(fancy_window* window, platform::WPARAM wparam, platform::LPARAM lparam);
+void copy_system_menu(fancy_window* window);
+void destroy_all_menus(fancy_window* window);
+// The accelerator that a pressed key means: rewrites the message and says so.
+bool apply_accelerator(fancy_window* window, platform::MSG& message);
+
+}  // namespace tarn::winio

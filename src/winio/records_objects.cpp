@@ -1,6 +1,7 @@
 // Fonts, brushes and pens: made once for each description and kept.
 #include <cstring>
 
+#include "platform/base/constants.h"
 #include "platform/gdi/gdi.h"
 #include "platform/gdi/theme.h"
 #include "winio/layout.h"
@@ -110,8 +111,7 @@ HFONT get_font_for_point_size(LOGFONT description, std::int32_t points, double& 
     const TEXTMETRIC& standard = font_metric(records().default_font);
     const std::int32_t em =
         standard.tmHeight - (standard.tmInternalLeading + standard.tmExternalLeading);
-    const std::int32_t per_inch =
-        platform::GetDeviceCaps(measuring_dc(), platform::LOGPIXELSY);
+    const std::int32_t per_inch = platform::GetDeviceCaps(measuring_dc(), platform::LOGPIXELSY);
     description.lfHeight = -(per_inch * points / 72);
     description.lfWidth = 0;
     scale = em > 0 ? -static_cast<double>(description.lfHeight) / em : 1.0;

@@ -67,7 +67,11 @@ struct argument_source {
     const std::int32_t* lengths = nullptr;  // Fortran: of its character arguments, in order
     std::int32_t length_count = 0;
     std::int32_t next_length = 0;
-    bool fortran = false;       // every argument by reference
+    bool fortran = false;  // every argument by reference
+    // How the source spells each argument behind the format, for messages; null: not known. In such
+    // a call the type of a constant or an expression, which nothing may be bound to, is told in
+    // lower case: `*i` where a variable's is `*I`.
+    const char* const* spellings = nullptr;
     bool wide_handles = false;  // handles are INTEGER*8
     word next();                // one word (a C double: next_double); 0 behind the last
     double next_double();

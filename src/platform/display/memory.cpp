@@ -7,6 +7,8 @@
 #include <utility>
 #include <vector>
 
+#include "platform/display/event_queue.h"
+
 namespace tarn::platform {
 namespace {
 
@@ -80,19 +82,16 @@ class MemoryDisplay final : public Display {
     void set_input_place(TopLevel, const RECT&) override {}
     void flush() override {}
     void inject(const Event& event) override;
-    bool injected_waiting() const override { return injected_ > 0; }
+    bool injected_waiting() const override { return queue_.injected() > 0; }
 
   private:
-    struct Entry {
-        Event event;
-        bool injected = false;
-    };
     struct Selection {
         bool offered = false;
         std::string text;
     };
 
     Window* find(TopLevel id);
+    Event about(Event::Kind kind, const Window& window) const;
     void post(Event::Kind kind, const Window& window);
     void push(Event event, bool injected);
     void move(Window& window, const RECT& client);
@@ -107,9 +106,7 @@ class MemoryDisplay final : public Display {
     POINT pointer_;
     TopLevel focused_ = 0, grab_ = 0;
     std::vector<Window> windows_;  // from the lowest to the topmost
-    std::vector<Entry> queue_;     // from `taken_` on
-    std::size_t taken_ = 0;
-    std::size_t injected_ = 0;
+    EventQueue queue_;
     Selection selections_[2];  // clipboard, PRIMARY
 };
 
@@ -120,10 +117,9 @@ Window* MemoryDisplay::find(TopLevel id) {
     return nullptr;
 }
 
-// ---- Events
-// --------------------------------------------------------------------------------------
+// ---- Events ---------------------------------------------------------------------------------
 
-void MemoryDisplay::post(Event::Kind kind, const Window& window) {
+Event MemoryDisplay::about(Event::Kind kind, const Window& window) const {
     Event event;
     event.kind = kind;
     event.window = window.id;
@@ -133,43 +129,23 @@ void MemoryDisplay::post(Event::Kind kind, const Window& window) {
     event.scale = scale_;
     if (kind == Event::Kind::expose)
         event.rect = {0, 0, window.client.width(), window.client.height()};
-    if (kind == Event::Kind::configure) {
-        // Only where it came to rest is of interest.
-        auto stale = [&](const Entry& entry) {
-            return !entry.injected && entry.event.window == window.id &&
-                   entry.event.kind == Event::Kind::configure;
-        };
-        queue_.erase(std::remove_if(queue_.begin() + static_cast<std::ptrdiff_t>(taken_),
-                                    queue_.end(), stale),
-                     queue_.end());
-    }
-    push(std::move(event), false);
+    return event;
+}
+
+void MemoryDisplay::post(Event::Kind kind, const Window& window) {
+    push(about(kind, window), false);
 }
 
 void MemoryDisplay::push(Event event, bool injected) {
-    if (taken_ > 64 && taken_ > queue_.size() / 2) {
-        queue_.erase(queue_.begin(), queue_.begin() + static_cast<std::ptrdiff_t>(taken_));
-        taken_ = 0;
-    }
     if (event.time == 0) event.time = now();
-    if (injected) ++injected_;
-    queue_.push_back({std::move(event), injected});
+    queue_.push(std::move(event), injected);
 }
 
 bool MemoryDisplay::next_event(Event& event, std::int32_t timeout) {
-    if (taken_ == queue_.size()) {
-        // Nobody but the program itself makes events here, so none comes while it sleeps.
-        if (timeout != 0) poll(nullptr, 0, timeout);
-        return false;
-    }
-    Entry& entry = queue_[taken_++];
-    if (entry.injected) --injected_;
-    event = std::move(entry.event);
-    if (taken_ == queue_.size()) {
-        queue_.clear();
-        taken_ = 0;
-    }
-    return true;
+    if (queue_.take(event)) return true;
+    // Nobody but the program itself makes events here, so none comes while it sleeps.
+    if (timeout != 0) poll(nullptr, 0, timeout);
+    return false;
 }
 
 void MemoryDisplay::inject(const Event& event) {
@@ -197,8 +173,7 @@ void MemoryDisplay::inject(const Event& event) {
     push(event, true);
 }
 
-// ---- The manager
-// ---------------------------------------------------------------------------------
+// ---- The manager ----------------------------------------------------------------------------
 
 bool MemoryDisplay::open(TopLevel id, const TopLevelOptions& options) {
     if (find(id)) return false;
@@ -218,16 +193,7 @@ void MemoryDisplay::close(TopLevel id) {
     TopLevel owner = gone->options.owner;
     std::free(gone->pixels);
     windows_.erase(gone);
-    std::size_t kept = taken_;
-    for (std::size_t i = taken_; i < queue_.size(); ++i) {
-        if (queue_[i].event.window == id) {
-            if (queue_[i].injected) --injected_;
-        } else {
-            if (kept != i) queue_[kept] = std::move(queue_[i]);
-            ++kept;
-        }
-    }
-    queue_.resize(kept);
+    queue_.drop(id);
     if (grab_ == id) grab_ = 0;
     for (Window& window : windows_) {
         if (window.disabled_by == id) window.disabled_by = 0;
@@ -405,8 +371,7 @@ void MemoryDisplay::focus_another(TopLevel owner) {
     }
 }
 
-// ---- Pictures, pointer, selections
-// -----------------------------------------------------------------
+// ---- Pictures, pointer, selections ----------------------------------------------------------
 
 Surface MemoryDisplay::surface(TopLevel id, std::int32_t width, std::int32_t height) {
     Surface result;
@@ -440,8 +405,9 @@ void MemoryDisplay::warp_pointer(POINT screen) {
             under = &window;
     }
     if (!under) return;
-    post(Event::Kind::pointer_move, *under);
-    queue_.back().event.point = {pointer_.x - under->client.left, pointer_.y - under->client.top};
+    Event event = about(Event::Kind::pointer_move, *under);
+    event.point = {pointer_.x - under->client.left, pointer_.y - under->client.top};
+    push(std::move(event), false);
 }
 
 void MemoryDisplay::offer_text(bool primary, std::string_view utf8) {

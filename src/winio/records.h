@@ -243,6 +243,7 @@ struct window_flags {
     bool start_posted : 1;         // message 0x406 is on its way or was
     bool button_font_current : 1;  // %fb
     bool multi_button : 1;         // %mb
+    bool multi_button_left : 1;    // %mb[left]
     bool min_height : 1;           // %co[min_height]
 };
 

@@ -105,7 +105,7 @@ void yield_program_control(std::int32_t mode) {
         nothing_left();
         if (mode != 0 && mode != 3) return;
         WaitMessage();
-        if (mode == 3) mode = 1;
+        if (mode == 3) return;
     }
 }
 

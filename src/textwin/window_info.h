@@ -186,7 +186,7 @@ void unregister_modeless_dialog(HWND dialog);
 
 LRESULT main_windows_procedure(HWND hwnd, UINT message, WPARAM wparam, LPARAM lparam);
 void release_window(HWND hwnd);  // WM_DESTROY: unlinks and frees the record
-void enable_winexit();
+void enable_winexit();           // the end of the program waits until every text window is closed
 void clear_window(window_info& window);
 
 }  // namespace tarn::textwin

@@ -173,12 +173,14 @@ void read_characters(Statement& s, const FormatNode& node, char* item, int kind,
 
 }  // namespace
 
-void read_item(Statement& s, ItemType type, char* item, int kind, std::size_t size) {
+void read_item(Statement& s, ItemType type, void* at, int kind, std::size_t size) {
     if (s.failed || (s.end_of_record && s.non_advancing)) return;
-    const FormatNode* node = next_data_edit(s);
+    const FormatNode* node = data_edit_at_hand(s);
+    if (node == nullptr) node = run_format(s, true);
     if (node == nullptr) return;
     if (!s.record_at_hand) return fail_end_of_file(s);
     ++s.items;
+    auto* const item = static_cast<char*>(at);
     Edit edit = node->edit;
     if (edit == Edit::G) {
         if (type == ItemType::integer) edit = Edit::I;

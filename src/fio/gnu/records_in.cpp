@@ -86,12 +86,6 @@ bool fetch_record(Statement& s) {
     return external_record(s);
 }
 
-bool fetch_or_fail(Statement& s) {
-    if (fetch_record(s)) return true;
-    if (!s.failed) fail_end_of_file(s);
-    return false;
-}
-
 // The record has gone by.
 void drop_record(Statement& s) {
     if (!s.record_at_hand) return;

@@ -164,6 +164,11 @@ class Display {
     // Reports what was sent so far; called once a batch of presents is out.
     virtual void flush() = 0;
 
+    // What inject_event and injected_events_waiting ask of a backend: it behaves as if the event
+    // had come from a user, pointer place and focus included.
+    virtual void inject(const Event& event) = 0;
+    virtual bool injected_waiting() const = 0;
+
   protected:
     ~Display() = default;
 };
@@ -174,12 +179,24 @@ Display& display();
 // True when display() was called before.
 bool display_open();
 
-// For scripts and tests: an event is put before those of the display.
+// For scripts and tests: an event as if a user had made it. It comes before those of the desktop
+// that were not taken yet.
 void inject_event(const Event& event);
 // Events put in and not yet taken.
 bool injected_events_waiting();
 
-// The factory that the backend's module exports under the name "tarn_x11_display".
-using DisplayFactory = Display* (*)(std::string& why_not);
+// The display stopped to answer (its server is gone): ends the process. Filled by the room that
+// knows how to end it well; otherwise the message goes to standard error and exit(1) follows.
+extern void (*display_lost)(const char* message);
+
+// What a backend's module gets from the library, which it can't link: it may be loaded into a
+// program that holds the library in any form.
+struct DisplaySetup {
+    double scale = 0.0;  // wanted by the user; 0: the desktop's own
+    void (*lost)(const char* message) = nullptr;
+};
+// The factory that the backend's module exports under the name "tarn_x11_display". Null when there
+// is no such desktop; `why_not` then says why, in words that stand behind a colon.
+using DisplayFactory = Display* (*)(const DisplaySetup& setup, std::string& why_not);
 
 }  // namespace tarn::platform

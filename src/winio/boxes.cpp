@@ -1,6 +1,5 @@
 // Boxes: %ob opens one, each %cb closes a cell of it.
 #include <algorithm>
-#include <array>
 #include <vector>
 
 #include "winio/codes.h"
@@ -158,8 +157,7 @@ std::int32_t rounded_corners(std::int32_t flags) {
 }
 
 frame_block* make_frame_block(const box& cell) {
-    auto* block = static_cast<frame_block*>(std::calloc(1, sizeof(frame_block)));
-    if (!block) heap_exhausted();
+    auto* block = new_record<frame_block>();
     discard_with_window(block, nullptr);
     block->flags = frame_flags(cell);
     block->corners = cell.rounded ? rounded_corners(block->flags) : 0;
@@ -212,8 +210,8 @@ void claim_frame(const box& cell, const window_control* frame) {
 
 void start_next_cell(box& cell, const window_control* frame) {
     cell.frame_record = allocate_control();
-    cell.centre_col = cell.centre_all_lines ? 0 : -1;
-    cell.right_col = -1;
+    cell.centre_col = cell.right_col = -1;
+    cell.centre_all_lines = false;
     cell.centre_first = cell.right_first = nullptr;
     cell.start_control = current_window()->last_control;
     raise(cell.all_max_x, cell.max_x);
@@ -228,7 +226,6 @@ void start_next_cell(box& cell, const window_control* frame) {
     }
     put_pen_in_cell(cell, cell.column == 1 ? cell.left : cell.inner_left,
                     cell.row == 1 ? cell.top : cell.inner_top);
-    if (cell.centre_all_lines) cell.centre_col = cell.inner_x;
 }
 
 void leave_box_pen(const box& of, const window_control* frame, std::int32_t top,
@@ -373,6 +370,15 @@ void free_open_boxes() {
     while (builder().box) pop_box();
 }
 
+// What was made before keeps step with the window: a colour that the program chose stays.
+void readjust_background(fancy_window* window) {
+    const COLORREF before = window->background;
+    window->background = dialog_colour();
+    for (window_control* c = window->first_control; c; c = c->next)
+        if (c->background == before && type_properties(c->type) & dialog_colour_in_3d)
+            c->background = window->background;
+}
+
 void handle_ob(code_call& call) {
     if (QuitIfDlgResource("%ob")) return;
     if (records().passive) return peek_box(call);
@@ -417,7 +423,7 @@ void handle_cb(code_call&) {
 
 // What came so far stands in the vertical middle of a recessed pane above the rest of the window.
 void handle_bx(code_call& call) {
-    const double depth = user_float(call.arguments, "%bx");
+    const double depth = user_float(call.arguments, "Invalid number passed to %bx format");
     if (records().passive) return;
     window_builder& at = builder();
     fancy_window* window = current_window();

@@ -20,7 +20,8 @@ constexpr std::int32_t smallest_map = 1280;
 void choose_map_size() {
     if (layout().size_given) return;
     records_state& all = records();
-    all.occupancy_width = std::max(smallest_map, platform::GetSystemMetrics(platform::SM_CXMAXTRACK));
+    all.occupancy_width =
+        std::max(smallest_map, platform::GetSystemMetrics(platform::SM_CXMAXTRACK));
     all.occupancy_height =
         std::max(smallest_map, platform::GetSystemMetrics(platform::SM_CYMAXTRACK));
 }
@@ -41,13 +42,14 @@ search try_block(std::int32_t w, std::int32_t h) {
     const std::int32_t width = records().occupancy_width;
     for (std::int32_t y = at.row; y < at.row + h; ++y) {
         const std::int64_t first = std::int64_t{y} * width + at.col;
-        const std::int64_t there = std::clamp(map_cells() - first, std::int64_t{0}, std::int64_t{w});
+        const std::int64_t there =
+            std::clamp(map_cells() - first, std::int64_t{0}, std::int64_t{w});
         const std::int64_t taken = find_set_bit(at.occupancy, first, there);
         if (taken < 0 && there < w) return search::off_the_map;
         if (taken < 0) continue;
         const std::int64_t rest = width - taken % width;
-        at.col = static_cast<std::int32_t>(
-            taken + count_set_run(at.occupancy, taken, rest) - std::int64_t{y} * width);
+        at.col = static_cast<std::int32_t>(taken + count_set_run(at.occupancy, taken, rest) -
+                                           std::int64_t{y} * width);
         return search::moved;
     }
     return search::free;
@@ -131,8 +133,8 @@ void begin_layout() {
     unsigned char* map = all.spare;
     all.spare = nullptr;
     if (!map)
-        map = static_cast<unsigned char*>(std::calloc(
-            1, occupancy_bytes(records().occupancy_width, records().occupancy_height)));
+        map = static_cast<unsigned char*>(
+            std::calloc(1, occupancy_bytes(records().occupancy_width, records().occupancy_height)));
     if (!map) heap_exhausted();
     builder().occupancy = map;
     builder().high_water = 0;
@@ -140,6 +142,7 @@ void begin_layout() {
 
 void end_layout() {
     window_builder& at = builder();
+    free_open_boxes();
     unsigned char* map = at.occupancy;
     if (!map) return;
     at.occupancy = nullptr;

@@ -59,6 +59,8 @@ enum : std::int32_t {  // of frame_block
     not_last_column = 0x10,
 };
 
+inline constexpr std::int32_t no_pivot = 10000000;
+
 void begin_layout();  // gives the builder an empty map
 void end_layout();    // takes it back; harmless when there is none
 // The size of the map in cells, for windows begun from now on; refused once a window was begun.
@@ -90,6 +92,9 @@ void apply_margins();
 void re_centre_in_box(const frame_link& cell, std::int32_t extra);
 void adjust_multi_boxes(box& of);
 void shuffle_boxes(fancy_window* window);
+void free_open_boxes();  // of a format that ended with one
+// The dialog colour takes the place of a standard background.
+void readjust_background(fancy_window* window);
 void re_scale_window(fancy_window* window, std::int32_t width, std::int32_t height);
 // Raises line_extra for a control deeper than text.
 void deepen_line(std::int32_t height);

@@ -29,8 +29,7 @@ std::int64_t find_bit(const unsigned char* map, std::int64_t first, std::int64_t
     while (first < end) {
         const std::int64_t shift = first % word_bits;
         const std::int64_t here = std::min(end - first, word_bits - shift);
-        const std::uint64_t bits =
-            (load(map, first / word_bits) ^ flip) >> shift & low_bits(here);
+        const std::uint64_t bits = (load(map, first / word_bits) ^ flip) >> shift & low_bits(here);
         if (bits) return first + std::countr_zero(bits);
         first += here;
     }

@@ -115,8 +115,8 @@ void use_scaled_font(fancy_window* window) {
 }
 
 void open_level(fancy_window* window, bool superscript) {
-    auto* level = new script_level{window->script_stack, window->text_scale,
-                                   window->baseline_shift, superscript};
+    auto* level = new script_level{window->script_stack, window->text_scale, window->baseline_shift,
+                                   superscript};
     window->script_stack = level;
     window->baseline_shift += within_reach(window->text_scale * (superscript ? -3.2 : 1.6));
     window->text_scale *= 0.7;

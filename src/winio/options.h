@@ -102,6 +102,6 @@ struct control_options {
     std::uint32_t style;
 };
 // Every other code: its words are checked, and those that count are returned.
-control_options collect_other_options(code_call& call, window_control* control);
+control_options collect_other_options(code_call& call);
 
 }  // namespace tarn::winio

@@ -338,7 +338,7 @@ const collector* collector_of(std::uint16_t code) {
 
 }  // namespace
 
-control_options collect_other_options(code_call& call, window_control*) {
+control_options collect_other_options(code_call& call) {
     control_options found{};
     found.background = no_colour;
     found.colour_rows = 2;

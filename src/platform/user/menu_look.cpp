@@ -73,8 +73,9 @@ void draw_owner_item(HDC dc, HWND owner, const MenuItem& item, const RECT& rect,
     draw.CtlType = ODT_MENU;
     draw.itemID = static_cast<UINT>(item.id);
     draw.itemAction = ODA_DRAWENTIRE;
-    draw.itemState = (selected ? ODS_SELECTED : 0U) | (item.enabled() ? 0U : ODS_GRAYED) |
-                     ((item.flags & MF_CHECKED) != 0 ? ODS_CHECKED : 0U);
+    if (selected) draw.itemState |= ODS_SELECTED;
+    if (!item.enabled()) draw.itemState |= ODS_GRAYED;
+    if ((item.flags & MF_CHECKED) != 0) draw.itemState |= ODS_CHECKED;
     draw.hDC = dc;
     draw.rcItem = rect;
     draw.itemData = item.data;
@@ -267,8 +268,9 @@ void draw_bar(HDC dc, HMENU menu, HWND owner, const RECT& bar, std::int32_t sele
             continue;
         }
         SetTextColor(dc, item.enabled() ? t.text : t.text_disabled);
-        draw_text(dc, item.label(), rect,
-                  DT_SINGLELINE | DT_VCENTER | DT_CENTER | (cues ? 0 : DT_HIDEPREFIX));
+        std::uint32_t how = DT_SINGLELINE | DT_VCENTER | DT_CENTER;
+        if (!cues) how |= DT_HIDEPREFIX;
+        draw_text(dc, item.label(), rect, how);
     }
 }
 

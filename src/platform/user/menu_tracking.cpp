@@ -117,7 +117,8 @@ void tell_selection(const Tracking& t) {
     const MenuItem* item =
         selected >= 0 ? find_item(menu, static_cast<UINT>(selected), MF_BYPOSITION) : nullptr;
     if (item == nullptr) return;
-    const UINT flags = (item->flags & 0xFFF) | MF_HILITE | (item->sub != 0 ? MF_POPUP : 0);
+    UINT flags = (item->flags & 0xFFF) | MF_HILITE;
+    if (item->sub != 0) flags |= MF_POPUP;
     const std::int32_t word = item->sub != 0 ? selected : static_cast<std::int32_t>(item->id);
     SendMessageA(t.owner, WM_MENUSELECT, MAKEWPARAM(word, static_cast<std::int32_t>(flags)), menu);
 }

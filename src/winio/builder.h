@@ -106,10 +106,12 @@ struct builder_state {
     bool nested;                       // %ex
     bool preload_open;                 // %bo: %bn and %pl only add to the preloaded block
     void (*passive_hook)(const char* text);
-    bool passive_window;  // the window under construction is not to be created
-    bool checking_quietly;
-    bool abandoned;           // abandon_construction was called during this call
-    std::string format_text;  // of the call at work, kept for diagnostics once %ex was used
+    bool passive_window;            // the window under construction is not to be created
+    bool wide_handles;              // __winio_check_ex: handles have 64 bits
+    char* check_report;             // of check mode: the first message goes there
+    fancy_window* internal_window;  // begun by internal_winio
+    bool abandoned;                 // abandon_construction was called during this call
+    std::string format_text;        // of the call at work, kept for diagnostics once %ex was used
 };
 builder_state& building();
 inline window_builder& builder() {

@@ -2,11 +2,9 @@
 #include <cctype>
 #include <cstring>
 
-#include "platform/base/constants.h"
-#include "platform/gdi/gdi.h"
 #include "platform/user/menus.h"
 #include "winio/callbacks.h"
-#include "winio/codes.h"
+#include "winio/common_dialog.h"
 #include "winio/layout.h"
 #include "winio/options.h"
 #include "winio/procedures.h"
@@ -39,6 +37,7 @@ void suspend_construction() {
     suspended().push_back({builder(), current_window(), nullptr});
     builder().continuing = 0;
     builder().nw_mode = 0;
+    builder().occupancy = nullptr;  // the nested window makes its own
 }
 
 // The construction that waited for `nested` goes on.
@@ -54,6 +53,7 @@ void resume_construction(const fancy_window* nested) {
 // ---- Beginning ---------------------------------------------------------------------------------
 void reset_builder() {
     window_builder& fresh = builder();
+    if (fresh.occupancy) end_layout();
     fresh = {};
     fresh.last_text = "UNKNOWN";
     fresh.next_control_id = 1000;
@@ -79,7 +79,6 @@ bool begin_window() {
     window->previous = current_window();
     current_window() = window;
     if (!suspended().empty() && !suspended().back().nested) suspended().back().nested = window;
-    if (records().check_mode) window->flags.open = false;
     reset_builder();
     return true;
 }
@@ -104,7 +103,6 @@ void apply_style_format(fancy_window& window) {
 bool continue_window(const argument_source& arguments) {
     builder_state& state = building();
     fancy_window* window = current_window();
-    if (!window) return begin_window();  // what was under construction has gone
     if (builder().nw_mode == 0 && window->flags.fortran != arguments.fortran) {
         quillpan_error(
             "Attempt to continue a formatted window from a different programming language");
@@ -153,39 +151,39 @@ void report_unused(const fancy_window& window) {
     }
 }
 
-// What one call sets aside of the call that it interrupts.
+bool window_is_listed(const fancy_window* window, std::int32_t second_number) {
+    for (const fancy_window* at = records().windows; at; at = at->next) {
+        if (at == window && at->second_number == second_number) return true;
+    }
+    return false;
+}
+
+// What one call sets aside of a call that it interrupts: the interrupted window's place in its
+// arguments.
 class call_scope {
-public:
-    call_scope(const argument_source& arguments) : window_(current_window()) {
-        builder_state& state = building();
-        outer_fortran_ = state.fortran_call;
-        state.fortran_call = arguments.fortran;
-        outer_ = window_ ? argument_place{window_->descriptor, window_->arg_number}
-                         : argument_place{};
-        number_ = window_ ? window_->second_number : 0;
+  public:
+    explicit call_scope(const argument_source& arguments)
+        : fortran_(building().fortran_call), window_(current_window()) {
+        building().fortran_call = arguments.fortran;
+        if (!window_) return;
+        number_ = window_->second_number;
+        descriptor_ = window_->descriptor;
+        argument_ = window_->arg_number;
     }
     ~call_scope() {
-        building().fortran_call = outer_fortran_;
-        // A window that is still being scanned further up goes on where it stood.
-        for (fancy_window* window = records().windows; window_ && window; window = window->next) {
-            if (window == window_ && window->second_number == number_) {
-                window->descriptor = outer_.descriptor;
-                window->arg_number = outer_.number;
-            }
-        }
+        building().fortran_call = fortran_;
+        if (!window_ || !window_is_listed(window_, number_)) return;
+        window_->descriptor = descriptor_;
+        window_->arg_number = argument_;
     }
     call_scope(const call_scope&) = delete;
     call_scope& operator=(const call_scope&) = delete;
 
-private:
-    struct argument_place {
-        const char* descriptor = nullptr;
-        std::int32_t number = 0;
-    };
+  private:
+    bool fortran_;
     fancy_window* window_;
-    argument_place outer_;
-    std::int32_t number_ = 0;
-    bool outer_fortran_ = false;
+    std::int32_t number_ = 0, argument_ = 0;
+    const char* descriptor_ = nullptr;
 };
 
 // ---- Finishing ---------------------------------------------------------------------------------
@@ -211,13 +209,6 @@ void report_left_open(const fancy_window& window) {
         pending().scrolls = nullptr;
     }
     if (window.flags.za_open) quillpan_error("?%%ZA does not have matching %%ZZ.");
-}
-
-bool has_control(const fancy_window& window, control_type type) {
-    for (const window_control* at = window.first_control; at; at = at->next) {
-        if (at->type == type) return true;
-    }
-    return false;
 }
 
 void add_help_line(fancy_window& window) {
@@ -277,12 +268,9 @@ void lay_out(fancy_window& window) {
     colour_texts(window);
 }
 
-bool finish_menu_change() {
+// %nw: the new menu goes to its window, and whatever was current is so again.
+std::int32_t finish_menu_change(fancy_window* before, bool workspace) {
     window_builder& state = builder();
-    if (state.continuing != 0) {
-        state.continuing = 0;
-        return true;
-    }
     fancy_window* window = current_window();
     if ((state.nw_mode & 2) != 0 && window && window->hwnd != HWND{}) {
         platform::SetMenu(window->hwnd, window->menu);
@@ -290,12 +278,19 @@ bool finish_menu_change() {
     pending().nw_target_window = HWND{};
     pending().nw_target_control = nullptr;
     state.nw_mode = 0;
-    return true;
+    state.continuing = 0;
+    current_window() = before;
+    if (workspace) {
+        end_layout();
+        destroy_fancy_window(before);
+        resume_construction(before);
+    }
+    return continued;
 }
 
 // %wr: a window that only carries data.
 std::int32_t finish_data_window(fancy_window& window) {
-    if (has_control(window, control_type::text) || window.first_control) {
+    if (window.first_control) {
         quillpan_error("?Unexpected text and/or controls in %%WR data");
     }
     end_layout();
@@ -304,25 +299,18 @@ std::int32_t finish_data_window(fancy_window& window) {
     return continued;
 }
 
-bool window_is_listed(const fancy_window* window, std::int32_t second_number) {
-    for (const fancy_window* at = records().windows; at; at = at->next) {
-        if (at == window && at->second_number == second_number) return true;
-    }
-    return false;
-}
-
 // In check mode, and in a window that is not to be created, its record ends here.
 void drop_window(fancy_window* window) {
     window->closed_callback = nullptr;
     destroy_fancy_window(window);
     building().passive_window = false;
+    building().passive_hook = nullptr;
 }
 
 std::int32_t open_window(fancy_window* window) {
     const std::int32_t number = window->second_number;
-    window_size_and_position(window);
-    create_real_window(window);
     end_layout();
+    create_real_window(window);
     if (!window_is_listed(window, number)) return 0;
     if (window->flags.leave || window->flags.sheet) return 0;
     const std::int32_t result = wait_for_window(window);
@@ -343,8 +331,8 @@ std::int32_t finish_window() {
         while (builder().box) builder().box = builder().box->previous;
     }
     if (window->design_number == 0 && !window->flags.design) return finish_data_window(*window);
-    if (void* dialog = get_preloaded_block(control_type::line_end)) {
-        const std::int32_t result = call_common_dialog(dialog);
+    if (auto* dialog = static_cast<common_dialog*>(get_preloaded_block(control_type::line_end))) {
+        const std::int32_t result = CallCommonDialog(dialog);
         end_layout();
         destroy_fancy_window(window);
         resume_construction(window);
@@ -381,18 +369,19 @@ std::int32_t abandon_window() {
     return continued;
 }
 
-// False: the call is refused, with the result 0.
-bool enter_nesting(const char* format) {
+// Which construction this call belongs to: the one at hand, or a nested one.
+void choose_construction(const char* format, bool internal) {
     builder_state& state = building();
     const bool nested = begins_with_code(format, "%ex");
     if (nested) state.nested = true;
-    if (builder().continuing == 0 && builder().nw_mode == 0) {
+    const bool at_work = builder().continuing != 0 || builder().nw_mode != 0;
+    if (!at_work) {
         if (begins_with_code(format, "%nw")) builder().nw_mode = 1;
-        return true;
+        return;
     }
-    if (!nested || suspended_for_current()) return true;
-    suspend_construction();
-    return true;
+    // A window of the library's own never continues the program's.
+    const bool foreign = internal && state.internal_window != current_window();
+    if (nested || foreign) suspend_construction();
 }
 
 }  // namespace
@@ -410,29 +399,33 @@ void abandon_construction() {
     building().abandoned = true;
 }
 
-std::int32_t winio(const char* format, std::size_t length, const char* descriptor,
-                   argument_source& arguments) {
+namespace {
+
+std::int32_t perform_call(const char* format, std::size_t length, const char* descriptor,
+                          argument_source& arguments, bool internal) {
     builder_state& state = building();
     std::string text(format ? format : "", format ? length : 0);
     if (arguments.fortran) {
         while (!text.empty() && text.back() == ' ') text.pop_back();
     }
-    text.resize(std::strlen(text.c_str()));  // it ends at a zero
-    if (!enter_nesting(text.c_str())) return 0;
+    text.resize(std::strlen(text.c_str()));  // a zero ends it
+    choose_construction(text.c_str(), internal);
     if (state.nested) state.format_text = text;
-    const call_scope scope(arguments);
-    const bool starts = builder().continuing == 0 && builder().nw_mode == 0;
     if (builder().nw_mode != 0 && !current_window() && records().check_mode) {
         builder().nw_mode = 0;
         return continued;
     }
-    if (!(starts ? begin_window() : continue_window(arguments))) return continued;
+    const call_scope scope(arguments);
+    const bool starts = !current_window() || (builder().continuing == 0 && builder().nw_mode == 0);
     const std::int32_t nw_mode = builder().nw_mode;
-    fancy_window* before = current_window();
-    if (starts) apply_style_format(*before);
+    if (!(starts ? begin_window() : continue_window(arguments))) return continued;
+    builder().nw_mode = nw_mode;
+    fancy_window* window = current_window();
+    if (internal) state.internal_window = window;
+    if (starts) apply_style_format(*window);
     if (!records().passive) builder().continuing = 0;
-    if (nw_mode == 0) before->flags.nw_mark = false;
-    if (arguments.fortran) before->flags.fortran = true;
+    if (nw_mode == 0) window->flags.nw_mark = false;
+    if (arguments.fortran && nw_mode == 0) window->flags.fortran = true;
 
     queued_call queued;
     argument_source* source = &arguments;
@@ -440,23 +433,27 @@ std::int32_t winio(const char* format, std::size_t length, const char* descripto
         descriptor = queued.taken.descriptor.c_str();
         source = &queued.source;
     }
-    before->descriptor = descriptor;
-    before->arg_number = 1;
+    window->descriptor = descriptor;
+    window->arg_number = 1;
     const bool goes_on = scan_format(text.c_str(), *source);
-    fancy_window* window = current_window();
-    report_unused(*window);
+    report_unused(*current_window());
+    current_window()->descriptor = nullptr;
     window->descriptor = nullptr;
     if (state.abandoned) return abandon_window();
-    if (goes_on && !records().passive) builder().continuing = 1;
-    if (nw_mode != 0) {
-        finish_menu_change();
-        current_window() = before;
-        resume_construction(before);
-        return continued;
-    }
-    if (builder().continuing != 0) return dialog_options_or(continued);
+    if (builder().nw_mode != 0) return finish_menu_change(window, starts);
     if (records().passive) return continued;
+    if (goes_on) {
+        builder().continuing = 1;
+        return continued_dialog(continued);
+    }
     return finish_window();
+}
+
+}  // namespace
+
+std::int32_t winio(const char* format, std::size_t length, const char* descriptor,
+                   argument_source& arguments) {
+    return perform_call(format, length, descriptor, arguments, false);
 }
 
 std::int32_t internal_winio(const char* format, const char* descriptor, const word* words,
@@ -464,7 +461,7 @@ std::int32_t internal_winio(const char* format, const char* descriptor, const wo
     argument_source source;
     source.words = words;
     source.word_count = count;
-    return winio(format, std::strlen(format), descriptor, source);
+    return perform_call(format, std::strlen(format), descriptor, source, true);
 }
 
 }  // namespace tarn::winio

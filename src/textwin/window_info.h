@@ -147,6 +147,7 @@ text_descriptor* descriptor_of(const window_info& window, std::int32_t number);
 void write_bytes(window_info& window, const char* bytes, std::size_t count);
 // Takes the last character off the working line.
 void take_back_character(window_info& window);
+void live_while_writing();
 void mark_changed(window_info& window);
 void show_output(window_info& window);
 void show_all_output();
@@ -186,7 +187,7 @@ void unregister_modeless_dialog(HWND dialog);
 
 LRESULT main_windows_procedure(HWND hwnd, UINT message, WPARAM wparam, LPARAM lparam);
 void release_window(HWND hwnd);  // WM_DESTROY: unlinks and frees the record
-void enable_winexit();
+void enable_winexit();           // the end of the program waits until every text window is closed
 void clear_window(window_info& window);
 
 }  // namespace tarn::textwin

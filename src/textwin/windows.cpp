@@ -95,8 +95,9 @@ HWND make_window(const char* title, std::int32_t x, std::int32_t y, std::int32_t
     HWND parent = s.main_window;
     HMENU id{};
     if (embedded) {
-        style = s.extra_style | WS_CHILD | (s.embedding.horizontal ? WS_HSCROLL : 0) |
-                (s.embedding.vertical ? WS_VSCROLL : 0);
+        style = s.extra_style | WS_CHILD;
+        if (s.embedding.horizontal) style |= WS_HSCROLL;
+        if (s.embedding.vertical) style |= WS_VSCROLL;
         s.extra_style = 0;
         parent = s.embedding.parent;
         id = HMENU{embedded_id};

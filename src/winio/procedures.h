@@ -67,6 +67,8 @@ std::uintptr_t next_timer_id();
 // The key word of a key message, as accelerators are stored with; 0: it can't be one.
 std::int32_t key_word_of(const platform::MSG& message);
 void set_focus_on_control(window_control* control);
+// Places the bars of %hx and %vx beside a control that was moved.
+void re_size_scroll_bars(window_control* control);
 // Text and class of the control's real window, by its type.
 void create_control_window(fancy_window* window, window_control* control, std::int32_t child_id);
 

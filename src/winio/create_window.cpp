@@ -46,9 +46,9 @@ HWND make_window(fancy_window* window, HWND parent, HMENU id) {
     bool was_creating = records().creating;
     records().creating = true;
     HWND hwnd =
-        CreateWindowExAW(ex_style, window->class_name ? window->class_name : "TarnickDialog",
-                         window->caption ? window->caption : "", style, place.left, place.top,
-                         place.width(), place.height(), parent, id, window);
+        CreateWindowExAW(ex_style, class_of(window), window->caption ? window->caption : "", style,
+                         window->left, window->top, window->right - window->left + 1,
+                         window->bottom - window->top + 1, parent, id, window);
     records().creating = was_creating;
     return hwnd;
 }

@@ -91,6 +91,7 @@ void change_timer_interval(platform::HWND hwnd, double seconds);
 bool close_window(fancy_window* window);
 void window_destroyed(fancy_window* window);
 void monitor_pending_close();
+void close_all_windows();
 
 // ---- Data entry and buttons
 void show_prompts(fancy_window* window);

@@ -47,7 +47,8 @@ struct TopLevelOptions {
     bool framed = true;           // a caption and a border by the manager
     bool resizable = true, minimizable = true, maximizable = true;
     bool closable = true, topmost = false, accepts_focus = true;
-    SIZE minimum;  // 0: none
+    bool accepts_files = false;  // dropped from other programs
+    SIZE minimum;                // 0: none
     std::string title;
     std::string class_name;
 };
@@ -91,7 +92,9 @@ struct Event {
     std::uint32_t modifiers = 0;  // Modifier bits, after the event
     double scale = 1.0;
     DWORD time = 0;
-    std::string text;  // UTF-8: what the key types, empty for none
+    // UTF-8: what the key types, empty for none. Return types "\r", and control_text (keys.h) tells
+    // what the other keys with control characters do.
+    std::string text;
 };
 enum Modifier : std::uint32_t {
     mod_shift = 1,
@@ -164,6 +167,11 @@ class Display {
     // Reports what was sent so far; called once a batch of presents is out.
     virtual void flush() = 0;
 
+    // What inject_event and injected_events_waiting ask of a backend: it behaves as if the event
+    // had come from a user, pointer place and focus included.
+    virtual void inject(const Event& event) = 0;
+    virtual bool injected_waiting() const = 0;
+
   protected:
     ~Display() = default;
 };
@@ -174,12 +182,24 @@ Display& display();
 // True when display() was called before.
 bool display_open();
 
-// For scripts and tests: an event is put before those of the display.
+// For scripts and tests: an event as if a user had made it. It comes before those of the desktop
+// that were not taken yet.
 void inject_event(const Event& event);
 // Events put in and not yet taken.
 bool injected_events_waiting();
 
-// The factory that the backend's module exports under the name "tarn_x11_display".
-using DisplayFactory = Display* (*)(std::string& why_not);
+// The display stopped to answer (its server is gone): ends the process. Filled by the room that
+// knows how to end it well; otherwise the message goes to standard error and exit(1) follows.
+extern void (*display_lost)(const char* message);
+
+// What a backend's module gets from the library, which it can't link: it may be loaded into a
+// program that holds the library in any form.
+struct DisplaySetup {
+    double scale = 0.0;  // wanted by the user; 0: the desktop's own
+    void (*lost)(const char* message) = nullptr;
+};
+// The factory that the backend's module exports under the name "tarn_x11_display". Null when there
+// is no such desktop; `why_not` then says why, in words that stand behind a colon.
+using DisplayFactory = Display* (*)(const DisplaySetup& setup, std::string& why_not);
 
 }  // namespace tarn::platform

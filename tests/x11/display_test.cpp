@@ -301,7 +301,7 @@ TEST_F(Managed, TellsTheManagerWhatAWindowIs) {
     display->set_modal(1, 2);
     ASSERT_TRUE(until([&] { return focused == 2; }));
     std::string first =
-        run("xprop -name \"$(printf 'Gr\\303\\266\\303\\237e \\342\\202\\254')\" "
+        run("xprop -id $(xdotool search --class Tester | tail -1) "
             "_NET_WM_NAME WM_CLASS WM_NORMAL_HINTS _NET_WM_ICON _MOTIF_WM_HINTS");
     EXPECT_NE(first.find("\"Tester\""), std::string::npos) << first;
     EXPECT_NE(first.find("minimum size: 300 by 200"), std::string::npos) << first;

@@ -8,32 +8,30 @@
 
 namespace tarn::fio {
 
+// The value of an item of 1, 2, 4 or 8 bytes.
+inline std::int64_t load_word(const char* item, int kind) {
+    if (kind == 4) {
+        std::int32_t value;
+        std::memcpy(&value, item, sizeof value);
+        return value;
+    }
+    if (kind == 8) {
+        std::int64_t value;
+        std::memcpy(&value, item, sizeof value);
+        return value;
+    }
+    if (kind == 1) return static_cast<std::int8_t>(*item);
+    std::int16_t value;
+    std::memcpy(&value, item, sizeof value);
+    return value;
+}
+
 // The value of an item of 1, 2, 4, 8 or 16 bytes.
 inline Int128 load_integer(const char* item, int kind) {
-    switch (kind) {
-        case 1:
-            return static_cast<std::int8_t>(*item);
-        case 2: {
-            std::int16_t value;
-            std::memcpy(&value, item, sizeof value);
-            return value;
-        }
-        case 4: {
-            std::int32_t value;
-            std::memcpy(&value, item, sizeof value);
-            return value;
-        }
-        case 8: {
-            std::int64_t value;
-            std::memcpy(&value, item, sizeof value);
-            return value;
-        }
-        default: {
-            Int128 value;
-            std::memcpy(&value, item, sizeof value);
-            return value;
-        }
-    }
+    if (kind <= 8) return load_word(item, kind);
+    Int128 value;
+    std::memcpy(&value, item, sizeof value);
+    return value;
 }
 
 }  // namespace tarn::fio

@@ -169,11 +169,18 @@ void Unit_close(Unit& unit) {
     unit.file.capacity = 0;
 }
 
-void Unit_free(Unit* unit) {
-    if (unit == nullptr || unit->references.fetch_sub(1) != 1) return;
+namespace {
+
+[[gnu::noinline]] void free_unit(Unit* unit) {
     std::free(unit->saved_record);
     std::free(unit->file.buffer);
     delete unit;
+}
+
+}  // namespace
+
+void Unit_free(Unit* unit) {
+    if (unit != nullptr && !unit->references.drop()) free_unit(unit);
 }
 
 void Unit_clear(Unit& unit) {
@@ -264,20 +271,38 @@ void UnitList_destroyAll() {
     }
 }
 
-Unit* acquire_unit(std::int32_t number) {
+void hold_unit(Unit& unit) {
+    unit.references.add();
+    unit.lock.lock();
+    unit.statements++;
+}
+
+namespace {
+
+[[gnu::noinline]] Unit* acquire_among_threads(std::int32_t number) {
     for (;;) {
         Unit* unit = nullptr;
         {
             const std::lock_guard guard(state.lock);
             unit = find(number);
             if (unit == nullptr) return nullptr;
-            unit->references.fetch_add(1, std::memory_order_relaxed);
+            unit->references.add();
         }
         unit->lock.lock();
         unit->statements++;
         if (unit->listed) return unit;
         release_unit(unit);
     }
+}
+
+}  // namespace
+
+Unit* acquire_unit(std::int32_t number) {
+    if (__libc_single_threaded == 0) return acquire_among_threads(number);
+    // Nobody else can change the list or close the unit in between.
+    Unit* unit = find(number);
+    if (unit != nullptr) hold_unit(*unit);
+    return unit;
 }
 
 Unit* acquire_or_create_unit(std::int32_t number, bool& created) {
@@ -297,17 +322,11 @@ Unit* acquire_or_create_unit(std::int32_t number, bool& created) {
         }
         const std::lock_guard guard(state.lock);
         if (find(number) != nullptr) continue;
-        fresh->references.fetch_add(1, std::memory_order_relaxed);
+        fresh->references.add();
         link(*fresh);
         created = true;
         return fresh;
     }
-}
-
-void hold_unit(Unit& unit) {
-    unit.references.fetch_add(1, std::memory_order_relaxed);
-    unit.lock.lock();
-    unit.statements++;
 }
 
 void release_unit(Unit* unit) {

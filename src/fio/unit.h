@@ -9,6 +9,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <string>
+#include <sys/single_threaded.h>
 
 #include "fio/dialect.h"
 #include "fio/file/file.h"
@@ -80,10 +81,32 @@ struct GnuConnection {
     bool record_open = false;        // a non-advancing statement left its record unfinished
     std::size_t open_column = 0;     // where it stood in it, in bytes from the record's start
     std::int64_t record_number = 0;  // of a direct file: last record transferred
-    std::int64_t stream_position = 1;
-    std::int32_t last_id = 0;  // ID= of the last asynchronous transfer
+    std::int32_t last_id = 0;        // ID= of the last asynchronous transfer
     std::int32_t share = 0;
     std::string name;  // the file's name as the program gave it
+};
+
+// A unit's number of references. While the process has one thread, it counts without locking the
+// bus: that would take longer than anything else at the start of a statement.
+class References {
+  public:
+    void add() {
+        if (__libc_single_threaded != 0) {
+            count_.store(count_.load(std::memory_order_relaxed) + 1, std::memory_order_relaxed);
+        } else {
+            count_.fetch_add(1, std::memory_order_relaxed);
+        }
+    }
+    // False: it was the last one.
+    bool drop() {
+        if (__libc_single_threaded == 0) return count_.fetch_sub(1) != 1;
+        const std::int32_t left = count_.load(std::memory_order_relaxed) - 1;
+        count_.store(left, std::memory_order_relaxed);
+        return left != 0;
+    }
+
+  private:
+    std::atomic<std::int32_t> count_{1};
 };
 
 struct Unit {
@@ -109,9 +132,9 @@ struct Unit {
     const Dialect* dialect = &native_dialect;
     File file;
     GnuConnection gnu;
-    bool native_console = false;  // units 1 and 2 as the system made them: no gnu connection
+    bool native_console = false;      // units 1 and 2 as the system made them: no gnu connection
     void (*closer)(Unit&) = nullptr;  // the whole CLOSE of the dialect that made the connection
-    platform::Lock lock;  // held by a gnu statement from its start to its end
+    platform::Lock lock;              // held by a gnu statement from its start to its end
 
     std::int32_t statements = 0;  // in progress on it, one inside the other; under the lock
 
@@ -120,7 +143,7 @@ struct Unit {
     Unit* previous = nullptr;
     Unit* same_bucket = nullptr;
     std::atomic<bool> listed{false};
-    std::atomic<std::int32_t> references{1};
+    References references;
 };
 
 // `buffered`: the unit gets a file buffer at once.

@@ -23,12 +23,16 @@ HWND create_embeded_window_x(HWND parent, bool horizontal_bar, bool vertical_bar
                              std::int32_t y, std::int32_t width, std::int32_t height, HBRUSH brush,
                              COLORREF background, COLORREF text, HMENU popup);
 void win_coua(HWND hwnd, const char* bytes, std::size_t count);
+void add_text_descriptor(HWND hwnd, platform::HFONT font, COLORREF colour);
 void win_coua_f();  // the next write doesn't repaint at its end
 void set_default_font(platform::HFONT font);
 void set_one_shot_style(std::uint32_t style);  // extra style of the next embedded window
 bool is_text_window(HWND hwnd);
 // The selected text in new storage (free()), null for none.
 char* selected_text(HWND hwnd, bool only_ask);
+
+// Whether new windows hold UTF-8 text; set by the room above.
+extern bool (*text_is_utf8)();
 
 // mode 0 runs until WM_QUIT, 1 polls, 2 polls and lets WM_QUIT through, 3 waits for one batch.
 void yield_program_control(std::int32_t mode);

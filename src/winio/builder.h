@@ -67,10 +67,15 @@ struct argument_source {
     const std::int32_t* lengths = nullptr;  // Fortran: of its character arguments, in order
     std::int32_t length_count = 0;
     std::int32_t next_length = 0;
-    bool fortran = false;       // every argument by reference
+    bool fortran = false;  // every argument by reference
+    // How the source spells each argument behind the format, for messages; null: not known. In such
+    // a call the type of a constant or an expression, which nothing may be bound to, is told in
+    // lower case: `*i` where a variable's is `*I`.
+    const char* const* spellings = nullptr;
     bool wide_handles = false;  // handles are INTEGER*8
-    word next();                // one word (a C double: next_double)
+    word next();                // one word (a C double: next_double); 0 behind the last
     double next_double();
+    bool exhausted() const { return word_count >= 0 && next_word >= word_count; }
 };
 
 // The code at hand. A handler clears each modifier that it consumes; one left over is reported.
@@ -96,10 +101,17 @@ struct builder_state {
     const char* const* argument_names;  // of check mode
     void* preloaded_block;
     control_type preloaded_type = control_type::blank;
-    std::int32_t last_length;  // of the last CHARACTER argument read
-    bool nested;               // %ex
+    std::int32_t last_length;          // of the last CHARACTER argument read
+    const char* last_string_variable;  // and where it is
+    bool nested;                       // %ex
+    bool preload_open;                 // %bo: %bn and %pl only add to the preloaded block
     void (*passive_hook)(const char* text);
-    bool checking_quietly;
+    bool passive_window;            // the window under construction is not to be created
+    bool wide_handles;              // __winio_check_ex: handles have 64 bits
+    char* check_report;             // of check mode: the first message goes there
+    fancy_window* internal_window;  // begun by internal_winio
+    bool abandoned;                 // abandon_construction was called during this call
+    std::string format_text;        // of the call at work, kept for diagnostics once %ex was used
 };
 builder_state& building();
 inline window_builder& builder() {
@@ -115,6 +127,12 @@ std::int32_t winio(const char* format, std::size_t length, const char* descripto
 // A `winio` call of the library's own: words and a descriptor.
 std::int32_t internal_winio(const char* format, const char* descriptor, const word* words,
                             std::int32_t count);
+
+// The construction can't go on (a report went to the passive hook): the call that is being scanned
+// stops at the next code, frees the window under construction and returns -1.
+void abandon_construction();
+// Is a window under construction, so that the next call continues it?
+bool window_is_continued();
 
 void do_format_code(code_call& call);
 // The table of handlers; one function a code, in the file of its family.
@@ -132,6 +150,17 @@ double user_float(argument_source& arguments, const char* message);
 std::int32_t* user_int_pointer(argument_source& arguments);
 std::int64_t* user_int64_pointer(argument_source& arguments);
 word* user_hwnd_pointer(argument_source& arguments);
+// The same, with the width that the caller's types tell. One of the two is set, or none.
+struct handle_variable {
+    std::int32_t* narrow;
+    std::int64_t* wide;
+    explicit operator bool() const { return narrow || wide; }
+    void store(word value) const {
+        if (wide) *wide = value;
+        if (narrow) *narrow = static_cast<std::int32_t>(value);
+    }
+};
+handle_variable user_handle_variable(argument_source& arguments);
 double* user_float_pointer(argument_source& arguments);
 char* user_char_pointer(argument_source& arguments);  // sets building().last_length in Fortran
 char* user_string(argument_source& arguments);        // owned by the window; null for none
@@ -139,12 +168,22 @@ char** user_char_star_star_pointer(argument_source& arguments);
 void** user_void_star_star_pointer(argument_source& arguments);
 void* user_struct_pointer(argument_source& arguments, bool allow_j);
 void* user_struct_star_star_pointer(argument_source& arguments);
+// Every reader begins with these: counts the argument; and, where the call tells its types, moves
+// past the token that the descriptor must hold next. With no descriptor every token is right.
+void count_argument();
+bool accept_token(const char* token);
 void check_arg_present();
 void report_argument_error(const char* fortran_text, const char* c_text);
 char* get_standard_string(code_call& call, const char* what);
 COLORREF user_colour(code_call& call);  // [spec] in the format, else an integer
 bool valid_double(double value);
 void save_fortran_string_binding(char* copy, const char* variable, std::int32_t length);
+
+// What most controls read first and last: the resource ID of a %di window, or a pending %ci; the
+// grey variable of `~`; the call-back of `^`. A modifier that is absent reads nothing.
+void read_resource_id(code_call& call, window_control& control);
+void read_grey_variable(code_call& call, window_control& control);
+void read_callback(code_call& call, window_control& control, const char* message);
 
 void* get_preloaded_block(control_type type);
 void set_preloaded_block(void* block, control_type type);

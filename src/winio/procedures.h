@@ -35,12 +35,40 @@ enum : std::uint32_t {
 
 platform::LRESULT winio_winproc(platform::HWND hwnd, platform::UINT message,
                                 platform::WPARAM wparam, platform::LPARAM lparam);
-// The last step of a `winio` call: the real window of a finished record.
+// The procedures of the library's own control classes, for their registration.
+platform::LRESULT mdi_frame_procedure(platform::HWND hwnd, platform::UINT message,
+                                      platform::WPARAM wparam, platform::LPARAM lparam);
+platform::LRESULT fancy_button_procedure(platform::HWND hwnd, platform::UINT message,
+                                         platform::WPARAM wparam, platform::LPARAM lparam);
+platform::LRESULT constructed_button_procedure(platform::HWND hwnd, platform::UINT message,
+                                               platform::WPARAM wparam, platform::LPARAM lparam);
+platform::LRESULT bitmap_button_procedure(platform::HWND hwnd, platform::UINT message,
+                                          platform::WPARAM wparam, platform::LPARAM lparam);
+platform::LRESULT text_array_procedure(platform::HWND hwnd, platform::UINT message,
+                                       platform::WPARAM wparam, platform::LPARAM lparam);
+platform::LRESULT spin_control_procedure(platform::HWND hwnd, platform::UINT message,
+                                         platform::WPARAM wparam, platform::LPARAM lparam);
+platform::LRESULT shadow_procedure(platform::HWND hwnd, platform::UINT message,
+                                   platform::WPARAM wparam, platform::LPARAM lparam);
+// Part of the first use of the library: filters and hooks of the message pump, the end of the
+// program. Harmless when done before.
+void install_window_procedures();
+
+// The last step of a `winio` call: the real window of a finished record, shown. Works out its
+// size and place first (layout.h).
 void create_real_window(fancy_window* window);
-// The modal wait; the result of the call.
+// The modal wait: until the window has closed. The result is the window's; the record stays for
+// cleanup_winio.
 std::int32_t wait_for_window(fancy_window* window);
+// Runs the call-back after closing, makes the previous window current and destroys the record.
 void cleanup_winio(fancy_window* window);
+// The number of the next timer of %dl or SET_TIMER@.
+std::uintptr_t next_timer_id();
+// The key word of a key message, as accelerators are stored with; 0: it can't be one.
+std::int32_t key_word_of(const platform::MSG& message);
 void set_focus_on_control(window_control* control);
+// Places the bars of %hx and %vx beside a control that was moved.
+void re_size_scroll_bars(window_control* control);
 // Text and class of the control's real window, by its type.
 void create_control_window(fancy_window* window, window_control* control, std::int32_t child_id);
 

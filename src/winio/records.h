@@ -5,7 +5,9 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstdlib>
 #include <string>
+#include <type_traits>
 
 #include "platform/base/types.h"
 
@@ -241,6 +243,7 @@ struct window_flags {
     bool start_posted : 1;         // message 0x406 is on its way or was
     bool button_font_current : 1;  // %fb
     bool multi_button : 1;         // %mb
+    bool multi_button_left : 1;    // %mb[left]
     bool min_height : 1;           // %co[min_height]
 };
 
@@ -341,8 +344,11 @@ struct fancy_window {
     std::int32_t next_width, next_depth;
     std::int32_t tab_count;
     std::uint32_t update_policy;
-    HWND parent_hwnd;             // %pa
-    HWND owner_hwnd;              // %ph
+    HWND parent_hwnd;            // %pa
+    HWND owner_hwnd;             // %ph
+    HWND raw_parent;             // %`pa
+    std::uint16_t* code_counts;  // of name_control: one a pair of letters
+    std::int32_t control_count;
     std::int32_t drag_x, drag_y;  // %dg
     window_flags flags;
 };
@@ -452,6 +458,30 @@ struct scroll_block {
     } horizontal, vertical;
 };
 
+// Caches of drawing objects, newest first. Fonts stay for the life of the process.
+struct font_entry;
+struct brush_entry {
+    brush_entry* next;
+    HBRUSH handle;
+    COLORREF colour;
+};
+struct pen_entry {
+    pen_entry* next;
+    HPEN handle;
+    std::int32_t style, width;
+    COLORREF colour;
+};
+// What __winclass sets for the class of all windows.
+struct class_settings {
+    char* name;
+    HICON icon;
+    HCURSOR cursor;
+    char* font;
+    bool has_background;
+    COLORREF background;
+    double text_scale;  // 0: not set
+};
+
 // Process-wide: the lists of all windows and what is current.
 struct records_state {
     fancy_window* windows;  // newest first
@@ -472,6 +502,14 @@ struct records_state {
     std::int32_t occupancy_width, occupancy_height;
     bool old_resize;  // the switch new_resize, turned round: 0 is on
     HFONT default_font;
+    LOGFONT default_spec;  // of the default font
+    font_entry* fonts;
+    brush_entry* brushes;
+    pen_entry* pens;
+    window_control* offered;  // offer_control's
+    class_settings class_defaults;
+    std::int32_t class_counter;      // behind the name of a private class
+    unsigned char ids_in_use[2500];  // get_id: one bit a number from 4000
 };
 records_state& records();
 inline fancy_window*& current_window() {
@@ -479,8 +517,18 @@ inline fancy_window*& current_window() {
 }
 
 // ---- Making and finding ------------------------------------------------------------------------
+// Zeroed storage for one record, freed with free(). Never null.
+void* allocate_zeroed(std::size_t size);
+template <class Record>
+Record* new_record() {
+    static_assert(std::is_trivially_destructible_v<Record>);
+    return static_cast<Record*>(allocate_zeroed(sizeof(Record)));
+}
 fancy_window* new_fancy_window();
+// Frees what the window owns and the record. Controls that are still in its chain (the window was
+// never made real) go with it: whoever frees the controls of a real window empties the chain.
 void destroy_fancy_window(fancy_window* window);
+// In a passive pass the record is in no chain, and the code that asked for it frees it.
 window_control* new_window_control(control_type type);
 void name_control(window_control* control);
 // Makes the next new_window_control use a record made before.
@@ -508,6 +556,7 @@ fancy_window* our_window(HWND hwnd);  // the window itself, or the one that hold
 // ---- Fonts, brushes, pens
 // ------------------------------------------------------------------------
 HFONT get_font(LOGFONT description);
+const platform::TEXTMETRIC& font_metric(HFONT font);  // from the cache where it is there
 HFONT get_font_for_point_size(LOGFONT description, std::int32_t points, double& scale);
 HFONT adjust_font(LOGFONT description, bool italic, bool underline, bool bold);
 HFONT make_font(const char* name, LOGFONT& description);
@@ -516,6 +565,11 @@ HBRUSH get_brush(COLORREF colour);
 HPEN get_pen(std::int32_t style, std::int32_t width, COLORREF colour);
 void monitor_gdi_resources();
 bool utf8_enabled();
+
+// Text by the default colours: what a program didn't set.
+COLORREF dialog_colour();  // behind everything
+COLORREF data_colour();    // behind what the user edits
+COLORREF default_text_colour();
 
 // ---- First use
 // ------------------------------------------------------------------------------------

@@ -128,6 +128,7 @@ bool make_input_room(File& file) {
 }
 
 void prepare_input(File& file, int& err) {
+    if (!file.dirty && file.read_index < file.data_count) return;
     if (file.dirty) {
         write_out(file, err);
         forget_buffer(file);
@@ -158,7 +159,7 @@ void write_out(File& file, int& err) {
     if (failure != 0) err = failure;
 }
 
-OutputRoom begin_record(File& file, std::size_t need, int& err) {
+OutputRoom make_place_for_record(File& file, std::size_t need, int& err) {
     if (!file.dirty) {
         forget_buffer(file);
     } else if (file.write_index != file.data_count) {
@@ -188,14 +189,6 @@ OutputRoom grow_record(File& file, std::size_t length, std::size_t need, int& er
     return {file.buffer + file.write_index, file.buffer + file.capacity};
 }
 
-void end_record(File& file, std::size_t length, bool now, int& err) {
-    file.write_index += length;
-    file.data_count = file.write_index;
-    file.logical_position += static_cast<std::int64_t>(length);
-    file.dirty = file.dirty || length > 0;
-    if (now || file.write_index > file.capacity / 2) write_out(file, err);
-}
-
 bool find_record(File& file, InputRecord& record, int& err) {
     prepare_input(file, err);
     if (err != 0) return false;
@@ -216,15 +209,12 @@ bool find_record(File& file, InputRecord& record, int& err) {
             break;
         }
     }
-    record.begin = file.buffer + file.read_index;
-    record.terminated = line_feed != nullptr;
-    if (!record.terminated) {
-        record.length = record.consumed = file.data_count - file.read_index;
-        return true;
+    if (line_feed != nullptr) {
+        record = line_record(file, line_feed);
+    } else {
+        const std::size_t length = file.data_count - file.read_index;
+        record = {file.buffer + file.read_index, length, length, false};
     }
-    record.length = static_cast<std::size_t>(line_feed - record.begin);
-    record.consumed = record.length + 1;
-    if (record.length > 0 && record.begin[record.length - 1] == '\r') --record.length;
     return true;
 }
 
@@ -241,11 +231,6 @@ std::size_t peek_bytes(File& file, std::size_t count, char*& begin, int& err) {
     begin = file.buffer + file.read_index;
     const std::size_t have = file.data_count - file.read_index;
     return have < count ? have : count;
-}
-
-void consume(File& file, std::size_t count) {
-    file.read_index += count;
-    file.logical_position += static_cast<std::int64_t>(count);
 }
 
 void put_bytes(File& file, const char* bytes, std::size_t count, int& err) {

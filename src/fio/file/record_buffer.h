@@ -10,10 +10,11 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
+
+#include "fio/file/file.h"
 
 namespace tarn::fio {
-
-struct File;
 
 // Where an output record stands. `limit` is the end of the room at hand.
 struct OutputRoom {
@@ -24,14 +25,29 @@ struct OutputRoom {
 // The place where the next record is built, with at least `need` bytes of room. A file that was
 // being read is first brought to its logical position. When earlier records can't be written,
 // `err` is set and the room is valid all the same.
-OutputRoom begin_record(File& file, std::size_t need, int& err);
+OutputRoom make_place_for_record(File& file, std::size_t need, int& err);
+inline OutputRoom begin_record(File& file, std::size_t need, int& err) {
+    // The usual record follows another one that waits in the buffer.
+    if (file.dirty && file.write_index == file.data_count &&
+        file.capacity - file.write_index >= need) {
+        return {file.buffer + file.write_index, file.buffer + file.capacity};
+    }
+    return make_place_for_record(file, need, err);
+}
 
 // More room for the record under construction, whose first `length` bytes are to be kept.
 OutputRoom grow_record(File& file, std::size_t length, std::size_t need, int& err);
 
 // Makes the record's first `length` bytes part of the file. The buffer is written out when it is
-// more than half full, or when `now` asks for it.
-void end_record(File& file, std::size_t length, bool now, int& err);
+// more than half full, or when `now` asks for it; `write_out` does that at any time.
+void write_out(File& file, int& err);
+inline void end_record(File& file, std::size_t length, bool now, int& err) {
+    file.write_index += length;
+    file.data_count = file.write_index;
+    file.logical_position += static_cast<std::int64_t>(length);
+    file.dirty = file.dirty || length > 0;
+    if (now || file.write_index > file.capacity / 2) write_out(file, err);
+}
 
 // A record lying in the buffer.
 struct InputRecord {
@@ -45,12 +61,34 @@ struct InputRecord {
 // of the file. A carriage return directly before the LF belongs to the line end.
 bool find_record(File& file, InputRecord& record, int& err);
 
+// The record that `line_feed` ends.
+inline InputRecord line_record(const File& file, const char* line_feed) {
+    char* const begin = file.buffer + file.read_index;
+    auto length = static_cast<std::size_t>(line_feed - begin);
+    const std::size_t consumed = length + 1;
+    if (length > 0 && begin[length - 1] == '\r') --length;
+    return {begin, length, consumed, true};
+}
+
+// As `find_record`, but only if the buffer has the whole record; false: nothing has happened.
+inline bool find_buffered_record(const File& file, InputRecord& record) {
+    if (file.dirty || file.read_index == file.data_count) return false;
+    const void* const line_feed =
+        std::memchr(file.buffer + file.read_index, '\n', file.data_count - file.read_index);
+    if (line_feed == nullptr) return false;
+    record = line_record(file, static_cast<const char*>(line_feed));
+    return true;
+}
+
 // Makes `count` bytes from the logical position on contiguous in the buffer, as far as the file
 // has them; the number at hand.
 std::size_t peek_bytes(File& file, std::size_t count, char*& begin, int& err);
 
 // Moves the logical position on by `count` bytes of the buffer.
-void consume(File& file, std::size_t count);
+inline void consume(File& file, std::size_t count) {
+    file.read_index += count;
+    file.logical_position += static_cast<std::int64_t>(count);
+}
 
 // Puts the logical position anywhere, also beyond the end of the file.
 void move_to(File& file, std::int64_t target, int& err);
@@ -70,9 +108,6 @@ void overwrite_bytes(File& file, std::int64_t position, const char* bytes, std::
 
 // Gives up what was put from `position` on, as far as it got: the file ends there again.
 void take_back(File& file, std::int64_t position, int& err);
-
-// Writes out what waits in the buffer.
-void write_out(File& file, int& err);
 
 // Cuts the file at its logical position, if it is longer.
 void cut_here(File& file, int& err);

@@ -18,23 +18,33 @@ std::uint64_t load(const char* text) {
     return word;
 }
 
-// The last bytes are taken as a whole word that may overlap the one before.
-std::uint64_t hash_text(const char* text, std::size_t length) {
-    std::uint64_t hash = 0x2545F4914F6CDD1DULL + length;
-    if (length >= 8) {
-        const char* last = text + length - 8;
-        for (; text < last; text += 8) hash = mix(hash, load<std::uint64_t>(text));
-        return mix(hash, load<std::uint64_t>(last));
-    }
+// The last 1 to 8 bytes of a text of `length` bytes as one word, which may overlap the one before.
+std::uint64_t last_word(const char* text, std::size_t length) {
+    if (length >= 8) return load<std::uint64_t>(text + length - 8);
     if (length >= 4) {
-        const std::uint64_t tail = load<std::uint32_t>(text + length - 4);
-        return mix(hash, load<std::uint32_t>(text) | tail << 32);
+        return load<std::uint32_t>(text) | load<std::uint32_t>(text + length - 4) << 32;
     }
     std::uint64_t word = 0;
     for (std::size_t i = 0; i < length; ++i) {
         word = word << 8 | static_cast<unsigned char>(text[i]);
     }
-    return mix(hash, word);
+    return word;
+}
+
+std::uint64_t hash_text(const char* text, std::size_t length) {
+    std::uint64_t hash = 0x2545F4914F6CDD1DULL + length;
+    std::size_t at = 0;
+    for (; at + 8 < length; at += 8) hash = mix(hash, load<std::uint64_t>(text + at));
+    return mix(hash, last_word(text, length));
+}
+
+// Formats are short: a call of the library's routine would take longer.
+bool same_text(const char* one, const char* other, std::size_t length) {
+    std::size_t at = 0;
+    for (; at + 8 < length; at += 8) {
+        if (load<std::uint64_t>(one + at) != load<std::uint64_t>(other + at)) return false;
+    }
+    return last_word(one, length) == last_word(other, length);
 }
 
 }  // namespace
@@ -57,28 +67,16 @@ CachedFormat* FormatCache::place_for(std::uint64_t hash) {
     return oldest;
 }
 
-CachedFormat* FormatCache::acquire(const char* text, std::size_t length, FormatError& error) {
-    const std::uint64_t hash = hash_text(text, length);
-    CachedFormat** set = slots_ + (hash % sets) * ways;
-    for (std::size_t way = 0; way < ways; ++way) {
-        CachedFormat* slot = set[way];
-        if (slot == nullptr) break;
-        if (slot->hash == hash && slot->filled && slot->text.size() == length &&
-            std::memcmp(slot->text.data(), text, length) == 0) {
-            slot->last_use = ++clock_;
-            ++slot->users;
-            return slot;
-        }
-    }
+CachedFormat* FormatCache::parse(const char* text, std::size_t length, std::uint64_t hash) {
     CachedFormat* slot = place_for(hash);
     const bool kept = slot != nullptr;
     if (!kept) slot = new CachedFormat;
     slot->hash = hash;
     slot->text.assign(text, length);
     slot->program = FormatProgram{};
-    error = parse_gnu_format(slot->text.data(), length, slot->program);
-    slot->filled = kept && error.number == 0;
-    if (error.number != 0) {
+    error_ = parse_gnu_format(slot->text.data(), length, slot->program);
+    slot->filled = kept && error_.number == 0;
+    if (error_.number != 0) {
         if (!kept) delete slot;
         return nullptr;
     }
@@ -87,8 +85,22 @@ CachedFormat* FormatCache::acquire(const char* text, std::size_t length, FormatE
     return slot;
 }
 
-void FormatCache::release(CachedFormat* format) {
-    if (--format->users == 0 && !format->filled) delete format;
+CachedFormat* FormatCache::acquire(const char* text, std::size_t length) {
+    const std::uint64_t hash = hash_text(text, length);
+    CachedFormat** const set = slots_ + (hash % sets) * ways;
+    for (CachedFormat** way = set; way != set + ways && *way != nullptr; ++way) {
+        CachedFormat& slot = **way;
+        if (slot.hash != hash || !slot.filled || slot.text.size() != length) continue;
+        if (!same_text(slot.text.data(), text, length)) continue;
+        slot.last_use = ++clock_;
+        ++slot.users;
+        return &slot;
+    }
+    return parse(text, length, hash);
+}
+
+void FormatCache::drop(CachedFormat* format) {
+    delete format;
 }
 
 }  // namespace tarn::fio

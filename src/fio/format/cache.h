@@ -26,19 +26,25 @@ class FormatCache {
   public:
     ~FormatCache();
 
-    // The format of this text, parsed if it hasn't been; null with `error` filled when it is
-    // wrong. Give it back with `release`.
-    CachedFormat* acquire(const char* text, std::size_t length, FormatError& error);
-    static void release(CachedFormat* format);
+    // The format of this text, parsed if it hasn't been; null when it is wrong, and `error` says
+    // why. Give it back with `release`.
+    CachedFormat* acquire(const char* text, std::size_t length);
+    const FormatError& error() const { return error_; }
+    static void release(CachedFormat* format) {
+        if (--format->users == 0 && !format->filled) drop(format);
+    }
 
   private:
     static constexpr std::size_t sets = 64;
     static constexpr std::size_t ways = 4;
 
+    static void drop(CachedFormat* format);
     CachedFormat* place_for(std::uint64_t hash);
+    CachedFormat* parse(const char* text, std::size_t length, std::uint64_t hash);
 
     CachedFormat* slots_[sets * ways] = {};
     std::uint64_t clock_ = 0;
+    FormatError error_;
 };
 
 }  // namespace tarn::fio

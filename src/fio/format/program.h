@@ -62,15 +62,20 @@ constexpr bool is_data_edit(Edit edit) {
 inline constexpr std::int32_t absent = -1;
 inline constexpr std::int32_t unlimited = -2;  // repeat of *( ... )
 
-// X has the nodes of TR: both move without touching what they pass. A, L and the REAL edits may
-// come without a width: w is then `absent`. `E12.3E0` has e = 0: as few exponent digits as hold it.
-struct FormatNode {
+// An edit descriptor with its numbers: what the editing of one item needs. A, L and the REAL edits
+// may come without a width: w is then `absent`. `E12.3E0` has e = 0: as few exponent digits as hold
+// it.
+struct FieldEdit {
     Edit edit = Edit::end;
-    std::int32_t repeat = 1;
     std::int32_t w =
         absent;  // width; n of T, TL, TR; k of P; count of slashes; DT: values in its list
     std::int32_t d = absent;  // d, or m of I, B, O, Z; DT: index of the first value in `values`
     std::int32_t e = absent;
+};
+
+// X has the nodes of TR: both move without touching what they pass.
+struct FormatNode : FieldEdit {
+    std::int32_t repeat = 1;
     std::uint32_t link = 0;    // open: index of its close; close: of its open; end: reversion point
     std::uint32_t level = 0;   // open, close: nesting depth, 0 for the outermost
     std::uint32_t text = 0;    // literal, DT: offset of its characters in `literals`

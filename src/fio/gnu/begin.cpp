@@ -5,6 +5,7 @@
 #include "fio/gnu/connection.h"
 #include "fio/gnu/format_run.h"
 #include "fio/gnu/internal_file.h"
+#include "fio/gnu/items.h"
 #include "fio/gnu/keyword.h"
 #include "fio/gnu/options.h"
 #include "fio/gnu/records.h"
@@ -190,19 +191,26 @@ bool apply_stream_position(Statement& s, std::int64_t pos) {
     return !s.failed;
 }
 
-bool choose_format(Statement& s, const TransferSpecifiers& specs) {
-    s.list_directed = specs.format == nullptr;
-    if (s.list_directed) return true;
-    FormatError error;
-    s.cached = thread_state().formats.acquire(specs.format, specs.format_length, error);
-    if (s.cached == nullptr) {
-        fail_format(s, error, {specs.format, specs.format_length});
-        return false;
+[[gnu::noinline]] bool refuse_format(Statement& s, const FormatError& error, const char* format,
+                                     std::size_t length) {
+    fail_format(s, error, {format, length});
+    return false;
+}
+
+// Null: the statement is list-directed.
+[[gnu::always_inline]] inline bool choose_format(Statement& s, const char* format,
+                                                 std::size_t length) {
+    if (format == nullptr) {
+        s.list_directed = true;
+        if (s.reading) s.list = ListState{};
+        return true;
     }
+    FormatCache& formats = thread_state().formats;
+    s.cached = formats.acquire(format, length);
+    if (s.cached == nullptr) return refuse_format(s, formats.error(), format, length);
     s.format = &s.cached->program;
     if (s.reading && s.format->unfit_for_input.number != 0) {
-        fail_format(s, s.format->unfit_for_input, {specs.format, specs.format_length});
-        return false;
+        return refuse_format(s, s.format->unfit_for_input, format, length);
     }
     start_format(s);
     return true;
@@ -222,6 +230,13 @@ bool begin_on_internal(Statement& s, const TransferSpecifiers& specs) {
         return false;
     }
     return true;
+}
+
+void take_modes(Statement& s, const Unit& unit) {
+    s.modes = unit.gnu.modes;
+    if (s.modes.sign == SignMode::processor) s.modes.sign = processor_sign();
+    s.utf8 = unit.gnu.encoding == Encoding::utf8;
+    s.record_limit = unit.recl > 0 ? unit.recl : internal_record_limit;
 }
 
 bool begin_on_unit(Statement& s, const TransferSpecifiers& specs) {
@@ -245,10 +260,7 @@ bool begin_on_unit(Statement& s, const TransferSpecifiers& specs) {
     }
     s.direct = unit.status.direct;
     s.stream = unit.status.stream;
-    s.modes = unit.gnu.modes;
-    if (s.modes.sign == SignMode::processor) s.modes.sign = processor_sign();
-    s.utf8 = unit.gnu.encoding == Encoding::utf8;
-    s.record_limit = unit.recl > 0 ? unit.recl : internal_record_limit;
+    take_modes(s, unit);
     return true;
 }
 
@@ -260,8 +272,9 @@ bool open_statement(Statement& s, const TransferSpecifiers& specs) {
         return false;
     }
     s.unformatted = specs.format == nullptr && !specs.list_directed;
+    if (s.unformatted) s.raw = UnformattedState{};
     if (!s.internal && !check_action(s)) return false;
-    if (!s.unformatted && !choose_format(s, specs)) return false;
+    if (!s.unformatted && !choose_format(s, specs.format, specs.format_length)) return false;
     if (!s.internal && (!check_access(s, specs) || !check_end(s))) return false;
     if (specs.modes != nullptr &&
         (!apply_modes(s, *specs.modes) || !apply_asynchronous(s, *specs.modes))) {
@@ -276,7 +289,46 @@ bool open_statement(Statement& s, const TransferSpecifiers& specs) {
     return !s.failed;
 }
 
+// Whether a formatted statement without a position simply goes on where the unit stands.
+bool goes_on(const Unit& unit, bool reading) {
+    const IOStatus& status = unit.status;
+    const GnuConnection& connection = unit.gnu;
+    return status.connected && status.formatted && !status.direct && !status.stream &&
+           (reading ? status.may_read : status.may_write) && unit.statements == 1 &&
+           connection.end != EndState::after && connection.last_was_write != reading &&
+           !connection.record_open;
+}
+
+void begin_formatted(Statement& s) {
+    if (s.reading) {
+        begin_input(s);
+        s.transfer_item = s.list_directed ? read_list_item : read_item;
+    } else {
+        begin_output(s);
+        s.transfer_item = s.list_directed ? write_list_item : write_item;
+    }
+}
+
 }  // namespace
+
+Statement* begin_usual_transfer(Caller& caller, bool reading, const char* format,
+                                std::size_t format_length) {
+    Unit* unit = acquire_unit(caller.unit);
+    if (unit == nullptr) return nullptr;
+    if (!goes_on(*unit, reading)) {
+        release_unit(unit);
+        return nullptr;
+    }
+    Statement* statement = take_statement();
+    Statement& s = *statement;
+    s.caller = &caller;
+    caller.has_unit = true;
+    s.unit = unit;
+    s.reading = reading;
+    take_modes(s, *unit);
+    if (choose_format(s, format, format_length)) begin_formatted(s);
+    return statement;
+}
 
 Statement* begin_transfer(Caller& caller, const TransferSpecifiers& specs) {
     Statement* statement = take_statement();
@@ -287,12 +339,8 @@ Statement* begin_transfer(Caller& caller, const TransferSpecifiers& specs) {
     if (!open_statement(s, specs)) return statement;
     if (s.unformatted) {
         begin_unformatted(s);
-    } else if (s.reading) {
-        begin_input(s);
-        s.formatted_input = !s.list_directed;
     } else {
-        begin_output(s);
-        s.formatted_output = !s.list_directed;
+        begin_formatted(s);
     }
     return statement;
 }

@@ -16,14 +16,6 @@
 
 namespace tarn::fio {
 
-// An edit descriptor that meets an item: FormatNode without the structure.
-struct FieldEdit {
-    Edit edit = Edit::G;
-    std::int32_t w = 0;  // 0 or absent: minimal width
-    std::int32_t d = absent;
-    std::int32_t e = absent;
-};
-
 // The most bytes that the put_ function of the same item can write.
 std::size_t real_field_bound(const FieldEdit& edit, const void* value, int kind,
                              const EditModes& modes);

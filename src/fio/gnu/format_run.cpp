@@ -113,51 +113,35 @@ bool revert(Statement& s, const FormatNode& end) {
     }
     s.data_used = false;
     next_records(s, 1);
-    s.node = end.link;
+    s.next = &s.format->nodes[end.link];
     return !s.failed;
 }
 
 void close_group(Statement& s, const FormatNode& node) {
     std::int32_t& counter = s.counters[node.level];
     if (counter == unlimited) {
-        s.node = node.link + 1;
+        s.next = &s.format->nodes[node.link + 1];
     } else if (counter > 1) {
         --counter;
-        s.node = node.link + 1;
+        s.next = &s.format->nodes[node.link + 1];
     } else {
-        ++s.node;
+        ++s.next;
     }
 }
 
 }  // namespace
-
-void start_format(Statement& s) {
-    // The outermost parenthesis is open already.
-    s.node = 1;
-    s.counters[0] = 1;
-    s.repeat_left = 0;
-    s.data_edit = nullptr;
-    s.data_used = false;
-}
 
 const FormatNode* run_format(Statement& s, bool pending) {
     if (s.repeat_left > 0) return nullptr;  // only without an item in hand
     // A group that repeats without limit must meet an item on each round.
     bool round_without_data = false;
     while (!s.failed) {
-        const FormatNode& node = s.format->nodes[s.node];
-        if (is_data_edit(node.edit)) {
-            if (!pending) return nullptr;
-            ++s.node;
-            s.repeat_left = node.repeat - 1;
-            s.data_edit = &node;
-            s.data_used = true;
-            return &node;
-        }
+        const FormatNode& node = *s.next;
+        if (is_data_edit(node.edit)) return pending ? data_edit_at_hand(s) : nullptr;
         switch (node.edit) {
             case Edit::open:
                 s.counters[node.level] = node.repeat;
-                ++s.node;
+                ++s.next;
                 break;
             case Edit::close:
                 if (s.counters[node.level] == unlimited) {
@@ -175,29 +159,29 @@ const FormatNode* run_format(Statement& s, bool pending) {
                 break;
             case Edit::colon:
                 if (!pending) return nullptr;
-                ++s.node;
+                ++s.next;
                 break;
             case Edit::literal:
                 put_literal(s, node);
-                ++s.node;
+                ++s.next;
                 break;
             case Edit::slash:
                 next_records(s, node.w);
-                ++s.node;
+                ++s.next;
                 break;
             case Edit::dollar:
                 s.no_line_end = true;
-                ++s.node;
+                ++s.next;
                 break;
             case Edit::T:
             case Edit::TL:
             case Edit::TR:
                 position(s, node.edit, node.w);
-                ++s.node;
+                ++s.next;
                 break;
             default:
                 set_mode(s, node);
-                ++s.node;
+                ++s.next;
                 break;
         }
         if (s.reading && s.end_of_record && s.non_advancing) return nullptr;

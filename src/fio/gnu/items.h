@@ -10,15 +10,20 @@
 
 namespace tarn::fio {
 
-// One item through the next data edit descriptor of a WRITE; not COMPLEX.
-void write_item(Statement& statement, ItemType type, const char* item, int kind, std::size_t size);
-void write_formatted(Statement& statement, ItemType type, const char* items, int kind,
-                     std::size_t size, std::ptrdiff_t stride, std::size_t count);
-void write_list(Statement& statement, ItemType type, const char* items, int kind, std::size_t size,
+// The roads of items that aren't COMPLEX, by kind of statement. None does anything in a statement
+// that has failed, and a READ that has met its record's end without advancing leaves its items as
+// they are.
+//
+// One item through the next data edit descriptor of a WRITE.
+void write_item(Statement& statement, ItemType type, void* item, int kind, std::size_t size);
+void write_list_item(Statement& statement, ItemType type, void* item, int kind, std::size_t size);
+// One item through the next data edit descriptor of a READ.
+void read_item(Statement& statement, ItemType type, void* item, int kind, std::size_t size);
+
+void write_formatted(Statement& statement, ItemType type, char* items, int kind, std::size_t size,
+                     std::ptrdiff_t stride, std::size_t count);
+void write_list(Statement& statement, ItemType type, char* items, int kind, std::size_t size,
                 std::ptrdiff_t stride, std::size_t count);
-// One item through the next data edit descriptor of a READ; not COMPLEX. A statement that has
-// failed, or that has met its record's end without advancing, leaves the item as it is.
-void read_item(Statement& statement, ItemType type, char* item, int kind, std::size_t size);
 void read_formatted(Statement& statement, ItemType type, char* items, int kind, std::size_t size,
                     std::ptrdiff_t stride, std::size_t count);
 

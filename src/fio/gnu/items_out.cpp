@@ -1,57 +1,33 @@
 #include <algorithm>
 
 #include "fio/gnu/edit_out.h"
+#include "fio/gnu/edit_out_quick.h"
 #include "fio/gnu/format_run.h"
 #include "fio/gnu/internal_file.h"
 #include "fio/gnu/items.h"
 #include "fio/gnu/records.h"
 #include "fio/gnu/utf8.h"
-#include "fio/number/integer_digits.h"
 
 namespace tarn::fio {
 namespace {
 
 constexpr Fault bad_scale_factor{61, iostat_format};
 
-FieldEdit field_of(const FormatNode& node) {
-    return {node.edit, node.w, node.d, node.e};
-}
+// The routines that write an item of one type stay out of those that choose among them, and the
+// general road of integers and of reals out of the quick one: what runs in loops then goes by jumps
+// and saves no registers.
 
-// A value that fits a word, in a field of `width` columns at the end of what the record holds so
-// far: a block of blanks, then the digits. False: the general road has to do it.
-bool put_quick_integer(Statement& s, std::int64_t value, std::int32_t width) {
-    constexpr std::int32_t widest = 32;
-    if (width > widest || s.limit - s.cursor < widest || s.cursor < s.high) return false;
-    const bool negative = value < 0;
-    const std::uint64_t magnitude =
-        negative ? -static_cast<std::uint64_t>(value) : static_cast<std::uint64_t>(value);
-    char* const end = s.cursor + width;
-    int length = 0;
-    if (magnitude < 100'000'000 && width >= 8) {
-        // All eight digits at once; blanks take the place of the leading zeros.
-        const std::uint64_t digits = eight_digits(static_cast<std::uint32_t>(magnitude));
-        const int zeros = __builtin_ctzll(digits | std::uint64_t{1} << 56) / 8;
-        length = 8 - zeros;
-        if (length + (negative ? 1 : 0) > width) return false;
-        const std::uint64_t leading = (std::uint64_t{1} << (8 * zeros)) - 1;
-        const std::uint64_t text =
-            digits + 0x3030'3030'3030'3030 - (leading & 0x1010'1010'1010'1010);
-        std::memset(s.cursor, ' ', widest);
-        std::memcpy(end - 8, &text, 8);
-    } else {
-        length = decimal_length(magnitude);
-        if (length + (negative ? 1 : 0) > width) return false;
-        std::memset(s.cursor, ' ', widest);
-        put_digits(end - length, magnitude, length);
-    }
-    if (negative) end[-length - 1] = '-';
+// A value that fits a word, in a field of fixed width at the end of what the record holds so far.
+// False: the general road has to do it.
+bool put_quick_integer(Statement& s, const FormatNode& node, const char* item, int kind) {
+    const bool quick = node.w > 0 && node.w <= widest_quick_integer && node.d < 0 && kind <= 8 &&
+                       s.modes.sign != SignMode::plus && s.cursor >= s.high &&
+                       s.limit - s.cursor >= widest_quick_integer;
+    if (!quick) return false;
+    char* const end = quick_put_integer(s.cursor, load_word(item, kind), node.w);
+    if (end == nullptr) return false;
     s.cursor = s.high = end;
     return true;
-}
-
-bool put_quick_integer(Statement& s, const FormatNode& node, const char* item, int kind) {
-    if (kind > 8 || node.w <= 0 || node.d >= 0 || s.modes.sign == SignMode::plus) return false;
-    return put_quick_integer(s, static_cast<std::int64_t>(load_integer(item, kind)), node.w);
 }
 
 // A field as wide as its value asks. Where the room at hand might not hold the widest that it could
@@ -82,30 +58,44 @@ void write_field(Statement& s, const FormatNode& node, Bound bound, Put put) {
     filled(s, end);
 }
 
-void write_integer(Statement& s, const FormatNode& node, const char* item, int kind) {
-    if (put_quick_integer(s, node, item, kind)) return;
-    const FieldEdit edit = field_of(node);
+[[gnu::noinline]] void write_any_integer(Statement& s, const FormatNode& node, const char* item,
+                                         int kind) {
     write_field(
-        s, node, [&] { return integer_field_bound(edit, kind); },
-        [&](char* out) { return put_integer(out, load_integer(item, kind), kind, edit, s.modes); });
+        s, node, [&] { return integer_field_bound(node, kind); },
+        [&](char* out) { return put_integer(out, load_integer(item, kind), kind, node, s.modes); });
 }
 
-void write_bits(Statement& s, const FormatNode& node, const char* item, std::size_t size) {
-    const FieldEdit edit = field_of(node);
-    write_field(
-        s, node, [&] { return bits_field_bound(edit, size); },
-        [&](char* out) { return put_bits(out, item, size, edit); });
+[[gnu::noinline]] void write_integer(Statement& s, const FormatNode& node, const char* item,
+                                     int kind) {
+    if (!put_quick_integer(s, node, item, kind)) write_any_integer(s, node, item, kind);
 }
 
-void write_real(Statement& s, const FormatNode& node, const char* item, int kind) {
-    const FieldEdit edit = field_of(node);
+[[gnu::noinline]] void write_bits(Statement& s, const FormatNode& node, const char* item,
+                                  std::size_t size) {
     write_field(
-        s, node, [&] { return real_field_bound(edit, item, kind, s.modes); },
-        [&](char* out) { return put_real(out, item, kind, edit, s.modes); });
+        s, node, [&] { return bits_field_bound(node, size); },
+        [&](char* out) { return put_bits(out, item, size, node); });
 }
 
-void write_logical(Statement& s, const FormatNode& node, const char* item, int kind) {
-    FieldEdit edit = field_of(node);
+[[gnu::noinline]] void write_any_real(Statement& s, const FormatNode& node, const char* item,
+                                      int kind) {
+    write_field(
+        s, node, [&] { return real_field_bound(node, item, kind, s.modes); },
+        [&](char* out) { return put_real(out, item, kind, node, s.modes); });
+}
+
+[[gnu::noinline]] void write_real(Statement& s, const FormatNode& node, const char* item,
+                                  int kind) {
+    if (node.w > 0 && s.limit - s.cursor >= node.w && !s.wide) {
+        char* const end = quick_put_real(s.cursor, item, kind, node, s.modes);
+        if (end != nullptr) return filled(s, end);
+    }
+    write_any_real(s, node, item, kind);
+}
+
+[[gnu::noinline]] void write_logical(Statement& s, const FormatNode& node, const char* item,
+                                     int kind) {
+    FieldEdit edit = node;
     if (edit.w <= 0) edit.w = 1;
     char* at = room(s, edit.w);
     if (at != nullptr) filled(s, put_logical(at, load_integer(item, kind) != 0, edit));
@@ -123,48 +113,68 @@ void write_wide_character(Statement& s, std::size_t width, const char* item, std
 
 // A: the value right-justified in w characters, or its leftmost w. An item of another type goes
 // out byte by byte as it lies in memory.
-void write_character(Statement& s, const FormatNode& node, const char* item, int kind,
-                     std::size_t length) {
+[[gnu::noinline]] void write_character(Statement& s, const FormatNode& node, const char* item,
+                                       int kind, std::size_t length) {
     const std::size_t width = node.w < 0 ? length : static_cast<std::size_t>(node.w);
     if (kind == 4 && !s.wide) return write_wide_character(s, width, item, length);
     if (width > length) put_blanks(s, width - length);
     put_characters(s, item, kind, std::min(width, length));
 }
 
-}  // namespace
+// G of a CHARACTER: A, and G0 is A without a width.
+[[gnu::noinline]] void write_general_character(Statement& s, const FormatNode& node,
+                                               const char* item, int kind, std::size_t length) {
+    FormatNode text = node;
+    if (text.w == 0) text.w = absent;
+    write_character(s, text, item, kind, length);
+}
 
-void write_item(Statement& s, ItemType type, const char* item, int kind, std::size_t size) {
-    const FormatNode* node = next_data_edit(s);
-    if (node == nullptr) return;
+void write_through(Statement& s, const FormatNode& node, ItemType type, const char* item, int kind,
+                   std::size_t size) {
     ++s.items;
-    switch (node->edit) {
+    switch (node.edit) {
         case Edit::I:
-            if (type != ItemType::integer) return fail_mismatch(s, *node, type);
-            return write_integer(s, *node, item, kind);
+            if (type != ItemType::integer) return fail_mismatch(s, node, type);
+            return write_integer(s, node, item, kind);
         case Edit::B:
         case Edit::O:
         case Edit::Z:
-            return write_bits(s, *node, item, static_cast<std::size_t>(kind));
+            return write_bits(s, node, item, static_cast<std::size_t>(kind));
         case Edit::L:
-            return write_logical(s, *node, item, kind);
+            return write_logical(s, node, item, kind);
         case Edit::A:
-            if (type == ItemType::character) return write_character(s, *node, item, kind, size);
-            return write_character(s, *node, item, 1, size);
+            if (type == ItemType::character) return write_character(s, node, item, kind, size);
+            return write_character(s, node, item, 1, size);
         case Edit::G:
-            if (type == ItemType::integer) return write_integer(s, *node, item, kind);
-            if (type == ItemType::logical) return write_logical(s, *node, item, kind);
+            if (type == ItemType::integer) return write_integer(s, node, item, kind);
+            if (type == ItemType::logical) return write_logical(s, node, item, kind);
             if (type == ItemType::character) {
-                FormatNode text = *node;
-                if (text.w == 0) text.w = absent;
-                return write_character(s, text, item, kind, size);
+                return write_general_character(s, node, item, kind, size);
             }
-            return write_real(s, *node, item, kind);
+            return write_real(s, node, item, kind);
         case Edit::DT:
-            return fail_mismatch(s, *node, type);
+            return fail_mismatch(s, node, type);
         default:
-            if (type != ItemType::real) return fail_mismatch(s, *node, type);
-            return write_real(s, *node, item, kind);
+            if (type != ItemType::real) return fail_mismatch(s, node, type);
+            return write_real(s, node, item, kind);
     }
+}
+
+// An item before which control edit descriptors stand.
+[[gnu::noinline]] void write_behind_controls(Statement& s, ItemType type, const char* item,
+                                             int kind, std::size_t size) {
+    const FormatNode* node = run_format(s, true);
+    if (node != nullptr) write_through(s, *node, type, item, kind, size);
+}
+
+}  // namespace
+
+void write_item(Statement& s, ItemType type, void* at, int kind, std::size_t size) {
+    if (s.failed) return;
+    const auto* const item = static_cast<const char*>(at);
+    const FormatNode* node = data_edit_at_hand(s);
+    if (node == nullptr) return write_behind_controls(s, type, item, kind, size);
+    write_through(s, *node, type, item, kind, size);
 }
 
 namespace {
@@ -218,13 +228,13 @@ void put_characters(Statement& s, const char* text, int kind, std::size_t length
     filled(s, at + length);
 }
 
-void write_formatted(Statement& s, ItemType type, const char* items, int kind, std::size_t size,
+void write_formatted(Statement& s, ItemType type, char* items, int kind, std::size_t size,
                      std::ptrdiff_t stride, std::size_t count) {
     if (type == ItemType::complex) {
         const std::size_t part = real_size(kind);
         for (; count > 0 && !s.failed; --count, items += stride) {
             write_item(s, ItemType::real, items, kind, part);
-            if (!s.failed) write_item(s, ItemType::real, items + part, kind, part);
+            write_item(s, ItemType::real, items + part, kind, part);
         }
         return;
     }

@@ -251,6 +251,7 @@ void save_value(Statement& s, ItemType type, int kind, const void* value, std::s
 
 void read_list_item(Statement& s, ItemType type, void* item, int kind, std::size_t size) {
     if (s.failed) return;
+    ++s.items;
     ListState& list = s.list;
     char* const target = static_cast<char*>(item);
     if (list.repeat > 0) return give_saved(s, type, target, kind, size);

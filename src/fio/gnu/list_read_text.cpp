@@ -50,19 +50,18 @@ void give_text(const Statement& s, char* item, int kind, std::size_t size, std::
 // Adds to the text kept in the statement; false when there is no storage for it (reported).
 bool keep_text(Statement& s, std::string_view piece) {
     ListState& list = s.list;
-    if (list.saved_capacity - list.saved_length < piece.size()) {
+    if (s.saved_capacity - list.saved_length < piece.size()) {
         const std::size_t capacity =
-            std::max<std::size_t>(2 * list.saved_capacity, list.saved_length + piece.size() + 200);
-        char* const grown = static_cast<char*>(std::realloc(list.saved_text, capacity));
+            std::max<std::size_t>(2 * s.saved_capacity, list.saved_length + piece.size() + 200);
+        char* const grown = static_cast<char*>(std::realloc(s.saved_text, capacity));
         if (grown == nullptr) {
             fail(s, no_storage);
             return false;
         }
-        list.saved_text = grown;
-        list.saved_capacity = capacity;
+        s.saved_text = grown;
+        s.saved_capacity = capacity;
     }
-    if (!piece.empty())
-        std::memcpy(list.saved_text + list.saved_length, piece.data(), piece.size());
+    if (!piece.empty()) std::memcpy(s.saved_text + list.saved_length, piece.data(), piece.size());
     list.saved_length += piece.size();
     return true;
 }
@@ -131,7 +130,7 @@ void read_list_text(Statement& s, char* item, int kind, std::size_t size) {
 }
 
 void give_saved_text(Statement& s, char* item, int kind, std::size_t size) {
-    give_text(s, item, kind, size, {s.list.saved_text, s.list.saved_length});
+    give_text(s, item, kind, size, {s.saved_text, s.list.saved_length});
 }
 
 }  // namespace tarn::fio

@@ -48,8 +48,8 @@ void put_list_characters(Statement& s, const char* text, int kind, std::size_t l
 // The first item stands one column in; two character values in a row have nothing between them.
 void put_separator(Statement& s, ItemType type) {
     const bool character = type == ItemType::character;
-    if (s.list_first_item) {
-        s.list_first_item = false;
+    if (!s.list_begun) {
+        s.list_begun = true;
         put_byte(s, ' ');
     } else if (!character || !s.list_after_character || s.modes.delim != Delim::none) {
         put_text(s, gnu_options().list_separator);
@@ -91,13 +91,16 @@ void put_item(Statement& s, ItemType type, const char* item, int kind, std::size
 
 }  // namespace
 
-void write_list(Statement& s, ItemType type, const char* items, int kind, std::size_t size,
+void write_list_item(Statement& s, ItemType type, void* item, int kind, std::size_t size) {
+    if (s.failed) return;
+    put_separator(s, type);
+    if (!s.failed) put_item(s, type, static_cast<const char*>(item), kind, size);
+    ++s.items;
+}
+
+void write_list(Statement& s, ItemType type, char* items, int kind, std::size_t size,
                 std::ptrdiff_t stride, std::size_t count) {
-    for (; count > 0 && !s.failed; --count, items += stride) {
-        put_separator(s, type);
-        if (!s.failed) put_item(s, type, items, kind, size);
-        ++s.items;
-    }
+    for (; count > 0; --count, items += stride) write_list_item(s, type, items, kind, size);
 }
 
 }  // namespace tarn::fio

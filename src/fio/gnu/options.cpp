@@ -194,15 +194,17 @@ bool parse_convert_unit(std::string_view text, GnuOptions& options) {
     return true;
 }
 
-GnuOptions& gnu_options() {
-    // Never destroyed: units are closed after the library's last static destructor.
-    static GnuOptions* options = nullptr;
+// Never destroyed: units are closed after the library's last static destructor.
+constinit std::atomic<GnuOptions*> the_gnu_options{nullptr};
+
+GnuOptions& read_gnu_options() {
     static std::once_flag once;
     std::call_once(once, [] {
-        options = new GnuOptions;
+        auto* options = new GnuOptions;
         read_environment(*options);
+        the_gnu_options.store(options, std::memory_order_release);
     });
-    return *options;
+    return *the_gnu_options.load(std::memory_order_acquire);
 }
 
 bool environment_convert(std::int32_t unit, Convert& convert) {

@@ -5,6 +5,7 @@
 // the record first.
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -65,7 +66,14 @@ struct GnuOptions {
     std::string temporary_folder = "/tmp";   // TMPDIR
 };
 
-GnuOptions& gnu_options();
+// Read from the environment by the first who asks.
+extern std::atomic<GnuOptions*> the_gnu_options;
+GnuOptions& read_gnu_options();
+
+inline GnuOptions& gnu_options() {
+    GnuOptions* options = the_gnu_options.load(std::memory_order_acquire);
+    return options != nullptr ? *options : read_gnu_options();
+}
 
 // Whether positive numbers show their sign when neither the program nor the format says so.
 inline SignMode processor_sign() {

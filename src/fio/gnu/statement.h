@@ -49,8 +49,6 @@ struct ListState {
     ItemType saved_type = ItemType::integer;
     int saved_kind = 0;
     std::size_t saved_length = 0;
-    char* saved_text = nullptr;  // a character value to repeat; grows as needed
-    std::size_t saved_capacity = 0;
     alignas(16) unsigned char saved_value[32];
 };
 
@@ -73,26 +71,19 @@ struct UnformattedState {
     std::int64_t record_left = 0;      // the same of the record, as RECL= allows
 };
 
-struct Statement {
+struct Statement;
+
+// What a statement does with an item that isn't COMPLEX. `size` as of `transfer_items`.
+using ItemRoad = void (*)(Statement& statement, ItemType type, void* item, int kind,
+                          std::size_t size);
+void transfer_any_item(Statement& statement, ItemType type, void* item, int kind, std::size_t size);
+
+// What every statement finds as it stands here. The largest members come first: without gaps it is
+// put back in few stores.
+struct StatementState {
+    ItemRoad transfer_item = transfer_any_item;
     Caller* caller = nullptr;
     Unit* unit = nullptr;  // null for an internal file
-    bool reading = false;
-    bool list_directed = false;
-    bool unformatted = false;
-    bool formatted_output = false;  // ready for `write_item`
-    bool formatted_input = false;   // ready for `read_item`
-    bool non_advancing = false;
-    bool direct = false;
-    bool stream = false;
-    bool utf8 = false;
-    bool internal = false;
-    bool wide = false;           // an internal file of 4-byte characters
-    bool measuring = false;      // INQUIRE(IOLENGTH=): items are only counted
-    bool behind_scalar = false;  // the one record of a scalar internal file has been left
-    bool behind_end = false;     // a stream is read behind its end: told when the statement ends
-    bool failed = false;         // the items that follow are ignored
-    bool moved = false;          // the file was positioned by REC= or POS=
-    EditModes modes;
 
     // The record at hand. On output of 4-byte characters the pointers step by four.
     char* begin = nullptr;
@@ -101,42 +92,66 @@ struct Statement {
     char* high = nullptr;             // output: the furthest byte written
     char* limit = nullptr;            // input: end of the record; output: end of the room at hand,
                                       // or `begin` to send every item through `make_room`
-    char* room_end = nullptr;         // output: end of the bytes that may be written
+    char* room_end = nullptr;         // end of the bytes that may be written or looked at
     std::int64_t pending = 0;         // output: a move to the right that nothing has followed yet
     char* record_end = nullptr;       // output: where a record of fixed length ends; null: no end
     std::int64_t column_base = 0;     // output: what non-advancing statements wrote before
-    bool record_at_hand = false;      // input: a record has been found
-    bool record_terminated = false;   // input: it has a line end
     std::size_t record_consumed = 0;  // input: bytes of it with the line end
     char* carriage_return = nullptr;  // input: one inside the record; null: none
     char* text_end = nullptr;         // input: where the trailing blanks of a scalar begin
-    bool end_of_record = false;       // input: a field ran into the record's end
     std::int64_t record_limit = 0;    // characters that a record may hold (RECL=)
     std::int64_t record_number = 0;   // of a direct file
 
     // The format.
     CachedFormat* cached = nullptr;
     const FormatProgram* format = nullptr;
-    std::uint32_t node = 0;        // next node to run
-    std::int32_t repeat_left = 0;  // of the data edit descriptor in force
-    const FormatNode* data_edit = nullptr;
-    std::int32_t counters[max_format_depth + 1];  // of open groups, by level
-    bool data_used = false;    // a data edit descriptor has met an item since reversion
-    bool no_line_end = false;  // $ asked for it
-    std::uint32_t items = 0;   // transferred so far, for messages
+    const FormatNode* next = nullptr;       // node to run
+    const FormatNode* data_edit = nullptr;  // in force
 
-    UnformattedState raw;
-    InternalFile file;
-    ListState list;
-    bool list_first_item = true;  // output
-    bool list_after_character = false;
     std::int64_t* size = nullptr;  // SIZE=
     std::int64_t size_count = 0;   // characters read, for SIZE=
     std::int64_t* iolength = nullptr;
     std::int64_t length_count = 0;  // bytes measured for IOLENGTH=
 
+    std::int32_t repeat_left = 0;  // of the data edit descriptor in force
+    std::uint32_t items = 0;       // transferred so far, for messages
+
+    bool reading = false;
+    bool list_directed = false;
+    bool unformatted = false;
+    bool non_advancing = false;
+    bool direct = false;
+    bool stream = false;
+    bool utf8 = false;
+    bool internal = false;
+    bool wide = false;               // an internal file of 4-byte characters
+    bool measuring = false;          // INQUIRE(IOLENGTH=): items are only counted
+    bool behind_scalar = false;      // the one record of a scalar internal file has been left
+    bool behind_end = false;         // a stream is read behind its end: told at the statement's end
+    bool failed = false;             // the items that follow are ignored
+    bool record_at_hand = false;     // input: a record has been found
+    bool record_terminated = false;  // input: it has a line end
+    bool end_of_record = false;      // input: a field ran into the record's end
+    bool carriage_return_unknown = false;  // input: it hasn't been looked for in the record
+    bool data_used = false;                // a data edit descriptor has met an item since reversion
+    bool no_line_end = false;              // $ asked for it
+    bool list_begun = false;               // list-directed output: an item has been written
+    bool list_after_character = false;
+    EditModes modes;
+};
+
+struct Statement : StatementState {
+    // Each is set up by the statements that use it.
+    std::int32_t counters[max_format_depth + 1];  // of open groups of the format, by level
+    ListState list;                               // list-directed input
+    UnformattedState raw;
+    InternalFile file;
+
+    // What the record keeps from one statement to the next.
     char* scratch = nullptr;  // fields that don't lie as bytes in the record
     std::size_t scratch_capacity = 0;
+    char* saved_text = nullptr;  // a character value that list-directed input repeats
+    std::size_t saved_capacity = 0;
     Statement* below = nullptr;  // in the thread's stock
 };
 
@@ -181,6 +196,11 @@ struct TransferSpecifiers {
     const InternalFile* internal = nullptr;  // null: an external unit
 };
 
+// Opens a READ or WRITE that may have specifiers that catch its faults (ERR=, IOSTAT=, IOMSG=, END=
+// of a READ) and no others but the unit and the format. Null, and nothing has happened, when the
+// unit isn't one that simply goes on: `begin_transfer` does it then.
+Statement* begin_usual_transfer(Caller& caller, bool reading, const char* format,
+                                std::size_t format_length);
 // Opens a READ or WRITE. The statement is valid in any case; a fault is in its caller's outcome.
 Statement* begin_transfer(Caller& caller, const TransferSpecifiers& specifiers);
 // A statement that has failed before it began: its items are ignored.
@@ -191,12 +211,10 @@ Statement* begin_iolength(Caller& caller, std::int64_t* result);
 // characters.
 void transfer_items(Statement& statement, ItemType type, void* items, int kind, std::size_t size,
                     std::ptrdiff_t stride, std::size_t count);
-void transfer_item(Statement& statement, ItemType type, void* item, int kind, std::size_t size);
 // Ends the statement: the rest of the format, the record, the unit. The record is gone then.
 void end_transfer(Statement* statement);
 
 // The list-directed reader: gives one item its value. A null value leaves the item as it is.
-// `size` is the length of a CHARACTER item in characters.
 void read_list_item(Statement& statement, ItemType type, void* item, int kind, std::size_t size);
 // What a list-directed READ leaves to be done at its end: the rest of the record goes by.
 void finish_list_read(Statement& statement);
@@ -207,8 +225,5 @@ void fail_system(Statement& statement, int errno_value);
 void fail_end_of_file(Statement& statement);
 void fail_end_of_record(Statement& statement);
 void fail_format(Statement& statement, const FormatError& error, std::string_view text);
-
-// A record as new, but for the buffers that it owns.
-void reset_statement(Statement& statement);
 
 }  // namespace tarn::fio

@@ -41,14 +41,13 @@ void measure(Statement& s, ItemType type, int kind, std::size_t size, std::size_
 void read_list(Statement& s, ItemType type, char* items, int kind, std::size_t size,
                std::ptrdiff_t stride, std::size_t count) {
     for (; count > 0 && !s.failed; --count, items += stride) {
-        ++s.items;
         read_list_item(s, type, items, kind, size);
     }
 }
 
 // What the format still has to say when the last item has passed.
 void finish_format(Statement& s) {
-    if (s.list_directed || s.unformatted || s.failed) return;
+    if (s.format == nullptr || s.failed || is_at_end_of_format(s)) return;
     run_format(s, false);
 }
 
@@ -75,14 +74,7 @@ void transfer_items(Statement& s, ItemType type, void* items, int kind, std::siz
     read_formatted(s, type, at, kind, size, stride, count);
 }
 
-void transfer_item(Statement& s, ItemType type, void* item, int kind, std::size_t size) {
-    if (s.formatted_output && type != ItemType::complex) {
-        if (!s.failed) write_item(s, type, static_cast<const char*>(item), kind, size);
-        return;
-    }
-    if (s.formatted_input && type != ItemType::complex) {
-        return read_item(s, type, static_cast<char*>(item), kind, size);
-    }
+void transfer_any_item(Statement& s, ItemType type, void* item, int kind, std::size_t size) {
     transfer_items(s, type, item, kind, size, 0, 1);
 }
 
@@ -102,21 +94,11 @@ void end_transfer(Statement* statement) {
         end_output(s);
     }
     if (s.cached != nullptr) FormatCache::release(s.cached);
+    const bool to_window = s.unit != nullptr && s.unit->file.window != nullptr;
     if (s.unit != nullptr) release_unit(s.unit);
     give_back(statement);
-}
-
-void reset_statement(Statement& s) {
-    char* scratch = s.scratch;
-    const std::size_t scratch_capacity = s.scratch_capacity;
-    char* saved_text = s.list.saved_text;
-    const std::size_t saved_capacity = s.list.saved_capacity;
-    s.~Statement();
-    new (&s) Statement;
-    s.scratch = scratch;
-    s.scratch_capacity = scratch_capacity;
-    s.list.saved_text = saved_text;
-    s.list.saved_capacity = saved_capacity;
+    // Call-backs may run now, and write to the same unit.
+    if (to_window) window_stream().settle();
 }
 
 void fail(Statement& s, Fault fault, std::string_view detail) {

@@ -29,7 +29,6 @@ void describe_to_gnu(Unit& unit) {
     gnu.last_was_write = false;
     gnu.end = EndState::before;
     gnu.record_number = 0;
-    gnu.stream_position = 1;
 }
 
 bool take_over_from_gnu(Unit& unit) {
@@ -57,7 +56,6 @@ void hand_over_to_gnu(Unit& unit) {
     gnu.last_was_write = is_write(io.action);
     gnu.end = unit.status.end_of_file ? EndState::after : EndState::before;
     gnu.record_number = unit.current_record;
-    if (unit.status.stream) gnu.stream_position = unit.file.logical_position + 1;
 }
 
 }  // namespace tarn::fio::native

@@ -41,6 +41,11 @@ inline constexpr std::uint32_t has_some_mode = has_advance | has_asynchronous | 
                                                has_decimal | has_delim | has_pad | has_round |
                                                has_sign;
 
+// What makes a data transfer more than a unit and a format, with what is to happen when it fails.
+inline constexpr std::uint32_t unusual_in_read =
+    ~(has_err | has_end | has_iostat | has_iomsg | list_directed | has_format);
+inline constexpr std::uint32_t unusual_in_write = unusual_in_read | has_end;
+
 struct Dimension {
     std::int64_t stride;  // in elements
     std::int64_t lower_bound;

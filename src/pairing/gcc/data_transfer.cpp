@@ -12,14 +12,15 @@ namespace {
 void fill_caller(const DataBlock& block, fio::Caller& caller) {
     const std::uint32_t flags = block.flags;
     const bool tells = (flags & has_iostat) != 0;
+    const std::uint32_t caught = tells ? has_err | has_end | has_eor : flags;
     caller.source_file = block.source_file;
     caller.line = block.line;
     caller.iostat = tells ? block.iostat : nullptr;
     caller.iomsg = (flags & has_iomsg) != 0 ? block.iomsg : nullptr;
     caller.iomsg_length = block.iomsg_length;
-    caller.catches_error = tells || (flags & has_err) != 0;
-    caller.catches_end = tells || (flags & has_end) != 0;
-    caller.catches_eor = tells || (flags & has_eor) != 0;
+    caller.catches_error = (caught & has_err) != 0;
+    caller.catches_end = (caught & has_end) != 0;
+    caller.catches_eor = (caught & has_eor) != 0;
     caller.unit = block.unit;
     caller.has_unit = caller.internal = false;
     caller.outcome = fio::Outcome::ok;
@@ -128,30 +129,20 @@ void walk(DataBlock& block, const ArrayDescriptor& array, ItemType type, int kin
     }
 }
 
-}  // namespace
-
-NativeRoad& native_road() {
-    static NativeRoad road;
-    return road;
+const char* format_of(const DataBlock& block) {
+    return (block.flags & has_format) != 0 ? block.format : nullptr;
 }
 
-void begin_data_transfer(DataBlock& block, bool reading) {
-    PrivatePart& part = block.part();
-    fill_caller(block, part.caller);
+[[gnu::noinline]] Statement* begin_any(DataBlock& block, bool reading) {
+    fio::Caller& caller = block.part().caller;
     const std::uint32_t flags = block.flags;
-    if ((flags & outcome_mask) != 0) {
-        // A unit number outside 32 bits has been reported before the statement.
-        part.owner = Owner::gnu;
-        part.statement = fio::refuse_transfer(part.caller);
-        return;
-    }
+    // A unit number outside 32 bits has been reported before the statement.
+    if ((flags & outcome_mask) != 0) return fio::refuse_transfer(caller);
     fio::TransferSpecifiers specs;
     specs.reading = reading;
     specs.list_directed = (flags & list_directed) != 0;
-    if ((flags & has_format) != 0) {
-        specs.format = block.format;
-        specs.format_length = block.format_length;
-    }
+    specs.format = format_of(block);
+    specs.format_length = specs.format != nullptr ? block.format_length : 0;
     specs.is_namelist = (flags & has_namelist) != 0;
     specs.has_rec = (flags & has_rec) != 0;
     specs.rec = specs.has_rec ? block.rec : 0;
@@ -161,22 +152,37 @@ void begin_data_transfer(DataBlock& block, bool reading) {
     specs.has_eor = (flags & has_eor) != 0;
     specs.size = (flags & has_size) != 0 ? block.size : nullptr;
     specs.id = (flags & has_id) != 0 ? block.id : nullptr;
-    part.owner = Owner::gnu;
-    if ((flags & (has_some_mode | has_internal_unit)) == 0) {
-        part.statement = begin_transfer(part.caller, specs);
-        return;
-    }
     fio::ModeSpecifiers modes;
-    fio::InternalFile internal;
     if ((flags & has_some_mode) != 0) {
         fill_modes(block, modes);
         specs.modes = &modes;
     }
-    if ((flags & has_internal_unit) != 0) {
-        fill_internal(block, internal);
-        specs.internal = &internal;
+    if ((flags & has_internal_unit) == 0) return begin_transfer(caller, specs);
+    fio::InternalFile internal;
+    fill_internal(block, internal);
+    specs.internal = &internal;
+    return begin_transfer(caller, specs);
+}
+
+}  // namespace
+
+NativeRoad& native_road() {
+    static NativeRoad road;
+    return road;
+}
+
+void begin_data_transfer(DataBlock& block, bool reading) {
+    PrivatePart& part = block.part();
+    part.owner = Owner::gnu;
+    fill_caller(block, part.caller);
+    const std::uint32_t flags = block.flags;
+    if ((flags & (reading ? unusual_in_read : unusual_in_write)) == 0 &&
+        (flags & (has_format | list_directed)) != 0) {
+        part.statement =
+            fio::begin_usual_transfer(part.caller, reading, format_of(block), block.format_length);
+        if (part.statement != nullptr) return;
     }
-    part.statement = begin_transfer(part.caller, specs);
+    part.statement = begin_any(block, reading);
 }
 
 void begin_measuring(DataBlock& block) {
@@ -201,7 +207,17 @@ void transfer_item(DataBlock& block, ItemType type, void* item, int kind, std::s
         native_road().transfer(&block, type, item, kind, size);
         return;
     }
-    fio::transfer_item(statement_of(block), type, item, kind, size);
+    Statement& statement = statement_of(block);
+    statement.transfer_item(statement, type, item, kind, size);
+}
+
+void transfer_complex(DataBlock& block, void* item, int kind) {
+    const std::size_t size = 2 * fio::real_size(kind);
+    if (block.part().owner == Owner::native) {
+        native_road().transfer(&block, ItemType::complex, item, kind, size);
+        return;
+    }
+    fio::transfer_items(statement_of(block), ItemType::complex, item, kind, size, 0, 1);
 }
 
 void transfer_array(DataBlock& block, const ArrayDescriptor& array, int kind,

@@ -11,8 +11,9 @@ void begin_measuring(DataBlock& block);
 // The outcome goes into the block's flags.
 void end_data_transfer(DataBlock& block);
 
-// One scalar item. `size`: its bytes; of a CHARACTER its length.
+// One scalar item that isn't COMPLEX. `size`: its bytes; of a CHARACTER its length.
 void transfer_item(DataBlock& block, fio::ItemType type, void* item, int kind, std::size_t size);
+void transfer_complex(DataBlock& block, void* item, int kind);
 // All elements of an array of any rank and stride, in array order.
 void transfer_array(DataBlock& block, const ArrayDescriptor& array, int kind,
                     std::size_t character_length);

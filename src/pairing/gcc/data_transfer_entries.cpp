@@ -7,14 +7,6 @@ using tarn::fio::ItemType;
 using tarn::gcc::ArrayDescriptor;
 using tarn::gcc::DataBlock;
 
-namespace {
-
-std::size_t complex_size(int kind) {
-    return 2 * tarn::fio::real_size(kind);
-}
-
-}  // namespace
-
 extern "C" {
 
 TARN_EXPORT void _gfortran_st_read(DataBlock* block) {
@@ -60,7 +52,7 @@ TARN_EXPORT void _gfortran_transfer_real128_write(DataBlock* block, void* item, 
     TARN_ALIAS(_gfortran_transfer_real);
 
 TARN_EXPORT void _gfortran_transfer_complex(DataBlock* block, void* item, int kind) {
-    tarn::gcc::transfer_item(*block, ItemType::complex, item, kind, complex_size(kind));
+    tarn::gcc::transfer_complex(*block, item, kind);
 }
 TARN_EXPORT void _gfortran_transfer_complex_write(DataBlock* block, void* item, int kind)
     TARN_ALIAS(_gfortran_transfer_complex);

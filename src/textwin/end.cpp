@@ -1,0 +1,36 @@
+// The end of a program that wrote to windows: its output stays on the screen until the user has
+// closed every window.
+#include "frame/end.h"
+
+#include "textwin/window_info.h"
+
+namespace tarn::textwin {
+
+using namespace platform;
+
+namespace {
+
+// Windows inside format windows are theirs to close.
+bool any_left() {
+    for (const window_info* window = state().windows; window != nullptr; window = window->next)
+        if (!window->embedded) return true;
+    return false;
+}
+
+void winexit() {
+    if (pump_hooks().end != nullptr) pump_hooks().end();
+    while (any_left()) {
+        show_all_output();
+        yield_program_control(3);
+    }
+}
+
+}  // namespace
+
+void enable_winexit() {
+    if (state().win_exit_enabled) return;
+    state().win_exit_enabled = true;
+    frame::add_exit_routine(winexit);
+}
+
+}  // namespace tarn::textwin

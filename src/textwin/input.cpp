@@ -1,0 +1,108 @@
+// Reading keys and lines from a text window. There is no type-ahead beyond one character.
+#include "textwin/input.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+#include "frame/end.h"
+#include "textwin/window_info.h"
+
+namespace tarn::textwin {
+
+using namespace platform;
+
+namespace {
+
+void show_caret(window_info& window, bool on) {
+    if (on && !window.caret_exists && window.has_focus) {
+        const text_descriptor* font =
+            window.last != nullptr ? window.last->end : window.descriptors;
+        CreateCaret(window.hwnd, 2, font->height);
+        window.caret_exists = true;
+        place_caret(window);
+    } else if (!on && window.caret_exists) {
+        DestroyCaret();
+        window.caret_exists = false;
+    }
+}
+
+// The window as it is now: one that went away while the program waited ends the program.
+window_info& still_there(HWND hwnd) {
+    window_info* window = find_window(hwnd);
+    if (window == nullptr) frame::exit_program(0);
+    return *window;
+}
+
+// An open working line must exist for the caret to stand in.
+void start_input(window_info& window) {
+    if (window.input_started) return;
+    window.input_started = true;
+    write_bytes(window, " ", 1);
+    take_back_character(window);
+}
+
+void wait_for_key(HWND hwnd) {
+    while (true) {
+        window_info& window = still_there(hwnd);
+        if (window.pending_character != 0 || window.event_waiting) return;
+        window.waiting = true;
+        show_caret(window, true);
+        yield_program_control(3);
+    }
+}
+
+}  // namespace
+
+void key_typed(window_info& window, std::int32_t character) {
+    if (window.pending_character != 0 || character <= 0 || character > 255) return;
+    window.pending_character = character == '\r' ? '\n' : static_cast<unsigned char>(character);
+}
+
+std::int32_t win_getchar(HWND hwnd) {
+    start_input(still_there(hwnd));
+    show_all_output();
+    wait_for_key(hwnd);
+    window_info& window = still_there(hwnd);
+    window.waiting = false;
+    show_caret(window, false);
+    if (window.event_waiting) {
+        window.event_waiting = false;
+        return 0;
+    }
+    const std::int32_t character = window.pending_character;
+    window.pending_character = 0;
+    return character;
+}
+
+void win_getline(HWND hwnd, char* buffer) {
+    constexpr std::size_t room = 256;
+    std::size_t length = 0;
+    still_there(hwnd).pending_character = 0;
+    while (true) {
+        const std::int32_t character = win_getchar(hwnd);
+        window_info& window = still_there(hwnd);
+        if (character == 0) {
+            const std::int32_t written = std::snprintf(buffer + length, room - length, "%cmenu %d",
+                                                       window.escape, window.last_command);
+            (void)written;  // an event behind a full line is cut with it
+            return;
+        }
+        const char byte = static_cast<char>(character);
+        if (character == '\n') {
+            write_bytes(window, "\n", 1);
+            buffer[length] = 0;
+            return;
+        }
+        if (character == 8) {
+            if (length == 0) continue;
+            --length;
+            take_back_character(window);
+        } else if (length < room - 1) {
+            buffer[length++] = byte;
+            write_bytes(window, &byte, 1);
+        }
+    }
+}
+
+}  // namespace tarn::textwin

@@ -53,7 +53,10 @@ struct Queue {
     bool quit = false;
     bool idle = false;                // a wait was reached: paint whatever the time
     bool in_frame = false;            // painting began, and goes on to its end
-    bool present_owed = false;
+    bool unsettled = false;           // a window was shown and window_settled not told
+    bool fresh_marks = false;         // something was marked, not by painting itself
+    std::int32_t frame_left = 0;      // windows to paint until the frame ends
+    std::int32_t paint_depth = 0;     // WM_PAINT is being handled
 };
 
 struct TextTransfer {  // a text on its way to a procedure that gets it as it is
@@ -64,6 +67,7 @@ struct TextTransfer {  // a text on its way to a procedure that gets it as it is
 
 struct Input {
     HWND focus{}, active{}, capture{}, hover{};
+    TopLevel display_focus = 0;        // the display says so
     TopLevel focus_asked = 0;          // the display was asked and hasn't answered
     std::int64_t focus_asked_until = 0;
     POINT pointer;                     // screen
@@ -132,6 +136,7 @@ UserState& state();
 
 // ---- Time and the queue, for the files of this room ----------------------------------------------
 std::int64_t clock_us();  // CLOCK_MONOTONIC
+inline constexpr std::int64_t frame_us = 16000;
 void start_timer(HWND hwnd, std::uintptr_t id, UINT period, TIMERPROC procedure, bool internal);
 void stop_timer(HWND hwnd, std::uintptr_t id, bool internal);
 void stop_timers_of(HWND hwnd);
@@ -140,6 +145,7 @@ void take_event(const Event& event);
 void take_pointer_event(const Event& event);
 void take_key_event(const Event& event);
 void take_drop_event(const Event& event);
+void forget_configures(HWND hwnd);  // asked for another place: older answers don't count
 void queue_input(HWND hwnd, UINT message, WPARAM wparam, LPARAM lparam,
                  std::string_view text = {});
 void caret_presented(Window& top, CaretOverlay& overlay);

@@ -82,6 +82,7 @@ struct Window {
     bool dirty : 1 = false;         // counted in dirty_below: update, frame_dirty or both
     bool erase : 1 = false;         // the update region must be erased first
     bool frame_dirty : 1 = false;   // border, bars, menu bar
+    bool paint_taken : 1 = false;   // BeginPaint came since WM_PAINT was sent
     bool no_redraw : 1 = false;     // WM_SETREDRAW off
     bool dying : 1 = false;         // DestroyWindow runs
     bool dead : 1 = false;          // its handle is stale
@@ -171,6 +172,8 @@ void forget_updates(Window& window);                        // of its whole tree
 bool anything_dirty();
 Window* next_to_paint();
 void paint_tree(Window& window);                            // now, parents first
+LRESULT send_paint(Window& window);                         // WM_PAINT to one
+void paint_frame_if_marked(Window& window);
 void paint_frame(Window& window, HDC dc);                   // default WM_NCPAINT
 void release_contexts(Window& window);                      // it dies
 void surface_changed(Window& top);                          // contexts of the old one are turned over

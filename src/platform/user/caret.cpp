@@ -131,12 +131,18 @@ struct Shape {
     CursorShape shape;
 };
 constexpr Shape shapes[] = {
-    {IDC_ARROW, CursorShape::arrow},        {IDC_IBEAM, CursorShape::ibeam},
-    {IDC_WAIT, CursorShape::wait},          {IDC_CROSS, CursorShape::cross},
-    {IDC_UPARROW, CursorShape::up_arrow},   {IDC_SIZENWSE, CursorShape::size_nwse},
-    {IDC_SIZENESW, CursorShape::size_nesw}, {IDC_SIZEWE, CursorShape::size_we},
-    {IDC_SIZENS, CursorShape::size_ns},     {IDC_SIZEALL, CursorShape::size_all},
-    {IDC_NO, CursorShape::no},              {IDC_HAND, CursorShape::hand},
+    {IDC_ARROW, CursorShape::arrow},
+    {IDC_IBEAM, CursorShape::ibeam},
+    {IDC_WAIT, CursorShape::wait},
+    {IDC_CROSS, CursorShape::cross},
+    {IDC_UPARROW, CursorShape::up_arrow},
+    {IDC_SIZENWSE, CursorShape::size_nwse},
+    {IDC_SIZENESW, CursorShape::size_nesw},
+    {IDC_SIZEWE, CursorShape::size_we},
+    {IDC_SIZENS, CursorShape::size_ns},
+    {IDC_SIZEALL, CursorShape::size_all},
+    {IDC_NO, CursorShape::no},
+    {IDC_HAND, CursorShape::hand},
     {IDC_HELP, CursorShape::help},
 };
 

@@ -32,8 +32,10 @@ DWORD completed_style(DWORD style) {
 RECT wanted_rect(const Wanted& w, bool child, bool& placed) {
     RECT r{w.x, w.y, 0, 0};
     placed = w.x != CW_USEDEFAULT;
-    if (!placed) r.left = r.top = 0;
-    else if (w.y == CW_USEDEFAULT) r.top = 0;
+    if (!placed)
+        r.left = r.top = 0;
+    else if (w.y == CW_USEDEFAULT)
+        r.top = 0;
     std::int32_t width = w.width;
     std::int32_t height = w.height;
     if (width == CW_USEDEFAULT) {
@@ -79,8 +81,8 @@ Window* make_record(const Wanted& w) {
     window->ex_style = w.ex_style;
     window->title = w.title;
     if (cls->window_extra > 0)
-        window->extra = std::make_unique<unsigned char[]>(
-            static_cast<std::size_t>(cls->window_extra));
+        window->extra =
+            std::make_unique<unsigned char[]>(static_cast<std::size_t>(cls->window_extra));
     bool placed = false;
     window->rect = wanted_rect(w, child, placed);
     if (child) {
@@ -149,8 +151,9 @@ HWND CreateWindowExA(DWORD ex_style, const char* class_name, const char* title, 
     const WindowClass* const cls = class_name != nullptr ? find_class(class_name) : nullptr;
     const std::string_view sent(title != nullptr ? title : "",
                                 title != nullptr ? strnlen(title, longest_title) : 0);
-    Wanted w{ex_style,   style, x, y, width, height, parent, menu_or_id, parameter,
-             utf8_from_page(sent), title, class_name};
+    Wanted w{ex_style, style,     x,          y,         width,
+             height,   parent,    menu_or_id, parameter, utf8_from_page(sent),
+             title,    class_name};
     if (cls != nullptr && cls->utf8 && title != nullptr) w.title_sent = w.title.c_str();
     return create(w);
 }
@@ -158,10 +161,13 @@ HWND CreateWindowExA(DWORD ex_style, const char* class_name, const char* title, 
 HWND CreateWindowExW(DWORD ex_style, const char16_t* class_name, const char16_t* title, DWORD style,
                      std::int32_t x, std::int32_t y, std::int32_t width, std::int32_t height,
                      HWND parent, HMENU menu_or_id, void* parameter) {
-    const std::string name =
-        class_name != nullptr ? utf8_from_wide(class_name) : std::string();
-    Wanted w{ex_style,   style, x, y, width, height, parent, menu_or_id, parameter,
-             title != nullptr ? utf8_from_wide(title) : std::string(), nullptr, name.c_str()};
+    const std::string name = class_name != nullptr ? utf8_from_wide(class_name) : std::string();
+    Wanted w{ex_style,  style,
+             x,         y,
+             width,     height,
+             parent,    menu_or_id,
+             parameter, title != nullptr ? utf8_from_wide(title) : std::string(),
+             nullptr,   name.c_str()};
     if (title != nullptr) w.title_sent = w.title.c_str();
     return create(w);
 }
@@ -211,8 +217,10 @@ bool DestroyWindow(HWND hwnd) {
     if (window->top && window->top->opened && window_going != nullptr) window_going(hwnd);
     if (!window.alive() || window->dying) return true;
     window->dying = true;
-    if ((window->style & WS_VISIBLE) != 0) hide_window(*window);
-    else leave_window(*window);
+    if ((window->style & WS_VISIBLE) != 0)
+        hide_window(*window);
+    else
+        leave_window(*window);
     if (window.alive() && window->top) destroy_owned(*window);
     if (window.alive()) tell_destroy(*window);
     if (window.alive()) take_apart(*window);

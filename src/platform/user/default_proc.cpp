@@ -45,9 +45,12 @@ LRESULT set_cursor(Window& window, WPARAM wparam, LPARAM lparam) {
         return 1;
     }
     if (target != &window) return 0;
-    if (target->cls->cursor != HCURSOR{}) SetCursor(target->cls->cursor);
-    else if (!target->is_child()) SetCursor(LoadSystemCursor(IDC_ARROW));
-    else return 0;
+    if (target->cls->cursor != HCURSOR{})
+        SetCursor(target->cls->cursor);
+    else if (!target->is_child())
+        SetCursor(LoadSystemCursor(IDC_ARROW));
+    else
+        return 0;
     return 1;
 }
 
@@ -145,8 +148,10 @@ void activated(Window& window) {
 
 LRESULT frame_press(Window& window, WPARAM hit, LPARAM lparam) {
     const POINT at{GET_X_LPARAM(lparam), GET_Y_LPARAM(lparam)};
-    if (hit == HTVSCROLL) press_window_bar(window, SB_VERT, at);
-    else if (hit == HTHSCROLL) press_window_bar(window, SB_HORZ, at);
+    if (hit == HTVSCROLL)
+        press_window_bar(window, SB_VERT, at);
+    else if (hit == HTHSCROLL)
+        press_window_bar(window, SB_HORZ, at);
     else if (hit == HTMENU && menu_hooks().bar_pressed != nullptr)
         menu_hooks().bar_pressed(window.handle, at);
     return 0;

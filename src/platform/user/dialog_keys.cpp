@@ -132,8 +132,8 @@ bool follow_mnemonic(HWND dialog, char32_t key) {
         if (w == nullptr || !usable(*w)) continue;
         const LRESULT codes = codes_of(hwnd);
         const bool label = (codes & DLGC_STATIC) != 0;
-        if (!label && (codes & DLGC_BUTTON) == 0 && (codes & (DLGC_DEFPUSHBUTTON |
-                       DLGC_UNDEFPUSHBUTTON | DLGC_RADIOBUTTON)) == 0)
+        if (!label && (codes & DLGC_BUTTON) == 0 &&
+            (codes & (DLGC_DEFPUSHBUTTON | DLGC_UNDEFPUSHBUTTON | DLGC_RADIOBUTTON)) == 0)
             continue;
         if (label && (w->style & no_prefix) != 0) continue;
         if (folded(mnemonic_of(window_text(hwnd))) != folded(key)) continue;

@@ -25,8 +25,7 @@ void take_configure(Window& top, const RECT& surface) {
 void take_state(Window& top, WindowState granted) {
     Pinned w(&top);
     const bool icon = granted == WindowState::minimized;
-    const bool full =
-        granted == WindowState::maximized || granted == WindowState::full_screen;
+    const bool full = granted == WindowState::maximized || granted == WindowState::full_screen;
     DWORD style = w->style & ~(WS_MINIMIZE | WS_MAXIMIZE);
     if (icon) style |= WS_MINIMIZE | (w->style & WS_MAXIMIZE);
     if (full) style |= WS_MAXIMIZE;
@@ -97,8 +96,10 @@ void take_event(const Event& event) {
             take_state(*top, event.state);
             break;
         case Kind::close:
-            if ((top->style & WS_DISABLED) != 0) raise_modal_of(*top);
-            else PostMessageA(top->handle, WM_SYSCOMMAND, SC_CLOSE, 0);
+            if ((top->style & WS_DISABLED) != 0)
+                raise_modal_of(*top);
+            else
+                PostMessageA(top->handle, WM_SYSCOMMAND, SC_CLOSE, 0);
             break;
         case Kind::focus_in:
         case Kind::focus_out:

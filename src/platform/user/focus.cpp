@@ -165,8 +165,10 @@ void leave_window(Window& window) {
     Window* const focus = find(in.focus);
     if (focus == nullptr || !is_within(focus, *w)) return;
     // The parent passes it on, unless it goes too.
-    if (w->parent != nullptr && can_have_focus(*w->parent)) set_focus_record(w->parent);
-    else in.focus = HWND{};
+    if (w->parent != nullptr && can_have_focus(*w->parent))
+        set_focus_record(w->parent);
+    else
+        in.focus = HWND{};
 }
 
 void forget_window(Window& window) {
@@ -174,8 +176,7 @@ void forget_window(Window& window) {
     Input& in = s.input;
     const HWND hwnd = window.handle;
     for (HWND* named : {&in.focus, &in.active, &in.capture, &in.hover, &in.click_window,
-                        &in.wheel_window, &in.bar_hover_window, &in.menu_hover,
-                        &s.clipboard_owner})
+                        &in.wheel_window, &in.bar_hover_window, &in.menu_hover, &s.clipboard_owner})
         if (*named == hwnd) *named = HWND{};
     if (in.scroll_window == hwnd) {
         in.scroll.forget();
@@ -243,8 +244,7 @@ bool EnableWindow(HWND hwnd, bool enabled) {
     if (w.alive() && w->top) tell_display_enabled(*w);
     if (w.alive()) call(*w, WM_ENABLE, enabled ? 1 : 0, 0);
     // A window of the desktop's focus that was disabled when it got it.
-    if (w.alive() && enabled && w->top && in.active == HWND{} &&
-        in.display_focus == display_id(*w))
+    if (w.alive() && enabled && w->top && in.active == HWND{} && in.display_focus == display_id(*w))
         activate(w.get(), WA_ACTIVE);
     return was_disabled;
 }

@@ -85,11 +85,14 @@ void paint_frame(Window& window, HDC dc) {
     draw_bar(*w, dc, SB_HORZ);
     const RECT v = window_bar_rect(*w, SB_VERT);
     const RECT h = window_bar_rect(*w, SB_HORZ);
-    if (!v.empty() && !h.empty()) fill(dc, {v.left, h.top, v.right, h.bottom}, theme().scroll_track);
+    if (!v.empty() && !h.empty())
+        fill(dc, {v.left, h.top, v.right, h.bottom}, theme().scroll_track);
     const RECT bar = menu_bar_rect(*w);
     if (bar.empty()) return;
-    if (menu_hooks().draw_bar != nullptr) menu_hooks().draw_bar(w->handle, w->menu, dc, bar);
-    else fill(dc, bar, theme().menu);
+    if (menu_hooks().draw_bar != nullptr)
+        menu_hooks().draw_bar(w->handle, w->menu, dc, bar);
+    else
+        fill(dc, bar, theme().menu);
 }
 
 bool set_window_menu(HWND hwnd, HMENU menu) {

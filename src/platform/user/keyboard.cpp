@@ -23,15 +23,15 @@ struct UsualKey {
     bool extended;
 };
 constexpr UsualKey usual_keys[] = {
-    {VK_BACK, 14, false},    {VK_TAB, 15, false},      {VK_RETURN, 28, false},
-    {VK_SHIFT, 42, false},   {VK_CONTROL, 29, false},  {VK_MENU, 56, false},
-    {VK_PAUSE, 0x46, true},  {VK_CAPITAL, 58, false},  {VK_ESCAPE, 1, false},
-    {VK_SPACE, 57, false},   {VK_PRIOR, 0x49, true},   {VK_NEXT, 0x51, true},
-    {VK_END, 0x4F, true},    {VK_HOME, 0x47, true},    {VK_LEFT, 0x4B, true},
-    {VK_UP, 0x48, true},     {VK_RIGHT, 0x4D, true},   {VK_DOWN, 0x50, true},
-    {VK_INSERT, 0x52, true}, {VK_DELETE, 0x53, true},  {VK_APPS, 0x5D, true},
+    {VK_BACK, 14, false},     {VK_TAB, 15, false},     {VK_RETURN, 28, false},
+    {VK_SHIFT, 42, false},    {VK_CONTROL, 29, false}, {VK_MENU, 56, false},
+    {VK_PAUSE, 0x46, true},   {VK_CAPITAL, 58, false}, {VK_ESCAPE, 1, false},
+    {VK_SPACE, 57, false},    {VK_PRIOR, 0x49, true},  {VK_NEXT, 0x51, true},
+    {VK_END, 0x4F, true},     {VK_HOME, 0x47, true},   {VK_LEFT, 0x4B, true},
+    {VK_UP, 0x48, true},      {VK_RIGHT, 0x4D, true},  {VK_DOWN, 0x50, true},
+    {VK_INSERT, 0x52, true},  {VK_DELETE, 0x53, true}, {VK_APPS, 0x5D, true},
     {VK_MULTIPLY, 55, false}, {VK_ADD, 78, false},     {VK_SUBTRACT, 74, false},
-    {VK_DIVIDE, 0x35, true}, {VK_NUMLOCK, 69, false},  {VK_SCROLL, 70, false},
+    {VK_DIVIDE, 0x35, true},  {VK_NUMLOCK, 69, false}, {VK_SCROLL, 70, false},
 };
 constexpr char letter_rows[] = "QWERTYUIOP\0\0\0\0ASDFGHJKL\0\0\0\0\0ZXCVBNM";
 constexpr std::int32_t first_letter_scan = 16;

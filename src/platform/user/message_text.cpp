@@ -63,10 +63,10 @@ LRESULT encoded_length(std::string_view utf8, Encoding encoding) {
 // room doesn't know by name.
 enum class Carries : std::uint8_t {
     nothing,
-    given,          // lparam: a text for the window
-    taken_sized,    // lparam: a buffer of wparam units
-    taken,          // lparam: a buffer that is large enough; the next message below asks how large
-    length,         // the result is a length
+    given,        // lparam: a text for the window
+    taken_sized,  // lparam: a buffer of wparam units
+    taken,        // lparam: a buffer that is large enough; the next message below asks how large
+    length,       // the result is a length
 };
 struct TextMessage {
     UINT message;
@@ -77,21 +77,21 @@ constexpr TextMessage text_messages[] = {
     {WM_SETTEXT, Carries::given, 0},
     {WM_GETTEXT, Carries::taken_sized, 0},
     {WM_GETTEXTLENGTH, Carries::length, 0},
-    {0xC2, Carries::given, 0},          // edit: replace the selection
-    {0x143, Carries::given, 0},         // combo box: add, insert, find, find exactly
+    {0xC2, Carries::given, 0},   // edit: replace the selection
+    {0x143, Carries::given, 0},  // combo box: add, insert, find, find exactly
     {0x14A, Carries::given, 0},
     {0x14C, Carries::given, 0},
     {0x158, Carries::given, 0},
     {0x148, Carries::taken, 0x149},
     {0x149, Carries::length, 0x148},
-    {0x180, Carries::given, 0},         // list box: the same
+    {0x180, Carries::given, 0},  // list box: the same
     {0x181, Carries::given, 0},
     {0x18F, Carries::given, 0},
     {0x1A2, Carries::given, 0},
     {0x189, Carries::taken, 0x18A},
     {0x18A, Carries::length, 0x189},
-    {0x1501, Carries::given, 0},        // edit: cue banner
-    {0x1609, Carries::given, 0},        // button: note
+    {0x1501, Carries::given, 0},  // edit: cue banner
+    {0x1609, Carries::given, 0},  // button: note
 };
 
 // Items of a list that its owner draws are numbers, unless it has strings.
@@ -116,8 +116,8 @@ std::string take_text(Window& window, UINT message, UINT length_message, WPARAM 
     const LRESULT length = call(*w, length_message, sized ? 0 : wparam, 0);
     if (length <= 0 || static_cast<std::size_t>(length) > longest || !w.alive()) return {};
     std::string text(static_cast<std::size_t>(length) + 1, '\0');
-    const LRESULT got = call(*w, message, sized ? text.size() : wparam,
-                             reinterpret_cast<LPARAM>(text.data()));
+    const LRESULT got =
+        call(*w, message, sized ? text.size() : wparam, reinterpret_cast<LPARAM>(text.data()));
     text.resize(static_cast<std::size_t>(std::clamp<LRESULT>(got, 0, length)));
     return text;
 }
@@ -201,8 +201,10 @@ LRESULT default_text(Window& window, UINT message, WPARAM wparam, LPARAM lparam,
                      Encoding encoding) {
     const TextTransfer& transfer = state().transfer;
     auto* const text = reinterpret_cast<void*>(lparam);
-    if (window.cls->utf8) encoding = Encoding::utf8;
-    else if (transfer.message == message && transfer.text == text) encoding = transfer.encoding;
+    if (window.cls->utf8)
+        encoding = Encoding::utf8;
+    else if (transfer.message == message && transfer.text == text)
+        encoding = transfer.encoding;
     switch (message) {
         case WM_SETTEXT: {
             std::string title = decoded(text, encoding);

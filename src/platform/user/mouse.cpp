@@ -140,8 +140,10 @@ void send_set_cursor(const Hit& hit, UINT message) {
 bool blocked(Window& top, const Event& event) {
     if ((top.style & WS_DISABLED) == 0) return false;
     set_hover(HWND{});
-    if (event.kind == Event::Kind::button_down) raise_modal_of(top);
-    else SetCursor(LoadSystemCursor(IDC_ARROW));
+    if (event.kind == Event::Kind::button_down)
+        raise_modal_of(top);
+    else
+        SetCursor(LoadSystemCursor(IDC_ARROW));
     return true;
 }
 
@@ -250,8 +252,10 @@ void take_pointer_event(const Event& event) {
     if (find(in.capture) != nullptr) return take_captured(event, screen);
     if (blocked(*top, event)) return;
     const Hit hit = hit_test(*top, screen);
-    if (event.kind == Kind::pointer_move) take_move(hit, event, screen);
-    else take_button(hit, event, screen);
+    if (event.kind == Kind::pointer_move)
+        take_move(hit, event, screen);
+    else
+        take_button(hit, event, screen);
 }
 
 // ---- Capture -----------------------------------------------------------------------------------

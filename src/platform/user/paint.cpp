@@ -183,8 +183,10 @@ void aim(Context& c, Window& window) {
     }
     if (top.top->surface.pixels == nullptr) c.clip.clear();
     Surface& surface = surface_for(top);
-    if (c.dc == HDC{}) c.dc = create_surface_dc(surface, origin, c.clip.rects());
-    else reset_surface_dc(c.dc, surface, origin, c.clip.rects());
+    if (c.dc == HDC{})
+        c.dc = create_surface_dc(surface, origin, c.clip.rects());
+    else
+        reset_surface_dc(c.dc, surface, origin, c.clip.rects());
 }
 
 HDC give_context(Window& window, Region&& clip, bool painting, bool whole) {
@@ -287,8 +289,7 @@ HDC BeginPaint(HWND hwnd, PAINTSTRUCT& paint) {
     update.move(origin.x, origin.y);
     clip.intersect(update);
     paint.hdc = give_context(*window, std::move(clip), true, false);
-    if (erase)
-        paint.fErase = call(*window, WM_ERASEBKGND, static_cast<WPARAM>(paint.hdc), 0) == 0;
+    if (erase) paint.fErase = call(*window, WM_ERASEBKGND, static_cast<WPARAM>(paint.hdc), 0) == 0;
     return paint.hdc;
 }
 

@@ -15,8 +15,7 @@ void paint_where_order_changed(Window& window) {
 
 void change_order(Window& window, HWND after) {
     Window* const parent = window.parent;
-    Window* const behind =
-        static_cast<std::int32_t>(after) > HWND_BOTTOM ? find(after) : nullptr;
+    Window* const behind = static_cast<std::int32_t>(after) > HWND_BOTTOM ? find(after) : nullptr;
     const bool bottom = static_cast<std::int32_t>(after) == HWND_BOTTOM;
     if (behind == &window || (behind != nullptr && behind->parent != parent)) return;
     const Window* const first = parent != nullptr ? parent->first_child : top_levels();
@@ -32,8 +31,7 @@ void change_order(Window& window, HWND after) {
         if (static_cast<std::int32_t>(after) == HWND_TOPMOST) window.ex_style |= WS_EX_TOPMOST;
         if (static_cast<std::int32_t>(after) == HWND_NOTOPMOST) window.ex_style &= ~WS_EX_TOPMOST;
         if (static_cast<std::int32_t>(after) < 0) options_changed(window);
-        if (window.top->opened && behind == nullptr && !bottom)
-            display().raise(display_id(window));
+        if (window.top->opened && behind == nullptr && !bottom) display().raise(display_id(window));
     }
 }
 
@@ -45,9 +43,9 @@ LPARAM point_word(std::int32_t x, std::int32_t y) {
 
 void send_size(Window& window) {
     const bool icon = (window.style & WS_MINIMIZE) != 0;
-    const WPARAM how = icon                                    ? SIZE_MINIMIZED
+    const WPARAM how = icon                                ? SIZE_MINIMIZED
                        : (window.style & WS_MAXIMIZE) != 0 ? SIZE_MAXIMIZED
-                                                               : SIZE_RESTORED;
+                                                           : SIZE_RESTORED;
     const SIZE size = icon ? SIZE{} : window.client_size();
     call(window, WM_SIZE, how, point_word(size.cx, size.cy));
 }
@@ -116,7 +114,7 @@ bool SetWindowPos(HWND hwnd, HWND after, std::int32_t x, std::int32_t y, std::in
     }
     if (!window.alive()) return false;
     if ((pos.flags & SWP_SHOWWINDOW) != 0 && !visible)
-        ShowWindow(hwnd, (pos.flags & SWP_NOACTIVATE) != 0 ? SW_SHOWNA : SW_SHOW);
+        ShowWindow(hwnd, (pos.flags & SWP_NOACTIVATE) != 0 ? +SW_SHOWNA : +SW_SHOW);
     else if (window->top && visible && (pos.flags & (SWP_NOACTIVATE | SWP_NOZORDER)) == 0)
         activate(window.get(), WA_ACTIVE);
     if (window.alive()) {
@@ -262,8 +260,10 @@ bool ShowWindow(HWND hwnd, std::int32_t how) {
     call(*window, WM_SHOWWINDOW, 1, 0);
     if (!window.alive() || window->dying) return false;
     window->style |= WS_VISIBLE;
-    if (window->top) show_top(*window, !quiet && (window->style & WS_MINIMIZE) == 0);
-    else invalidate_all(*window);
+    if (window->top)
+        show_top(*window, !quiet && (window->style & WS_MINIMIZE) == 0);
+    else
+        invalidate_all(*window);
     return false;
 }
 

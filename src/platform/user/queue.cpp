@@ -296,12 +296,9 @@ bool take_timer(MSG& message, const Filter& filter, bool remove, std::int64_t no
             timer.procedure(timer.hwnd, WM_TIMER, timer.id, GetTickCount());
             continue;
         }
-        message = {timer.hwnd,
-                   WM_TIMER,
-                   timer.id,
-                   reinterpret_cast<LPARAM>(timer.procedure),
-                   GetTickCount(),
-                   state().input.pointer};
+        message = {timer.hwnd,     WM_TIMER,
+                   timer.id,       reinterpret_cast<LPARAM>(timer.procedure),
+                   GetTickCount(), state().input.pointer};
         return true;
     }
 }
@@ -427,7 +424,8 @@ bool WaitMessage() {
         std::int64_t now = clock_us();
         std::int64_t limit = -1;  // microseconds
         const auto at_most = [&](std::int64_t us) {
-            limit = limit < 0 ? std::max<std::int64_t>(us, 0) : std::clamp(us, std::int64_t{0}, limit);
+            limit =
+                limit < 0 ? std::max<std::int64_t>(us, 0) : std::clamp(us, std::int64_t{0}, limit);
         };
         if (anything_dirty()) {
             if (q.fresh_marks || now - q.last_frame >= frame_us) return true;
@@ -449,8 +447,8 @@ bool WaitMessage() {
         }
         Event event;
         const std::int64_t ms = limit < 0 ? -1 : (limit + 999) / 1000;
-        if (display().next_event(event, static_cast<std::int32_t>(std::min<std::int64_t>(
-                                            ms, 0x7FFFFFFF)))) {
+        if (display().next_event(
+                event, static_cast<std::int32_t>(std::min<std::int64_t>(ms, 0x7FFFFFFF)))) {
             enqueue(std::move(event));
             return true;
         }

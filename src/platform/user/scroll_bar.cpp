@@ -101,9 +101,8 @@ ScrollLayout scroll_layout(const RECT& bar, bool vertical, const ScrollValues& v
     const std::int32_t room = to - from;
     if (values.idle() || room <= shortest_thumb) return l;
     const std::int64_t span = static_cast<std::int64_t>(values.high) - values.low + 1;
-    const std::int32_t thumb =
-        std::clamp(values.page > 0 ? scaled(room, values.page, span) : shortest_thumb,
-                   shortest_thumb, room);
+    const std::int32_t thumb = std::clamp(
+        values.page > 0 ? scaled(room, values.page, span) : shortest_thumb, shortest_thumb, room);
     const std::int64_t steps = static_cast<std::int64_t>(values.last()) - values.low;
     const std::int32_t at =
         from + scaled(static_cast<std::int64_t>(values.position) - values.low, room - thumb, steps);

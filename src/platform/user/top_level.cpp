@@ -18,9 +18,12 @@ bool is_popup(const Window& top) {
 TopLevelOptions options_of(Window& top) {
     TopLevelOptions o;
     const bool framed = manager_frames(top);
-    if (is_popup(top)) o.role = Role::popup;
-    else if ((top.ex_style & WS_EX_TOOLWINDOW) != 0) o.role = Role::utility;
-    else if (top.owner != nullptr) o.role = Role::dialog;
+    if (is_popup(top))
+        o.role = Role::popup;
+    else if ((top.ex_style & WS_EX_TOOLWINDOW) != 0)
+        o.role = Role::utility;
+    else if (top.owner != nullptr)
+        o.role = Role::dialog;
     o.owner = top.owner != nullptr && top.owner->top->opened ? display_id(*top.owner) : 0;
     o.client = surface_rect(top);
     o.position_given = top.top->placed || o.role == Role::popup;
@@ -88,8 +91,7 @@ void open_top(Window& top) {
     set_default_scale(display().scale());
     top.top->opened = display().open(display_id(top), options_of(top));
     if (!top.top->opened) return;
-    if (top.top->state != WindowState::normal)
-        display().set_state(display_id(top), top.top->state);
+    if (top.top->state != WindowState::normal) display().set_state(display_id(top), top.top->state);
     send_icon(top);
 }
 

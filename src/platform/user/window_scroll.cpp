@@ -28,8 +28,10 @@ void redraw_bar(Window& window, std::int32_t bar) {
 // A bar comes and goes with the need for it; the client area makes room.
 void show_bar(Window& window, std::int32_t bar, bool show) {
     if (((window.style & style_of(bar)) != 0) == show) return;
-    if (show) window.style |= style_of(bar);
-    else window.style &= ~style_of(bar);
+    if (show)
+        window.style |= style_of(bar);
+    else
+        window.style &= ~style_of(bar);
     set_window_rect(window, window.rect, SWP_FRAMECHANGED, false);
 }
 
@@ -125,9 +127,8 @@ void hover_window_bar(Window* window, std::int32_t bar, POINT screen) {
     if (window != nullptr) {
         const RECT area = bar_on_screen(*window, bar);
         if (area.contains(screen))
-            part = scroll_hit(
-                scroll_layout(area, bar == SB_VERT, scroll_of(*window, bar).values),
-                bar == SB_VERT, screen);
+            part = scroll_hit(scroll_layout(area, bar == SB_VERT, scroll_of(*window, bar).values),
+                              bar == SB_VERT, screen);
     }
     const HWND hwnd = part != ScrollPart::none ? window->handle : HWND{};
     if (in.bar_hover_window == hwnd && in.bar_hover == bar && in.bar_hover_part == part) return;
@@ -168,8 +169,8 @@ bool GetScrollInfo(HWND hwnd, std::int32_t bar, SCROLLINFO& info) {
     if (window == nullptr || !valid_bar(bar)) return false;
     const ScrollValues& values = scroll_of(*window, bar).values;
     const Input& in = state().input;
-    const bool dragged = in.scroll_window == hwnd && in.scroll_bar == bar &&
-                         in.scroll.part() == ScrollPart::thumb;
+    const bool dragged =
+        in.scroll_window == hwnd && in.scroll_bar == bar && in.scroll.part() == ScrollPart::thumb;
     values.get(info);
     if ((info.fMask & SIF_TRACKPOS) != 0 && !dragged) info.nTrackPos = values.position;
     return true;

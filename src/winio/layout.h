@@ -9,10 +9,16 @@
 
 namespace tarn::winio {
 
+// One cell of a box: its frame, and the control behind which the cell's own controls begin.
+struct frame_link {
+    frame_link* next;  // the cell before it
+    window_control* frame;
+    window_control* start_control;
+};
 struct box {
     box* previous;
     window_control* start_control;
-    struct frame_link* frames;  // chain of the cell frames, newest first
+    frame_link* frames;  // newest first
     window_control *centre_first, *right_first;
     window_control* frame_record;
     char* name;
@@ -41,12 +47,26 @@ struct frame_block {
     COLORREF line_colour;
     std::int32_t name_place;
     std::int32_t kind;
-    std::int32_t
-        flags;  // 1 status; 2, 4 not the first column, row; 8, 0x10 not the last row, column
+    std::int32_t flags;  // status_frame ...
+    bool shaded;
 };
 
-void begin_layout();  // allocates the map for a new window
-void end_layout();    // frees it
+enum : std::int32_t {  // of frame_block
+    status_frame = 1,
+    not_first_column = 2,
+    not_first_row = 4,
+    not_last_row = 8,
+    not_last_column = 0x10,
+};
+
+inline constexpr std::int32_t no_pivot = 10000000;
+
+void begin_layout();  // gives the builder an empty map
+void end_layout();    // takes it back; harmless when there is none
+// The size of the map in cells, for windows begun from now on; refused once a window was begun.
+void set_max_dialog_size(std::int32_t width, std::int32_t height);
+// The one-shot values that the next locate uses up, as a window begins.
+void reset_layout_values(fancy_window* window);
 
 // Conversions: truncating towards zero, and the ceiling the other way.
 std::int32_t units_to_pixels_x(std::int32_t units);
@@ -69,16 +89,21 @@ void centre_information();
 void centre_information_within_box();
 void centre_all_information();
 void apply_margins();
-void re_centre_in_box(window_control* frame, std::int32_t extra);
+void re_centre_in_box(const frame_link& cell, std::int32_t extra);
 void adjust_multi_boxes(box& of);
 void shuffle_boxes(fancy_window* window);
+void free_open_boxes();  // of a format that ended with one
+// The dialog colour takes the place of a standard background.
+void readjust_background(fancy_window* window);
 void re_scale_window(fancy_window* window, std::int32_t width, std::int32_t height);
 // Raises line_extra for a control deeper than text.
 void deepen_line(std::int32_t height);
 // Client and frame size, origin and style words of the finished window.
 void window_size_and_position(fancy_window* window);
-// The pixel rectangle of a control at creation.
+// The pixel rectangle of a control at creation, stored in the control. Right and bottom are its
+// last pixels.
 void control_rectangle(window_control* control);
+RECT creation_rectangle(const window_control* control);
 
 // ---- Measuring
 // -----------------------------------------------------------------------------------

@@ -67,12 +67,16 @@ std::uintptr_t next_timer_id();
 // The key word of a key message, as accelerators are stored with; 0: it can't be one.
 std::int32_t key_word_of(const platform::MSG& message);
 void set_focus_on_control(window_control* control);
+// Places the bars of %hx and %vx beside a control that was moved.
+void re_size_scroll_bars(window_control* control);
 // Text and class of the control's real window, by its type.
 void create_control_window(fancy_window* window, window_control* control, std::int32_t child_id);
 
+// Fits the bars of %hx and %vx to a control that has moved.
+void re_size_scroll_bars(window_control* control);
+
 bool pre_message_loop_filter(platform::MSG& message);
 void post_message_loop_filter(const platform::MSG& message);
-void message_loop_hook();
 void quillpan_idle();
 void exit_cleanup();
 

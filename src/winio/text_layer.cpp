@@ -62,7 +62,8 @@ std::int32_t uchrlen(unsigned char first_byte) {
 std::int32_t ustrnlen(const char* text, std::int32_t characters) {
     const char* at = text;
     for (; characters > 0 && *at; --characters) {
-        for (std::int32_t left = uchrlen(static_cast<unsigned char>(*at)); left > 0 && *at; --left) {
+        for (std::int32_t left = uchrlen(static_cast<unsigned char>(*at)); left > 0 && *at;
+             --left) {
             ++at;
         }
     }
@@ -76,8 +77,8 @@ LRESULT SendGetTextMessageAW(HWND hwnd, UINT message, WPARAM size, char* buffer)
     // A list's WPARAM is an item, not a size; its texts have 512 characters at most.
     const bool sized = message == platform::WM_GETTEXT;
     std::u16string wide(sized ? size + 1 : 0x10000, u'\0');
-    const LRESULT count = platform::SendMessageW(hwnd, message, size,
-                                                 reinterpret_cast<LPARAM>(wide.data()));
+    const LRESULT count =
+        platform::SendMessageW(hwnd, message, size, reinterpret_cast<LPARAM>(wide.data()));
     if (count < 0) return count;
     const std::size_t units = std::min(static_cast<std::size_t>(count), wide.size());
     return store(wide.data(), units, buffer, sized ? static_cast<std::int32_t>(size) : 513);

@@ -9,7 +9,6 @@ namespace {
 
 constexpr DWORD double_click_ms = 500;
 constexpr std::int32_t double_click_distance = 4;
-constexpr std::int32_t notch = WHEEL_DELTA;
 constexpr LRESULT MA_NOACTIVATE = 3, MA_NOACTIVATEANDEAT = 4, MA_ACTIVATEANDEAT = 2;
 
 struct Hit {
@@ -160,8 +159,8 @@ void take_wheel(const Event& event, POINT screen) {
     if (in.wheel_window != target) in.wheel_rest[0] = in.wheel_rest[1] = 0;
     in.wheel_window = target;
     if ((rest < 0) != (event.delta < 0)) rest = 0;
-    rest += std::clamp(event.delta, -100 * notch, 100 * notch);
-    const std::int32_t whole = rest / notch * notch;
+    rest += std::clamp(event.delta, -100 * WHEEL_DELTA, 100 * WHEEL_DELTA);
+    const std::int32_t whole = rest / WHEEL_DELTA * WHEEL_DELTA;
     if (whole == 0) return;
     rest -= whole;
     const std::int32_t delta = event.horizontal ? -whole : whole;  // the platform's right is up

@@ -70,16 +70,21 @@ class Easel {
 
 constexpr COLORREF white = RGB(255, 255, 255);
 
+// Of the sign on a disc.
+COLORREF sign_colour(const Theme& look) {
+    return look.dark ? look.window : white;
+}
+
 void draw_information(const Easel& easel, const Theme& look) {
     easel.disc(16, 16, 14, look.information);
-    const COLORREF ink = readable(white, look.information);
+    const COLORREF ink = sign_colour(look);
     easel.disc(16, 9.6F, 1.9F, ink);
     easel.box({14.4F, 13.6F, 17.6F, 24}, 1.6F, ink);
 }
 
 void draw_question(const Easel& easel, const Theme& look) {
     easel.disc(16, 16, 14, look.information);
-    const COLORREF ink = readable(white, look.information);
+    const COLORREF ink = sign_colour(look);
     std::vector<PointF> hook;
     constexpr float from = 3.30F, to = 7.20F, radius = 4.5F;  // angles, from the left over the top
     constexpr int steps = 24;
@@ -105,7 +110,7 @@ void draw_warning(const Easel& easel, const Theme& look) {
 
 void draw_error(const Easel& easel, const Theme& look) {
     easel.disc(16, 16, 14, look.danger);
-    const COLORREF ink = readable(white, look.danger);
+    const COLORREF ink = sign_colour(look);
     constexpr PointF down[] = {{11, 11}, {21, 21}}, up[] = {{11, 21}, {21, 11}};
     easel.line(down, 3.0F, ink);
     easel.line(up, 3.0F, ink);
@@ -113,7 +118,7 @@ void draw_error(const Easel& easel, const Theme& look) {
 
 void draw_check(const Easel& easel, const Theme& look) {
     easel.disc(16, 16, 14, look.success);
-    const COLORREF ink = readable(white, look.success);
+    const COLORREF ink = sign_colour(look);
     constexpr PointF tick[] = {{9.8F, 16.6F}, {14.2F, 21}, {22.4F, 11.8F}};
     easel.line(tick, 3.0F, ink);
 }
@@ -123,7 +128,7 @@ void draw_application(const Easel& easel, const Theme& look) {
     easel.box({3, 5, 29, 27}, 4, look.accent);
     easel.box({5, 11, 27, 25}, 2, look.dark ? look.window : white);
     for (const float x : {7.0F, 11.0F, 15.0F}) {
-        easel.disc(x, 8, 1.2F, readable(white, look.accent));
+        easel.disc(x, 8, 1.2F, sign_colour(look));
     }
     easel.box({8, 14.2F, 20, 16.2F}, 1, look.accent);
     easel.box({8, 19, 24, 21}, 1, look.border_hover);

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "platform/user/user.h"
+#include "winio/callbacks.h"
 #include "winio/layout.h"
 #include "winio/layout_state.h"
 #include "winio/menus.h"

@@ -59,7 +59,8 @@ inline bool quick_get_real(const char* field, int width, const char* readable_en
     if (!exponent_of_field(real.exponent, real.has_mark, real.has_exponent, d, modes, shift)) {
         return false;
     }
-    store_plain_real(real, shift - real.decimals, input_rounding(modes), kind, item);
+    store_decimal(real.significand, shift - real.decimals, real.negative, input_rounding(modes),
+                  kind, item);
     return true;
 }
 

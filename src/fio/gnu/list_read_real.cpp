@@ -81,8 +81,8 @@ bool take_plain(Statement& s, char* item, int kind, char mark, bool in_complex) 
     } else if (cut) {
         return false;
     }
-    store_plain_real(real, std::int64_t{real.exponent} - real.decimals, input_rounding(s.modes),
-                     kind, item);
+    store_decimal(real.significand, std::int64_t{real.exponent} - real.decimals, real.negative,
+                  input_rounding(s.modes), kind, item);
     s.cursor += real.end;
     return true;
 }

@@ -2,13 +2,13 @@
 
 namespace tarn::fio {
 
-void store_any_plain_real(const PlainReal& real, std::int64_t exponent, Rounding round, int kind,
-                          void* item) {
-    char digits[NumberWindow::most_digits];
-    const int count = decimal_length(real.significand);
-    put_digits(digits, real.significand, count);
+void store_any_decimal(std::uint64_t significand, std::int64_t exponent, bool negative,
+                       Rounding round, int kind, void* item) {
+    char digits[20];
+    const int count = decimal_length(significand);
+    put_digits(digits, significand, count);
     DecimalNumber number;
-    number.negative = real.negative;
+    number.negative = negative;
     number.digits = digits;
     number.count = static_cast<std::size_t>(count);
     number.exponent = exponent;

@@ -46,18 +46,26 @@ class NumberWindow {
     // The number that `count` digits (up to 19) make.
     std::uint64_t number(int place, int count) const {
         const char* digits = text_ + place;
-        std::uint64_t value = 0;
-        for (; count > 8; count -= 8, digits += 8) {
+        if (count <= 8) return count == 0 ? 0 : last_digits(digits, count);
+        std::uint64_t value = value_of_eight(load_eight(digits));
+        if (count > 16) {
+            digits += 8;
+            count -= 8;
             value = value * 100'000'000 + value_of_eight(load_eight(digits));
         }
-        if (count == 0) return value;
-        const std::uint64_t last = value_of_eight(load_eight(digits) << (64 - 8 * count));
-        return value == 0 ? last : value * powers_of_ten[static_cast<std::size_t>(count)] + last;
+        count -= 8;
+        return value * powers_of_ten[static_cast<std::size_t>(count)] +
+               last_digits(digits + 8, count);
     }
 
   private:
     // `number` reads eight characters from any place on.
     static constexpr int room = widest + 8;
+
+    // 1 to 8 digits, put behind zeros.
+    static std::uint64_t last_digits(const char* digits, int count) {
+        return value_of_eight(load_eight(digits) << (64 - 8 * count));
+    }
 
     static std::uint32_t bits(const __m128i& found) {
         return static_cast<std::uint32_t>(_mm_movemask_epi8(found));
@@ -140,13 +148,14 @@ inline bool scan_plain_real(const NumberWindow& window, int place, char mark, Pl
     return true;
 }
 
-// Stores significand x 10^exponent: `store_any_plain_real` where a product of words doesn't decide.
-void store_any_plain_real(const PlainReal& real, std::int64_t exponent, Rounding round, int kind,
-                          void* item);
-inline void store_plain_real(const PlainReal& real, std::int64_t exponent, Rounding round, int kind,
-                             void* item) {
-    if (!word_to_binary(real.significand, exponent, real.negative, round, kind, item)) {
-        store_any_plain_real(real, exponent, round, kind, item);
+// Stores (-1)^negative x significand x 10^exponent: `store_any_decimal` where a product of words
+// doesn't decide.
+void store_any_decimal(std::uint64_t significand, std::int64_t exponent, bool negative,
+                       Rounding round, int kind, void* item);
+inline void store_decimal(std::uint64_t significand, std::int64_t exponent, bool negative,
+                          Rounding round, int kind, void* item) {
+    if (!word_to_binary(significand, exponent, negative, round, kind, item)) {
+        store_any_decimal(significand, exponent, negative, round, kind, item);
     }
 }
 

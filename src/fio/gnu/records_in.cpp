@@ -63,17 +63,19 @@ bool direct_record(Statement& s) {
     return true;
 }
 
-bool external_record(Statement& s) {
-    Unit& unit = *s.unit;
+// False: there is none, or the file can't be read, which has been reported.
+[[gnu::noinline]] bool find_record_on_file(Statement& s, InputRecord& record) {
     int err = 0;
+    const bool found = find_record(s.unit->file, record, err);
+    if (err != 0) fail_system(s, err);
+    return found && err == 0;
+}
+
+bool external_record(Statement& s) {
+    const File& file = s.unit->file;
     InputRecord record;
-    const bool found = find_record(unit.file, record, err);
-    if (err != 0) {
-        fail_system(s, err);
-        return false;
-    }
-    if (!found) return false;
-    set_record(s, record.begin, record.length, unit.file.buffer + unit.file.capacity);
+    if (!find_buffered_record(file, record) && !find_record_on_file(s, record)) return false;
+    set_record(s, record.begin, record.length, file.buffer + file.capacity);
     s.carriage_return_unknown = true;
     s.record_consumed = record.consumed;
     s.record_terminated = record.terminated;

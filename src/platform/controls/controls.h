@@ -106,6 +106,7 @@ enum : std::uint32_t {
     ES_NOHIDESEL = 0x100,
     ES_READONLY = 0x800,
     ES_WANTRETURN = 0x1000,
+    ES_NUMBER = 0x2000,
     EM_GETSEL = 0xB0,  // results are byte offsets into the UTF-8 text
     EM_SETSEL = 0xB1,
     EM_GETRECT = 0xB2,
@@ -129,8 +130,8 @@ enum : std::uint32_t {
     EM_SETREADONLY = 0xCF,
     EM_GETPASSWORDCHAR = 0xD2,
     EM_GETLIMITTEXT = 0xD5,
-    EM_POSFROMCHAR = 0xD6,   // w: offset; the point is the result, -1 for none
-    EM_CHARFROMPOS = 0xD7,   // l: point; low word offset, high word line
+    EM_POSFROMCHAR = 0xD6,  // w: offset; the point is the result, -1 for none
+    EM_CHARFROMPOS = 0xD7,  // l: point; low word offset, high word line
     EM_REDO = 0x454,
     EM_CANREDO = 0x455,
     EM_SETCUEBANNER = 0x1501,
@@ -222,6 +223,7 @@ enum : std::uint32_t {
     CB_FINDSTRINGEXACT = 0x158,
     CB_GETDROPPEDWIDTH = 0x15F,
     CB_SETDROPPEDWIDTH = 0x160,
+    ODS_COMBOBOXEDIT = 0x1000,
     CBN_SELCHANGE = 1,
     CBN_DBLCLK = 2,
     CBN_SETFOCUS = 3,
@@ -236,6 +238,11 @@ enum : std::uint32_t {
     // scroll bar
     SBS_HORZ = 0,
     SBS_VERT = 1,
+    SBM_SETPOS = 0xE0,
+    SBM_GETPOS = 0xE1,
+    SBM_SETRANGE = 0xE2,
+    SBM_GETRANGE = 0xE3,
+    SBM_SETRANGEREDRAW = 0xE6,
 };
 
 // The results of lists when there is no such item.

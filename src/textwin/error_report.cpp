@@ -6,9 +6,7 @@
 #include "frame/end.h"
 #include "platform/controls/controls.h"
 #include "platform/dialogs/dialogs.h"
-#include "platform/display/display.h"
 #include "platform/gdi/theme.h"
-#include "platform/script/script.h"
 #include "platform/user/user.h"
 
 namespace tarn::textwin {
@@ -88,14 +86,10 @@ DialogTemplate error_report_dialog() {
              {"button", "Quit with &Trace", quit_with_trace, 202, 86, 68, 16, button, 0}}};
 }
 
-bool somebody_to_ask() {
-    return !display().headless() || script_active();
-}
-
 // True: the program goes on.
 bool ask(const char* text) {
     report_state& r = reports();
-    if (!somebody_to_ask()) {
+    if (!can_ask()) {
         std::fprintf(stderr, "Quillpan+ Error: %s\n", text);
         return true;
     }

@@ -239,7 +239,11 @@ void win_coua(HWND hwnd, const char* bytes, std::size_t count) {
     window_info* window = find_window(hwnd);
     if (window == nullptr) return;
     write_bytes(*window, bytes, count);
-    // The window lives while a program writes; a flood looks at the queue every two milliseconds.
+    live_while_writing();
+}
+
+// The window lives while a program writes; a flood looks at the queue every two milliseconds.
+void live_while_writing() {
     const std::uint64_t now = now_nanoseconds();
     if (now - state().last_poll < poll_interval) return;
     state().last_poll = now;

@@ -2,6 +2,8 @@
 #include <cstdlib>
 
 #include "frame/end.h"
+#include "platform/dialogs/dialogs.h"
+#include "platform/script/script.h"
 #include "textwin/window_info.h"
 
 namespace tarn::textwin {
@@ -32,6 +34,8 @@ pump_state& pump() {
 void start_pump() {
     if (pump().started) return;
     pump().started = true;
+    somebody_answers = script_active;
+    start_script();
     register_text_class();
 }
 

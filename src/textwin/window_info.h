@@ -147,6 +147,7 @@ text_descriptor* descriptor_of(const window_info& window, std::int32_t number);
 void write_bytes(window_info& window, const char* bytes, std::size_t count);
 // Takes the last character off the working line.
 void take_back_character(window_info& window);
+void live_while_writing();
 void mark_changed(window_info& window);
 void show_output(window_info& window);
 void show_all_output();

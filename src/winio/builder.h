@@ -67,7 +67,11 @@ struct argument_source {
     const std::int32_t* lengths = nullptr;  // Fortran: of its character arguments, in order
     std::int32_t length_count = 0;
     std::int32_t next_length = 0;
-    bool fortran = false;       // every argument by reference
+    bool fortran = false;  // every argument by reference
+    // How the source spells each argument behind the format, for messages; null: not known. In such
+    // a call the type of a constant or an expression, which nothing may be bound to, is told in
+    // lower case: `*i` where a variable's is `*I`.
+    const char* const* spellings = nullptr;
     bool wide_handles = false;  // handles are INTEGER*8
     word next();                // one word (a C double: next_double); 0 behind the last
     double next_double();
@@ -102,10 +106,12 @@ struct builder_state {
     bool nested;                       // %ex
     bool preload_open;                 // %bo: %bn and %pl only add to the preloaded block
     void (*passive_hook)(const char* text);
-    bool passive_window;  // the window under construction is not to be created
-    bool checking_quietly;
-    bool abandoned;           // abandon_construction was called during this call
-    std::string format_text;  // of the call at work, kept for diagnostics once %ex was used
+    bool passive_window;            // the window under construction is not to be created
+    bool wide_handles;              // __winio_check_ex: handles have 64 bits
+    char* check_report;             // of check mode: the first message goes there
+    fancy_window* internal_window;  // begun by internal_winio
+    bool abandoned;                 // abandon_construction was called during this call
+    std::string format_text;        // of the call at work, kept for diagnostics once %ex was used
 };
 builder_state& building();
 inline window_builder& builder() {

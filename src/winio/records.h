@@ -243,7 +243,10 @@ struct window_flags {
     bool start_posted : 1;         // message 0x406 is on its way or was
     bool button_font_current : 1;  // %fb
     bool multi_button : 1;         // %mb
+    bool multi_button_left : 1;    // %mb[left]
     bool min_height : 1;           // %co[min_height]
+    bool retired : 1;              // its record goes when its procedure is left
+    bool close_asked : 1;          // the %cc call-back runs
 };
 
 struct fancy_window {
@@ -348,6 +351,8 @@ struct fancy_window {
     HWND raw_parent;             // %`pa
     std::uint16_t* code_counts;  // of name_control: one a pair of letters
     std::int32_t control_count;
+    HWND focus_kept;             // the control that had the focus when another window took over
+    std::int32_t entered;        // activations of its procedure on the stack
     std::int32_t drag_x, drag_y;  // %dg
     window_flags flags;
 };
@@ -376,7 +381,10 @@ struct control_flags {
     bool owner_drawn : 1, icons : 1, colours : 1, sorted : 1, hover : 1, confirm : 1;
     bool constant_data : 1, fixed_width : 1, no_box : 1, multi_column : 1, extended : 1;
     bool limit_height : 1, drop_border : 1, local_font : 1, has_border : 1;
-    bool update_source : 1;  // careful_window_update's mark
+    bool update_source : 1;         // careful_window_update's mark
+    bool shown_valid : 1;           // the field holds what `shown` says
+    bool spin_run : 1;              // the spin acts at every second tick
+    bool pressed : 1, hovered : 1;  // of a button that the library draws
     bool no_move_now : 1;
 };
 
@@ -437,6 +445,8 @@ struct window_control {
     char* prompt;
     std::int32_t digits;
     double step;
+    word shown;      // %rd, %rf: the value in the field, as bits
+    word blank_for;  // initially_blank: the value that shows as nothing
     HWND alert;
     COLORREF saved_text_colour;
     std::int32_t item_height;  // %ls[height=]

@@ -7,6 +7,7 @@
 #include "winio/layout.h"
 #include "winio/records.h"
 #include "winio/report.h"
+#include "winio/resources.h"
 
 namespace tarn::winio {
 
@@ -36,30 +37,16 @@ void pad_face_name(LOGFONT& description) {
     std::memset(description.lfFaceName + length, 0, sizeof description.lfFaceName - length);
 }
 
-struct face_search {
-    LOGFONT* into;
-    bool found;
-};
-
-std::int32_t font_checker(const LOGFONT& description, const TEXTMETRIC&, platform::DWORD,
-                          platform::LPARAM parameter) {
-    auto& search = *reinterpret_cast<face_search*>(parameter);
-    const std::int32_t height = search.into->lfHeight;
-    *search.into = description;
-    if (height != 0) search.into->lfHeight = height;
-    search.into->lfWidth = 0;
-    search.found = true;
-    return 0;
-}
-
 HFONT find_font(const char* name, LOGFONT& description, bool reports) {
-    face_search search{&description, false};
-    platform::EnumFontFamiliesA(measuring_dc(), name, font_checker,
-                                reinterpret_cast<platform::LPARAM>(&search));
-    if (!search.found) {
+    LOGFONT found{};
+    if (!font_exists(name, found)) {
         if (reports) quillpan_error("?Font %s not found", name);
         return records().default_font;
     }
+    // The face is the family's; how large it is stays as asked for.
+    if (description.lfHeight != 0) found.lfHeight = description.lfHeight;
+    found.lfWidth = 0;
+    description = found;
     const HFONT font = get_font(description);
     if (font == HFONT{} && reports) quillpan_error("?Unable to create font %s", name);
     return font;

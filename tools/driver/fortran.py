@@ -18,6 +18,7 @@ import subprocess
 import sys
 import tempfile
 
+import calls
 import paths
 from command import (FORTRAN_FIXED, FORTRAN_FREE, PREPROCESSED, CommandLine, UserError,
                      compiler_of, include_arguments, link_arguments, main_of, missing,
@@ -157,10 +158,41 @@ class Build:
         form = "f77" if source.form.fixed else "f95"
         if source.preprocessed and path == source.path:
             form += "-cpp-input"
-        arguments += ["-x", form, path] + (["-o", output] if output else [])
-        if self.run(arguments, names) != 0:
+        arguments += ["-x", form, path]
+        if output and self.has_open_lists(names):
+            done = self.compile_with_calls(arguments, names, output, mode)
+        else:
+            done = self.run(arguments + (["-o", output] if output else []), names) == 0
+        return done and (not self.native or not output or self.make_native(output, mode))
+
+    def has_open_lists(self, names):
+        """Calls whose arguments the library must know. (A link-time compilation has none yet.)"""
+        return any(name + "_" in calls.ROUTINES for name in names) and not any(
+            option.startswith("-flto") for option in self.options
+        )
+
+    def compile_with_calls(self, arguments, names, output, mode):
+        """By way of the assembly, into which go the records of calls.py."""
+        raw, placed, assembly = (self.temporary(suffix) for suffix in (".raw", ".lines", ".s"))
+        arguments = [word for word in arguments if word not in ("-c", "-S")] + ["-S"]
+        arguments += ["-fallow-argument-mismatch", "-fno-optimize-sibling-calls"]
+        if not any(re.fullmatch(r"-g(|[1-3]|gdb[1-3]?|dwarf.*)", option) for option in self.options):
+            arguments.append("-g1")  # the places of the calls, and what a traceback needs
+        if self.run(arguments + ["-fdump-tree-original-lineno=" + placed, "-o", assembly], names):
             return False
-        return not self.native or not output or self.make_native(output, mode)
+        # The second look is for its dump alone: what it has to say was said.
+        quiet = ["-w", "-O0", "-fdump-tree-original-raw=" + raw, "-o", os.devnull]
+        subprocess.run(self.compiler + arguments + quiet, stderr=subprocess.DEVNULL, check=False)
+        if os.path.isfile(raw) and os.path.isfile(placed):
+            text = calls.annotate(read(assembly), calls.records(read(raw), read(placed)))
+            with open(assembly, "w", encoding="latin-1", newline="") as file:
+                file.write(text)
+        if mode == "-S":
+            shutil.copyfile(assembly, output)
+            return True
+        assembled = [option for option in self.options
+                     if option.startswith(("-m", "-Wa,", "-B", "--sysroot"))]  # fmt: skip
+        return self.run(assembled + ["-c", "-x", "assembler", assembly, "-o", output]) == 0
 
     def make_native(self, output, mode):
         if mode == "-S":

@@ -40,6 +40,10 @@ bool wait_until_ready(int descriptor, short events) {
 
 // Writes all of it; the number of bytes that went out. Short of `count`, errno tells why.
 std::size_t write_all(const File& file, const char* bytes, std::size_t count) {
+    if (file.window != nullptr) {
+        window_stream().write(file.window, bytes, count);
+        return count;
+    }
     const int descriptor = file.descriptor;
     const PipeGuard guard(!file.seekable);
     std::size_t done = 0;
@@ -58,10 +62,11 @@ std::size_t write_all(const File& file, const char* bytes, std::size_t count) {
 }
 
 // One read; 0 at the end of the file, -1 on failure.
-ssize_t read_some(int descriptor, char* bytes, std::size_t count) {
+ssize_t read_some(const File& file, char* bytes, std::size_t count) {
+    if (file.window != nullptr) return window_stream().read(file.window, bytes, count);
     for (;;) {
-        const ssize_t n = ::read(descriptor, bytes, count);
-        if (n >= 0 || !wait_until_ready(descriptor, POLLIN)) return n;
+        const ssize_t n = ::read(file.descriptor, bytes, count);
+        if (n >= 0 || !wait_until_ready(file.descriptor, POLLIN)) return n;
     }
 }
 
@@ -118,11 +123,17 @@ std::uint32_t access_bits_of(int access) {
 
 }  // namespace
 
+WindowStream& window_stream() {
+    static constinit WindowStream stream;
+    return stream;
+}
+
 void file_adopt(File& file, int descriptor, std::uint32_t access_bits, bool owned) {
     struct stat about = {};
     const bool known = ::fstat(descriptor, &about) == 0;
     file.access_bits = access_bits;
     file.owned = owned;
+    file.window = nullptr;
     file.seekable = known && (S_ISREG(about.st_mode) || S_ISBLK(about.st_mode));
     file.size = known && S_ISREG(about.st_mode) ? about.st_size : 0;
     file.terminal = !file.seekable && ::isatty(descriptor) == 1;
@@ -270,7 +281,7 @@ std::ptrdiff_t file_fill(File& file) {
         errno = ENOMEM;
         return -1;
     }
-    const ssize_t count = read_some(file.descriptor, file.buffer, file.capacity);
+    const ssize_t count = read_some(file, file.buffer, file.capacity);
     if (count < 0) return -1;
     file.data_count = static_cast<std::size_t>(count);
     file.buffer_position = file.logical_position = file.real_position;
@@ -305,7 +316,7 @@ std::size_t file_read(File& file, char* bytes, std::size_t count, int& err) {
             continue;
         }
         file_sync(file);
-        const ssize_t n = read_some(file.descriptor, bytes + done, wanted);
+        const ssize_t n = read_some(file, bytes + done, wanted);
         if (n < 0) err = last_error();
         if (n <= 0) break;
         done += static_cast<std::size_t>(n);

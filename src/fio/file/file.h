@@ -45,6 +45,7 @@ struct File {
     bool owned = true;         // close closes the descriptor (not so for 0, 1 and 2)
     std::uint64_t device = 0;  // identity of the file, with inode; 0, 0 when unknown
     std::uint64_t inode = 0;
+    void* window = nullptr;           // a text window takes the place of the descriptor
     std::int32_t position_state = 0;  // 0 ASIS, 1 REWIND, 2 APPEND as given at OPEN, 3 unknown
     std::int64_t stream_read_position = 1;  // 1-based POS= of a stream unit
     std::int64_t stream_write_position = 1;
@@ -110,6 +111,16 @@ void console_detach(Unit& unit);
 void flush_console_output();
 
 // Below: the same layer for code that has a file and no unit.
+
+// What takes the place of reading and writing for a file that is a window. Set by the room of text
+// windows; null: there are none. `read` gives a line with its line feed, `settle` is called when a
+// statement on such a unit is over and nothing is held: the window's messages may run then.
+struct WindowStream {
+    void (*write)(void* window, const char* bytes, std::size_t count) = nullptr;
+    std::ptrdiff_t (*read)(void* window, char* bytes, std::size_t count) = nullptr;
+    void (*settle)() = nullptr;
+};
+WindowStream& window_stream();
 
 // Connects an open descriptor: its kind, identity, size and position.
 void file_adopt(File& file, int descriptor, std::uint32_t access_bits, bool owned);

@@ -15,7 +15,7 @@ namespace tarn::fio {
 namespace {
 
 // Large enough that the system calls vanish in the work, small enough to stay in the cache.
-constexpr std::size_t first_capacity = std::size_t{1} << 16;
+constexpr std::size_t first_capacity = std::size_t{1} << 17;
 
 bool ensure_capacity(File& file, std::size_t capacity) {
     if (file.capacity >= capacity) return true;
@@ -209,15 +209,12 @@ bool find_record(File& file, InputRecord& record, int& err) {
             break;
         }
     }
-    record.begin = file.buffer + file.read_index;
-    record.terminated = line_feed != nullptr;
-    if (!record.terminated) {
-        record.length = record.consumed = file.data_count - file.read_index;
-        return true;
+    if (line_feed != nullptr) {
+        record = line_record(file, line_feed);
+    } else {
+        const std::size_t length = file.data_count - file.read_index;
+        record = {file.buffer + file.read_index, length, length, false};
     }
-    record.length = static_cast<std::size_t>(line_feed - record.begin);
-    record.consumed = record.length + 1;
-    if (record.length > 0 && record.begin[record.length - 1] == '\r') --record.length;
     return true;
 }
 

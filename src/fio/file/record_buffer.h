@@ -10,6 +10,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 
 #include "fio/file/file.h"
 
@@ -59,6 +60,25 @@ struct InputRecord {
 // Finds the record at the logical position and leaves the position at its start; false at the end
 // of the file. A carriage return directly before the LF belongs to the line end.
 bool find_record(File& file, InputRecord& record, int& err);
+
+// The record that `line_feed` ends.
+inline InputRecord line_record(const File& file, const char* line_feed) {
+    char* const begin = file.buffer + file.read_index;
+    auto length = static_cast<std::size_t>(line_feed - begin);
+    const std::size_t consumed = length + 1;
+    if (length > 0 && begin[length - 1] == '\r') --length;
+    return {begin, length, consumed, true};
+}
+
+// As `find_record`, but only if the buffer has the whole record; false: nothing has happened.
+inline bool find_buffered_record(const File& file, InputRecord& record) {
+    if (file.dirty || file.read_index == file.data_count) return false;
+    const void* const line_feed =
+        std::memchr(file.buffer + file.read_index, '\n', file.data_count - file.read_index);
+    if (line_feed == nullptr) return false;
+    record = line_record(file, static_cast<const char*>(line_feed));
+    return true;
+}
 
 // Makes `count` bytes from the logical position on contiguous in the buffer, as far as the file
 // has them; the number at hand.

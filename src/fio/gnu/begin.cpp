@@ -191,23 +191,26 @@ bool apply_stream_position(Statement& s, std::int64_t pos) {
     return !s.failed;
 }
 
+[[gnu::noinline]] bool refuse_format(Statement& s, const FormatError& error, const char* format,
+                                     std::size_t length) {
+    fail_format(s, error, {format, length});
+    return false;
+}
+
 // Null: the statement is list-directed.
-bool choose_format(Statement& s, const char* format, std::size_t length) {
-    s.list_directed = format == nullptr;
-    if (s.list_directed) {
+[[gnu::always_inline]] inline bool choose_format(Statement& s, const char* format,
+                                                 std::size_t length) {
+    if (format == nullptr) {
+        s.list_directed = true;
         if (s.reading) s.list = ListState{};
         return true;
     }
     FormatCache& formats = thread_state().formats;
     s.cached = formats.acquire(format, length);
-    if (s.cached == nullptr) {
-        fail_format(s, formats.error(), {format, length});
-        return false;
-    }
+    if (s.cached == nullptr) return refuse_format(s, formats.error(), format, length);
     s.format = &s.cached->program;
     if (s.reading && s.format->unfit_for_input.number != 0) {
-        fail_format(s, s.format->unfit_for_input, {format, length});
-        return false;
+        return refuse_format(s, s.format->unfit_for_input, format, length);
     }
     start_format(s);
     return true;

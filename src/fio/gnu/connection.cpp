@@ -372,4 +372,18 @@ void give_back_new_unit_number(std::int32_t number) {
     if (i < s.count) s.numbers[i] = false;
 }
 
+Unit* connect_window(std::int32_t number, void* window) {
+    UnitList_destroy(number);
+    bool created = false;
+    Unit* unit = acquire_or_create_unit(number, created);
+    set_connection(*unit, Terms{});
+    // The descriptor only stands for an open file: nothing goes through it.
+    file_adopt(unit->file, ::open("/dev/null", O_RDWR | O_CLOEXEC), access_read | access_write,
+               true);
+    unit->file.window = window;
+    unit->file.seekable = false;
+    unit->gnu.unbuffered = true;  // every record is seen at once
+    return unit;
+}
+
 }  // namespace tarn::fio

@@ -64,4 +64,8 @@ std::int32_t take_new_unit_number();
 void give_back_new_unit_number(std::int32_t number);  // nothing happens for other numbers
 inline constexpr std::int32_t first_new_unit_number = -10;
 
+// Connects a unit with a text window in place of a file; it is locked for the caller, who releases
+// it. What stood on the number is closed.
+Unit* connect_window(std::int32_t number, void* window);
+
 }  // namespace tarn::fio

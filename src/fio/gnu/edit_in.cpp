@@ -1,7 +1,6 @@
 #include "fio/gnu/edit_in.h"
 
-#include "fio/gnu/number_text.h"
-#include "fio/gnu/store.h"
+#include "fio/gnu/edit_in_quick.h"
 
 namespace tarn::fio {
 namespace {
@@ -80,19 +79,9 @@ std::size_t field_end(const char* begin, std::size_t width, const EditModes& mod
 FieldResult get_integer(const char* field, std::size_t width, void* item, int kind,
                         const EditModes& modes) {
     const char* const end = field + width;
-    // Blanks, a sign, digits, and at most blanks behind them that count for nothing.
-    const char* at = skip_blanks(field, end);
-    bool negative = false;
-    if (at < end && (*at == '-' || *at == '+')) negative = *at++ == '-';
-    const char* const digits = at;
-    std::uint64_t value = 0;
-    at = take_digits(at, end, field, value);
-    if (at != digits && at - digits <= 19 &&
-        (at == end || (modes.blank == Blank::null && skip_blanks(at, end) == end))) {
-        if (value <= greatest_integer(kind) + (negative ? 1 : 0)) {
-            store_integer(item, kind, negative ? -UInt128{value} : UInt128{value});
-            return {};
-        }
+    const bool narrow = width != 0 && width <= NumberWindow::widest;
+    if (narrow && quick_get_integer(field, static_cast<int>(width), end, item, kind, modes)) {
+        return {};
     }
     const UInt128 greatest = greatest_integer(kind);
     const Magnitude found =

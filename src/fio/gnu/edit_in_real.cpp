@@ -1,6 +1,6 @@
 #include "fio/gnu/edit_in.h"
+#include "fio/gnu/edit_in_quick.h"
 #include "fio/gnu/long_real.h"
-#include "fio/gnu/number_text.h"
 #include "fio/gnu/real_words.h"
 
 namespace tarn::fio {
@@ -9,19 +9,8 @@ namespace {
 constexpr Fault bad_character{52, iostat_read_value};
 constexpr Fault exponent_out_of_range{452, iostat_read_value};
 
-// A value of any kind lies well inside; what lies beyond was meant as something else.
-constexpr std::int64_t greatest_exponent = 9999;
-
 FieldResult fault_at(Fault fault, const char* field, const char* at) {
     return {fault, static_cast<std::size_t>(at - field)};
-}
-
-// The exponent that counts beside the digits' own place; false: it is out of range.
-bool exponent_of_field(std::int64_t written, bool has_mark, bool has_exponent, std::int32_t d,
-                       const EditModes& modes, std::int64_t& shift) {
-    shift = has_exponent ? written : -std::int64_t{modes.scale};
-    if (!has_mark) shift -= d;
-    return shift <= greatest_exponent && shift >= -greatest_exponent;
 }
 
 // What may follow a word that begins at `at`: letters, digits, blanks and one pair of parentheses.
@@ -83,17 +72,9 @@ FieldResult get_real_slowly(const char* field, std::size_t width, std::int32_t d
 
 FieldResult get_real(const char* field, std::size_t width, std::int32_t d, void* item, int kind,
                      const EditModes& modes) {
-    const char* const end = field + width;
-    PlainReal real;
-    scan_plain_real(skip_blanks(field, end), end, field,
-                    modes.decimal == DecimalMark::comma ? ',' : '.', real);
-    if (real.end != nullptr &&
-        (real.end == end || (modes.blank == Blank::null && skip_blanks(real.end, end) == end))) {
-        std::int64_t shift = 0;
-        if (!exponent_of_field(real.written, real.has_mark, real.has_exponent, d, modes, shift)) {
-            return {exponent_out_of_range, 0};
-        }
-        if (store_plain_real(real, shift, input_rounding(modes), kind, item)) return {};
+    if (width != 0 && width <= NumberWindow::widest &&
+        quick_get_real(field, static_cast<int>(width), field + width, d, item, kind, modes)) {
+        return {};
     }
     return get_real_slowly(field, width, d, item, kind, modes);
 }

@@ -24,9 +24,11 @@ struct EightDigits {
 
 inline EightDigits blank_padded(std::uint32_t value) {
     const std::uint64_t digits = eight_digits(value);
-    const int zeros = __builtin_ctzll(digits | std::uint64_t{1} << 56) / 8;
-    const std::uint64_t leading = (std::uint64_t{1} << (8 * zeros)) - 1;
-    return {digits + 0x3030'3030'3030'3030 - (leading & 0x1010'1010'1010'1010), 8 - zeros};
+    // The lowest bit stands in the first digit to be shown, the last one if all are zeros. Bit 4
+    // is what tells a zero from a blank.
+    const std::uint64_t shown = digits | std::uint64_t{1} << 56;
+    const std::uint64_t leading = (shown - 1) & ~shown & 0x1010'1010'1010'1010;
+    return {(digits | 0x3030'3030'3030'3030) ^ leading, 8 - __builtin_ctzll(shown) / 8};
 }
 
 // An integer at the right end of a field of 1 to 32 columns, without a plus sign; null when it

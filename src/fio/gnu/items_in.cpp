@@ -1,6 +1,6 @@
 #include <algorithm>
 
-#include "fio/gnu/edit_in.h"
+#include "fio/gnu/edit_in_quick.h"
 #include "fio/gnu/format_run.h"
 #include "fio/gnu/internal_file.h"
 #include "fio/gnu/items.h"
@@ -85,7 +85,8 @@ void report_field(Statement& s, const Field& field, const FieldResult& result) {
     fail(s, result.fault, {detail, before.size() + text.size() + 1});
 }
 
-void read_number(Statement& s, const FormatNode& node, Edit edit, char* item, int kind) {
+[[gnu::noinline]] void read_number(Statement& s, const FormatNode& node, Edit edit, char* item,
+                                   int kind) {
     const Field field = take_number(s, node.w < 0 ? 1 : static_cast<std::size_t>(node.w));
     if (field.text == nullptr) return;
     FieldResult result;
@@ -114,6 +115,33 @@ void read_number(Statement& s, const FormatNode& node, Edit edit, char* item, in
             break;
     }
     report_field(s, field, result);
+}
+
+// The quick roads of INTEGER and REAL are for a field that the record has all characters of. Where
+// it holds a number and blanks, neither a comma nor a carriage return has ended it.
+bool is_quick_field(const Statement& s, const FormatNode& node) {
+    return node.w > 0 && node.w <= NumberWindow::widest && input_end(s) - s.cursor >= node.w;
+}
+
+void pass_quick_field(Statement& s, const FormatNode& node) {
+    s.cursor += node.w;
+    s.size_count += node.w;
+}
+
+[[gnu::noinline]] void read_integer(Statement& s, const FormatNode& node, char* item, int kind) {
+    if (is_quick_field(s, node) &&
+        quick_get_integer(s.cursor, node.w, s.room_end, item, kind, s.modes)) {
+        return pass_quick_field(s, node);
+    }
+    read_number(s, node, Edit::I, item, kind);
+}
+
+[[gnu::noinline]] void read_real(Statement& s, const FormatNode& node, char* item, int kind) {
+    if (is_quick_field(s, node) && quick_get_real(s.cursor, node.w, s.room_end,
+                                                  node.d < 0 ? 0 : node.d, item, kind, s.modes)) {
+        return pass_quick_field(s, node);
+    }
+    read_number(s, node, Edit::F, item, kind);
 }
 
 void store_character(char* item, int kind, std::size_t index, char32_t code) {
@@ -150,8 +178,8 @@ void read_utf8_characters(Statement& s, std::size_t width, char* item, int kind,
     while (stored < length) store_character(item, kind, stored++, U' ');
 }
 
-void read_characters(Statement& s, const FormatNode& node, char* item, int kind,
-                     std::size_t length) {
+[[gnu::noinline]] void read_characters(Statement& s, const FormatNode& node, char* item, int kind,
+                                       std::size_t length) {
     const std::size_t width = node.w < 0 ? length : static_cast<std::size_t>(node.w);
     if (s.utf8) return read_utf8_characters(s, width, item, kind, length);
     Field field = take_text(s, width);
@@ -171,41 +199,50 @@ void read_characters(Statement& s, const FormatNode& node, char* item, int kind,
     }
 }
 
-}  // namespace
-
-void read_item(Statement& s, ItemType type, void* at, int kind, std::size_t size) {
-    if (s.failed || (s.end_of_record && s.non_advancing)) return;
-    const FormatNode* node = data_edit_at_hand(s);
-    if (node == nullptr) node = run_format(s, true);
-    if (node == nullptr) return;
+void read_through(Statement& s, const FormatNode& node, ItemType type, char* item, int kind,
+                  std::size_t size) {
     if (!s.record_at_hand) return fail_end_of_file(s);
     ++s.items;
-    auto* const item = static_cast<char*>(at);
-    Edit edit = node->edit;
-    if (edit == Edit::G) {
-        if (type == ItemType::integer) edit = Edit::I;
-        if (type == ItemType::logical) edit = Edit::L;
-        if (type == ItemType::character) edit = Edit::A;
-    }
-    switch (edit) {
+    switch (node.edit) {
         case Edit::I:
-            if (type != ItemType::integer) return fail_mismatch(s, *node, type);
-            break;
+            if (type != ItemType::integer) return fail_mismatch(s, node, type);
+            return read_integer(s, node, item, kind);
         case Edit::A:
-            if (type == ItemType::character) return read_characters(s, *node, item, kind, size);
-            return read_characters(s, *node, item, 1, size);
+            if (type == ItemType::character) return read_characters(s, node, item, kind, size);
+            return read_characters(s, node, item, 1, size);
         case Edit::B:
         case Edit::O:
         case Edit::Z:
         case Edit::L:
-            break;
+            return read_number(s, node, node.edit, item, kind);
+        case Edit::G:
+            if (type == ItemType::integer) return read_integer(s, node, item, kind);
+            if (type == ItemType::logical) return read_number(s, node, Edit::L, item, kind);
+            if (type == ItemType::character) return read_characters(s, node, item, kind, size);
+            return read_real(s, node, item, kind);
         case Edit::DT:
-            return fail_mismatch(s, *node, type);
+            return fail_mismatch(s, node, type);
         default:
-            if (type != ItemType::real) return fail_mismatch(s, *node, type);
-            break;
+            if (type != ItemType::real) return fail_mismatch(s, node, type);
+            return read_real(s, node, item, kind);
     }
-    read_number(s, *node, edit, item, kind);
+}
+
+// An item before which control edit descriptors stand.
+[[gnu::noinline]] void read_behind_controls(Statement& s, ItemType type, char* item, int kind,
+                                            std::size_t size) {
+    const FormatNode* node = run_format(s, true);
+    if (node != nullptr) read_through(s, *node, type, item, kind, size);
+}
+
+}  // namespace
+
+void read_item(Statement& s, ItemType type, void* at, int kind, std::size_t size) {
+    if (s.failed || (s.end_of_record && s.non_advancing)) return;
+    auto* const item = static_cast<char*>(at);
+    const FormatNode* node = data_edit_at_hand(s);
+    if (node == nullptr) return read_behind_controls(s, type, item, kind, size);
+    read_through(s, *node, type, item, kind, size);
 }
 
 void read_formatted(Statement& s, ItemType type, char* items, int kind, std::size_t size,

@@ -5,7 +5,7 @@
 #include "fio/gnu/items.h"
 #include "fio/gnu/list_scan.h"
 #include "fio/gnu/long_real.h"
-#include "fio/gnu/number_text.h"
+#include "fio/gnu/number_window.h"
 #include "fio/gnu/real_words.h"
 
 namespace tarn::fio {
@@ -46,8 +46,14 @@ bool take_long(Statement& s, const char* end, char* item, int kind) {
         s.cursor += token.size();
         return true;
     }
+    const char* const fault = scanner.fault();
+    if (!scanned && scanner.has_exponent() && fault != end && *fault == ',' &&
+        is_decimal_digit(fault[-1])) {
+        // Behind an exponent a comma separates, even where it is the decimal mark.
+        return take_long(s, fault, item, kind);
+    }
     const bool only_sign = scanned && scanner.is_blank();
-    const bool cut_exponent = !scanned && scanner.has_digit() && scanner.fault() == end;
+    const bool cut_exponent = !scanned && scanner.has_digit() && fault == end;
     if (only_sign || cut_exponent) {
         s.cursor += token.size();
         fail_incomplete(s, bad_list_value, token);
@@ -57,21 +63,34 @@ bool take_long(Statement& s, const char* end, char* item, int kind) {
     return false;
 }
 
+// A number of the common shape.
+bool take_plain(Statement& s, char* item, int kind, char mark, bool in_complex) {
+    const std::ptrdiff_t left = s.limit - s.cursor;
+    if (left == 0) return false;
+    const bool cut = left > NumberWindow::widest;
+    const NumberWindow window(s.cursor, cut ? NumberWindow::widest : static_cast<int>(left),
+                              s.room_end);
+    PlainReal real;
+    if (!scan_plain_real(window, 0, mark, real)) return false;
+    if (window.is_inside(real.end)) {
+        // Behind an exponent a comma separates, even where it is the decimal mark.
+        const char next = window.at(real.end);
+        const bool ended = (in_complex && next == ')') ||
+                           (is_list_separator(next) && (next != mark || real.has_exponent));
+        if (!ended) return false;
+    } else if (cut) {
+        return false;
+    }
+    store_decimal(real.significand, std::int64_t{real.exponent} - real.decimals, real.negative,
+                  input_rounding(s.modes), kind, item);
+    s.cursor += real.end;
+    return true;
+}
+
 // The number at the cursor, which a separator ends, and in a COMPLEX the closing parenthesis too.
 bool take_real(Statement& s, char* item, int kind, bool in_complex) {
     const char mark = decimal_mark(s);
-    PlainReal real;
-    scan_plain_real(s.cursor, s.limit, s.begin, mark, real);
-    if (real.end != nullptr) {
-        // Behind an exponent a comma separates, even where it is the decimal mark.
-        const bool ended =
-            real.end == s.limit || (in_complex && *real.end == ')') ||
-            (is_list_separator(*real.end) && (*real.end != mark || real.has_exponent));
-        if (ended && store_plain_real(real, real.written, input_rounding(s.modes), kind, item)) {
-            s.cursor += real.end - s.cursor;
-            return true;
-        }
-    }
+    if (take_plain(s, item, kind, mark, in_complex)) return true;
     if (take_word(s, item, kind, in_complex)) return true;
     const char* end = token_end(s.cursor, s.limit, mark);
     if (in_complex) end = std::find(static_cast<const char*>(s.cursor), end, ')');

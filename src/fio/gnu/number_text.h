@@ -1,8 +1,4 @@
 // Numbers as they stand in a record: the scanners that fields and list-directed values share.
-//
-// The common shape of a number is taken in one pass, eight characters at a time, without a copy
-// where its digits lie together. Whatever doesn't have that shape goes the long way, character by
-// character, in the caller.
 #pragma once
 
 #include <bit>
@@ -54,37 +50,6 @@ constexpr std::uint32_t value_of_eight(std::uint64_t word) {
                                       32);
 }
 
-inline constexpr std::uint64_t small_powers_of_ten[] = {1,      10,      100,      1000,     10000,
-                                                        100000, 1000000, 10000000, 100000000};
-
-// The value of a run of digits, put behind the digits that `value` holds; the run's end. More
-// digits than 19 in all don't fit: the value is of no use then. What lies between `floor` and `at`
-// may be looked at.
-inline const char* take_digits(const char* at, const char* end, const char* floor,
-                               std::uint64_t& value) {
-    for (;;) {
-        const std::ptrdiff_t left = end - at;
-        std::uint64_t word = 0;
-        if (left >= 8) {
-            word = load_eight(at);
-        } else if (left == 0) {
-            return at;
-        } else if (end - floor >= 8) {
-            word = load_eight(end - 8) >> (64 - 8 * left);
-        } else {
-            for (; at < end && is_decimal_digit(*at); ++at) {
-                value = value * 10 + static_cast<std::uint64_t>(*at - '0');
-            }
-            return at;
-        }
-        const int count = leading_digits_of_eight(word);
-        if (count == 0) return at;
-        value = value * small_powers_of_ten[count] + value_of_eight(word << (64 - 8 * count));
-        at += count;
-        if (count < 8) return at;
-    }
-}
-
 // The end of a run of digits.
 inline const char* digits_end(const char* at, const char* end) {
     while (end - at >= 8) {
@@ -115,60 +80,5 @@ inline constexpr std::int64_t far_exponent = 1000000000;
 inline Rounding input_rounding(const EditModes& modes) {
     return modes.round == Rounding::compatible ? Rounding::nearest : modes.round;
 }
-
-// A REAL of the common shape: sign, digits with at most one decimal mark among them, exponent.
-struct PlainReal {
-    bool negative = false;
-    bool has_mark = false;
-    bool has_exponent = false;
-    std::uint64_t significand = 0;  // the digits, if there are no more than 19
-    const char* whole = nullptr;    // the digits before the mark
-    const char* whole_end = nullptr;
-    const char* fraction = nullptr;  // those behind it
-    const char* fraction_end = nullptr;
-    std::int64_t written = 0;   // the exponent that was written
-    const char* end = nullptr;  // where the number ends; null: it hasn't the common shape
-};
-
-inline const char* take_exponent(const char* at, const char* end, PlainReal& real) {
-    if (is_exponent_letter(*at)) ++at;
-    bool negative = false;
-    if (at < end && (*at == '+' || *at == '-')) negative = *at++ == '-';
-    const char* const digits = at;
-    std::int64_t written = 0;
-    for (; at < end && is_decimal_digit(*at); ++at) {
-        if (written < far_exponent) written = written * 10 + (*at - '0');
-    }
-    if (at == digits) return nullptr;
-    real.has_exponent = true;
-    real.written = negative ? -written : written;
-    return at;
-}
-
-// `mark`: '.' or ','. A point is a decimal mark in any case. What lies between `floor` and `at` may
-// be looked at.
-inline void scan_plain_real(const char* at, const char* end, const char* floor, char mark,
-                            PlainReal& real) {
-    if (at < end && (*at == '-' || *at == '+')) real.negative = *at++ == '-';
-    real.whole = at;
-    at = take_digits(at, end, floor, real.significand);
-    real.whole_end = real.fraction = real.fraction_end = at;
-    if (at < end && (*at == '.' || *at == mark)) {
-        real.has_mark = true;
-        real.fraction = at + 1;
-        at = take_digits(at + 1, end, floor, real.significand);
-        real.fraction_end = at;
-    }
-    if (real.whole == real.whole_end && real.fraction == real.fraction_end) return;
-    if (at < end && (is_exponent_letter(*at) || *at == '+' || *at == '-')) {
-        at = take_exponent(at, end, real);
-    }
-    real.end = at;
-}
-
-// Stores the value of a scanned number, moved by 10^shift. False, and nothing stored, when it has
-// more digits than the common shape.
-bool store_plain_real(const PlainReal& real, std::int64_t shift, Rounding round, int kind,
-                      void* item);
 
 }  // namespace tarn::fio

@@ -49,8 +49,10 @@ void end_input(Statement& statement);
 // The characters that a field of `width` can take. A carriage return inside the record ends it for
 // the field that meets it, as a line feed would; a record of which less is read goes to its line
 // feed.
+void find_carriage_return(Statement& statement);
 void end_record_at_carriage_return(Statement& statement);
 inline void meet_carriage_return(Statement& statement, std::size_t width) {
+    if (statement.carriage_return_unknown) find_carriage_return(statement);
     if (statement.carriage_return != nullptr &&
         statement.carriage_return - statement.cursor < static_cast<std::ptrdiff_t>(width)) {
         end_record_at_carriage_return(statement);

@@ -9,9 +9,10 @@
 namespace tarn::fio {
 namespace {
 
-void set_record(Statement& s, char* begin, std::size_t length) {
+void set_record(Statement& s, char* begin, std::size_t length, char* room_end) {
     s.begin = s.cursor = s.tab_limit = begin;
     s.limit = begin + length;
+    s.room_end = room_end;
     s.record_at_hand = true;
     s.end_of_record = false;
 }
@@ -27,7 +28,7 @@ bool internal_record(Statement& s) {
     if (record == nullptr) return false;
     s.record_terminated = true;
     if (!s.wide) {
-        set_record(s, record, s.file.length);
+        set_record(s, record, s.file.length, record + s.file.length);
         find_text_end(s);
         return true;
     }
@@ -38,7 +39,7 @@ bool internal_record(Statement& s) {
     for (std::size_t i = 0; i < s.file.length; ++i) {
         length += put_utf8(get_wide(record + 4 * i), text + length);
     }
-    set_record(s, text, length);
+    set_record(s, text, length, text + length);
     find_text_end(s);
     return true;
 }
@@ -55,25 +56,27 @@ bool direct_record(Statement& s) {
         return false;
     }
     // The first record must be there (REC= was checked); one behind the file's end is empty.
-    set_record(s, begin, length);
+    set_record(s, begin, length, begin + length);
     s.record_consumed = length;
     s.record_terminated = true;
     unit.gnu.record_number = s.record_number;
     return true;
 }
 
-bool external_record(Statement& s) {
-    Unit& unit = *s.unit;
+// False: there is none, or the file can't be read, which has been reported.
+[[gnu::noinline]] bool find_record_on_file(Statement& s, InputRecord& record) {
     int err = 0;
+    const bool found = find_record(s.unit->file, record, err);
+    if (err != 0) fail_system(s, err);
+    return found && err == 0;
+}
+
+bool external_record(Statement& s) {
+    const File& file = s.unit->file;
     InputRecord record;
-    const bool found = find_record(unit.file, record, err);
-    if (err != 0) {
-        fail_system(s, err);
-        return false;
-    }
-    if (!found) return false;
-    set_record(s, record.begin, record.length);
-    s.carriage_return = static_cast<char*>(std::memchr(record.begin, '\r', record.length));
+    if (!find_buffered_record(file, record) && !find_record_on_file(s, record)) return false;
+    set_record(s, record.begin, record.length, file.buffer + file.capacity);
+    s.carriage_return_unknown = true;
     s.record_consumed = record.consumed;
     s.record_terminated = record.terminated;
     return true;
@@ -108,7 +111,7 @@ void begin_behind_end(Statement& s) {
     if (!s.stream || s.list_directed) return fail_end_of_file(s);
     char* empty = scratch_room(s, 1);
     if (empty == nullptr) return;
-    set_record(s, empty, 0);
+    set_record(s, empty, 0, empty);
     s.record_consumed = 0;
     s.record_terminated = false;
     s.behind_end = true;
@@ -125,6 +128,12 @@ void begin_input(Statement& s) {
     const auto length = static_cast<std::size_t>(s.limit - s.begin);
     s.cursor = s.begin + (connection.open_column < length ? connection.open_column : length);
     s.tab_limit = s.cursor;
+}
+
+void find_carriage_return(Statement& s) {
+    s.carriage_return_unknown = false;
+    const auto length = static_cast<std::size_t>(s.limit - s.begin);
+    s.carriage_return = static_cast<char*>(std::memchr(s.begin, '\r', length));
 }
 
 void end_record_at_carriage_return(Statement& s) {

@@ -115,33 +115,37 @@ void leave_record_open(Statement& s) {
     if (err != 0) fail_system(s, err);
 }
 
+// The line end isn't part of the record: RECL= doesn't count it. False: there is no memory for it.
+[[gnu::noinline]] bool make_room_for_line_end(Statement& s, std::size_t size) {
+    int err = 0;
+    const auto length = static_cast<std::size_t>(s.high - s.begin);
+    const OutputRoom at = grow_record(s.unit->file, length, size, err);
+    if (err != 0) fail_system(s, err);
+    if (at.begin == nullptr) return false;
+    s.begin = at.begin;
+    s.high = at.begin + length;
+    return true;
+}
+
 void finish_external(Statement& s) {
     Unit& unit = *s.unit;
+    File& file = unit.file;
     const std::string_view line_end = unit.dialect->line_end;
-    // The line end isn't part of the record: RECL= doesn't count it.
-    s.pending = 0;
-    if (unit.file.buffer + unit.file.capacity - s.high < 2) {
-        int err = 0;
-        const auto length = static_cast<std::size_t>(s.high - s.begin);
-        const OutputRoom at = grow_record(unit.file, length, line_end.size(), err);
-        if (err != 0) fail_system(s, err);
-        if (at.begin == nullptr) return;
-        s.begin = at.begin;
-        s.high = at.begin + length;
-    }
+    const auto room = static_cast<std::size_t>(file.buffer + file.capacity - s.high);
+    if (room < line_end.size() && !make_room_for_line_end(s, line_end.size())) return;
     if (line_end.size() == 1) {
         *s.high = line_end[0];
     } else {
         std::memcpy(s.high, line_end.data(), line_end.size());
     }
     int err = 0;
-    end_record(unit.file, static_cast<std::size_t>(s.high - s.begin) + line_end.size(),
+    end_record(file, static_cast<std::size_t>(s.high - s.begin) + line_end.size(),
                leaves_at_once(unit), err);
     unit.gnu.record_open = false;
     ++unit.current_record;
-    s.column_base = 0;
+    s.column_base = s.pending = 0;
     // A formatted stream ends behind the record that was written last.
-    if (s.stream && unit.file.size > unit.file.logical_position) cut_here(unit.file, err);
+    if (s.stream && file.size > file.logical_position) cut_here(file, err);
     if (err != 0) fail_system(s, err);
 }
 

@@ -92,7 +92,7 @@ struct StatementState {
     char* high = nullptr;             // output: the furthest byte written
     char* limit = nullptr;            // input: end of the record; output: end of the room at hand,
                                       // or `begin` to send every item through `make_room`
-    char* room_end = nullptr;         // output: end of the bytes that may be written
+    char* room_end = nullptr;         // end of the bytes that may be written or looked at
     std::int64_t pending = 0;         // output: a move to the right that nothing has followed yet
     char* record_end = nullptr;       // output: where a record of fixed length ends; null: no end
     std::int64_t column_base = 0;     // output: what non-advancing statements wrote before
@@ -132,9 +132,10 @@ struct StatementState {
     bool record_at_hand = false;     // input: a record has been found
     bool record_terminated = false;  // input: it has a line end
     bool end_of_record = false;      // input: a field ran into the record's end
-    bool data_used = false;          // a data edit descriptor has met an item since reversion
-    bool no_line_end = false;        // $ asked for it
-    bool list_begun = false;         // list-directed output: an item has been written
+    bool carriage_return_unknown = false;  // input: it hasn't been looked for in the record
+    bool data_used = false;                // a data edit descriptor has met an item since reversion
+    bool no_line_end = false;              // $ asked for it
+    bool list_begun = false;               // list-directed output: an item has been written
     bool list_after_character = false;
     EditModes modes;
 };

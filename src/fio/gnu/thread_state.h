@@ -1,6 +1,8 @@
 // What a thread keeps for its gnu statements: a stock of statement records and its formats.
 #pragma once
 
+#include <new>
+
 #include "fio/format/cache.h"
 #include "fio/gnu/statement.h"
 
@@ -17,13 +19,22 @@ struct ThreadState {
 };
 
 ThreadState& make_thread_state();
+Statement* make_statement();
 
 inline ThreadState& thread_state() {
     return ThreadState::current != nullptr ? *ThreadState::current : make_thread_state();
 }
 
-// A record as a new statement finds it; given back at its end.
-Statement* take_statement();
+// A record as a new statement finds it; given back at its end. The buffers stay with it: a
+// statement that has run once allocates nothing again.
+inline Statement* take_statement() {
+    ThreadState& state = thread_state();
+    Statement* statement = state.stock;
+    if (statement == nullptr) return make_statement();
+    state.stock = statement->below;
+    new (static_cast<StatementState*>(statement)) StatementState;
+    return statement;
+}
 inline void give_back(Statement* statement) {
     ThreadState& state = thread_state();
     statement->below = state.stock;

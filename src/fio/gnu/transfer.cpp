@@ -94,8 +94,11 @@ void end_transfer(Statement* statement) {
         end_output(s);
     }
     if (s.cached != nullptr) FormatCache::release(s.cached);
+    const bool to_window = s.unit != nullptr && s.unit->file.window != nullptr;
     if (s.unit != nullptr) release_unit(s.unit);
     give_back(statement);
+    // Call-backs may run now, and write to the same unit.
+    if (to_window) window_stream().settle();
 }
 
 void fail(Statement& s, Fault fault, std::string_view detail) {

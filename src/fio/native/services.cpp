@@ -2,6 +2,7 @@
 
 #include <mutex>
 
+#include "fio/gnu/connection.h"
 #include "fio/native/statement.h"
 
 namespace tarn::fio::native {
@@ -27,18 +28,15 @@ void preconnect(std::int32_t unit, std::string_view name, bool read_only, bool f
 void open_to_window(std::int32_t number, void* window, std::int32_t target) {
     const std::lock_guard<std::recursive_mutex> guard(state().critical_section);
     IO_initialise();
-    UnitList_destroy(number);
-    Unit* const unit = Unit_create(number, false);
+    // Statements of both dialects may write to it.
+    Unit* const unit = connect_window(number, window);
     unit->kind = UnitKind::window;
     unit->status.blank_null = true;
-    unit->status.formatted = true;
     unit->status.reading = true;
     unit->status.writing = true;
-    unit->status.may_read = true;
-    unit->status.may_write = true;
     unit->driver = window;
     unit->window_target = target;
-    UnitList_insert(unit);
+    release_unit(unit);
 }
 
 void CloseAllFortranUnits() {

@@ -178,7 +178,6 @@ enum : std::uint32_t {
     MK_SHIFT = 4,
     MK_CONTROL = 8,
     MK_MBUTTON = 0x10,
-    WHEEL_DELTA = 120,
     SC_SIZE = 0xF000,
     SC_MOVE = 0xF010,
     SC_MINIMIZE = 0xF020,
@@ -230,6 +229,7 @@ enum : std::uint32_t {
     PM_NOREMOVE = 0,
     PM_REMOVE = 1,
 };
+inline constexpr std::int32_t WHEEL_DELTA = 120;  // of one notch
 inline constexpr std::int32_t HWND_TOP = 0, HWND_BOTTOM = 1, HWND_TOPMOST = -1, HWND_NOTOPMOST = -2;
 inline constexpr std::int32_t CW_USEDEFAULT = INT32_MIN;
 inline constexpr std::int32_t GWL_WNDPROC = -4, GWL_HWNDPARENT = -8, GWL_ID = -12, GWL_STYLE = -16,

@@ -47,7 +47,8 @@ struct TopLevelOptions {
     bool framed = true;           // a caption and a border by the manager
     bool resizable = true, minimizable = true, maximizable = true;
     bool closable = true, topmost = false, accepts_focus = true;
-    SIZE minimum;  // 0: none
+    bool accepts_files = false;  // dropped from other programs
+    SIZE minimum;                // 0: none
     std::string title;
     std::string class_name;
 };
@@ -91,7 +92,9 @@ struct Event {
     std::uint32_t modifiers = 0;  // Modifier bits, after the event
     double scale = 1.0;
     DWORD time = 0;
-    std::string text;  // UTF-8: what the key types, empty for none
+    // UTF-8: what the key types, empty for none. Return types "\r", and control_text (keys.h) tells
+    // what the other keys with control characters do.
+    std::string text;
 };
 enum Modifier : std::uint32_t {
     mod_shift = 1,

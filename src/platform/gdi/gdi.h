@@ -83,6 +83,7 @@ enum : std::uint32_t {  // raster codes
     R2_XORPEN = 7,
     R2_NOT = 6,
 };
+inline constexpr COLORREF CLR_INVALID = 0xFFFFFFFFu;
 enum : std::int32_t { ERROR_REGION = 0, NULLREGION = 1, SIMPLEREGION = 2, COMPLEXREGION = 3 };
 
 // ---- Device contexts ---------------------------------------------------------------------------
@@ -201,5 +202,11 @@ enum : std::int32_t {  // built-in icons of the system
     IDI_WINLOGO = 0x7F05,
 };
 HICON LoadSystemIcon(std::int32_t which);
+// A built-in picture by its name, without regard to case: "warnIcon", "errorIcon", "infoIcon",
+// "questionIcon", "appIcon", "checkIcon"; 0 for any other name. Icons of the system aren't
+// destroyed: DestroyIcon on one does nothing and returns true.
+HICON LoadNamedIcon(const char* name);
+// The icon's picture at any size, `width` x `height` real pixels with alpha, not multiplied.
+bool GetIconPixels(HICON icon, std::int32_t width, std::int32_t height, std::uint32_t* pixels);
 
 }  // namespace tarn::platform

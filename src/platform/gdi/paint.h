@@ -4,6 +4,7 @@
 #pragma once
 
 #include <span>
+#include <vector>
 
 #include "platform/gdi/gdi.h"
 
@@ -41,5 +42,7 @@ void draw_shadow(HDC dc, RectF rect, float radius, float spread, float opacity);
 
 // Writes `surface` as a PNG file; false with errno set.
 bool write_png(const char* path, const Surface& surface);
+// The same in memory.
+std::vector<unsigned char> encode_png(const Surface& surface);
 
 }  // namespace tarn::platform

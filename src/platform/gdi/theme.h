@@ -26,6 +26,8 @@ struct Theme {
 };
 // `TARN_THEME` = `light` or `dark` chooses; light otherwise.
 const Theme& theme();
+// Another one from now on: what was drawn must be drawn again.
+void set_theme(bool dark);
 COLORREF GetSysColor(std::int32_t which);
 HBRUSH GetSysColorBrush(std::int32_t which);
 

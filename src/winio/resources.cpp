@@ -1,0 +1,74 @@
+#include "winio/resources.h"
+
+#include <cstring>
+
+#include "platform/gdi/gdi.h"
+#include "platform/user/user.h"
+#include "winio/layout.h"
+
+namespace tarn::winio {
+namespace {
+
+struct named_number {
+    const char* name;
+    std::int32_t number;
+};
+
+std::int32_t find(const char* name, const named_number* table, std::size_t count) {
+    for (std::size_t i = 0; i < count; ++i) {
+        if (strcasecmp(table[i].name, name) == 0) return table[i].number;
+    }
+    return 0;
+}
+
+}  // namespace
+
+HICON load_icon_resource(const char* name) {
+    static constexpr named_number icons[] = {{"errorIcon", platform::IDI_HAND},
+                                             {"warnIcon", platform::IDI_EXCLAMATION},
+                                             {"IDI_APPLICATION", platform::IDI_APPLICATION},
+                                             {"IDI_HAND", platform::IDI_HAND},
+                                             {"IDI_QUESTION", platform::IDI_QUESTION},
+                                             {"IDI_EXCLAMATION", platform::IDI_EXCLAMATION},
+                                             {"IDI_ASTERISK", platform::IDI_ASTERISK},
+                                             {"IDI_WINLOGO", platform::IDI_WINLOGO}};
+    const std::int32_t which = find(name, icons, std::size(icons));
+    return which != 0 ? platform::LoadSystemIcon(which) : HICON{};
+}
+
+HCURSOR load_cursor_resource(const char* name) {
+    static constexpr named_number cursors[] = {
+        {"CURSOR_ARROW", platform::IDC_ARROW},     {"CURSOR_IBEAM", platform::IDC_IBEAM},
+        {"CURSOR_WAIT", platform::IDC_WAIT},       {"CURSOR_CROSS", platform::IDC_CROSS},
+        {"CURSOR_UPARROW", platform::IDC_UPARROW}, {"CURSOR_SIZE", platform::IDC_SIZEALL},
+        {"CURSOR_HAND", platform::IDC_HAND},       {"CURSOR_NO", platform::IDC_NO},
+        {"IDC_ARROW", platform::IDC_ARROW},        {"IDC_IBEAM", platform::IDC_IBEAM},
+        {"IDC_WAIT", platform::IDC_WAIT},          {"IDC_CROSS", platform::IDC_CROSS},
+        {"IDC_UPARROW", platform::IDC_UPARROW},    {"IDC_SIZEALL", platform::IDC_SIZEALL},
+        {"IDC_HAND", platform::IDC_HAND},          {"IDC_NO", platform::IDC_NO},
+        {"IDC_SIZENS", platform::IDC_SIZENS},      {"IDC_SIZEWE", platform::IDC_SIZEWE},
+        {"IDC_SIZENWSE", platform::IDC_SIZENWSE},  {"IDC_SIZENESW", platform::IDC_SIZENESW},
+        {"IDC_HELP", platform::IDC_HELP}};
+    const std::int32_t which = find(name, cursors, std::size(cursors));
+    return which != 0 ? platform::LoadSystemCursor(which) : HCURSOR{};
+}
+
+bool font_exists(const char* name, LOGFONT& description) {
+    struct search {
+        LOGFONT* into;
+        bool found;
+    } looking{&description, false};
+    platform::EnumFontFamiliesA(
+        measuring_dc(), name,
+        [](const LOGFONT& found, const platform::TEXTMETRIC&, platform::DWORD,
+           platform::LPARAM parameter) -> std::int32_t {
+            auto& into = *reinterpret_cast<search*>(parameter);
+            *into.into = found;
+            into.found = true;
+            return 0;
+        },
+        reinterpret_cast<platform::LPARAM>(&looking));
+    return looking.found;
+}
+
+}  // namespace tarn::winio

@@ -214,7 +214,7 @@ fancy_window* new_fancy_window() {
         static_cast<std::uint16_t*>(allocate_zeroed(26 * 26 * sizeof(std::uint16_t)));
     window->control_var = &window->own_control_word;
     window->own_control_word = -1;
-    window->text_scale = 1.0;
+    window->text_scale = window->saved_text_scale = 1.0;
     window->centre_col = window->right_col = -1;
     window->design_number = -1;
     window->pivot_x = window->pivot_y = 10000000;
@@ -235,6 +235,7 @@ fancy_window* new_fancy_window() {
     flags.utf8 = state.utf8_default;
     flags.fixed_size = !state.old_resize;
     flags.own_background = state.class_defaults.has_background;
+    window->class_name = state.class_defaults.name;
     return window;
 }
 
@@ -280,6 +281,8 @@ void destroy_fancy_window(fancy_window* window) {
     if (window->window_number == state.next_window_number) --state.next_window_number;
     forget_bindings(window);
     free_chain(window->first_control);
+    free_chain(window->message_traps);
+    free_chain(window->timers);
     std::free(window->file_spec);
     std::free(window->filters);
     while (garbage_entry* entry = window->garbage) {

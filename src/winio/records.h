@@ -313,6 +313,7 @@ struct fancy_window {
     window_location* location;
     double spin_step;
     double text_scale;
+    double saved_text_scale;  // before the last %ts
     std::int32_t *h_scroll_var, *h_scroll_page, *h_scroll_range, *v_scroll_var, *v_scroll_page,
         *v_scroll_range;
     word user_data;
@@ -502,6 +503,7 @@ struct records_state {
     std::int32_t gdi_limit;  // __max_gdi_objects; 0: none
     std::int32_t brush_and_pen_count, font_count;
     bool utf8_default;
+    bool utf8_chosen;                      // __enable_utf8: the locale isn't asked
     bool passive;                          // handlers count instead of store
     bool check_mode;                       // __winio_check
     bool creating;                         // CreateWindowExAW runs

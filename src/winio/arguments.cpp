@@ -61,6 +61,7 @@ Value behind(word reference) {
 }
 
 std::int32_t take_length(argument_source& from) {
+    if (from.length_list) return static_cast<std::int32_t>(va_arg(*from.length_list, word));
     if (!from.lengths || (from.length_count >= 0 && from.next_length >= from.length_count)) {
         quillpan_error("Internal error in C_string.");
         return -1;

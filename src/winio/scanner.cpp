@@ -1,6 +1,7 @@
 // The walk over a format: literal text, and codes with their modifiers and numbers.
 #include "winio/scanner.h"
 
+#include <algorithm>
 #include <cctype>
 #include <cstring>
 

@@ -23,7 +23,7 @@ struct control_look {
 };
 
 DWORD border_of(const window_control* control) {
-    return control->flags.data_border ? WS_BORDER : 0;
+    return control->flags.data_border ? DWORD{WS_BORDER} : 0;
 }
 
 control_look static_look(const fancy_window* window, const window_control* control) {
@@ -117,7 +117,8 @@ control_look look_of(const fancy_window* window, const window_control* control) 
         case control_type::buffer_box:
             return text_box_look(control);
         case control_type::group_box:
-            return {"button", WS_TABSTOP | BS_GROUPBOX, 0, control->text ? control->text : ""};
+            return {"button", WS_TABSTOP | DWORD{BS_GROUPBOX}, 0,
+                    control->text ? control->text : ""};
         case control_type::bitmap_switch:
             return {"TarnickBitmapButton", 0x0B, 0, ""};
         case control_type::radio:
@@ -157,11 +158,12 @@ void create_child(fancy_window* window, window_control* control, std::int32_t id
     if (!child || child == window || child->hwnd != HWND{-1}) return;
     child->hwnd = HWND{};
     child->frame_window = window;
+    control->gcb = child;
     fancy_window* before = current_window();
     std::int32_t width = control->right - control->left + 1;
     std::int32_t height = control->bottom - control->top + 1;
     control->hwnd = CreateWindowExAW(
-        child->ex_style, child->class_name ? child->class_name : "TarnickDialog", "",
+        child->ex_style, class_of(child), "",
         (child->style & ~WS_CAPTION & ~WS_POPUP) | WS_CHILD | WS_CLIPSIBLINGS | WS_VISIBLE,
         control->left, control->top, width, height, window->hwnd, HMENU{id}, child);
     current_window() = before;

@@ -65,6 +65,7 @@ void retire_window(fancy_window* window);
 // ---- Creation (create_window.cpp, create_controls.cpp)
 platform::LRESULT window_created(fancy_window* window, platform::HWND hwnd);
 void create_controls(fancy_window* window);
+const char* class_of(const fancy_window* window);
 bool start_up_wanted(const fancy_window* window);
 void window_started(fancy_window* window);  // message 0x406
 void post_start_up(fancy_window* window);
@@ -90,6 +91,7 @@ void change_timer_interval(platform::HWND hwnd, double seconds);
 bool close_window(fancy_window* window);
 void window_destroyed(fancy_window* window);
 void monitor_pending_close();
+void close_all_windows();
 
 // ---- Data entry and buttons
 void show_prompts(fancy_window* window);

@@ -1,4 +1,4 @@
-// Controls of several parts: parameter blocks, property sheets, blocks of image buttons, toolbars.
+// Controls of several parts: parameter blocks and property sheets.
 #include <algorithm>
 #include <cstring>
 
@@ -106,91 +106,6 @@ void handle_ps(code_call& call) {
     size_in_pixels(*control, width, height);
     control->height += 13;  // the tabs
     finish_control(call, control, "should be a call-back function for the %%PS format");
-}
-
-// ---- Blocks of image buttons
-// ---------------------------------------------------------------------
-namespace {
-
-constexpr std::int32_t most_cells = 4096;
-constexpr std::int32_t cell_pixels = 24;
-
-}  // namespace
-
-void handle_ib(code_call& call) {
-    window_control* control = new_placeholder(control_type::button_block);
-    collect_other_options(call);
-    read_resource_id(call, *control);
-    const std::int32_t columns = std::clamp(call.n, 1, most_cells);
-    const std::int32_t rows = std::clamp(call.m, 1, most_cells / columns);
-    for (std::int32_t cell = 0; cell < columns * rows; ++cell) {
-        if (call.arguments.exhausted() && cell > 0) break;
-        user_string(call.arguments);
-        user_int_pointer(call.arguments);
-        get_callback_function(call.arguments, "should be an individual %%IB call-back function");
-    }
-    size_in_pixels(*control, columns * cell_pixels, rows * cell_pixels);
-    if (!records().passive) current_window()->flags.block_needs_help = true;
-    if (call.question) {
-        // One text a cell.
-        call.question = false;
-        for (std::int32_t cell = 0; cell < columns * rows; ++cell) {
-            if (*call.format != '[' && *call.format != '@') {
-                quillpan_error("Missing help string");
-                break;
-            }
-            get_standard_string(call, "help");
-        }
-    }
-    finish_control(call, control, "should be an overall %IB call-back function");
-}
-
-// ---- Toolbars of many buttons
-// --------------------------------------------------------------------
-void handle_mb(code_call& call) {
-    window_control* control = new_placeholder(control_type::toolbar);
-    if (call.n < 1) quillpan_error("?Invalid button count in %%MB");
-    fancy_window& window = *current_window();
-    if (!records().passive) {
-        window.flags.multi_button = true;
-        if (!window.flags.own_background) window.background = dialog_colour();
-    }
-    const control_options found = collect_other_options(call);
-    user_int_pointer(call.arguments);                      // styles
-    control->variable = user_int_pointer(call.arguments);  // pictures
-    if (call.grave) {
-        call.grave = false;
-        user_string(call.arguments);
-    }
-    if (call.tilde) {
-        call.tilde = false;
-        user_int_pointer(call.arguments);
-    }
-    if (found.adjustable) user_int_pointer(call.arguments);
-    read_callback(call, *control, "should be a %MB call-back function");
-    if (found.strings) {
-        if (*call.format != '[' && *call.format != '@') {
-            quillpan_error("Missing button text");
-        } else {
-            control->text = get_standard_string(call, "button text");
-        }
-        if (call.question) {
-            quillpan_error("?%%MB cannot have both text and help strings.");
-            call.question = false;
-        }
-    }
-    if (call.question) {
-        call.question = false;
-        if (*call.format != '[' && *call.format != '@') {
-            quillpan_error("Missing help string");
-        } else {
-            control->help = get_standard_string(call, "help");
-        }
-    }
-    const std::int32_t count = std::max(call.n, 1);
-    size_in_pixels(*control, count * (std::clamp(found.button_width, 1, 256) + 7),
-                   std::clamp(found.button_height, 1, 256) + 6);
-    place_control(control);
 }
 
 }  // namespace tarn::winio

@@ -61,6 +61,11 @@ inline std::string field(window_control* control) {
     return platform::window_text(control->hwnd);
 }
 
+// A window doesn't serve its buttons while a call-back of its own runs: it finds the click later.
+inline void press_later(window_control* control) {
+    platform::PostMessageA(control->hwnd, platform::BM_CLICK, 0, 0);
+}
+
 // Types over what the field holds.
 inline void type(window_control* control, const char* text) {
     platform::SetFocus(control->hwnd);
@@ -72,10 +77,13 @@ inline void type(window_control* control, const char* text) {
     settle();
 }
 
+// At the end of a test, when the variables of its forms are gone: nothing is stored any more.
 inline void close_all() {
     for (int i = 0; i < 20; ++i) {
         fancy_window* window = newest();
         if (!window) break;
+        window->flags.ready = false;
+        window->control_var = &window->own_control_word;
         platform::DestroyWindow(window->hwnd);
     }
     settle();

@@ -1,4 +1,4 @@
-// Controls of several parts: parameter blocks, property sheets, blocks of image buttons, toolbars.
+// Controls of several parts: parameter blocks and property sheets.
 #include <algorithm>
 #include <cstring>
 

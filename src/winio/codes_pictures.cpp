@@ -5,6 +5,7 @@
 #include "platform/base/constants.h"
 #include "platform/gdi/gdi.h"
 #include "platform/user/user.h"
+#include "winio/buttons.h"
 #include "winio/codes.h"
 #include "winio/layout.h"
 #include "winio/options.h"
@@ -66,7 +67,9 @@ namespace {
 window_control* named_picture(code_call& call, control_type type, const char* what) {
     window_control* control = new_placeholder(type);
     control->text = get_standard_string(call, what);
-    size_in_pixels(*control, icon_size, icon_size);
+    platform::SIZE size{icon_size, icon_size};
+    if (!records().check_mode && type == control_type::bitmap) size = size_bitmap(control->text);
+    size_in_pixels(*control, size.cx, size.cy);
     return control;
 }
 
@@ -112,6 +115,10 @@ void handle_bm(code_call& call) {
         }
     } else {
         control->text = get_standard_string(call, "%BM");
+        if (!records().check_mode) {
+            const platform::SIZE size = size_bitmap(control->text);
+            size_in_pixels(*control, size.cx, size.cy);
+        }
     }
     if (control->flags.native && call.caret) {
         // Left over, so that it is reported: such a picture sends nothing.

@@ -62,7 +62,7 @@ HICON find_icon(const char* name) {
         std::memcpy(&number, name + 1, sizeof number);
         return LoadSystemIcon(number);
     }
-    return load_icon_resource(name);
+    return LoadNamedIcon(name);
 }
 
 std::int32_t GetIconSize(const char* name) {

@@ -9,6 +9,7 @@
 #include "platform/gdi/theme.h"
 #include "platform/user/user.h"
 #include "winio/buttons.h"
+#include "winio/resources.h"
 
 namespace tarn::winio {
 
@@ -52,26 +53,6 @@ HBITMAP read_bitmap(const std::string& name) {
     return CreateDIBitmap(reinterpret_cast<const unsigned char*>(bytes.data()), bytes.size());
 }
 
-std::int32_t built_in(const char* name) {
-    struct icon {
-        char name[18];
-        std::int32_t number;
-    };
-    static constexpr icon icons[] = {
-        {"errorIcon", IDI_HAND},
-        {"warnIcon", IDI_EXCLAMATION},
-        {"IDI_APPLICATION", IDI_APPLICATION},
-        {"IDI_HAND", IDI_HAND},
-        {"IDI_QUESTION", IDI_QUESTION},
-        {"IDI_EXCLAMATION", IDI_EXCLAMATION},
-        {"IDI_ASTERISK", IDI_ASTERISK},
-        {"IDI_WINLOGO", IDI_WINLOGO},
-    };
-    for (const icon& each : icons)
-        if (strcasecmp(each.name, name) == 0) return each.number;
-    return 0;
-}
-
 }  // namespace
 
 HICON find_icon(const char* name) {
@@ -81,8 +62,7 @@ HICON find_icon(const char* name) {
         std::memcpy(&number, name + 1, sizeof number);
         return LoadSystemIcon(number);
     }
-    std::int32_t number = built_in(name);
-    return number != 0 ? LoadSystemIcon(number) : HICON{};
+    return LoadNamedIcon(name);
 }
 
 std::int32_t GetIconSize(const char* name) {

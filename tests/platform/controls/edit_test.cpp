@@ -1,6 +1,5 @@
 // Edit fields, driven by what a display delivers and by messages: text, selection, notifications.
 #include <gtest/gtest.h>
-
 #include <string>
 
 #include "platform/controls/window.h"
@@ -32,33 +31,87 @@ std::ostream& operator<<(std::ostream& out, Selection s) {
 void play(const char* script) {
     for (const char* p = script; *p != 0; ++p) {
         switch (*p) {
-            case 'l': key(VK_LEFT); break;
-            case 'r': key(VK_RIGHT); break;
-            case 'u': key(VK_UP); break;
-            case 'd': key(VK_DOWN); break;
-            case 'L': key(VK_LEFT, mod_shift); break;
-            case 'R': key(VK_RIGHT, mod_shift); break;
-            case 'U': key(VK_UP, mod_shift); break;
-            case 'D': key(VK_DOWN, mod_shift); break;
-            case '<': key(VK_LEFT, mod_control); break;
-            case '>': key(VK_RIGHT, mod_control); break;
-            case '{': key(VK_LEFT, mod_control | mod_shift); break;
-            case '}': key(VK_RIGHT, mod_control | mod_shift); break;
-            case 'h': key(VK_HOME); break;
-            case 'e': key(VK_END); break;
-            case 'H': key(VK_HOME, mod_shift); break;
-            case 'E': key(VK_END, mod_shift); break;
-            case 'b': key(VK_BACK); break;
-            case 'x': key(VK_DELETE); break;
-            case 'B': key(VK_BACK, mod_control); break;
-            case 'X': key(VK_DELETE, mod_control); break;
-            case 'z': key('Z', mod_control); break;
-            case 'y': key('Y', mod_control); break;
-            case 'a': key('A', mod_control); break;
-            case 'c': key('C', mod_control); break;
-            case 'k': key('X', mod_control); break;
-            case 'v': key('V', mod_control); break;
-            case 'n': key(VK_RETURN, 0, "\r"); break;
+            case 'l':
+                key(VK_LEFT);
+                break;
+            case 'r':
+                key(VK_RIGHT);
+                break;
+            case 'u':
+                key(VK_UP);
+                break;
+            case 'd':
+                key(VK_DOWN);
+                break;
+            case 'L':
+                key(VK_LEFT, mod_shift);
+                break;
+            case 'R':
+                key(VK_RIGHT, mod_shift);
+                break;
+            case 'U':
+                key(VK_UP, mod_shift);
+                break;
+            case 'D':
+                key(VK_DOWN, mod_shift);
+                break;
+            case '<':
+                key(VK_LEFT, mod_control);
+                break;
+            case '>':
+                key(VK_RIGHT, mod_control);
+                break;
+            case '{':
+                key(VK_LEFT, mod_control | mod_shift);
+                break;
+            case '}':
+                key(VK_RIGHT, mod_control | mod_shift);
+                break;
+            case 'h':
+                key(VK_HOME);
+                break;
+            case 'e':
+                key(VK_END);
+                break;
+            case 'H':
+                key(VK_HOME, mod_shift);
+                break;
+            case 'E':
+                key(VK_END, mod_shift);
+                break;
+            case 'b':
+                key(VK_BACK);
+                break;
+            case 'x':
+                key(VK_DELETE);
+                break;
+            case 'B':
+                key(VK_BACK, mod_control);
+                break;
+            case 'X':
+                key(VK_DELETE, mod_control);
+                break;
+            case 'z':
+                key('Z', mod_control);
+                break;
+            case 'y':
+                key('Y', mod_control);
+                break;
+            case 'a':
+                key('A', mod_control);
+                break;
+            case 'c':
+                key('C', mod_control);
+                break;
+            case 'k':
+                key('X', mod_control);
+                break;
+            case 'v':
+                key('V', mod_control);
+                break;
+            case 'n':
+                key(VK_RETURN, 0, "\r");
+                break;
             case '\'': {
                 const char* end = p + 1;
                 while (*end != '\'') ++end;
@@ -66,7 +119,8 @@ void play(const char* script) {
                 p = end;
                 break;
             }
-            default: FAIL() << "unknown step " << *p;
+            default:
+                FAIL() << "unknown step " << *p;
         }
     }
 }
@@ -153,7 +207,8 @@ TEST(Edit, KeysOnManyLines) {
 
 TEST(Edit, WrapsAtWordsAndTellsItsLines) {
     const TestWindow w;
-    const HWND edit = w.add("edit", "", WS_BORDER | ES_MULTILINE | ES_AUTOVSCROLL, {10, 10, 110, 90});
+    const HWND edit =
+        w.add("edit", "", WS_BORDER | ES_MULTILINE | ES_AUTOVSCROLL, {10, 10, 110, 90});
     const std::string text = "several words that are wrapped\r\nend";
     send(edit, WM_SETTEXT, 0, text.c_str());
     const LRESULT count = send(edit, EM_GETLINECOUNT);
@@ -168,13 +223,15 @@ TEST(Edit, WrapsAtWordsAndTellsItsLines) {
         }
     }
     // A change makes the lines that setting the text would have made.
-    const HWND other = w.add("edit", "", WS_BORDER | ES_MULTILINE | ES_AUTOVSCROLL, {10, 100, 110, 180});
+    const HWND other =
+        w.add("edit", "", WS_BORDER | ES_MULTILINE | ES_AUTOVSCROLL, {10, 100, 110, 180});
     std::uint32_t random = 11;
     const auto next = [&random](std::uint32_t below) {
         random = random * 1664525 + 1013904223;
         return (random >> 8) % below;
     };
-    const char* pieces[] = {"", " ", "word ", "averyveryverylongwordthatfitsnowhere", "\r\n", "x", "-"};
+    const char* pieces[] = {"",     " ", "word ", "averyveryverylongwordthatfitsnowhere",
+                            "\r\n", "x", "-"};
     for (int i = 0; i < 400; ++i) {
         const auto size = static_cast<std::uint32_t>(send(edit, WM_GETTEXTLENGTH));
         const std::uint32_t from = next(size + 1);
@@ -183,7 +240,8 @@ TEST(Edit, WrapsAtWordsAndTellsItsLines) {
         send(other, WM_SETTEXT, 0, text_of(edit).c_str());
         ASSERT_EQ(send(edit, EM_GETLINECOUNT), send(other, EM_GETLINECOUNT)) << i;
         for (LRESULT l = 0; l < send(edit, EM_GETLINECOUNT); ++l) {
-            ASSERT_EQ(send(edit, EM_LINEINDEX, WPARAM(l)), send(other, EM_LINEINDEX, WPARAM(l))) << i;
+            ASSERT_EQ(send(edit, EM_LINEINDEX, WPARAM(l)), send(other, EM_LINEINDEX, WPARAM(l)))
+                << i;
         }
     }
 }
@@ -273,8 +331,10 @@ TEST(Edit, StylesChangeWhatIsTyped) {
         std::uint32_t style;
         const char *typed, *text;
     } cases[] = {
-        {ES_UPPERCASE, "aB\u00E9", "AB\u00C9"}, {ES_LOWERCASE, "aB\u00C9", "ab\u00E9"},
-        {ES_NUMBER, "a1b2", "12"},              {ES_READONLY, "abc", ""},
+        {ES_UPPERCASE, "aB\u00E9", "AB\u00C9"},
+        {ES_LOWERCASE, "aB\u00C9", "ab\u00E9"},
+        {ES_NUMBER, "a1b2", "12"},
+        {ES_READONLY, "abc", ""},
         {ES_PASSWORD, "abc", "abc"},
     };
     for (const auto& c : cases) {

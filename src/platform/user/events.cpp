@@ -24,6 +24,10 @@ void take_configure(Window& top, const RECT& surface) {
 
 void take_state(Window& top, WindowState granted) {
     Pinned w(&top);
+    if (granted == w->top->state)
+        w->top->state_asked_until = 0;
+    else if (clock_us() < w->top->state_asked_until)
+        return;
     const bool icon = granted == WindowState::minimized;
     const bool full = granted == WindowState::maximized || granted == WindowState::full_screen;
     DWORD style = w->style & ~(WS_MINIMIZE | WS_MAXIMIZE);
@@ -164,7 +168,13 @@ void take_drop_event(const Event& event) {
 }
 
 void DragAcceptFiles(HWND hwnd, bool accept) {
-    if (Window* const window = find(hwnd)) window->accepts_files = accept;
+    Window* const window = find(hwnd);
+    if (window == nullptr) return;
+    window->accepts_files = accept;
+    Window& top = top_of(*window);
+    if (!accept || top.top->accepts_files) return;
+    top.top->accepts_files = true;
+    options_changed(top);
 }
 
 // Paths are the file system's bytes, in no code page.

@@ -34,6 +34,7 @@ TopLevelOptions options_of(Window& top) {
     o.closable = (top.style & WS_SYSMENU) != 0;
     o.topmost = (top.ex_style & WS_EX_TOPMOST) != 0;
     o.accepts_focus = (top.ex_style & WS_EX_NOACTIVATE) == 0;
+    o.accepts_files = top.top->accepts_files;
     o.minimum = minimum_surface_size(top);
     o.title = top.title;
     o.class_name = top.cls->name;
@@ -89,7 +90,10 @@ void open_top(Window& top) {
     if (top.owner != nullptr && !top.owner->top->opened && !top.owner->dying) open_top(*top.owner);
     display();
     set_default_scale(display().scale());
-    top.top->opened = display().open(display_id(top), options_of(top));
+    Pinned w(&top);
+    const TopLevelOptions options = options_of(top);
+    if (!w.alive() || top.top->opened) return;
+    top.top->opened = display().open(display_id(top), options);
     if (!top.top->opened) return;
     if (top.top->state != WindowState::normal) display().set_state(display_id(top), top.top->state);
     send_icon(top);
@@ -109,7 +113,10 @@ void close_top(Window& top) {
 }
 
 void options_changed(Window& top) {
-    if (top.top && top.top->opened) display().set_options(display_id(top), options_of(top));
+    if (!top.top || !top.top->opened) return;
+    Pinned w(&top);
+    const TopLevelOptions options = options_of(top);
+    if (w.alive() && top.top->opened) display().set_options(display_id(top), options);
 }
 
 // The surface gets the size of the window; its picture is lost.
@@ -180,6 +187,13 @@ void present_all() {
         if (!w->top->damage.empty()) present(*w);
     state().queue.last_frame = clock_us();
     display().flush();
+}
+
+bool window_surface_rect(HWND top_level, RECT& screen) {
+    const Window* const window = find(top_level);
+    if (window == nullptr || !window->top) return false;
+    screen = surface_rect(*window);
+    return true;
 }
 
 const Surface* window_surface(HWND top_level) {

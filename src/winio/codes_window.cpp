@@ -373,7 +373,8 @@ bool QuitIfDlgResource(const char* code_name) {
         window.dialog_resource = -1;
         return false;
     }
-    quillpan_error("?%s cannot be used with %%DI.", code_name);
+    quillpan_error("?%s cannot be used in a window that is built from a dialog resource",
+                   code_name);
     return true;
 }
 

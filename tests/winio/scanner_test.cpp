@@ -73,10 +73,9 @@ TEST(Scanner, ReportsWhatAFormatHasWrong) {
         {"%bo%nl", "%bo/%eo does not currently support this format code."},
         {"x%sy[3d]", "%SY must come before any controls are created"},
         {"%sy", "%SY must be followed by [style(s)]"},
-        {"%pr", "%PR can only come after %RD, %RF or %RS."},
         {"%qd[name]", "%Q* requires %WI or %WR"},
         {"%wr text", "Unexpected text and/or controls in %WR data"},
-        {"%20000001rd%", "Missing 2-character format code after '%'"},
+        {"%20000001nl%", "Missing 2-character format code after '%'"},
         {"%dt", "%DT can only be used with %DI."},
     };
     for (const wrong& each : cases) {
@@ -99,6 +98,7 @@ TEST(Scanner, ChecksLimitsOfBoxes) {
         {"%gr", "II", {0, 10}, "Unreasonable graphics dimensions - 0 x 10"},
         {"%gr", "II", {10, 10001}, "Unreasonable graphics dimensions - 10 x 10001"},
         {"%gr", "II", {10000, 1}, ""},
+        {"%pr", "*CI", {text("prompt"), 1}, "%PR can only come after %RD, %RF or %RS."},
         {"%wi", "I", {0}, "%WI value must be positive"},
         {"%wi%wi", "II", {1, 2}, "%WI may only be used once for each window"},
     };
@@ -127,8 +127,9 @@ TEST(ScannerArguments, NamesTheArgumentThatHasTheWrongType) {
          "Argument number 2 of winio\nshould be a character array or a character pointer"},
         {"%rs", "*I", c, "Argument number 2 of winio\nshould be a char*"},
         {"%ls", "*C", c, "Argument number 2 of winio\nshould be a char**"},
-        {"%`eb", "*CI*I", c, "Argument number 4 of winio\nshould be a pointer to a structure"},
-        {"%gr[user_surface]", "II*S", c, "Argument number 4 of winio\nshould be a void**"},
+        {"%20.3`eb", "*CI*I", c, "Argument number 4 of winio\nshould be a pointer to a structure"},
+        {"%uw[class]", "IIII*S", c, "Argument number 6 of winio\nshould be an int*"},
+        {"%20.3cw", "*S", c, "Argument number 2 of winio\nshould be a void**"},
         {"%rd", "*F", fortran, "Argument number 2 of WINIO@ should be a 32 bit integer"},
         {"%wd", "I", fortran, "Argument number 2 of WINIO@ should be an 32 bit integer"},
         {"%rf", "*I", fortran, "Argument number 2 of WINIO@ should be a REAL*8"},
@@ -139,19 +140,15 @@ TEST(ScannerArguments, NamesTheArgumentThatHasTheWrongType) {
         {"%sc", "*I", c, "Argument number 2 of winio\nshould be a call-back function"},
     };
     std::int32_t integer = 1;
-    double real = 1.0;
-    char characters[16] = "abc";
     for (const wrong& each : cases) {
         checking check;
         // What each token of the descriptor stands for doesn't matter: the report comes first.
-        std::vector<word> words(4, 0);
-        if (each.in.fortran) words.assign(4, address(&integer));
+        std::vector<word> words(8, 0);
+        if (each.in.fortran) words.assign(8, address(&integer));
         EXPECT_EQ(check.reports(each.format, each.descriptor, words, each.in, {8, 8, 8}),
                   each.report)
             << each.format << " " << each.descriptor;
     }
-    static_cast<void>(real);
-    static_cast<void>(characters);
 }
 
 TEST(ScannerArguments, UsesTheTableOfNamesInCheckMode) {

@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "platform/user/user.h"
+#include "winio/buttons.h"
 #include "winio/callbacks.h"
 #include "winio/codes.h"
 #include "winio/layout.h"
@@ -267,7 +268,7 @@ void handle_ti(code_call& call) {
         call.grave = false;
         window.tray_icon = user_thing(call.arguments, true);
     } else {
-        window.tray_icon = load_icon_resource(get_standard_string(call, "%TI"));
+        window.tray_icon = find_icon(get_standard_string(call, "%TI"));
     }
     char* help = get_standard_string(call, "%TI");
     const call_back function =

@@ -5,6 +5,7 @@
 
 #include "platform/base/constants.h"
 #include "platform/user/user.h"
+#include "winio/buttons.h"
 #include "winio/callbacks.h"
 #include "winio/codes.h"
 #include "winio/layout.h"
@@ -79,7 +80,7 @@ void handle_mi(code_call& call) {
         std::snprintf(name, sizeof name, "TarnickDialog_-%8.8x", static_cast<unsigned>(icon));
     } else {
         const char* text = get_standard_string(call, "%MI");
-        icon = load_icon_resource(text);
+        icon = find_icon(text);
         window.icon_name = window_text_copy(text, std::strlen(text));
         std::snprintf(name, sizeof name, "TarnickDialog_%.40s", text);
     }

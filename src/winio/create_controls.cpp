@@ -68,7 +68,6 @@ control_look text_box_look(const window_control* control) {
 
 control_look option_button_look(const window_control* control) {
     const auto* button = static_cast<const Xbutton*>(control->block);
-    if (drawn_button(control)) return {"TarnickButton", WS_TABSTOP, 0, button_label(control)};
     bool is_default = is_default_button(control);
     DWORD style = is_default ? BS_DEFPUSHBUTTON : BS_PUSHBUTTON;
     if (button && (button->flags & 2) != 0)
@@ -93,14 +92,11 @@ control_look look_of(const fancy_window* window, const window_control* control) 
         case control_type::static_string:
             return static_look(window, control);
         case control_type::button:
-            if (drawn_button(control))
-                return {"TarnickButton", WS_TABSTOP, 0, button_label(control)};
+        case control_type::fancy_button:
             return {
                 "button",
                 WS_TABSTOP | DWORD{is_default_button(control) ? BS_DEFPUSHBUTTON : BS_PUSHBUTTON},
                 0, button_label(control)};
-        case control_type::fancy_button:
-            return {"TarnickButton", WS_TABSTOP, 0, button_label(control)};
         case control_type::option_button:
             return option_button_look(control);
         case control_type::system_icon:
@@ -263,6 +259,11 @@ void create_control_window(fancy_window* window, window_control* control, std::i
     if (control->font && takes_system_font(control->type))
         SendMessageA(control->hwnd, WM_SETFONT, static_cast<WPARAM>(control->font), 0);
     switch (control->type) {
+        case control_type::button:
+        case control_type::fancy_button:
+        case control_type::option_button:
+            if (drawn_button(control)) subclass_button(control);
+            break;
         case control_type::string_box:
         case control_type::buffer_box:
             tell_limits(control);

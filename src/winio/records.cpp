@@ -7,6 +7,7 @@
 #include <cstring>
 
 #include "frame/console_lines.h"
+#include "platform/kernel/module.h"
 #include "winio/builder.h"
 #include "winio/layout.h"
 #include "winio/report.h"
@@ -487,6 +488,16 @@ fancy_window* our_window(HWND hwnd) {
     if (fancy_window* window = fancy_window_from_handle(hwnd)) return window;
     window_control* control = control_from_window(hwnd, false);
     return control ? control->window : nullptr;
+}
+
+void* get_proc_addr(const char* name, const char* module) {
+    if (!name || !module) return nullptr;
+    for (const std::string& tried : {std::string(module), std::string(module) + "32"}) {
+        void* handle = platform::module_handle(tried.c_str());
+        if (!handle) handle = platform::load_library(tried.c_str());
+        if (handle) return platform::procedure_address(handle, name);
+    }
+    return nullptr;
 }
 
 bool utf8_enabled() {

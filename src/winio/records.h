@@ -352,8 +352,8 @@ struct fancy_window {
     HWND raw_parent;             // %`pa
     std::uint16_t* code_counts;  // of name_control: one a pair of letters
     std::int32_t control_count;
-    HWND focus_kept;             // the control that had the focus when another window took over
-    std::int32_t entered;        // activations of its procedure on the stack
+    HWND focus_kept;              // the control that had the focus when another window took over
+    std::int32_t entered;         // activations of its procedure on the stack
     std::int32_t drag_x, drag_y;  // %dg
     window_flags flags;
 };
@@ -562,6 +562,9 @@ window_control* control_from_window(HWND hwnd, bool closed_too);
 fancy_window* window_from_control_variable(const std::int32_t* variable);
 HWND first_quillpan_hwnd();
 HWND hwnd_from_fortran_unit(std::int32_t unit);
+// The address of a routine of a module, which is loaded if it isn't there yet; also tried with "32"
+// behind the module's name. Null: there is none.
+void* get_proc_addr(const char* name, const char* module);
 fancy_window* our_window(HWND hwnd);  // the window itself, or the one that holds the control
 
 // ---- Fonts, brushes, pens

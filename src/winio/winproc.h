@@ -32,8 +32,9 @@ struct procedures_state {
     bool exit_cleaned;  // exit_cleanup ran
     std::int32_t window_depth;
     std::uintptr_t last_timer;
-    platform::WNDPROC edit_procedure;  // of "edit", before ours
-    platform::WPARAM last_key;         // the last character typed into a box
+    platform::WNDPROC edit_procedure;    // of "edit", before ours
+    platform::WNDPROC button_procedure;  // of "button", before ours
+    platform::WPARAM last_key;           // the last character typed into a box
     bool (*interception)(platform::MSG*);
     monitor_list idle, cursor, focus, keyboard;
     platform::HWND cursor_window, focus_window;  // as the monitors were told last
@@ -96,6 +97,7 @@ void close_all_windows();
 // ---- Data entry and buttons
 void show_prompts(fancy_window* window);
 void subclass_edit(window_control* control);
+void subclass_button(window_control* control);
 // A button that the library draws: which class procedure serves it, and its label.
 bool drawn_button(const window_control* control);
 const char* button_label(const window_control* control);

@@ -439,11 +439,13 @@ LRESULT ComboBox::handle_items(UINT message, WPARAM wparam, LPARAM lparam) {
     switch (message) {
         case CB_ADDSTRING:
         case CB_INSERTSTRING: {
-            const std::string_view text = text_argument(lparam);
+            const bool number = holds_numbers(*this, CBS_OWNERDRAWFIXED, CBS_HASSTRINGS);
+            const std::string_view text = number ? std::string_view{} : text_argument(lparam);
             if (message == CB_INSERTSTRING && index > items.count()) return CB_ERR;
-            const std::int32_t at = message == CB_ADDSTRING && has(CBS_SORT)
+            const std::int32_t at = message == CB_ADDSTRING && has(CBS_SORT) && !number
                                         ? items.insert_sorted(text)
                                         : items.insert(message == CB_ADDSTRING ? -1 : index, text);
+            if (number) items[at].data = static_cast<std::uintptr_t>(lparam);
             if (list != 0) send_message(list, list_items_changed, 0, 0);
             return at;
         }
@@ -460,12 +462,23 @@ LRESULT ComboBox::handle_items(UINT message, WPARAM wparam, LPARAM lparam) {
         case CB_GETCOUNT:
             return items.count();
         case CB_GETLBTEXT:
-            if (!items.has(index)) return CB_ERR;
+            if (!items.has(index) || lparam == 0) return CB_ERR;
+            if (holds_numbers(*this, CBS_OWNERDRAWFIXED, CBS_HASSTRINGS)) {
+                *reinterpret_cast<std::uintptr_t*>(lparam) = items[index].data;
+                return sizeof(std::uintptr_t);
+            }
             return copy_text(items[index].text, items[index].text.size() + 1, lparam);
         case CB_GETLBTEXTLEN:
-            return items.has(index) ? static_cast<LRESULT>(items[index].text.size()) : CB_ERR;
+            if (!items.has(index)) return CB_ERR;
+            if (holds_numbers(*this, CBS_OWNERDRAWFIXED, CBS_HASSTRINGS)) {
+                return sizeof(std::uintptr_t);
+            }
+            return static_cast<LRESULT>(items[index].text.size());
         case CB_FINDSTRING:
         case CB_FINDSTRINGEXACT:
+            if (holds_numbers(*this, CBS_OWNERDRAWFIXED, CBS_HASSTRINGS)) {
+                return items.find_data(index, static_cast<std::uintptr_t>(lparam));
+            }
             return items.find(index, text_argument(lparam), message == CB_FINDSTRINGEXACT);
         case CB_SELECTSTRING: {
             const std::int32_t found = items.find(index, text_argument(lparam), false);

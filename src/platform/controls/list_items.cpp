@@ -66,6 +66,16 @@ std::int32_t ListItems::find(std::int32_t after, std::string_view text, bool who
     return -1;
 }
 
+std::int32_t ListItems::find_data(std::int32_t after, std::uintptr_t data) const {
+    const std::int32_t size = count();
+    if (after < -1 || after >= size) after = -1;
+    for (std::int32_t step = 1; step <= size; ++step) {
+        const std::int32_t index = (after + step) % size;
+        if ((*this)[index].data == data) return index;
+    }
+    return -1;
+}
+
 void ListItems::select(std::int32_t index, bool on) {
     bool& selected = (*this)[index].selected;
     if (selected == on) return;

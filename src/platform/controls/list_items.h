@@ -35,6 +35,7 @@ class ListItems {
 
     // The first item behind `after` (round the end) that begins with `text`, or is it; -1 for none.
     std::int32_t find(std::int32_t after, std::string_view text, bool whole) const;
+    std::int32_t find_data(std::int32_t after, std::uintptr_t data) const;
 
     std::int32_t current = -1;  // of a single selection
     void select(std::int32_t index, bool on);

@@ -18,6 +18,10 @@ bool ListBox::owner_drawn() const {
     return has(LBS_OWNERDRAWFIXED);
 }
 
+bool holds_numbers(const Control& control, std::uint32_t owner_drawn, std::uint32_t strings) {
+    return control.has(owner_drawn) && !control.has(strings);
+}
+
 bool ListBox::is_selected(std::int32_t index) {
     if (multiple()) return items()[index].selected;
     if (combo != 0 && hot >= 0) return index == hot;
@@ -74,11 +78,13 @@ LRESULT ListBox::handle_items(UINT message, WPARAM wparam, LPARAM lparam) {
     switch (message) {
         case LB_ADDSTRING:
         case LB_INSERTSTRING: {
-            const std::string_view text = text_argument(lparam);
-            const bool sort = message == LB_ADDSTRING && has(LBS_SORT);
+            const bool number = holds_numbers(*this, LBS_OWNERDRAWFIXED, LBS_HASSTRINGS);
+            const std::string_view text = number ? std::string_view{} : text_argument(lparam);
+            const bool sort = message == LB_ADDSTRING && has(LBS_SORT) && !number;
             if (message == LB_INSERTSTRING && index > list.count()) return LB_ERR;
             const std::int32_t at = sort ? list.insert_sorted(text)
                                          : list.insert(message == LB_ADDSTRING ? -1 : index, text);
+            if (number) list[at].data = static_cast<std::uintptr_t>(lparam);
             if (caret >= at && list.count() > 1) ++caret;
             items_changed();
             return at;
@@ -97,10 +103,18 @@ LRESULT ListBox::handle_items(UINT message, WPARAM wparam, LPARAM lparam) {
         case LB_GETCOUNT:
             return list.count();
         case LB_GETTEXT:
-            if (!list.has(index)) return LB_ERR;
+            if (!list.has(index) || lparam == 0) return LB_ERR;
+            if (holds_numbers(*this, LBS_OWNERDRAWFIXED, LBS_HASSTRINGS)) {
+                *reinterpret_cast<std::uintptr_t*>(lparam) = list[index].data;
+                return sizeof(std::uintptr_t);
+            }
             return copy_text(list[index].text, list[index].text.size() + 1, lparam);
         case LB_GETTEXTLEN:
-            return list.has(index) ? static_cast<LRESULT>(list[index].text.size()) : LB_ERR;
+            if (!list.has(index)) return LB_ERR;
+            if (holds_numbers(*this, LBS_OWNERDRAWFIXED, LBS_HASSTRINGS)) {
+                return sizeof(std::uintptr_t);
+            }
+            return static_cast<LRESULT>(list[index].text.size());
         case LB_GETITEMDATA:
             return list.has(index) ? static_cast<LRESULT>(list[index].data) : LB_ERR;
         case LB_SETITEMDATA:
@@ -109,6 +123,9 @@ LRESULT ListBox::handle_items(UINT message, WPARAM wparam, LPARAM lparam) {
             return 0;
         case LB_FINDSTRING:
         case LB_FINDSTRINGEXACT:
+            if (holds_numbers(*this, LBS_OWNERDRAWFIXED, LBS_HASSTRINGS)) {
+                return list.find_data(index, static_cast<std::uintptr_t>(lparam));
+            }
             return list.find(index, text_argument(lparam), message == LB_FINDSTRINGEXACT);
         default:
             return LB_ERR;

@@ -11,6 +11,8 @@ namespace tarn::platform {
 
 // The height of an item in a font of that height.
 std::int32_t list_item_height(std::int32_t line_height);
+// A list that its owner draws holds a number for each item, not a text, unless it is told to.
+bool holds_numbers(const Control& control, std::uint32_t owner_drawn, std::uint32_t strings);
 
 struct ListBox : Control {
     ListItems own_items;

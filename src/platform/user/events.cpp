@@ -164,7 +164,13 @@ void take_drop_event(const Event& event) {
 }
 
 void DragAcceptFiles(HWND hwnd, bool accept) {
-    if (Window* const window = find(hwnd)) window->accepts_files = accept;
+    Window* const window = find(hwnd);
+    if (window == nullptr) return;
+    window->accepts_files = accept;
+    Window& top = top_of(*window);
+    if (!accept || top.top->accepts_files) return;
+    top.top->accepts_files = true;
+    options_changed(top);
 }
 
 // Paths are the file system's bytes, in no code page.

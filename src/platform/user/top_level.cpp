@@ -34,6 +34,7 @@ TopLevelOptions options_of(Window& top) {
     o.closable = (top.style & WS_SYSMENU) != 0;
     o.topmost = (top.ex_style & WS_EX_TOPMOST) != 0;
     o.accepts_focus = (top.ex_style & WS_EX_NOACTIVATE) == 0;
+    o.accepts_files = top.top->accepts_files;
     o.minimum = minimum_surface_size(top);
     o.title = top.title;
     o.class_name = top.cls->name;
@@ -180,6 +181,13 @@ void present_all() {
         if (!w->top->damage.empty()) present(*w);
     state().queue.last_frame = clock_us();
     display().flush();
+}
+
+bool window_surface_rect(HWND top_level, RECT& screen) {
+    const Window* const window = find(top_level);
+    if (window == nullptr || !window->top) return false;
+    screen = surface_rect(*window);
+    return true;
 }
 
 const Surface* window_surface(HWND top_level) {

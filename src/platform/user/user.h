@@ -277,5 +277,7 @@ extern void (*window_settled)(HWND top_level);
 extern void (*window_going)(HWND top_level);
 // The surface of a top-level, painted up to date; null pixels for none.
 const Surface* window_surface(HWND top_level);
+// Where that picture is on the screen, logical: what the display's points of it count from.
+bool window_surface_rect(HWND top_level, RECT& screen);
 
 }  // namespace tarn::platform

@@ -44,6 +44,7 @@ struct Top {
     bool placed = false;      // somebody chose its place
     bool size_owed = false;   // WM_SIZE and WM_MOVE wait for the first showing
     bool caret_here = false;  // the last present had a caret
+    bool accepts_files = false;  // it or a window in it once did
     CursorShape cursor = CursorShape::arrow;
     WindowState state = WindowState::normal;
     RECT normal_rect;    // to restore from minimised and maximised

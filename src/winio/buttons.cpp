@@ -43,7 +43,7 @@ const button_face* face_of(const window_control* control) {
 }
 
 void read_label(code_call& call, window_control* control) {
-    if (current_window()->dialog_resource != 0) {
+    if (current_window()->dialog_resource > 0) {
         control->resource_id = user_integer(call.arguments);
         control->text = window_text_copy("", 0);
         return;
@@ -51,7 +51,7 @@ void read_label(code_call& call, window_control* control) {
     control->text = get_standard_string(call, "button");
 }
 
-void read_design_identity(window_control* control) {
+void take_design_id(window_control* control) {
     if (pending().design_id == 0) return;
     control->resource_id = pending().design_id;
     pending().design_id = 0;
@@ -135,12 +135,6 @@ bool take_default(code_call& call, window_control* control) {
     return true;
 }
 
-void read_button_callback(code_call& call, window_control* control, const char* message) {
-    if (!call.caret) return;
-    call.caret = false;
-    control->callback = get_callback_function(call.arguments, message);
-}
-
 // The font of a given point size, and how much taller than the window's it is.
 double take_point_size(window_control* control, std::int32_t points) {
     double ratio = 1.0;
@@ -199,7 +193,7 @@ void make_button(code_call& call, button_code code) {
     if (drawn && code != button_code::tool) key_for(control, face->accelerator);
     take_colours(control, face);
     face->lines = count_lines(control->text);
-    read_design_identity(control);
+    take_design_id(control);
     read_grey(call, control, "Missing argument for button grey control.",
               code == button_code::icon ? "%bb" : "%bt");
     if (code == button_code::tool)
@@ -210,10 +204,9 @@ void make_button(code_call& call, button_code code) {
     face->value = take_button_value();
     if (take_default(call, control)) face->flags |= face_default;
     deepen_line(control->height);
-    read_button_callback(call, control,
-                         code == button_code::tool
-                             ? "should be a textual tool-bar call-back function"
-                             : "should be a button call-back function");
+    read_callback(call, *control,
+                  code == button_code::tool ? "should be a textual tool-bar call-back function"
+                                            : "should be a button call-back function");
     locate(control, 0);
 }
 
@@ -311,8 +304,8 @@ void handle_tt(code_call& call) {
 }
 
 void handle_bn(code_call& call) {
-    if (building().preloaded_block && building().preloaded_type == control_type::option_button &&
-        building().preload_open) {
+    if (building().preload_open && building().preloaded_block &&
+        building().preloaded_type == control_type::option_button) {
         collect_button_options(call, *static_cast<Xbutton*>(building().preloaded_block), true);
         skip_bracket(call);
         return;
@@ -322,7 +315,7 @@ void handle_bn(code_call& call) {
     if (!button) button = new_button_block();
     discard_with_window(button, nullptr);
     control->block = button;
-    if (current_window()->dialog_resource != 0) control->resource_id = user_integer(call.arguments);
+    if (current_window()->dialog_resource > 0) control->resource_id = user_integer(call.arguments);
     collect_button_options(call, *button, false);
     take_option_font(control, button);
     if (!button->caption) button->caption = window_text_copy("", 0);
@@ -330,7 +323,7 @@ void handle_bn(code_call& call) {
     check_option_mix(control, button);
     std::int32_t letter = find_mnemonic(button->caption);
     key_for(control, letter);
-    read_design_identity(control);
+    take_design_id(control);
     read_grey(call, control, "?Missing argument for button grey control.", "%bn");
     size_option_button(call, control, button);
     bool returns = button->return_value >= 0;
@@ -339,7 +332,7 @@ void handle_bn(code_call& call) {
     deepen_line(control->height);
     if (call.caret && returns)
         quillpan_error("?The return value option is not used when a callback is provided.");
-    read_button_callback(call, control, "should be a button call-back function");
+    read_callback(call, *control, "should be a button call-back function");
     locate(control, 0);
 }
 

@@ -74,7 +74,8 @@ struct button_look {
     COLORREF text;    // no_colour: the theme's
     bool enabled, pressed, hovered, focused, is_default, flat;
 };
-// The face of a button without its label; the result is the colour to write with.
+// The face of a button without its label; the result is the colour to write with. `flat`: nothing
+// but the label shows until the pointer comes.
 COLORREF draw_button(platform::HDC dc, const RECT& place, const button_look& look);
 
 }  // namespace tarn::winio

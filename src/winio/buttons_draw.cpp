@@ -2,6 +2,8 @@
 // lines.
 #include <cstring>
 
+#include "platform/controls/controls.h"
+#include "platform/controls/look.h"
 #include "platform/gdi/paint.h"
 #include "platform/gdi/theme.h"
 #include "winio/buttons.h"
@@ -17,22 +19,15 @@ using namespace platform;
 namespace {
 
 constexpr std::int32_t icon_left = 8, icon_gap = 6;
-
-RectF grown(const RECT& place, float by) {
-    return {static_cast<float>(place.left) - by, static_cast<float>(place.top) - by,
-            static_cast<float>(place.right) + by, static_cast<float>(place.bottom) + by};
-}
+constexpr std::int32_t split_width = 16;
+constexpr std::uint32_t option_split = 2;
 
 struct button_view {
     const char* label;
     HICON icon;
-    bool keep_colours;
+    bool keep_colours, split;
     button_look look;
 };
-
-bool has_focus(HWND hwnd) {
-    return GetFocus() == hwnd;
-}
 
 button_view view_of(const window_control* control, HWND hwnd) {
     button_view view{};
@@ -41,14 +36,16 @@ button_view view_of(const window_control* control, HWND hwnd) {
     look.behind = control->background;
     look.face = look.text = no_colour;
     look.enabled = IsWindowEnabled(hwnd);
-    look.pressed = control->flags.pressed;
-    look.hovered = control->flags.hovered;
-    look.focused = has_focus(hwnd) && keyboard_focus_visible();
+    LRESULT state = SendMessageA(hwnd, BM_GETSTATE, 0, 0);
+    look.pressed = (state & BST_PUSHED) != 0;
+    look.hovered = (state & BST_HOT) != 0;
+    look.focused = (state & BST_FOCUS) != 0 && keyboard_focus_visible();
     look.is_default = is_default_button(control);
     if (control->type == control_type::option_button) {
         const auto* button = static_cast<const Xbutton*>(control->block);
         look.face = button->colour;
         look.text = button->text_colour;
+        view.split = (button->flags & option_split) != 0;
         return view;
     }
     const auto* face = static_cast<const button_face*>(control->block);
@@ -71,26 +68,14 @@ COLORREF own_face(const button_look& look) {
     return look.hovered ? shade(look.face, 0.08F) : look.face;
 }
 
-COLORREF theme_face(const button_look& look) {
-    const Theme& colours = theme();
-    if (!look.enabled) return look.flat ? look.behind : colours.button_disabled;
-    if (look.is_default && !look.flat)
-        return look.pressed   ? colours.accent_pressed
-               : look.hovered ? colours.accent_hover
-                              : colours.accent;
-    if (look.pressed) return colours.button_pressed;
-    if (look.hovered) return colours.button_hover;
-    return look.flat ? look.behind : colours.button;
-}
-
 COLORREF text_on(const button_look& look, COLORREF face) {
     const Theme& colours = theme();
-    if (!look.enabled)
-        return look.face == no_colour ? colours.text_disabled
-                                      : blend(readable(colours.text, face), face, 0.45F);
-    if (look.text != no_colour) return look.text;
-    if (look.face == no_colour && look.is_default && !look.flat) return colours.accent_text;
-    return readable(colours.text, face);
+    if (look.face == no_colour) {
+        if (look.enabled && look.text != no_colour) return look.text;
+        return button_text_colour({look.enabled, look.hovered, look.pressed, look.is_default});
+    }
+    COLORREF text = look.text != no_colour ? look.text : readable(colours.text, face);
+    return look.enabled ? text : blend(text, face, 0.5F);
 }
 
 void draw_label(HDC dc, const window_control* control, const char* label, RECT room,
@@ -123,56 +108,36 @@ void paint_button(const window_control* control, HWND hwnd) {
                    !view.look.enabled && !view.keep_colours);
         room.left = x + size.cx + icon_gap;
     }
+    if (view.split) {
+        room.right -= split_width;
+        PointF centre{static_cast<float>(client.right - split_width / 2 - 2),
+                      static_cast<float>(client.height()) / 2.0F};
+        draw_chevron(dc, centre, 7.0F, Direction::down, colour);
+    }
     draw_label(dc, control, view.label, room, colour);
     EndPaint(hwnd, paint);
 }
 
-bool inside(HWND hwnd, LPARAM place) {
-    RECT client;
-    GetClientRect(hwnd, client);
-    return client.contains({GET_X_LPARAM(place), GET_Y_LPARAM(place)});
-}
-
-void post_click(HWND hwnd) {
-    PostMessageA(GetParent(hwnd), WM_COMMAND, MAKEWPARAM(GetDlgCtrlID(hwnd), 0),
-                 static_cast<LPARAM>(hwnd));
-}
-
-void set_state(window_control* control, bool pressed, bool hovered) {
-    if (control->flags.pressed == pressed && control->flags.hovered == hovered) return;
-    control->flags.pressed = pressed;
-    control->flags.hovered = hovered;
-    InvalidateRect(control->hwnd, nullptr, false);
-}
-
-void button_down(window_control* control) {
-    HWND hwnd = control->hwnd;
-    window_watch watch(control->window);
-    SetFocus(hwnd);
-    if (watch.gone() || !IsWindow(hwnd)) return;
-    SetCapture(hwnd);
-    set_state(control, true, true);
-}
-
-void pointer_moved(window_control* control, UINT message, WPARAM keys, LPARAM place) {
-    HWND hwnd = control->hwnd;
-    bool over = inside(hwnd, place);
-    bool captured = GetCapture() == hwnd;
-    if (message == WM_LBUTTONUP || (keys & MK_LBUTTON) == 0) {
-        bool clicked = message == WM_LBUTTONUP && control->flags.pressed && over;
-        set_state(control, false, over);
-        if (captured) ReleaseCapture();
-        if (clicked && IsWindow(hwnd)) post_click(hwnd);
-        return;
+// The platform's button in everything but its picture.
+LRESULT SubButtonProc(HWND hwnd, UINT message, WPARAM wparam, LPARAM lparam) {
+    WNDPROC original = procedures().button_procedure;
+    window_control* control = control_from_window(hwnd, false);
+    if (!control) return CallWindowProcA(original, hwnd, message, wparam, lparam);
+    switch (message) {
+        case WM_PAINT:
+            paint_button(control, hwnd);
+            return 0;
+        case WM_RBUTTONDOWN:
+            if (!control->callback) break;
+            call_function(control, "MOUSE_RIGHT_CLICK", false);
+            return 0;
+        case msg_button_accelerator:
+            if (IsWindowEnabled(hwnd)) SendMessageA(hwnd, BM_CLICK, 0, 0);
+            return 0;
+        default:
+            break;
     }
-    set_state(control, captured && over, over);
-}
-
-// Return presses the button that has the focus, and not the default one.
-LRESULT dialog_code(LPARAM lparam) {
-    const auto* message = reinterpret_cast<const MSG*>(lparam);
-    bool key = message && message->message == WM_KEYDOWN && message->wParam == VK_RETURN;
-    return key ? DLGC_WANTALLKEYS : DLGC_WANTCHARS;
+    return CallWindowProcA(original, hwnd, message, wparam, lparam);
 }
 
 }  // namespace
@@ -180,68 +145,31 @@ LRESULT dialog_code(LPARAM lparam) {
 COLORREF draw_button(HDC dc, const RECT& place, const button_look& look) {
     const Theme& colours = theme();
     FillRect(dc, place, get_brush(look.behind));
-    bool own = look.face != no_colour;
-    COLORREF face = own ? own_face(look) : theme_face(look);
-    RectF shape = grown(place, -1.0F);
-    fill_rounded(dc, shape, colours.corner, face);
     bool bare = look.flat && !look.hovered && !look.pressed;
-    if (!bare) {
-        COLORREF edge = own                                             ? shade(face, 0.22F)
-                        : look.is_default && !look.flat && look.enabled ? face
-                        : look.hovered                                  ? colours.border_hover
-                                                                        : colours.border;
-        stroke_rounded(dc, shape, colours.corner, 1.0F, edge);
+    COLORREF face = look.behind;
+    if (look.face != no_colour) {
+        face = own_face(look);
+        RectF shape = to_f(place);
+        fill_rounded(dc, shape, colours.corner, face);
+        stroke_rounded(dc, shape, colours.corner, look.is_default ? 2.0F : 1.0F,
+                       look.is_default ? colours.accent : shade(face, 0.22F));
+    } else if (!bare) {
+        draw_button_face(dc, place, {look.enabled, look.hovered, look.pressed, look.is_default});
+        face = look.is_default ? colours.accent : colours.button;
     }
-    if (look.is_default && own && look.enabled)
-        stroke_rounded(dc, shape, colours.corner, 2.0F, colours.accent);
-    if (look.focused)
-        stroke_rounded(dc, grown(place, 0.0F), colours.corner + 1.0F, 2.0F, colours.focus_ring);
+    if (look.focused) draw_focus_ring(dc, place, colours.corner);
     return text_on(look, face);
 }
 
+void subclass_button(window_control* control) {
+    LPARAM before =
+        SetWindowLong(control->hwnd, GWL_WNDPROC, reinterpret_cast<LPARAM>(&SubButtonProc));
+    if (!procedures().button_procedure)
+        procedures().button_procedure = reinterpret_cast<WNDPROC>(before);
+}
+
 LRESULT fancy_button_procedure(HWND hwnd, UINT message, WPARAM wparam, LPARAM lparam) {
-    window_control* control = control_from_window(hwnd, false);
-    if (!control) return DefWindowProcA(hwnd, message, wparam, lparam);
-    switch (message) {
-        case WM_LBUTTONDOWN:
-        case WM_LBUTTONDBLCLK:
-            button_down(control);
-            return 0;
-        case WM_MOUSEMOVE:
-        case WM_LBUTTONUP:
-            pointer_moved(control, message, wparam, lparam);
-            return 0;
-        case WM_MOUSELEAVE:
-            set_state(control, control->flags.pressed, false);
-            return 0;
-        case WM_CAPTURECHANGED:
-            set_state(control, false, false);
-            return 0;
-        case WM_RBUTTONDOWN:
-            if (control->callback) call_function(control, "MOUSE_RIGHT_CLICK", false);
-            return 0;
-        case WM_KEYDOWN:
-            if ((wparam == VK_SPACE || wparam == VK_RETURN) && has_focus(hwnd)) post_click(hwnd);
-            return 0;
-        case WM_GETDLGCODE:
-            return dialog_code(lparam);
-        case WM_SETFOCUS:
-        case WM_KILLFOCUS:
-        case WM_ENABLE:
-            InvalidateRect(hwnd, nullptr, false);
-            return 0;
-        case msg_button_accelerator:
-        case 0xF5:  // BM_CLICK
-            if (IsWindowEnabled(hwnd)) post_click(hwnd);
-            return 0;
-        case WM_ERASEBKGND:
-            return 1;
-        case WM_PAINT:
-            paint_button(control, hwnd);
-            return 0;
-        default:
-            return DefWindowProcA(hwnd, message, wparam, lparam);
-    }
+    return DefWindowProcA(hwnd, message, wparam, lparam);
 }
 
 }  // namespace tarn::winio

@@ -4,12 +4,12 @@
 #include <cstring>
 #include <new>
 #include <string>
-#include <string_view>
 
 #include "platform/gdi/paint.h"
 #include "platform/gdi/theme.h"
 #include "platform/user/user.h"
 #include "winio/buttons.h"
+#include "winio/resources.h"
 
 namespace tarn::winio {
 
@@ -53,12 +53,6 @@ HBITMAP read_bitmap(const std::string& name) {
     return CreateDIBitmap(reinterpret_cast<const unsigned char*>(bytes.data()), bytes.size());
 }
 
-std::int32_t built_in(std::string_view name) {
-    if (name == "errorIcon") return IDI_HAND;
-    if (name == "warnIcon") return IDI_EXCLAMATION;
-    return 0;
-}
-
 }  // namespace
 
 HICON find_icon(const char* name) {
@@ -68,8 +62,7 @@ HICON find_icon(const char* name) {
         std::memcpy(&number, name + 1, sizeof number);
         return LoadSystemIcon(number);
     }
-    std::int32_t number = built_in(name);
-    return number != 0 ? LoadSystemIcon(number) : HICON{};
+    return LoadNamedIcon(name);
 }
 
 std::int32_t GetIconSize(const char* name) {

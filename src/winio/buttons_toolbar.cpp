@@ -44,15 +44,6 @@ grid grid_of(const code_call& call) {
     return cells;
 }
 
-void read_identity(code_call& call, window_control* control) {
-    if (current_window()->dialog_resource != 0) {
-        control->resource_id = user_integer(call.arguments);
-    } else if (pending().design_id != 0) {
-        control->resource_id = pending().design_id;
-        pending().design_id = 0;
-    }
-}
-
 // ---- %tb
 
 button_face* read_switch(code_call& call, window_control* control) {
@@ -161,7 +152,8 @@ void track_switch(window_control* control, bool over, bool down) {
 // ---- %ib
 
 constexpr std::int32_t label_gap = 3, cell_margin = 5, label_margin = 10;
-constexpr std::uint32_t block_const_width = 2, block_const_height = 4, block_hover = 0x20;
+constexpr std::uint32_t block_flat = 1, block_const_width = 2, block_const_height = 4,
+                        block_coloured = 8, block_hover = 0x20;
 
 std::int32_t pixels_of(std::int32_t units, std::int32_t unit, std::int32_t parts) {
     return units * unit / parts;
@@ -178,6 +170,17 @@ SIZE cell_size(const button_cell& cell) {
     return {std::max(size.cx, text) + cell_margin, size.cy + lines + cell_margin + label_gap};
 }
 
+void read_block_options(code_call& call, constructed_button& block) {
+    option_reader words(call, code_of('I', 'B'), "%IB or %SE");
+    while (words.next()) {
+        if (words.is("flat")) block.flags |= block_flat;
+        if (words.is("const_width")) block.flags |= block_const_width;
+        if (words.is("const_height")) block.flags |= block_const_height;
+        if (words.is("coloured")) block.flags |= block_coloured | block_flat;
+        if (words.is("mouse_hover")) block.flags |= block_hover;
+    }
+}
+
 button_cell read_cell(code_call& call) {
     button_cell cell{};
     char* picture = user_string(call.arguments);
@@ -192,7 +195,7 @@ button_cell read_cell(code_call& call) {
     }
     cell.state = user_int_pointer(call.arguments);
     cell.callback =
-        get_callback_function(call.arguments, "should be an individual %%IB call-back function");
+        get_callback_function(call.arguments, "should be an individual %IB call-back function");
     cell.grey_test = GetGreyControlCheckFunction(cell.callback);
     return cell;
 }
@@ -275,7 +278,7 @@ void draw_cell(HDC dc, const window_control* control, const constructed_button* 
     look.enabled = !cell_is_grey(cell);
     look.pressed = cell.pressed || (cell.state && *cell.state == 2);
     look.hovered = cell.hovered;
-    look.flat = (block->flags & 1) != 0;
+    look.flat = (block->flags & block_flat) != 0;
     COLORREF text = draw_button(dc, place, look);
     RECT label = place;
     RECT picture = place;
@@ -372,6 +375,53 @@ void block_mouse(window_control* control, HWND hwnd, UINT message, LPARAM place)
     }
 }
 
+// ---- %mb
+
+constexpr std::uint8_t bar_standard = 1, bar_arrows = 2, bar_adjustable = 8, bar_strings = 0x20,
+                       bar_list = 0x40;
+constexpr std::uint32_t place_bottom = 3, place_left = 0x81;
+
+std::uint32_t hexadecimal() {
+    return static_cast<std::uint32_t>(std::strtoul(option_value().c_str(), nullptr, 16));
+}
+
+void read_toolbar_options(code_call& call, multibutton& bar) {
+    fancy_window* window = current_window();
+    option_reader words(call, code_of('M', 'B'), "%MB");
+    while (words.next()) {
+        if (words.is("ilc_bits=")) bar.ilc_flags = hexadecimal();
+        if (words.is("bt_wd=")) bar.button_width = std::clamp(option_integer(), 1, 256);
+        if (words.is("bt_ht=")) bar.button_height = std::clamp(option_integer(), 1, 256);
+        if (words.is("style_bits=")) bar.style |= hexadecimal();
+        if (words.is("mask=")) bar.mask = get_option_colour();
+        if (words.is("arrows")) bar.flags |= bar_arrows;
+        if (words.is("strings")) bar.flags |= bar_strings;
+        if (words.is("list")) bar.flags |= bar_list;
+        if (words.is("view")) bar.standard_set |= 4;
+        if (words.is("hist")) bar.standard_set |= 8;
+        if (words.is("border")) bar.style |= WS_BORDER;
+        if (words.is("large")) {
+            bar.standard_set |= 1;
+            bar.button_width = bar.button_height = 24;
+        }
+        if (words.is("adjustable")) {
+            bar.flags |= bar_adjustable;
+            bar.style |= 0x20;
+        }
+        if (words.is("bottom")) {
+            bar.style |= place_bottom;
+            bar.position = place_bottom;
+            if (!window->flags.margins_given) window->margin_bottom = 20;
+        }
+        if (words.is("left")) {
+            bar.style |= place_left;
+            bar.position = place_left;
+            window->flags.multi_button_left = true;
+            if (!window->flags.margins_given) window->margin_left = 16;
+        }
+    }
+}
+
 }  // namespace
 
 void handle_tb(code_call& call) {
@@ -382,7 +432,7 @@ void handle_tb(code_call& call) {
         window_control* control = new_window_control(control_type::bitmap_switch);
         if (!first) {
             first = control;
-            read_identity(call, control);
+            read_resource_id(call, *control);
         }
         size = largest(size, switch_size(read_switch(call, control)));
     }
@@ -410,14 +460,10 @@ void handle_ib(code_call& call) {
     block->count = cells.columns * cells.rows;
     block->cells = new_block<button_cell>(block->count);
     control->block = block;
-    collect_other_options(call, control);
-    read_identity(call, control);
+    read_block_options(call, *block);
+    read_resource_id(call, *control);
     for (std::int32_t i = 0; i < block->count; ++i) block->cells[i] = read_cell(call);
-    if (call.caret) {
-        call.caret = false;
-        control->callback =
-            get_callback_function(call.arguments, "should be an overall %%IB call-back function");
-    }
+    read_callback(call, *control, "should be an overall %IB call-back function");
     place_cells(control, block, cells);
     deepen_line(control->height);
     locate(control, 0);
@@ -443,29 +489,25 @@ void handle_mb(code_call& call) {
     block->mask = 0xC0C0C0;
     control->block = block;
     control->flags.placeholder = true;
-    collect_other_options(call, control);
+    read_toolbar_options(call, *block);
     block->styles = user_int_pointer(call.arguments);
     block->images = user_int_pointer(call.arguments);
     if (call.grave) {
         call.grave = false;
         block->strip = user_string(call.arguments);
     } else {
-        block->flags |= 1;
+        block->flags |= bar_standard;
     }
     if (call.tilde) {
         call.tilde = false;
         block->enable = user_int_pointer(call.arguments);
     }
-    if ((block->flags & 8) != 0) block->order = user_int_pointer(call.arguments);
-    if (call.caret) {
-        call.caret = false;
-        control->callback =
-            get_callback_function(call.arguments, "should be a %%MB call-back function");
-    }
-    if ((block->flags & 0x20) != 0) {
+    if ((block->flags & bar_adjustable) != 0) block->order = user_int_pointer(call.arguments);
+    read_callback(call, *control, "should be a %MB call-back function");
+    if ((block->flags & bar_strings) != 0) {
         block->texts = get_standard_string(call, "button text");
         if (call.question) quillpan_error("?%%MB cannot have both text and help strings.");
-        block->style |= (block->flags & 0x40) != 0 ? 0x1000 : 0;
+        block->style |= (block->flags & bar_list) != 0 ? 0x1000 : 0;
     } else if (call.question) {
         block->help = get_standard_string(call, "help");
         block->style |= 0x100;

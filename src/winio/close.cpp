@@ -207,6 +207,10 @@ void monitor_pending_close() {
     }
 }
 
+void close_all_windows() {
+    end_all(true);
+}
+
 void exit_cleanup() {
     if (procedures().exit_cleaned || !records().used) return;
     procedures().exit_cleaned = true;

@@ -160,7 +160,8 @@ after serve_control(fancy_window* window, window_control* control, const command
 // window with an enhanced menu, whose items are numbered from 1.
 bool menu_served(fancy_window* window, const command& what) {
     if (what.sender) return false;
-    if (what.id <= IDCANCEL && !window->enhanced_menu && !window->enhanced_popup) return false;
+    if (what.id <= std::int32_t{IDCANCEL} && !window->enhanced_menu && !window->enhanced_popup)
+        return false;
     return menu_command(window, what.id);
 }
 

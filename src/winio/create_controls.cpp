@@ -23,7 +23,7 @@ struct control_look {
 };
 
 DWORD border_of(const window_control* control) {
-    return control->flags.data_border ? WS_BORDER : 0;
+    return control->flags.data_border ? DWORD{WS_BORDER} : 0;
 }
 
 control_look static_look(const fancy_window* window, const window_control* control) {
@@ -68,7 +68,6 @@ control_look text_box_look(const window_control* control) {
 
 control_look option_button_look(const window_control* control) {
     const auto* button = static_cast<const Xbutton*>(control->block);
-    if (drawn_button(control)) return {"TarnickButton", WS_TABSTOP, 0, button_label(control)};
     bool is_default = is_default_button(control);
     DWORD style = is_default ? BS_DEFPUSHBUTTON : BS_PUSHBUTTON;
     if (button && (button->flags & 2) != 0)
@@ -93,14 +92,11 @@ control_look look_of(const fancy_window* window, const window_control* control) 
         case control_type::static_string:
             return static_look(window, control);
         case control_type::button:
-            if (drawn_button(control))
-                return {"TarnickButton", WS_TABSTOP, 0, button_label(control)};
+        case control_type::fancy_button:
             return {
                 "button",
                 WS_TABSTOP | DWORD{is_default_button(control) ? BS_DEFPUSHBUTTON : BS_PUSHBUTTON},
                 0, button_label(control)};
-        case control_type::fancy_button:
-            return {"TarnickButton", WS_TABSTOP, 0, button_label(control)};
         case control_type::option_button:
             return option_button_look(control);
         case control_type::system_icon:
@@ -117,7 +113,8 @@ control_look look_of(const fancy_window* window, const window_control* control) 
         case control_type::buffer_box:
             return text_box_look(control);
         case control_type::group_box:
-            return {"button", WS_TABSTOP | BS_GROUPBOX, 0, control->text ? control->text : ""};
+            return {"button", WS_TABSTOP | DWORD{BS_GROUPBOX}, 0,
+                    control->text ? control->text : ""};
         case control_type::bitmap_switch:
             return {"TarnickBitmapButton", 0x0B, 0, ""};
         case control_type::radio:
@@ -157,11 +154,12 @@ void create_child(fancy_window* window, window_control* control, std::int32_t id
     if (!child || child == window || child->hwnd != HWND{-1}) return;
     child->hwnd = HWND{};
     child->frame_window = window;
+    control->gcb = child;
     fancy_window* before = current_window();
     std::int32_t width = control->right - control->left + 1;
     std::int32_t height = control->bottom - control->top + 1;
     control->hwnd = CreateWindowExAW(
-        child->ex_style, child->class_name ? child->class_name : "TarnickDialog", "",
+        child->ex_style, class_of(child), "",
         (child->style & ~WS_CAPTION & ~WS_POPUP) | WS_CHILD | WS_CLIPSIBLINGS | WS_VISIBLE,
         control->left, control->top, width, height, window->hwnd, HMENU{id}, child);
     current_window() = before;
@@ -261,6 +259,11 @@ void create_control_window(fancy_window* window, window_control* control, std::i
     if (control->font && takes_system_font(control->type))
         SendMessageA(control->hwnd, WM_SETFONT, static_cast<WPARAM>(control->font), 0);
     switch (control->type) {
+        case control_type::button:
+        case control_type::fancy_button:
+        case control_type::option_button:
+            if (drawn_button(control)) subclass_button(control);
+            break;
         case control_type::string_box:
         case control_type::buffer_box:
             tell_limits(control);

@@ -21,6 +21,7 @@ bool opened_from_a_window(const fancy_window* window) {
 // the call-back, so that it stays in front of it.
 HWND owner_of(const fancy_window* window) {
     if (window->owner_hwnd) return window->owner_hwnd;
+    if (window->raw_parent) return IsWindow(window->raw_parent) ? window->raw_parent : HWND{};
     if (!opened_from_a_window(window)) return HWND{};
     if (window->parent_hwnd) return IsWindow(window->parent_hwnd) ? window->parent_hwnd : HWND{};
     if (callbacks().callback_depth == 0) return HWND{};
@@ -35,19 +36,6 @@ HWND owner_of(const fancy_window* window) {
     return owner;
 }
 
-void apply_location(fancy_window* window, RECT& place) {
-    const window_location* location = window->location;
-    if (!location) return;
-    std::int32_t unit_x = records().char_width, unit_y = records().char_height;
-    auto pixels = [](std::int32_t value, std::int32_t unit, double part) {
-        return static_cast<std::int32_t>(unit * static_cast<double>(value) / part + 0.5);
-    };
-    if (location->x >= 0) place.left = pixels(location->x, unit_x, 4.0);
-    if (location->y >= 0) place.top = pixels(location->y, unit_y, 8.0);
-    place.right = place.left + pixels(location->width, unit_x, 4.0);
-    place.bottom = place.top + pixels(location->height, unit_y, 8.0);
-}
-
 HWND make_window(fancy_window* window, HWND parent, HMENU id) {
     DWORD style = window->style, ex_style = window->ex_style;
     if (window->owner_hwnd) ex_style |= WS_EX_TOPMOST;
@@ -55,14 +43,12 @@ HWND make_window(fancy_window* window, HWND parent, HMENU id) {
         style |= WS_POPUP;
     if (window->flags.horizontal_bar) style |= WS_HSCROLL;
     if (window->flags.vertical_bar) style |= WS_VSCROLL;
-    RECT place{window->left, window->top, window->right + 1, window->bottom + 1};
-    apply_location(window, place);
     bool was_creating = records().creating;
     records().creating = true;
     HWND hwnd =
-        CreateWindowExAW(ex_style, window->class_name ? window->class_name : "TarnickDialog",
-                         window->caption ? window->caption : "", style, place.left, place.top,
-                         place.width(), place.height(), parent, id, window);
+        CreateWindowExAW(ex_style, class_of(window), window->caption ? window->caption : "", style,
+                         window->left, window->top, window->right - window->left + 1,
+                         window->bottom - window->top + 1, parent, id, window);
     records().creating = was_creating;
     return hwnd;
 }
@@ -135,6 +121,12 @@ void send_group_boxes_down(fancy_window* window) {
 }
 
 }  // namespace
+
+const char* class_of(const fancy_window* window) {
+    if (window->class_name) return window->class_name;
+    const char* own = records().class_defaults.name;
+    return own ? own : "TarnickDialog";
+}
 
 bool window_listed(const fancy_window* window) {
     for (const fancy_window* each = records().windows; each; each = each->next)

@@ -26,16 +26,7 @@ std::int32_t truncated(double value) {
 }
 
 bool dialog_window() {
-    return current_window()->dialog_resource != 0;
-}
-
-void read_identity(code_call& call, window_control* control) {
-    if (dialog_window()) {
-        control->resource_id = user_integer(call.arguments);
-    } else if (pending().design_id != 0) {
-        control->resource_id = pending().design_id;
-        pending().design_id = 0;
-    }
+    return current_window()->dialog_resource > 0;
 }
 
 std::int32_t number_box_width(const window_control* control, std::int32_t digits) {
@@ -130,17 +121,6 @@ void scale_box(window_control* control, std::int32_t lines, bool one_more) {
     if (one_more) ++control->height;
 }
 
-void read_companions(code_call& call, window_control* control, const char* callback_message) {
-    if (call.tilde) {
-        call.tilde = false;
-        control->grey = user_int_pointer(call.arguments);
-    }
-    if (call.caret) {
-        call.caret = false;
-        control->callback = get_callback_function(call.arguments, callback_message);
-    }
-}
-
 // A pending step gives the box its spin, and is good for this one box.
 void place_box(window_control* control, std::int32_t extra) {
     double step = current_window()->spin_step;
@@ -181,7 +161,7 @@ void make_edit_box_control(code_call& call, const box_kind& kind) {
     else
         collect_rs_re_options(call, control);
     std::int32_t lines = std::max(call.m, 1);
-    read_identity(call, control);
+    read_resource_id(call, *control);
     if (kind.type == control_type::integer_box)
         read_integer_box(call, control);
     else if (kind.type == control_type::float_box)
@@ -192,14 +172,15 @@ void make_edit_box_control(code_call& call, const box_kind& kind) {
     if (call.grave) {
         call.grave = false;
         control->flags.read_form = true;
-        if (current_window()->flags.three_d && control->background == GetSysColor(COLOR_WINDOW))
-            control->background = GetSysColor(COLOR_BTNFACE);
+        if (current_window()->flags.three_d && control->background == data_colour())
+            control->background = dialog_colour();
     }
     bool one_more = true;
     std::int32_t extra = number || !control->flags.no_additional_depth ? 2 : 0;
     extra = give_depth(control, extra, one_more);
     scale_box(control, lines, one_more);
-    read_companions(call, control, kind.callback_message);
+    read_grey_variable(call, *control);
+    read_callback(call, *control, kind.callback_message);
     if (records().passive) {
         std::free(control);
         return;
@@ -226,22 +207,22 @@ const char* format_of(const window_control* control) {
 
 void handle_rd(code_call& call) {
     make_edit_box_control(
-        call, {control_type::integer_box, "should be a call-back function for the %%RD format"});
+        call, {control_type::integer_box, "should be a call-back function for the %RD format"});
 }
 
 void handle_rf(code_call& call) {
     make_edit_box_control(
-        call, {control_type::float_box, "should be a call-back function for the %%RF format"});
+        call, {control_type::float_box, "should be a call-back function for the %RF format"});
 }
 
 void handle_rs(code_call& call) {
-    make_edit_box_control(call, {control_type::string_box,
-                                 "should be a call-back function for the %%RS/%%RE format"});
+    make_edit_box_control(
+        call, {control_type::string_box, "should be a call-back function for the %RS/%RE format"});
 }
 
 void handle_re(code_call& call) {
-    make_edit_box_control(call, {control_type::buffer_box,
-                                 "should be a call-back function for the %%RS/%%RE format"});
+    make_edit_box_control(
+        call, {control_type::buffer_box, "should be a call-back function for the %RS/%RE format"});
 }
 
 void set_integer_limits(HWND hwnd, std::int32_t low, std::int32_t high) {

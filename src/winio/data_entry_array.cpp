@@ -226,26 +226,14 @@ void handle_tx(code_call& call) {
     auto* array = new_block<text_array>();
     control->block = array;
     collect_tx_options(call, control);
-    if (window->dialog_resource != 0) {
-        control->resource_id = user_integer(call.arguments);
-    } else if (pending().design_id != 0) {
-        control->resource_id = pending().design_id;
-        pending().design_id = 0;
-    }
+    read_resource_id(call, *control);
     array->text = user_char_pointer(call.arguments);
     array->attributes = user_char_pointer(call.arguments);
     array->row_length = user_integer(call.arguments);
     array->rows = user_integer(call.arguments);
     control->variable = array->text;
-    if (call.tilde) {
-        call.tilde = false;
-        control->grey = user_int_pointer(call.arguments);
-    }
-    if (call.caret) {
-        call.caret = false;
-        control->callback =
-            get_callback_function(call.arguments, "should be a list-box call-back function");
-    }
+    read_grey_variable(call, *control);
+    read_callback(call, *control, "should be a list-box call-back function");
     auto* first = new_block<colour_pair>();
     first->text = control->text_colour;
     first->background = control->background;

@@ -162,8 +162,9 @@ std::string formatted_float(const char* format, double value) {
 
 double spin_value(double value, double step, bool up, double low, double high) {
     if (step == 0.0 || !std::isfinite(step)) return value;
+    // The next multiple in that direction; what is a multiple but for rounding counts as one.
     double steps =
-        up ? std::trunc(value / step + 1.0E-7) + 1.0 : std::trunc(value / step - 1.0E-7) - 1.0;
+        up ? std::floor(value / step + 1.0E-7) + 1.0 : std::ceil(value / step - 1.0E-7) - 1.0;
     double next = steps * step;
     if (!std::isfinite(next)) return value;
     if (next > high) next = high;

@@ -18,26 +18,14 @@ void handle_rb(code_call& call) {
     fancy_window* window = current_window();
     window_control* control = new_window_control(control_type::radio);
     control->text = get_standard_string(call, "radio button");
-    if (window->dialog_resource != 0) {
-        control->resource_id = user_integer(call.arguments);
-    } else if (pending().design_id != 0) {
-        control->resource_id = pending().design_id;
-        pending().design_id = 0;
-    }
+    read_resource_id(call, *control);
     auto* variable = user_int_pointer(call.arguments);
     control->variable = variable;
     undef_int_check(variable, "%rb", 0);
     control->flags.grave = call.grave;
     call.grave = false;
-    if (call.tilde) {
-        call.tilde = false;
-        control->grey = user_int_pointer(call.arguments);
-    }
-    if (call.caret) {
-        call.caret = false;
-        control->callback =
-            get_callback_function(call.arguments, "should be a radio button call-back function");
-    }
+    read_grey_variable(call, *control);
+    read_callback(call, *control, "should be a radio button call-back function");
     std::int32_t width = 0, height = 0;
     get_text_dimensions(control->font, control->text ? control->text : "", width, height);
     control->width = width + pixels_to_units_x(mark_pixels + ring_pixels);

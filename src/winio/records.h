@@ -313,6 +313,7 @@ struct fancy_window {
     window_location* location;
     double spin_step;
     double text_scale;
+    double saved_text_scale;  // before the last %ts
     std::int32_t *h_scroll_var, *h_scroll_page, *h_scroll_range, *v_scroll_var, *v_scroll_page,
         *v_scroll_range;
     word user_data;
@@ -351,8 +352,8 @@ struct fancy_window {
     HWND raw_parent;             // %`pa
     std::uint16_t* code_counts;  // of name_control: one a pair of letters
     std::int32_t control_count;
-    HWND focus_kept;             // the control that had the focus when another window took over
-    std::int32_t entered;        // activations of its procedure on the stack
+    HWND focus_kept;              // the control that had the focus when another window took over
+    std::int32_t entered;         // activations of its procedure on the stack
     std::int32_t drag_x, drag_y;  // %dg
     window_flags flags;
 };
@@ -502,6 +503,7 @@ struct records_state {
     std::int32_t gdi_limit;  // __max_gdi_objects; 0: none
     std::int32_t brush_and_pen_count, font_count;
     bool utf8_default;
+    bool utf8_chosen;                      // __enable_utf8: the locale isn't asked
     bool passive;                          // handlers count instead of store
     bool check_mode;                       // __winio_check
     bool creating;                         // CreateWindowExAW runs
@@ -560,6 +562,9 @@ window_control* control_from_window(HWND hwnd, bool closed_too);
 fancy_window* window_from_control_variable(const std::int32_t* variable);
 HWND first_quillpan_hwnd();
 HWND hwnd_from_fortran_unit(std::int32_t unit);
+// The address of a routine of a module, which is loaded if it isn't there yet; also tried with "32"
+// behind the module's name. Null: there is none.
+void* get_proc_addr(const char* name, const char* module);
 fancy_window* our_window(HWND hwnd);  // the window itself, or the one that holds the control
 
 // ---- Fonts, brushes, pens

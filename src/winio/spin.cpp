@@ -3,7 +3,7 @@
 #include <cstdlib>
 
 #include "platform/controls/controls.h"
-#include "platform/gdi/paint.h"
+#include "platform/controls/look.h"
 #include "platform/gdi/theme.h"
 #include "winio/callbacks.h"
 #include "winio/data_entry.h"
@@ -126,13 +126,10 @@ void draw_half(HDC dc, RECT half, bool up, bool down, bool hover, bool enabled) 
     const Theme& look = theme();
     COLORREF face = down ? look.button_pressed : hover ? look.button_hover : look.button;
     FillRect(dc, half, get_brush(enabled ? face : look.button_disabled));
-    float middle = static_cast<float>(half.left + half.right) / 2.0F;
-    float centre = static_cast<float>(half.top + half.bottom) / 2.0F + (down ? 0.5F : 0.0F);
-    float wide = 3.0F, high = 1.6F;
-    float tip = up ? centre - high : centre + high, foot = up ? centre + high : centre - high;
-    const PointF arrow[] = {{middle - wide, foot}, {middle, tip}, {middle + wide, foot}};
-    COLORREF colour = enabled ? look.text : look.text_disabled;
-    stroke_path(dc, arrow, 1.4F, colour, 1.0F, false);
+    PointF centre{static_cast<float>(half.left + half.right) / 2.0F,
+                  static_cast<float>(half.top + half.bottom) / 2.0F + (down ? 0.5F : 0.0F)};
+    draw_chevron(dc, centre, 6.0F, up ? Direction::up : Direction::down,
+                 enabled ? look.text : look.text_disabled);
 }
 
 void paint_spin(window_control* spin, HWND hwnd) {

@@ -32,8 +32,9 @@ struct procedures_state {
     bool exit_cleaned;  // exit_cleanup ran
     std::int32_t window_depth;
     std::uintptr_t last_timer;
-    platform::WNDPROC edit_procedure;  // of "edit", before ours
-    platform::WPARAM last_key;         // the last character typed into a box
+    platform::WNDPROC edit_procedure;    // of "edit", before ours
+    platform::WNDPROC button_procedure;  // of "button", before ours
+    platform::WPARAM last_key;           // the last character typed into a box
     bool (*interception)(platform::MSG*);
     monitor_list idle, cursor, focus, keyboard;
     platform::HWND cursor_window, focus_window;  // as the monitors were told last
@@ -65,6 +66,7 @@ void retire_window(fancy_window* window);
 // ---- Creation (create_window.cpp, create_controls.cpp)
 platform::LRESULT window_created(fancy_window* window, platform::HWND hwnd);
 void create_controls(fancy_window* window);
+const char* class_of(const fancy_window* window);
 bool start_up_wanted(const fancy_window* window);
 void window_started(fancy_window* window);  // message 0x406
 void post_start_up(fancy_window* window);
@@ -90,10 +92,12 @@ void change_timer_interval(platform::HWND hwnd, double seconds);
 bool close_window(fancy_window* window);
 void window_destroyed(fancy_window* window);
 void monitor_pending_close();
+void close_all_windows();
 
 // ---- Data entry and buttons
 void show_prompts(fancy_window* window);
 void subclass_edit(window_control* control);
+void subclass_button(window_control* control);
 // A button that the library draws: which class procedure serves it, and its label.
 bool drawn_button(const window_control* control);
 const char* button_label(const window_control* control);

@@ -24,9 +24,8 @@ bool drawn_on_wallpaper(const fancy_window* window, const window_control* contro
 // Of a program's two colours one may be the system's own: then that one gives way until the text
 // can be read.
 COLORREF text_colour_on(const window_control* control, COLORREF background) {
-    bool own_text = control->text_colour != GetSysColor(COLOR_WINDOWTEXT) &&
-                    control->text_colour != GetSysColor(COLOR_BTNTEXT);
-    return own_text ? control->text_colour : readable(control->text_colour, background);
+    if (control->text_colour != default_text_colour()) return control->text_colour;
+    return readable(control->text_colour, background);
 }
 
 bool is_child_area(const fancy_window* window, const window_control* control) {

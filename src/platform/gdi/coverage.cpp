@@ -11,9 +11,9 @@ namespace {
 constexpr float pi = 3.14159265F;
 constexpr std::int32_t band_rows = 16;
 
-// Chords so short that they leave the arc by less than a twentieth of a pixel.
+// Chords so short that they leave the arc by less than a fiftieth of a pixel.
 int chords(float radius, float angle) {
-    const float most = std::acos(std::max(1.0F - 0.05F / std::max(radius, 0.1F), -1.0F)) * 2;
+    const float most = std::acos(std::max(1.0F - 0.02F / std::max(radius, 0.1F), -1.0F)) * 2;
     return std::clamp(static_cast<int>(std::ceil(std::fabs(angle) / most)), 1, 512);
 }
 
@@ -21,19 +21,19 @@ int chords(float radius, float angle) {
 // x - 1 to pixel x. Edges left of the window count in its first column, edges right of it nowhere.
 class Band {
   public:
-    explicit Band(std::int32_t left, std::int32_t width)
-        : left_(static_cast<float>(left)),
-          width_(width),
-          sums_(std::size_t(width + 2) * band_rows),
-          first_(band_rows),
-          last_(band_rows) {}
+    void set_columns(std::int32_t left, std::int32_t width) {
+        left_ = static_cast<float>(left);
+        width_ = width;
+        const std::size_t size = std::size_t(width + 2) * band_rows;
+        if (sums_.size() < size) sums_.resize(size);
+    }
 
     void begin(std::int32_t top, std::int32_t rows) {
         top_ = top;
         rows_ = rows;
         std::fill_n(sums_.begin(), std::size_t(width_ + 2) * rows, 0.0F);
-        std::fill_n(first_.begin(), rows, width_ + 1);
-        std::fill_n(last_.begin(), rows, -1);
+        std::fill_n(first_, rows, width_ + 1);
+        std::fill_n(last_, rows, -1);
     }
 
     void add_edge(PointF a, PointF b) {
@@ -127,11 +127,24 @@ class Band {
         last_[row] = std::max(last_[row], column);
     }
 
-    float left_;
-    std::int32_t width_, top_ = 0, rows_ = 0;
+    float left_ = 0;
+    std::int32_t width_ = 0, top_ = 0, rows_ = 0;
     std::vector<float> sums_;
-    std::vector<std::int32_t> first_, last_;
+    std::int32_t first_[band_rows] = {}, last_[band_rows] = {};
 };
+
+// Storage that outlives one shape: most shapes are small and many.
+struct Scratch {
+    Band band;
+    std::vector<std::uint8_t> coverage;
+    std::vector<RECT> clips;
+    Path path;
+};
+
+Scratch& scratch() {
+    static auto* storage = new Scratch;
+    return *storage;
+}
 
 void paint_covered(const DeviceContext& dc, std::int32_t x, std::int32_t y,
                    const std::uint8_t* coverage, std::int32_t count, const Ink& ink) {
@@ -168,12 +181,16 @@ void fill_window(const DeviceContext& dc, const Path& path, const RECT& window, 
                  float opacity) {
     const RECT visible = intersection(window, dc.real_bounds);
     if (visible.empty()) return;
-    std::vector<RECT> clips;
+    Scratch& storage = scratch();
+    std::vector<RECT>& clips = storage.clips;
+    clips.clear();
     for_each_visible(dc, window, [&](const RECT& part) { clips.push_back(part); });
     if (clips.empty()) return;
     const float most = 255.0F * std::clamp(opacity, 0.0F, 1.0F);
-    Band band(window.left, window.width());
-    std::vector<std::uint8_t> coverage(window.width());
+    Band& band = storage.band;
+    band.set_columns(window.left, window.width());
+    std::vector<std::uint8_t>& coverage = storage.coverage;
+    if (coverage.size() < std::size_t(window.width())) coverage.resize(window.width());
     for (std::int32_t top = visible.top; top < visible.bottom; top += band_rows) {
         const std::int32_t rows = std::min(band_rows, visible.bottom - top);
         band.begin(top, rows);
@@ -206,14 +223,45 @@ RECT touched(const RectF& r) {
             whole(std::ceil(r.bottom))};
 }
 
-// Calls with the blocks around `inner`, from the touched pixels of `outer`: what isn't solid.
-template <typename Visit>
-void for_each_edge_block(const RECT& outer, const RECT& inner, Visit visit) {
-    visit(RECT{outer.left, outer.top, outer.right, inner.top});
-    visit(RECT{outer.left, inner.bottom, outer.right, outer.bottom});
-    visit(RECT{outer.left, inner.top, inner.left, inner.bottom});
-    visit(RECT{inner.right, inner.top, outer.right, inner.bottom});
+// A number, and one that whole-number coordinates can hold.
+bool is_sound(float v) {
+    return std::fabs(v) < 1e7F;
 }
+bool is_sound(const RectF& r) {
+    return is_sound(r.left) && is_sound(r.top) && is_sound(r.right) && is_sound(r.bottom) &&
+           r.left < r.right && r.top < r.bottom;
+}
+
+bool is_whole(float v) {
+    return v == std::floor(v);
+}
+
+// A rectangle with round corners, taken apart: only the corners, and sides that lie between
+// pixels, need the path.
+struct RoundedParts {
+    RECT outer;  // touched pixels
+    RECT inner;  // without the corners and the stroke
+    bool sharp;  // the sides lie on edges of pixels
+
+    RoundedParts(const RectF& rect, float inset_x, float inset_y)
+        : outer(touched(rect)),
+          inner(touched({std::ceil(rect.left + inset_x), std::ceil(rect.top + inset_y),
+                         std::floor(rect.right - inset_x), std::floor(rect.bottom - inset_y)})),
+          sharp(is_whole(rect.left) && is_whole(rect.top) && is_whole(rect.right) &&
+                is_whole(rect.bottom)) {}
+
+    RECT top() const { return {inner.left, outer.top, inner.right, inner.top}; }
+    RECT bottom() const { return {inner.left, inner.bottom, inner.right, outer.bottom}; }
+    RECT left() const { return {outer.left, inner.top, inner.left, inner.bottom}; }
+    RECT right() const { return {inner.right, inner.top, outer.right, inner.bottom}; }
+    template <typename Visit>
+    void each_corner(Visit visit) const {
+        visit(RECT{outer.left, outer.top, inner.left, inner.top});
+        visit(RECT{inner.right, outer.top, outer.right, inner.top});
+        visit(RECT{outer.left, inner.bottom, inner.left, outer.bottom});
+        visit(RECT{inner.right, inner.bottom, outer.right, outer.bottom});
+    }
+};
 
 }  // namespace
 
@@ -236,9 +284,13 @@ void Path::quarter_to(float cx, float cy, float x, float y) {
     const PointF centre{from.x + x - cx, from.y + y - cy};
     const float radius = std::max(std::fabs(cx - centre.x), std::fabs(cy - centre.y));
     const int steps = chords(radius, pi / 2);
+    const float step = pi / 2 / static_cast<float>(steps);
+    const float turn_c = std::cos(step), turn_s = std::sin(step);
+    float c = 1, s = 0;
     for (int i = 1; i < steps; ++i) {
-        const float angle = pi / 2 * static_cast<float>(i) / static_cast<float>(steps);
-        const float c = std::cos(angle), s = std::sin(angle);
+        const float next = c * turn_c - s * turn_s;
+        s = c * turn_s + s * turn_c;
+        c = next;
         line_to(centre.x + (from.x - centre.x) * c + (x - centre.x) * s,
                 centre.y + (from.y - centre.y) * c + (y - centre.y) * s);
     }
@@ -345,58 +397,65 @@ void Path::clear() {
 
 void fill_coverage(const DeviceContext& dc, const Path& path, const Ink& ink, float opacity) {
     for (const PointF& p : path.points()) {
-        if (!(std::fabs(p.x) < 1e7F && std::fabs(p.y) < 1e7F)) return;  // not a number, or absurd
+        if (!is_sound(p.x) || !is_sound(p.y)) return;
     }
     fill_window(dc, path, intersection(touched(path.bounds()), surface_bounds(dc)), ink, opacity);
 }
 
 void fill_rounded_real(const DeviceContext& dc, const RectF& rect, float rx, float ry,
                        const Ink& ink, float opacity) {
-    if (!(rect.left < rect.right && rect.top < rect.bottom)) return;
-    const RECT outer = touched(rect);
-    const RECT inner{static_cast<std::int32_t>(std::ceil(rect.left + rx)),
-                     static_cast<std::int32_t>(std::ceil(rect.top + ry)),
-                     static_cast<std::int32_t>(std::floor(rect.right - rx)),
-                     static_cast<std::int32_t>(std::floor(rect.bottom - ry))};
-    Path path;
+    if (!is_sound(rect)) return;
+    const RoundedParts parts(rect, rx, ry);
+    Path& path = scratch().path;
+    path.clear();
     path.add_rounded(rect, rx, ry);
-    if (inner.empty() || opacity < 1.0F) {
+    if (parts.inner.empty() || opacity < 1.0F || !parts.sharp) {
         fill_coverage(dc, path, ink, opacity);
         return;
     }
     const RECT all = surface_bounds(dc);
-    paint_block(dc, inner, ink);
-    for_each_edge_block(outer, inner, [&](const RECT& block) {
-        fill_window(dc, path, intersection(block, all), ink, opacity);
+    paint_block(dc, {parts.outer.left, parts.inner.top, parts.outer.right, parts.inner.bottom},
+                ink);
+    paint_block(dc, parts.top(), ink);
+    paint_block(dc, parts.bottom(), ink);
+    parts.each_corner([&](const RECT& corner) {
+        fill_window(dc, path, intersection(corner, all), ink, opacity);
     });
 }
 
 void stroke_rounded_real(const DeviceContext& dc, const RectF& rect, float rx, float ry,
                          float stroke, const Ink& ink, float opacity) {
-    if (!(rect.left < rect.right && rect.top < rect.bottom) || stroke <= 0) return;
+    if (!is_sound(rect) || !(stroke > 0)) return;
     const RectF hole{rect.left + stroke, rect.top + stroke, rect.right - stroke,
                      rect.bottom - stroke};
-    Path path;
+    Path& path = scratch().path;
+    path.clear();
     path.add_rounded(rect, rx, ry);
-    if (!(hole.left < hole.right && hole.top < hole.bottom)) {
-        fill_coverage(dc, path, ink, opacity);
-        return;
-    }
-    path.add_rounded(hole, std::max(rx - stroke, 0.0F), std::max(ry - stroke, 0.0F), true);
-    const float inset_x = std::max(rx, stroke), inset_y = std::max(ry, stroke);
-    const RECT outer = touched(rect);
-    const RECT inner{static_cast<std::int32_t>(std::ceil(rect.left + inset_x)),
-                     static_cast<std::int32_t>(std::ceil(rect.top + inset_y)),
-                     static_cast<std::int32_t>(std::floor(rect.right - inset_x)),
-                     static_cast<std::int32_t>(std::floor(rect.bottom - inset_y))};
-    if (inner.empty()) {
+    const bool hollow = hole.left < hole.right && hole.top < hole.bottom;
+    if (hollow)
+        path.add_rounded(hole, std::max(rx - stroke, 0.0F), std::max(ry - stroke, 0.0F), true);
+    const RoundedParts parts(rect, std::max(rx, stroke), std::max(ry, stroke));
+    if (!hollow || parts.inner.empty()) {
         fill_coverage(dc, path, ink, opacity);
         return;
     }
     const RECT all = surface_bounds(dc);
-    for_each_edge_block(outer, inner, [&](const RECT& block) {
-        fill_window(dc, path, intersection(block, all), ink, opacity);
+    parts.each_corner([&](const RECT& corner) {
+        fill_window(dc, path, intersection(corner, all), ink, opacity);
     });
+    if (!parts.sharp || !is_whole(stroke) || opacity < 1.0F) {
+        for (const RECT& side : {parts.top(), parts.bottom(), parts.left(), parts.right()}) {
+            fill_window(dc, path, intersection(side, all), ink, opacity);
+        }
+        return;
+    }
+    const auto width = static_cast<std::int32_t>(stroke);
+    RECT top = parts.top(), bottom = parts.bottom(), left = parts.left(), right = parts.right();
+    top.bottom = top.top + width;
+    bottom.top = bottom.bottom - width;
+    left.right = left.left + width;
+    right.left = right.right - width;
+    for (const RECT& side : {top, bottom, left, right}) paint_block(dc, side, ink);
 }
 
 }  // namespace tarn::platform

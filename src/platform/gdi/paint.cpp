@@ -89,7 +89,7 @@ void stroke_path(HDC handle, std::span<const PointF> points, float width, COLORR
 
 void fill_circle(HDC handle, PointF centre, float radius, COLORREF colour, float opacity) {
     const DeviceContext* dc = find_context(handle);
-    if (dc == nullptr || radius <= 0) return;
+    if (dc == nullptr || !(radius > 0)) return;
     const float r = real_length(*dc, radius);
     const PointF c{dc->exact_x(centre.x), dc->exact_y(centre.y)};
     Path path;
@@ -101,7 +101,8 @@ void fill_circle(HDC handle, PointF centre, float radius, COLORREF colour, float
 // drawn inside: what casts the shadow lies there.
 void draw_shadow(HDC handle, RectF rect, float radius, float spread, float opacity) {
     const DeviceContext* dc = find_context(handle);
-    if (dc == nullptr || spread <= 0) return;
+    if (dc == nullptr || !(spread > 0) || !(rect.left < rect.right && rect.top < rect.bottom))
+        return;
     const RectF r = real_rect(*dc, rect);
     const float corner = real_length(*dc, radius), reach = real_length(*dc, spread);
     const auto bound = [](float v) {
@@ -109,19 +110,32 @@ void draw_shadow(HDC handle, RectF rect, float radius, float spread, float opaci
     };
     const RECT area{bound(std::floor(r.left - reach)), bound(std::floor(r.top - reach)),
                     bound(std::ceil(r.right + reach)), bound(std::ceil(r.bottom + reach))};
-    for_each_visible(*dc, area, [&](const RECT& part) {
-        for (std::int32_t y = part.top; y < part.bottom; ++y) {
-            std::uint32_t* row = pixel_row(dc->surface, y);
-            for (std::int32_t x = part.left; x < part.right; ++x) {
-                const float away = distance_outside(r, corner, static_cast<float>(x) + 0.5F,
-                                                    static_cast<float>(y) + 0.5F);
-                if (away <= 0 || away >= reach) continue;
-                const float left = 1 - away / reach;
-                const float part_of = left * left * std::clamp(opacity, 0.0F, 1.0F);
-                row[x] = mix(row[x], 0xFF000000u, static_cast<std::uint32_t>(part_of * 255 + 0.5F));
+    const auto shade = [&](const RECT& strip) {
+        for_each_visible(*dc, strip, [&](const RECT& part) {
+            for (std::int32_t y = part.top; y < part.bottom; ++y) {
+                std::uint32_t* row = pixel_row(dc->surface, y);
+                for (std::int32_t x = part.left; x < part.right; ++x) {
+                    const float away = distance_outside(r, corner, static_cast<float>(x) + 0.5F,
+                                                        static_cast<float>(y) + 0.5F);
+                    if (away <= 0 || away >= reach) continue;
+                    const float left = 1 - away / reach;
+                    const float dark = left * left * std::clamp(opacity, 0.0F, 1.0F);
+                    row[x] =
+                        mix(row[x], 0xFF000000u, static_cast<std::uint32_t>(dark * 255 + 0.5F));
+                }
             }
-        }
-    });
+        });
+    };
+    const RECT inside{bound(std::ceil(r.left + corner)), bound(std::ceil(r.top + corner)),
+                      bound(std::floor(r.right - corner)), bound(std::floor(r.bottom - corner))};
+    if (inside.empty()) {
+        shade(area);
+        return;
+    }
+    shade({area.left, area.top, area.right, inside.top});
+    shade({area.left, inside.bottom, area.right, area.bottom});
+    shade({area.left, inside.top, inside.left, inside.bottom});
+    shade({inside.right, inside.top, area.right, inside.bottom});
 }
 
 }  // namespace tarn::platform

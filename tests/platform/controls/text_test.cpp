@@ -1,7 +1,6 @@
 // What stands below the controls: the text of an edit field with its lines, the items of a list,
 // letters.
 #include <gtest/gtest.h>
-
 #include <random>
 #include <string>
 
@@ -17,7 +16,8 @@ TEST(GapText, EqualsAStringAfterManyChanges) {
     std::string plain = "first\nsecond\n";
     text.assign(plain);
     std::mt19937 random(7);
-    const std::string pieces[] = {"", "x", "\n", "wide text with blanks", "\r\n", std::string(300, 'q')};
+    const std::string pieces[] = {
+        "", "x", "\n", "wide text with blanks", "\r\n", std::string(300, 'q')};
     for (int i = 0; i < 4000; ++i) {
         const std::size_t at = random() % (plain.size() + 1);
         const std::size_t removed = std::min<std::size_t>(random() % 40, plain.size() - at);

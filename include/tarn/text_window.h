@@ -118,7 +118,6 @@ void __add_window_menu(int32_t window, int32_t menu);
 /* mode 0 runs until the program is told to end, 1 does what is waiting, 2 as 1 but returns when the
  * program is told to end, 3 waits for something to do and does it. */
 void __yield_program_control(int32_t mode);
-void __temporary_yield(void);
 void __register_message_loop_hook(void (*function)(void));
 void __register_modeless_dialog_box(int32_t dialog);
 void __unregister_modeless_dialog_box(int32_t dialog);

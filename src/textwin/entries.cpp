@@ -251,9 +251,6 @@ TARN_EXPORT void __add_window_menu(std::int32_t window, std::int32_t menu) {
 TARN_EXPORT void __yield_program_control(std::int32_t mode) {
     yield_program_control(mode);
 }
-TARN_EXPORT void __temporary_yield() {
-    yield_program_control(1);
-}
 TARN_EXPORT void __register_message_loop_hook(void (*function)()) {
     register_message_loop_hook(function);
 }

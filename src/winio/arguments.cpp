@@ -61,6 +61,7 @@ Value behind(word reference) {
 }
 
 std::int32_t take_length(argument_source& from) {
+    if (from.length_list) return static_cast<std::int32_t>(va_arg(*from.length_list, word));
     if (!from.lengths || (from.length_count >= 0 && from.next_length >= from.length_count)) {
         quillpan_error("Internal error in C_string.");
         return -1;
@@ -74,13 +75,18 @@ void note_string(const char* variable, std::int32_t length) {
     building().last_length = length;
 }
 
+// A null pointer constant has no type of its own.
+bool accept_null(const void* value) {
+    return !value && !in_fortran() && accept_token("V");
+}
+
 template <class Value>
 Value* pointer_argument(argument_source& arguments, char letter, const char* fortran_text,
                         const char* c_text) {
     if (!begin_reader(arguments)) return nullptr;
     auto* value = reinterpret_cast<Value*>(arguments.next());
     const char token[3] = {'*', letter, 0};
-    if (!accept_token(token)) refuse(fortran_text, c_text);
+    if (!accept_token(token) && !accept_null(value)) refuse(fortran_text, c_text);
     return value;
 }
 
@@ -254,7 +260,7 @@ double* user_float_pointer(argument_source& arguments) {
 char** user_char_star_star_pointer(argument_source& arguments) {
     if (!begin_reader(arguments)) return nullptr;
     auto* value = reinterpret_cast<char**>(arguments.next());
-    if (!accept_token("**C")) refuse("a char**", "a char**");
+    if (!accept_token("**C") && !accept_null(value)) refuse("a char**", "a char**");
     return value;
 }
 
@@ -265,7 +271,7 @@ void** user_void_star_star_pointer(argument_source& arguments) {
     if (!at) return value;
     if (at[0] == '*' && at[1] == '*') {
         at = token_end(at);
-    } else {
+    } else if (!accept_null(value)) {
         refuse("a void**", "a void**");
     }
     return value;
@@ -274,7 +280,8 @@ void** user_void_star_star_pointer(argument_source& arguments) {
 void* user_struct_pointer(argument_source& arguments, bool allow_j) {
     if (!begin_reader(arguments)) return nullptr;
     auto* value = reinterpret_cast<void*>(arguments.next());
-    const bool right = accept_token(in_fortran() ? "*I" : "*S") || (allow_j && accept_token("*J"));
+    const bool right = accept_token(in_fortran() ? "*I" : "*S") ||
+                       (allow_j && accept_token("*J")) || accept_null(value);
     if (!right) refuse("an integer array", "a pointer to a structure");
     return value;
 }
@@ -282,7 +289,7 @@ void* user_struct_pointer(argument_source& arguments, bool allow_j) {
 void* user_struct_star_star_pointer(argument_source& arguments) {
     if (!begin_reader(arguments)) return nullptr;
     auto* value = reinterpret_cast<void*>(arguments.next());
-    const bool right = accept_token("**S") || (!value && accept_token("I"));
+    const bool right = accept_token("**S") || (!value && accept_token("I")) || accept_null(value);
     if (!right) refuse("a ** pointer to a structure", "a ** pointer to a structure");
     return value;
 }
@@ -294,7 +301,8 @@ char* user_char_pointer(argument_source& arguments) {
     const std::int32_t length = in_fortran() ? take_length(arguments) : 0;
     note_string(value, length);
     // A null pointer in C may have been written as a plain 0.
-    const bool right = accept_token("*C") || (!in_fortran() && !value && accept_token("I"));
+    const bool right =
+        accept_token("*C") || (!in_fortran() && !value && accept_token("I")) || accept_null(value);
     if (!right) refuse("a character variable", "a char*");
     return value;
 }
@@ -304,7 +312,7 @@ char* user_string(argument_source& arguments) {
     auto* value = reinterpret_cast<char*>(arguments.next());
     std::int32_t length = in_fortran() ? take_length(arguments) : -1;
     note_string(value, length);
-    if (!accept_token("*C")) {
+    if (!accept_token("*C") && !accept_null(value)) {
         refuse("a character variable or array", "a character array or a character pointer");
         return nullptr;
     }

@@ -67,7 +67,8 @@ struct argument_source {
     const std::int32_t* lengths = nullptr;  // Fortran: of its character arguments, in order
     std::int32_t length_count = 0;
     std::int32_t next_length = 0;
-    bool fortran = false;  // every argument by reference
+    std::va_list* length_list = nullptr;  // or they follow in a list of their own
+    bool fortran = false;                 // every argument by reference
     // How the source spells each argument behind the format, for messages; null: not known. In such
     // a call the type of a constant or an expression, which nothing may be bound to, is told in
     // lower case: `*i` where a variable's is `*I`.

@@ -1,4 +1,4 @@
-// The blocks of buttons.
+// The blocks of buttons, and what the library draws of them itself.
 #pragma once
 
 #include <cstdint>
@@ -14,7 +14,7 @@ struct button_face {  // %bt, %bb, %tt, %tb
     std::int32_t value;
     std::int32_t lines;
     std::uint8_t accelerator;
-    std::uint8_t flags;  // 1 default, 4 pressed, 8 has the focus, 0x10 keep the icon's colours
+    std::uint8_t flags;  // 1 default, 0x10 keep the icon's colours
 };
 struct Xbutton {  // %bn
     char* caption;
@@ -29,5 +29,53 @@ struct Xbutton {  // %bn
 };
 Xbutton* new_button_block();
 std::int32_t take_button_value();  // %id's, or the next number
+
+struct button_cell {
+    char* label;
+    char* help;
+    std::int32_t* state;  // 1 up, 2 down, 3 grey, 4 and 5 up; others show nothing
+    call_back callback;
+    call_back grey_test;
+    platform::HBITMAP picture;
+    std::int32_t left, top, right, bottom;  // pixels in the control
+    std::int32_t grey_now;
+    bool hovered, pressed;
+};
+struct constructed_button {  // %ib
+    std::int32_t count;
+    std::int32_t current;  // cell under the pointer, -1 none
+    std::uint32_t flags;   // 1 flat, 2 const_width, 4 const_height, 8 coloured, 0x20 mouse_hover
+    button_cell* cells;
+};
+struct multibutton {  // %mb
+    std::int32_t *enable, *styles, *images, *order;
+    HMENU menu;
+    std::uint32_t style, ilc_flags;
+    std::int32_t standard_set, count, button_width, button_height;
+    std::uint32_t position;
+    COLORREF mask;
+    std::uint8_t flags;  // 1 standard images, 2 arrows, 8 adjustable, 0x20 strings, 0x40 list
+    char *strip, *texts, *help;
+};
+
+// ---- Pictures: built-in ones by name, and bitmap files.
+// A name is a resource's, or the byte 0xFF and a system icon's number of 16 bits.
+HICON find_icon(const char* name);
+std::int32_t GetIconSize(const char* name);  // pixels; 0: none
+platform::HBITMAP load_resource(const char* name);
+// The bitmap's size, or that of the sign that stands for one that isn't found.
+platform::SIZE size_bitmap(const char* name);
+void draw_missing_picture(platform::HDC dc, const RECT& place);
+
+// ---- Drawing
+struct button_look {
+    COLORREF behind;  // at the corners
+    COLORREF face;    // no_colour: the theme's
+    COLORREF text;    // no_colour: the theme's
+    bool enabled, pressed, hovered, focused, is_default, flat;
+};
+// The face of a button without its label; the result is the colour to write with. `flat`: nothing
+// but the label shows until the pointer comes.
+COLORREF draw_button(platform::HDC dc, const RECT& place, const button_look& look);
 
 }  // namespace tarn::winio

@@ -16,10 +16,15 @@ struct thunk {
     word a, b, c, d, e, f;
     double value;
     std::int32_t length;
+    bool fortran;
+    const char* name;  // of the action
+    char* options;     // what stood in brackets behind the action's name
     call_back further;
     call_back second;  // of "+"
 };
 bool is_thunk(call_back function);
+// What runs in the end: the thunk's action, or the function itself.
+call_back action_of(call_back function);
 
 // What a call-back can ask for (parameters.h). A deferred call takes a copy of it.
 struct parameter_set {
@@ -85,7 +90,12 @@ struct callback_state {
     window_control* no_update_control;
     std::int32_t update_depth;  // inside careful_window_update
     bool control_update;        // __control_update runs
+    bool adjusting_grey;        // a grey test is asked: what it updates asks no tests
+    bool clipboard_refresh;     // a cut or paste runs: the window listens though it is busy
     std::int32_t callback_depth;
+    // What the call-back at work was called with, for actions that call others.
+    HWND call_handle;
+    bool call_from_user;
     char reason[64];  // private copy
 };
 callback_state& callbacks();
@@ -113,9 +123,12 @@ void window_update_f(void* variable);  // __window_update_f
 void control_update(void* variable);   // __control_update
 void careful_window_update(window_control* control, void* variable);
 void adjust_grey_controls(std::int32_t what);
+// 1: grey, 0: not. A test may do what any call-back may: look the window up again behind it.
+std::int32_t run_grey_test(call_back test);
 call_back GetGreyControlCheckFunction(call_back function);
 void AddGreyControlCheckFunctions();
 void gang_check(HWND handle, const std::int32_t* variable);
+switch_gang* find_gang(const fancy_window* window, const std::int32_t* variable);
 void handle_ga(code_call& call);
 void get_action_coordinates(window_control* control);
 
@@ -127,6 +140,9 @@ double quillpan_float(const char* name);
 void set_quillpan_info(const char* name, word value);
 void set_quillpan_string(const char* name, const char* text);
 void set_quillpan_float(const char* name, double value);
+// GRAPHICS_MOUSE_X and its like lie in callbacks().context; a room that learns of an event stores
+// them there.
+void set_quillpan_option(const char* text);  // __quillpan_option
 struct options_state {
     bool rgb_colours, alt_open_save, undefined_tests, rewrite_read_only, limit_errors, gdi_images,
         no_plot_depth_limit, overwrite_prompt;

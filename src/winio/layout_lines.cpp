@@ -193,8 +193,9 @@ void align_information() {
     }
 }
 
+// The extent itself grows by the margins later: a status bar may join it before.
 void apply_margins() {
-    window_builder& at = builder();
+    const window_builder& at = builder();
     fancy_window* window = current_window();
     for (window_control* c = window->first_control; c; c = c->next) {
         if (c->y < window->status_row) c->x += window->margin_left;
@@ -205,8 +206,6 @@ void apply_margins() {
         if (!(flags & not_last_column))
             c->width = window->margin_left + window->margin_right - c->x + at.max_x;
     }
-    at.max_x += window->margin_left + window->margin_right;
-    at.max_y += window->margin_top + window->margin_bottom;
 }
 
 }  // namespace tarn::winio

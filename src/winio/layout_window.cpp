@@ -83,29 +83,11 @@ struct origin {
 };
 
 origin choose_origin(const fancy_window* window, std::int32_t width, std::int32_t height) {
-    if (window->flags.dragged) {
-        POINT at;
-        GetCursorPos(at);
-        return {at.x + window->drag_x - width / 2, at.y + window->drag_y - height / 2, false};
-    }
+    if (window->flags.dragged) return {window->left - width / 2, window->top - height / 2, false};
     if (window->flags.explicit_position) return {window->left, window->top, false};
     if (window->flags.child) return {0, 0, false};
     return {std::max((GetSystemMetrics(SM_CXSCREEN) - width) / 2, 0),
             std::max((GetSystemMetrics(SM_CYSCREEN) - height) / 2, 0), true};
-}
-
-// %sz: the variables ask for a minimised or a maximised window with these values.
-void note_size_request(fancy_window* window) {
-    if (!window->size_x_var) return;
-    constexpr std::int32_t maximised = 0x7FFFFFFF;
-    const std::int32_t asked = *window->size_x_var;
-    if (asked == 1) {
-        window->flags.minimise = true;
-        window->flags.maximise = false;
-    } else if (asked == maximised) {
-        window->flags.maximise = true;
-        window->flags.minimise = false;
-    }
 }
 
 void take_location(fancy_window* window) {
@@ -191,7 +173,6 @@ void window_size_and_position(fancy_window* window) {
     window->top = at.centred ? at.y - frame.y / 2 : at.y;
     window->right = window->left + std::max(width + frame.x, window->min_width) - 1;
     window->bottom = window->top + std::max(height + frame.y, window->min_height) - 1;
-    note_size_request(window);
     take_location(window);
 }
 

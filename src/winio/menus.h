@@ -48,4 +48,25 @@ void destroy_all_menus(fancy_window* window);
 // The accelerator that a pressed key means: rewrites the message and says so.
 bool apply_accelerator(fancy_window* window, platform::MSG& message);
 
+// ---- Enhanced menus
+// -------------------------------------------------------------------------------- The grave form
+// of %mn and %pm: a text and one call-back.
+void read_enhanced_menu(code_call& call, bool popup);
+bool decode_enhanced_menu(fancy_window* window, const char* text, bool popup);
+void replace_enhanced_menu(std::int32_t handle, const char* text);
+void replace_enhanced_popup_menu(std::int32_t handle, const char* text);
+const char* enhanced_text(char* const* table, std::int32_t number);  // null: no such item
+
+// ---- Items and keys of an open window
+// ---------------------------------------------------------------
+menu_info* seek_menu(HMENU menu, bool fatal);
+std::int32_t add_menu_item(HMENU menu, const char* text, std::int32_t* grey, std::int32_t* check,
+                           call_back callback);
+bool remove_menu_item(std::int32_t id);
+void delete_menu_item(std::int32_t resource_id, std::int32_t mode);
+bool add_accelerator(HWND handle, const char* name, call_back callback);
+bool remove_accelerator(HWND handle, const char* name);
+bool send_accelerator(const char* name);
+std::uint32_t& popup_alignment();  // __align_popup_menu
+
 }  // namespace tarn::winio

@@ -88,20 +88,19 @@ void collect_co_reset(fancy_window& window);
 struct control_options {
     bool user_surface, handle, user_resize, metafile_resize;  // %gr, %dw, %og
     bool variable_size;                                       // %tv
-    bool adjustable, strings;                                 // %mb
     bool native, alternative;                                 // %br, %sl, %ps
     bool vertical, percentage, needs_drawn;                   // %br, %sl
     bool local_font, no_border, flush, limit_height;
     bool square, blinking, iconic, panel_given;
     std::int32_t panel, direction;
-    std::int32_t colour_rows;                  // %cl
-    std::int32_t button_width, button_height;  // %mb
-    std::int32_t graphs;                       // %pl
+    std::int32_t colour_rows;  // %cl
+    std::int32_t graphs;       // %pl
     bool x_array, independent, user_drawn, function_given;
     COLORREF background;  // no_colour: none
     std::uint32_t style;
 };
 // Every other code: its words are checked, and those that count are returned.
-control_options collect_other_options(code_call& call);
+// A control that has its record already (%ib, %mb) gets them there.
+control_options collect_other_options(code_call& call, window_control* control = nullptr);
 
 }  // namespace tarn::winio

@@ -1,8 +1,8 @@
 // Option lists of graphics, lists with columns, bars, toolbars and plots: each word is checked;
 // those that tell which arguments follow, or how large the control is, are returned.
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
-#include <vector>
 
 #include "platform/base/constants.h"
 #include "winio/options.h"
@@ -12,6 +12,8 @@ namespace tarn::winio {
 namespace {
 
 using word_action = void (*)(const option_reader& words, control_options& found);
+// These have their record already.
+using block_action = void (*)(const option_reader& words, void* block);
 
 bool is_one_of(const option_reader& words, std::initializer_list<std::string_view> of) {
     for (const std::string_view word : of) {
@@ -140,23 +142,55 @@ void local_font_word(const option_reader& words, control_options& found) {
     if (words.is("local_font")) found.local_font = true;
 }
 
-void mb_word(const option_reader& words, control_options& found) {
-    if (words.is("bt_wd=")) found.button_width = option_integer();
-    if (words.is("bt_ht=")) found.button_height = option_integer();
-    if (words.is("adjustable")) found.adjustable = true;
-    if (words.is("strings")) found.strings = true;
-    if (words.is("style_bits=")) {
-        found.style |=
-            static_cast<std::uint32_t>(std::strtoul(option_value().c_str(), nullptr, 16));
+void ib_block(const option_reader& words, void* block) {
+    auto& buttons = *static_cast<constructed_button*>(block);
+    if (words.is("flat")) buttons.flags |= 1;
+    if (words.is("const_width")) buttons.flags |= 2;
+    if (words.is("const_height")) buttons.flags |= 4;
+    if (words.is("coloured")) buttons.flags |= 8 | 1;
+    if (words.is("mouse_hover")) buttons.flags |= 0x20;
+}
+
+std::uint32_t option_hexadecimal() {
+    return static_cast<std::uint32_t>(std::strtoul(option_value().c_str(), nullptr, 16));
+}
+
+std::int32_t button_size() {
+    return std::clamp(option_integer(), 1, 1024);
+}
+
+void mb_block(const option_reader& words, void* block) {
+    auto& bar = *static_cast<multibutton*>(block);
+    fancy_window& window = *current_window();
+    if (words.is("ILC_bits=")) bar.ilc_flags = option_hexadecimal();
+    if (words.is("bt_wd=")) bar.button_width = button_size();
+    if (words.is("bt_ht=")) bar.button_height = button_size();
+    if (words.is("style_bits=")) bar.style |= option_hexadecimal();
+    if (words.is("border")) bar.style |= platform::WS_BORDER;
+    if (words.is("adjustable")) {
+        bar.style |= 0x20;
+        bar.flags |= 8;
     }
-    if (words.is("mask=")) get_option_colour();
-    fancy_window* window = current_window();
-    if (!window || records().passive) return;
-    if (words.is("bottom") && !window->flags.margins_given) window->margin_bottom = 20;
+    if (words.is("arrows")) bar.flags |= 2;
+    if (words.is("strings")) bar.flags |= 0x20;
+    if (words.is("list")) bar.flags |= 0x40;
+    if (words.is("view")) bar.standard_set = 4 | (bar.standard_set & 1);
+    if (words.is("hist")) bar.standard_set = 8 | (bar.standard_set & 1);
+    if (words.is("large")) {
+        bar.standard_set |= 1;
+        bar.button_width = bar.button_height = 24;
+    }
+    if (words.is("mask=")) bar.mask = get_option_colour();
+    if (words.is("bottom")) {
+        bar.style |= 3;
+        bar.position = 3;
+        if (!window.flags.margins_given) window.margin_bottom = 20;
+    }
     if (words.is("left")) {
-        found.vertical = true;
-        if (!window->flags.margins_given) window->margin_left = 16;
-        window->flags.multi_button_left = true;
+        bar.style |= 0x81;
+        bar.position = 0x81;
+        if (!window.flags.margins_given) window.margin_left = 16;
+        window.flags.multi_button_left = true;
     }
 }
 
@@ -316,18 +350,27 @@ struct collector {
     std::uint16_t code;
     const char* name;  // in messages
     word_action act;
+    block_action fill = nullptr;
 };
 
 const collector* collector_of(std::uint16_t code) {
     static const collector collectors[] = {
-        {code_of('B', 'R'), "%BR", br_word},         {code_of('B', 'V'), "%BV", lv_word},
-        {code_of('C', 'L'), "%CL", cl_word},         {code_of('D', 'W'), "%DW", dw_word},
-        {code_of('E', 'B'), "%EB", eb_word},         {code_of('E', 'Q'), "%EQ", local_font_word},
-        {code_of('G', 'R'), "%GR", gr_word},         {code_of('I', 'B'), "%IB or %SE", nothing},
-        {code_of('L', 'D'), "%LD", ld_word},         {code_of('L', 'V'), "%LV", lv_word},
-        {code_of('M', 'B'), "%MB", mb_word},         {code_of('O', 'G'), "%OG", og_word},
-        {code_of('P', 'B'), "%PB", local_font_word}, {code_of('P', 'S'), "%PS", ps_word},
-        {code_of('S', 'B'), "%SB", nothing},         {code_of('S', 'L'), "%SL", sl_word},
+        {code_of('B', 'R'), "%BR", br_word},
+        {code_of('B', 'V'), "%BV", lv_word},
+        {code_of('C', 'L'), "%CL", cl_word},
+        {code_of('D', 'W'), "%DW", dw_word},
+        {code_of('E', 'B'), "%EB", eb_word},
+        {code_of('E', 'Q'), "%EQ", local_font_word},
+        {code_of('G', 'R'), "%GR", gr_word},
+        {code_of('I', 'B'), "%IB or %SE", nothing, ib_block},
+        {code_of('L', 'D'), "%LD", ld_word},
+        {code_of('L', 'V'), "%LV", lv_word},
+        {code_of('M', 'B'), "%MB", nothing, mb_block},
+        {code_of('O', 'G'), "%OG", og_word},
+        {code_of('P', 'B'), "%PB", local_font_word},
+        {code_of('P', 'S'), "%PS", ps_word},
+        {code_of('S', 'B'), "%SB", nothing},
+        {code_of('S', 'L'), "%SL", sl_word},
         {code_of('T', 'V'), "%TV", tv_word},
     };
     for (const collector& entry : collectors) {
@@ -338,11 +381,10 @@ const collector* collector_of(std::uint16_t code) {
 
 }  // namespace
 
-control_options collect_other_options(code_call& call) {
+control_options collect_other_options(code_call& call, window_control* control) {
     control_options found{};
     found.background = no_colour;
     found.colour_rows = 2;
-    found.button_width = found.button_height = 16;
     if (call.code == code_of('P', 'L')) {
         collect_plot(call, found);
         return found;
@@ -350,7 +392,10 @@ control_options collect_other_options(code_call& call) {
     const collector* entry = collector_of(call.code);
     if (!entry) return found;
     option_reader words(call, call.code, entry->name);
-    while (words.next()) entry->act(words, found);
+    while (words.next()) {
+        entry->act(words, found);
+        if (entry->fill && control && control->block) entry->fill(words, control->block);
+    }
     if (call.code == code_of('B', 'R') && found.percentage && found.vertical) {
         quillpan_error("?Percentage option only permitted on horizontal bars");
         found.percentage = false;

@@ -212,7 +212,9 @@ void collect_ws_options(code_call& call, window_control* control) {
         if (words.position() == border_position) {
             control->style |= platform::WS_BORDER;
         } else {
-            control->data = (control->data & ~word{0xF}) | (words.position() - 1);
+            control->style =
+                (control->style & ~0xFu) | static_cast<std::uint32_t>(words.position() - 1);
+            control->data = words.position() - 1;
         }
     }
 }

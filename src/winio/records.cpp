@@ -7,6 +7,7 @@
 #include <cstring>
 
 #include "frame/console_lines.h"
+#include "platform/kernel/module.h"
 #include "winio/builder.h"
 #include "winio/layout.h"
 #include "winio/report.h"
@@ -214,7 +215,7 @@ fancy_window* new_fancy_window() {
         static_cast<std::uint16_t*>(allocate_zeroed(26 * 26 * sizeof(std::uint16_t)));
     window->control_var = &window->own_control_word;
     window->own_control_word = -1;
-    window->text_scale = 1.0;
+    window->text_scale = window->saved_text_scale = 1.0;
     window->centre_col = window->right_col = -1;
     window->design_number = -1;
     window->pivot_x = window->pivot_y = 10000000;
@@ -235,6 +236,7 @@ fancy_window* new_fancy_window() {
     flags.utf8 = state.utf8_default;
     flags.fixed_size = !state.old_resize;
     flags.own_background = state.class_defaults.has_background;
+    window->class_name = state.class_defaults.name;
     return window;
 }
 
@@ -280,6 +282,8 @@ void destroy_fancy_window(fancy_window* window) {
     if (window->window_number == state.next_window_number) --state.next_window_number;
     forget_bindings(window);
     free_chain(window->first_control);
+    free_chain(window->message_traps);
+    free_chain(window->timers);
     std::free(window->file_spec);
     std::free(window->filters);
     while (garbage_entry* entry = window->garbage) {
@@ -484,6 +488,16 @@ fancy_window* our_window(HWND hwnd) {
     if (fancy_window* window = fancy_window_from_handle(hwnd)) return window;
     window_control* control = control_from_window(hwnd, false);
     return control ? control->window : nullptr;
+}
+
+void* get_proc_addr(const char* name, const char* module) {
+    if (!name || !module) return nullptr;
+    for (const std::string& tried : {std::string(module), std::string(module) + "32"}) {
+        void* handle = platform::module_handle(tried.c_str());
+        if (!handle) handle = platform::load_library(tried.c_str());
+        if (handle) return platform::procedure_address(handle, name);
+    }
+    return nullptr;
 }
 
 bool utf8_enabled() {

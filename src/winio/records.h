@@ -245,6 +245,8 @@ struct window_flags {
     bool multi_button : 1;         // %mb
     bool multi_button_left : 1;    // %mb[left]
     bool min_height : 1;           // %co[min_height]
+    bool retired : 1;              // its record goes when its procedure is left
+    bool close_asked : 1;          // the %cc call-back runs
 };
 
 struct fancy_window {
@@ -311,6 +313,7 @@ struct fancy_window {
     window_location* location;
     double spin_step;
     double text_scale;
+    double saved_text_scale;  // before the last %ts
     std::int32_t *h_scroll_var, *h_scroll_page, *h_scroll_range, *v_scroll_var, *v_scroll_page,
         *v_scroll_range;
     word user_data;
@@ -349,6 +352,8 @@ struct fancy_window {
     HWND raw_parent;             // %`pa
     std::uint16_t* code_counts;  // of name_control: one a pair of letters
     std::int32_t control_count;
+    HWND focus_kept;              // the control that had the focus when another window took over
+    std::int32_t entered;         // activations of its procedure on the stack
     std::int32_t drag_x, drag_y;  // %dg
     window_flags flags;
 };
@@ -377,7 +382,10 @@ struct control_flags {
     bool owner_drawn : 1, icons : 1, colours : 1, sorted : 1, hover : 1, confirm : 1;
     bool constant_data : 1, fixed_width : 1, no_box : 1, multi_column : 1, extended : 1;
     bool limit_height : 1, drop_border : 1, local_font : 1, has_border : 1;
-    bool update_source : 1;  // careful_window_update's mark
+    bool update_source : 1;         // careful_window_update's mark
+    bool shown_valid : 1;           // the field holds what `shown` says
+    bool spin_run : 1;              // the spin acts at every second tick
+    bool pressed : 1, hovered : 1;  // of a button that the library draws
     bool no_move_now : 1;
 };
 
@@ -438,6 +446,8 @@ struct window_control {
     char* prompt;
     std::int32_t digits;
     double step;
+    word shown;      // %rd, %rf: the value in the field, as bits
+    word blank_for;  // initially_blank: the value that shows as nothing
     HWND alert;
     COLORREF saved_text_colour;
     std::int32_t item_height;  // %ls[height=]
@@ -493,6 +503,7 @@ struct records_state {
     std::int32_t gdi_limit;  // __max_gdi_objects; 0: none
     std::int32_t brush_and_pen_count, font_count;
     bool utf8_default;
+    bool utf8_chosen;                      // __enable_utf8: the locale isn't asked
     bool passive;                          // handlers count instead of store
     bool check_mode;                       // __winio_check
     bool creating;                         // CreateWindowExAW runs
@@ -551,6 +562,9 @@ window_control* control_from_window(HWND hwnd, bool closed_too);
 fancy_window* window_from_control_variable(const std::int32_t* variable);
 HWND first_quillpan_hwnd();
 HWND hwnd_from_fortran_unit(std::int32_t unit);
+// The address of a routine of a module, which is loaded if it isn't there yet; also tried with "32"
+// behind the module's name. Null: there is none.
+void* get_proc_addr(const char* name, const char* module);
 fancy_window* our_window(HWND hwnd);  // the window itself, or the one that holds the control
 
 // ---- Fonts, brushes, pens

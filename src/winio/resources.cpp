@@ -23,19 +23,6 @@ std::int32_t find(const char* name, const named_number* table, std::size_t count
 
 }  // namespace
 
-HICON load_icon_resource(const char* name) {
-    static constexpr named_number icons[] = {{"errorIcon", platform::IDI_HAND},
-                                             {"warnIcon", platform::IDI_EXCLAMATION},
-                                             {"IDI_APPLICATION", platform::IDI_APPLICATION},
-                                             {"IDI_HAND", platform::IDI_HAND},
-                                             {"IDI_QUESTION", platform::IDI_QUESTION},
-                                             {"IDI_EXCLAMATION", platform::IDI_EXCLAMATION},
-                                             {"IDI_ASTERISK", platform::IDI_ASTERISK},
-                                             {"IDI_WINLOGO", platform::IDI_WINLOGO}};
-    const std::int32_t which = find(name, icons, std::size(icons));
-    return which != 0 ? platform::LoadSystemIcon(which) : HICON{};
-}
-
 HCURSOR load_cursor_resource(const char* name) {
     static constexpr named_number cursors[] = {
         {"CURSOR_ARROW", platform::IDC_ARROW},     {"CURSOR_IBEAM", platform::IDC_IBEAM},

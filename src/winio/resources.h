@@ -1,5 +1,5 @@
-// Pictures and fonts by name. Programs don't carry resources of their own yet: what is found are
-// the built-in ones, and picture files.
+// Cursors and fonts by name (icons and bitmaps: buttons.h). Programs don't carry resources of their
+// own yet: what is found are the built-in ones.
 #pragma once
 
 #include "platform/base/types.h"
@@ -7,7 +7,6 @@
 
 namespace tarn::winio {
 
-HICON load_icon_resource(const char* name);      // 0: none of that name
 HCURSOR load_cursor_resource(const char* name);  // 0: none of that name
 // Looks for the family; its description goes to `description`.
 bool font_exists(const char* name, LOGFONT& description);

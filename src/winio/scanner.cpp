@@ -1,9 +1,11 @@
 // The walk over a format: literal text, and codes with their modifiers and numbers.
 #include "winio/scanner.h"
 
+#include <algorithm>
 #include <cctype>
 #include <cstring>
 
+#include "winio/common_dialog.h"
 #include "winio/layout.h"
 #include "winio/report.h"
 
@@ -221,6 +223,15 @@ void report_unknown_code(const code_call& call) {
     quillpan_error("%s ", text.c_str());
 }
 
+// While a file dialog is being described nothing else may come.
+void refuse_other_than_dialog(const code_call& call) {
+    if (call.code == code_of('C', 'D') || call.code == code_of('E', 'X')) return;
+    auto* dialog = static_cast<common_dialog*>(get_preloaded_block(control_type::line_end));
+    if (!dialog) return;
+    delete dialog;
+    quillpan_error("The format code must not change with successive calls to winio@('%%cd')");
+}
+
 }  // namespace
 
 bool scan_format(const char* format, argument_source& arguments) {
@@ -241,6 +252,7 @@ void do_format_code(code_call& call) {
     builder_state& state = building();
     code_call* const outer = state.call;
     state.call = &call;
+    refuse_other_than_dialog(call);
     process_preload_state(call);
     const code_handler handler = handler_of(call.code);
     if (!handler) {

@@ -266,6 +266,7 @@ void lay_out(fancy_window& window) {
     builder().max_x += window.margin_left + window.margin_right;
     builder().max_y += window.margin_top + window.margin_bottom;
     colour_texts(window);
+    AddGreyControlCheckFunctions();
 }
 
 // %nw: the new menu goes to its window, and whatever was current is so again.
@@ -328,7 +329,7 @@ std::int32_t finish_window() {
     }
     if (builder().box) {
         quillpan_error("?Unclosed box");
-        while (builder().box) builder().box = builder().box->previous;
+        free_open_boxes();
     }
     if (window->design_number == 0 && !window->flags.design) return finish_data_window(*window);
     if (auto* dialog = static_cast<common_dialog*>(get_preloaded_block(control_type::line_end))) {

@@ -6,6 +6,7 @@
 
 #include "platform/user/user.h"
 #include "textwin/error_report.h"
+#include "winio/buttons.h"
 #include "winio/layout.h"
 #include "winio/options.h"
 #include "winio/report.h"
@@ -179,7 +180,7 @@ void take_class_setting(std::uint16_t code, const std::string& value) {
     class_settings& settings = records().class_defaults;
     switch (code) {
         case code_of('M', 'I'):
-            settings.icon = load_icon_resource(value.c_str());
+            settings.icon = find_icon(value.c_str());
             if (settings.icon == HICON{}) {
                 quillpan_error("?winclass@: %%MI icon %s not found", value.c_str());
             }

@@ -15,7 +15,7 @@ namespace tarn::fio {
 namespace {
 
 // Large enough that the system calls vanish in the work, small enough to stay in the cache.
-constexpr std::size_t first_capacity = std::size_t{1} << 16;
+constexpr std::size_t first_capacity = std::size_t{1} << 17;
 
 bool ensure_capacity(File& file, std::size_t capacity) {
     if (file.capacity >= capacity) return true;

@@ -36,6 +36,20 @@ char* put_logical(char* out, bool value, const FieldEdit& edit);
 // The items of list-directed output, without the separator before them: the fixed widths of the
 // dialect (INTEGER(4) 11, REAL(8) 25 ...), a COMPLEX as "(re,im)" right-justified as the dialect
 // has it.
+constexpr int list_integer_width(int kind) {
+    switch (kind) {
+        case 1:
+            return 4;
+        case 2:
+            return 6;
+        case 4:
+            return 11;
+        case 8:
+            return 20;
+        default:
+            return 40;
+    }
+}
 char* put_list_integer(char* out, Int128 value, int kind, const EditModes& modes);
 char* put_list_logical(char* out, bool value, int kind);
 char* put_list_real(char* out, const void* value, int kind, const EditModes& modes);

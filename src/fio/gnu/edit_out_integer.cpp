@@ -53,22 +53,6 @@ char* put_short(char* out, std::uint64_t magnitude, char sign, int w) {
     return out + length;
 }
 
-// Columns of an INTEGER in list-directed output.
-int list_width(int kind) {
-    switch (kind) {
-        case 1:
-            return 4;
-        case 2:
-            return 6;
-        case 4:
-            return 11;
-        case 8:
-            return 20;
-        default:
-            return 40;
-    }
-}
-
 char sign_of(bool negative, SignMode mode) {
     if (negative) return '-';
     return mode == SignMode::plus ? '+' : '\0';
@@ -147,7 +131,7 @@ char* put_list_integer(char* out, Int128 value, int kind, const EditModes& modes
     if (kind <= 8) {
         return put_short(
             out, static_cast<std::uint64_t>(magnitude), sign,
-            std::max(list_width(kind),
+            std::max(list_integer_width(kind),
                      decimal_length(static_cast<std::uint64_t>(magnitude)) + (sign != 0 ? 1 : 0)));
     }
     char buffer[decimal_room];
@@ -155,7 +139,7 @@ char* put_list_integer(char* out, Int128 value, int kind, const EditModes& modes
     const char* digits = put_magnitude(magnitude, end);
     const std::int64_t needed = end - digits + (sign != 0 ? 1 : 0);
     return put_whole(out, digits, end - digits, sign,
-                     std::max<std::int64_t>(list_width(kind), needed), absent);
+                     std::max<std::int64_t>(list_integer_width(kind), needed), absent);
 }
 
 char* put_list_logical(char* out, bool value, int) {

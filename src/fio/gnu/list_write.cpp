@@ -1,4 +1,4 @@
-#include "fio/gnu/edit_out.h"
+#include "fio/gnu/edit_out_quick.h"
 #include "fio/gnu/internal_file.h"
 #include "fio/gnu/items.h"
 #include "fio/gnu/options.h"
@@ -48,13 +48,15 @@ void put_list_characters(Statement& s, const char* text, int kind, std::size_t l
 // The first item stands one column in; two character values in a row have nothing between them.
 void put_separator(Statement& s, ItemType type) {
     const bool character = type == ItemType::character;
-    if (!s.list_begun) {
-        s.list_begun = true;
-        put_byte(s, ' ');
-    } else if (!character || !s.list_after_character || s.modes.delim != Delim::none) {
-        put_text(s, gnu_options().list_separator);
-    }
+    const bool first = !s.list_begun;
+    const bool joined = character && s.list_after_character && s.modes.delim == Delim::none;
+    s.list_begun = true;
     s.list_after_character = character;
+    if (first) return put_byte(s, ' ');
+    if (joined) return;
+    const std::string& separator = gnu_options().list_separator;
+    if (separator.size() == 1) return put_byte(s, separator[0]);
+    put_text(s, separator);
 }
 
 // The numeric fields are made aside where the record might have no room for the widest of them.
@@ -69,7 +71,29 @@ void put_field(Statement& s, Put put) {
     put_characters(s, field, 1, length);
 }
 
-void put_item(Statement& s, ItemType type, const char* item, int kind, std::size_t size) {
+// The quick roads put a number at the end of what the record holds; false: nothing has happened.
+bool has_quick_room(const Statement& s) {
+    return s.limit - s.cursor >= static_cast<std::ptrdiff_t>(list_item_bound) && s.cursor >= s.high;
+}
+
+bool put_quick_integer(Statement& s, const char* item, int kind) {
+    if (!has_quick_room(s) || kind > 8 || s.modes.sign == SignMode::plus) return false;
+    char* const end = quick_put_integer(s.cursor, load_word(item, kind), list_integer_width(kind));
+    if (end == nullptr) return false;
+    s.cursor = s.high = end;
+    return true;
+}
+
+bool put_quick_real(Statement& s, const char* item, int kind) {
+    if (!has_quick_room(s)) return false;
+    char* const end = quick_put_list_real(s.cursor, item, kind, s.modes);
+    if (end == nullptr) return false;
+    s.cursor = s.high = end;
+    return true;
+}
+
+[[gnu::noinline]] void put_any_item(Statement& s, ItemType type, const char* item, int kind,
+                                    std::size_t size) {
     switch (type) {
         case ItemType::integer:
             return put_field(s, [&](char* out) {
@@ -91,11 +115,15 @@ void put_item(Statement& s, ItemType type, const char* item, int kind, std::size
 
 }  // namespace
 
-void write_list_item(Statement& s, ItemType type, void* item, int kind, std::size_t size) {
+void write_list_item(Statement& s, ItemType type, void* at, int kind, std::size_t size) {
     if (s.failed) return;
     put_separator(s, type);
-    if (!s.failed) put_item(s, type, static_cast<const char*>(item), kind, size);
+    if (s.failed) return;
     ++s.items;
+    const auto* const item = static_cast<const char*>(at);
+    if (type == ItemType::real && put_quick_real(s, item, kind)) return;
+    if (type == ItemType::integer && put_quick_integer(s, item, kind)) return;
+    put_any_item(s, type, item, kind, size);
 }
 
 void write_list(Statement& s, ItemType type, char* items, int kind, std::size_t size,

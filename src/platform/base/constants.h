@@ -229,6 +229,7 @@ enum : std::uint32_t {
     PM_NOREMOVE = 0,
     PM_REMOVE = 1,
 };
+inline constexpr std::intptr_t HTTRANSPARENT = -1;  // the window below is asked
 inline constexpr std::int32_t WHEEL_DELTA = 120;  // of one notch
 inline constexpr std::int32_t HWND_TOP = 0, HWND_BOTTOM = 1, HWND_TOPMOST = -1, HWND_NOTOPMOST = -2;
 inline constexpr std::int32_t CW_USEDEFAULT = INT32_MIN;

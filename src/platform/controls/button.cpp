@@ -25,10 +25,10 @@ struct Button : Control {
     std::string text, note;
     std::uint32_t type = BS_PUSHBUTTON;
     std::uint32_t check = 0;
-    bool pushed = false;         // drawn pressed
-    bool tracking = false;       // the mouse went down here and is held
+    bool pushed = false;    // drawn pressed
+    bool tracking = false;  // the mouse went down here and is held
     bool space_held = false;
-    bool on_arrow = false;       // the mouse is over a split button's arrow
+    bool on_arrow = false;  // the mouse is over a split button's arrow
     std::int32_t icon = 0, bitmap = 0;
 
     Shape shape() const;
@@ -92,7 +92,8 @@ RECT Button::arrow_rect() const {
     return rect;
 }
 
-// ---- Pressing ------------------------------------------------------------------------------------
+// ---- Pressing
+// ------------------------------------------------------------------------------------
 
 void Button::set_pushed(bool on) {
     if (pushed == on) return;
@@ -225,7 +226,8 @@ void Button::key(UINT message, WPARAM key_code, LPARAM lparam) {
     }
 }
 
-// ---- Painting ------------------------------------------------------------------------------------
+// ---- Painting
+// ------------------------------------------------------------------------------------
 
 // The label in `rect`: centred down it, on one line unless more were asked for and fit.
 void Button::draw_label(HDC dc, RECT rect, COLORREF colour, std::uint32_t align) {
@@ -257,9 +259,8 @@ void Button::paint_push(HDC dc, const RECT& rect) {
         label.right = arrow_rect().left;
         const COLORREF colour = button_text_colour(state);
         const float x = static_cast<float>(label.right);
-        RectF rule{x, static_cast<float>(rect.top + 4), x + line_width(dc),
-                   static_cast<float>(rect.bottom - 4)};
-        fill_rounded(dc, sharp(dc, rule), 0, colour, 0.3F);
+        RectF rule{x, static_cast<float>(rect.top + 4), x + 1, static_cast<float>(rect.bottom - 4)};
+        fill_rounded(dc, rule, 0, colour, 0.3F);
         draw_chevron(dc, {x + split_width / 2.0F - 0.5F, static_cast<float>(rect.height()) / 2}, 7,
                      Direction::down, colour);
     }
@@ -290,13 +291,12 @@ void Button::paint_push(HDC dc, const RECT& rect) {
 void Button::paint_link(HDC dc, const RECT& rect) {
     const Theme& look = theme();
     const bool live = enabled();
-    const RectF r = sharp(dc, to_f(rect));
+    const RectF r = to_f(rect);
     if (live && (hovered || looks_pushed())) {
         fill_rounded(dc, r, look.corner, looks_pushed() ? look.button_pressed : look.button_hover);
     }
     if (live && (is_default() || hovered)) {
-        stroke_rounded(dc, r, look.corner, line_width(dc),
-                       is_default() ? look.accent : look.border_strong);
+        stroke_rounded(dc, r, look.corner, 1, is_default() ? look.accent : look.border_strong);
     }
     const COLORREF colour = live ? look.text : look.text_disabled;
     RECT needed{0, 0, std::max(1, rect.width() - 36), 1000};
@@ -345,10 +345,12 @@ void Button::paint_mark(HDC dc, const RECT& rect, const Colours& colours) {
     box.bottom = box.top + size;
 
     const bool round = shape() == Shape::radio;
-    const RectF b = sharp(dc, to_f(box));
+    const RectF b = to_f(box);
     const float radius = round ? (b.right - b.left) / 2 : look.small_corner;
     if (check != 0) {
-        COLORREF face = looks_pushed() ? look.accent_pressed : hovered ? look.accent_hover : look.accent;
+        COLORREF face = looks_pushed() ? look.accent_pressed
+                        : hovered      ? look.accent_hover
+                                       : look.accent;
         if (!live) face = look.text_disabled;
         fill_rounded(dc, b, radius, face);
         const COLORREF mark = live ? look.accent_text : look.window;
@@ -356,18 +358,20 @@ void Button::paint_mark(HDC dc, const RECT& rect, const Colours& colours) {
             fill_circle(dc, {(b.left + b.right) / 2, (b.top + b.bottom) / 2}, radius * 0.4F, mark);
         } else if (check == BST_INDETERMINATE) {
             const float cy = (b.top + b.bottom) / 2;
-            fill_rounded(dc, sharp(dc, {b.left + 3.5F, cy - 1, b.right - 3.5F, cy + 1}), 0, mark);
+            fill_rounded(dc, {b.left + 3.5F, cy - 1, b.right - 3.5F, cy + 1}, 0, mark);
         } else {
             draw_check_mark(dc, box, mark);
         }
     } else {
         COLORREF face = look.window;
-        if (!live) face = look.button_disabled;
-        else if (looks_pushed()) face = look.button_pressed;
+        if (!live)
+            face = look.button_disabled;
+        else if (looks_pushed())
+            face = look.button_pressed;
         COLORREF edge = !live ? look.border : hovered ? look.border_hover : look.border_strong;
         if (live && looks_pushed()) edge = look.accent;
         fill_rounded(dc, b, radius, face);
-        stroke_rounded(dc, b, radius, line_width(dc), edge);
+        stroke_rounded(dc, b, radius, 1, edge);
     }
 
     RECT label = rect;
@@ -393,7 +397,7 @@ void Button::paint_mark(HDC dc, const RECT& rect, const Colours& colours) {
         ring.top += spare;
         ring.bottom -= spare;
     }
-    stroke_rounded(dc, sharp(dc, to_f(ring)), look.small_corner, line_width(dc), look.focus_ring);
+    stroke_rounded(dc, to_f(ring), look.small_corner, 1, look.focus_ring);
 }
 
 void Button::paint_group(HDC dc, const RECT& rect, const Colours& colours) {
@@ -409,7 +413,7 @@ void Button::paint_group(HDC dc, const RECT& rect, const Colours& colours) {
     if (!text.empty()) {
         ExcludeClipRect(dc, {label.left - 4, label.top, label.right + 4, label.bottom});
     }
-    stroke_rounded(dc, sharp(dc, frame), look.corner, line_width(dc), look.border);
+    stroke_rounded(dc, frame, look.corner, 1, look.border);
     RestoreDC(dc, state);
     if (text.empty()) return;
     SetTextColor(dc, enabled() ? colours.text : disabled_text(colours));
@@ -438,8 +442,8 @@ void Button::paint() {
     const Shape kind = shape();
     const bool on_face = kind == Shape::check || kind == Shape::radio || kind == Shape::group;
     const Theme& look = theme();
-    const Colours colours = ask_colours(*this, dc, on_face ? WM_CTLCOLORSTATIC : WM_CTLCOLORBTN,
-                                        look.text, look.face);
+    const Colours colours =
+        ask_colours(*this, dc, on_face ? WM_CTLCOLORSTATIC : WM_CTLCOLORBTN, look.text, look.face);
     if (dead) return;
     fill_back(dc, rect, colours);
     switch (kind) {
@@ -467,7 +471,8 @@ void Button::paint() {
     }
 }
 
-// ---- Messages ------------------------------------------------------------------------------------
+// ---- Messages
+// ------------------------------------------------------------------------------------
 
 LRESULT Button::handle_own(UINT message, WPARAM wparam, LPARAM lparam) {
     switch (message) {
@@ -521,8 +526,8 @@ LRESULT Button::handle_own(UINT message, WPARAM wparam, LPARAM lparam) {
 LRESULT Button::handle(UINT message, WPARAM wparam, LPARAM lparam) {
     switch (message) {
         case WM_NCCREATE:
-            text = text_argument(reinterpret_cast<LPARAM>(
-                reinterpret_cast<const CREATESTRUCT*>(lparam)->lpszName));
+            text = text_argument(
+                reinterpret_cast<LPARAM>(reinterpret_cast<const CREATESTRUCT*>(lparam)->lpszName));
             type = style() & type_mask;
             break;
         case WM_STYLECHANGED:

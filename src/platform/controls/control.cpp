@@ -34,7 +34,9 @@ LRESULT copy_text(std::string_view text, WPARAM size, LPARAM buffer) {
 }
 
 Measure::Measure(const Control& control)
-    : hwnd_(control.hwnd), dc_(GetDC(control.hwnd)), old_(SelectObject(dc_, control_font(control))) {}
+    : hwnd_(control.hwnd),
+      dc_(GetDC(control.hwnd)),
+      old_(SelectObject(dc_, control_font(control))) {}
 
 Measure::~Measure() {
     SelectObject(dc_, old_);

@@ -46,7 +46,8 @@ template <char32_t (*Case)(char32_t)>
 std::string mapped(std::string_view utf8) {
     std::string result;
     result.reserve(utf8.size());
-    for (std::size_t at = 0; at < utf8.size();) append_utf8(result, Case(next_code_point(utf8, at)));
+    for (std::size_t at = 0; at < utf8.size();)
+        append_utf8(result, Case(next_code_point(utf8, at)));
     return result;
 }
 

@@ -2,9 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cmath>
-
-#include "platform/gdi/context.h"
 
 namespace tarn::platform {
 namespace {
@@ -67,26 +64,7 @@ RectF inset(RectF r, float by) {
     return {r.left + by, r.top + by, r.right - by, r.bottom - by};
 }
 
-RectF sharp(HDC dc, RectF r) {
-    const DeviceContext* context = find_context(dc);
-    if (context == nullptr) return r;
-    const auto scale = static_cast<float>(context->surface.scale);
-    const float x0 = context->exact_x(0);
-    const float y0 = context->exact_y(0);
-    const auto snap = [scale](float at, float zero) {
-        return (std::floor(at * scale + zero + 0.5F) - zero) / scale;
-    };
-    return {snap(r.left, x0), snap(r.top, y0), snap(r.right, x0), snap(r.bottom, y0)};
-}
-
-float line_width(HDC dc) {
-    const Surface* surface = surface_of(dc);
-    if (surface == nullptr) return 1.0F;
-    const auto scale = static_cast<float>(surface->scale);
-    return std::max(1.0F, std::floor(scale + 0.25F)) / scale;
-}
-
-void draw_field_outline(HDC dc, const RECT& rect, FieldState state) {
+void draw_field_outline(HDC dc, const RECT& rect, FieldState state, float radius) {
     const Theme& look = theme();
     COLORREF colour = look.border_strong;
     if (!state.enabled) {
@@ -96,11 +74,37 @@ void draw_field_outline(HDC dc, const RECT& rect, FieldState state) {
     } else if (state.hovered) {
         colour = look.border_hover;
     }
-    stroke_rounded(dc, sharp(dc, to_f(rect)), look.corner, line_width(dc), colour);
+    stroke_rounded(dc, to_f(rect), radius, 1, colour);
+}
+
+// The colours are those of the parent's pixels just off each corner, so that they are right on any
+// background; the theme's where the parent shows nothing there.
+void fill_behind_corners(const Control& control, HDC dc, const RECT& rect) {
+    const HWND parent = GetParent(control.hwnd);
+    RECT place;
+    GetWindowRect(control.hwnd, place);
+    POINT corner{place.left, place.top};
+    ScreenToClient(parent, corner);
+    const std::int32_t w = place.width();
+    const std::int32_t h = place.height();
+    const HDC outside = GetDC(parent);
+    const std::int32_t reach = std::min({4, rect.width() / 2, rect.height() / 2});
+    for (const bool right : {false, true}) {
+        for (const bool bottom : {false, true}) {
+            COLORREF colour =
+                GetPixel(outside, corner.x + (right ? w : -1), corner.y + (bottom ? h : -1));
+            if (colour == CLR_INVALID) colour = theme().face;
+            RECT area = rect;
+            (right ? area.left : area.right) = right ? rect.right - reach : rect.left + reach;
+            (bottom ? area.top : area.bottom) = bottom ? rect.bottom - reach : rect.top + reach;
+            fill_rounded(dc, to_f(area), 0, colour);
+        }
+    }
+    ReleaseDC(parent, outside);
 }
 
 void draw_focus_ring(HDC dc, const RECT& rect, float radius) {
-    stroke_rounded(dc, sharp(dc, to_f(rect)), radius, ring_width, theme().focus_ring);
+    stroke_rounded(dc, to_f(rect), radius, ring_width, theme().focus_ring);
 }
 
 void draw_chevron(HDC dc, PointF c, float size, Direction direction, COLORREF colour) {
@@ -127,21 +131,24 @@ void draw_chevron(HDC dc, PointF c, float size, Direction direction, COLORREF co
 void draw_check_mark(HDC dc, const RECT& box, COLORREF colour) {
     const PointF c = middle(box);
     const float u = static_cast<float>(box.width()) / 14.0F;
-    const std::array<PointF, 3> points{
-        {{c.x - 3.4F * u, c.y + 0.2F * u}, {c.x - 1.1F * u, c.y + 2.5F * u}, {c.x + 3.4F * u, c.y - 2.4F * u}}};
+    const std::array<PointF, 3> points{{{c.x - 3.4F * u, c.y + 0.2F * u},
+                                        {c.x - 1.1F * u, c.y + 2.5F * u},
+                                        {c.x + 3.4F * u, c.y - 2.4F * u}}};
     stroke_path(dc, points, 1.7F * u, colour);
 }
 
 void draw_button_face(HDC dc, const RECT& rect, FaceState state) {
     const Theme& look = theme();
-    const RectF r = sharp(dc, to_f(rect));
+    const RectF r = to_f(rect);
     COLORREF face = look.button;
     COLORREF edge = look.border_strong;
     if (!state.enabled) {
         face = look.button_disabled;
         edge = look.border;
     } else if (state.is_default) {
-        face = state.pressed ? look.accent_pressed : state.hovered ? look.accent_hover : look.accent;
+        face = state.pressed   ? look.accent_pressed
+               : state.hovered ? look.accent_hover
+                               : look.accent;
         edge = face;
     } else if (state.pressed) {
         face = look.button_pressed;
@@ -150,7 +157,7 @@ void draw_button_face(HDC dc, const RECT& rect, FaceState state) {
         edge = look.border_hover;
     }
     fill_rounded(dc, r, look.corner, face);
-    if (edge != face) stroke_rounded(dc, r, look.corner, line_width(dc), edge);
+    if (edge != face) stroke_rounded(dc, r, look.corner, 1, edge);
 }
 
 COLORREF button_text_colour(FaceState state) {
@@ -177,11 +184,18 @@ void draw_window_border(const Control& control, FieldState state) {
     const std::uint32_t extended =
         static_cast<std::uint32_t>(GetWindowLong(control.hwnd, GWL_EXSTYLE));
     if (!control.has(WS_BORDER) && (extended & (WS_EX_CLIENTEDGE | WS_EX_STATICEDGE)) == 0) return;
+    constexpr float radius = 3;  // what a border of one pixel can show
     RECT rect;
     GetWindowRect(control.hwnd, rect);
     const HDC dc = GetWindowDC(control.hwnd);
     const RECT whole{0, 0, rect.width(), rect.height()};
-    draw_field_outline(dc, whole, state);
+    const std::int32_t saved = SaveDC(dc);
+    ExcludeClipRect(dc, {1, 1, whole.right - 1, whole.bottom - 1});
+    ExcludeClipRect(dc, {2, 0, whole.right - 2, whole.bottom});
+    ExcludeClipRect(dc, {0, 2, whole.right, whole.bottom - 2});
+    fill_behind_corners(control, dc, whole);
+    RestoreDC(dc, saved);
+    draw_field_outline(dc, whole, state, radius);
     ReleaseDC(control.hwnd, dc);
 }
 

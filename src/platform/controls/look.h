@@ -14,8 +14,8 @@ namespace tarn::platform {
 // one of the two colours gets the other one so that the text can be read.
 struct Colours {
     COLORREF text = 0, back = 0;
-    HBRUSH brush{};       // 0: none was given
-    bool hollow = false;  // the parent wants its own picture to be seen behind
+    HBRUSH brush{};                           // 0: none was given
+    bool hollow = false;                      // the parent wants its own picture to be seen behind
     bool own_text = false, own_back = false;  // chosen by the program
 };
 // `asker`: the window that the parent is told, for a part of a control.
@@ -28,16 +28,15 @@ enum class Direction : std::uint8_t { up, down, left, right };
 
 RectF to_f(const RECT& rect);
 RectF inset(RectF rect, float by);
-// Moves the edges to whole pixels of the surface behind `dc`, so that one-pixel lines are sharp at
-// any scale. `line_width` is one such line.
-RectF sharp(HDC dc, RectF rect);
-float line_width(HDC dc);
 
 // The outline of a field: its edge tells hover and focus.
 struct FieldState {
     bool enabled = true, hovered = false, focused = false;
 };
-void draw_field_outline(HDC dc, const RECT& rect, FieldState state);
+void draw_field_outline(HDC dc, const RECT& rect, FieldState state, float radius);
+// Paints what the parent shows around the control into the four corners of `rect`, which a rounded
+// shape then leaves open.
+void fill_behind_corners(const Control& control, HDC dc, const RECT& rect);
 // A ring for the keyboard focus, just inside `rect`.
 void draw_focus_ring(HDC dc, const RECT& rect, float radius);
 void draw_chevron(HDC dc, PointF centre, float size, Direction direction, COLORREF colour);

@@ -34,9 +34,10 @@ void Static::draw_words(HDC dc, const RECT& rect, const Colours& colours) const 
     const std::uint32_t t = type();
     std::uint32_t format = t == SS_CENTER ? DT_CENTER : t == SS_RIGHT ? DT_RIGHT : DT_LEFT;
     if (has(SS_NOPREFIX)) format |= DT_NOPREFIX;
+    if (has(SS_ENDELLIPSIS)) format |= DT_END_ELLIPSIS;
     const bool one_line = rect.height() < 2 * metric.tmHeight || t == SS_SIMPLE;
     if (one_line && text.find('\n') == std::string::npos) {
-        draw_line(dc, text, rect, format | DT_EXPANDTABS | (has(SS_ENDELLIPSIS) ? DT_END_ELLIPSIS : 0));
+        draw_line(dc, text, rect, format | DT_EXPANDTABS);
         return;
     }
     format |= DT_EXPANDTABS;
@@ -70,7 +71,7 @@ void Static::draw_by_parent(HDC dc, const RECT& rect) const {
     item.CtlType = ODT_STATIC;
     item.CtlID = static_cast<UINT>(GetDlgCtrlID(hwnd));
     item.itemAction = ODA_DRAWENTIRE;
-    item.itemState = enabled() ? 0 : ODS_DISABLED;
+    if (!enabled()) item.itemState = ODS_DISABLED;
     item.hwndItem = hwnd;
     item.hDC = dc;
     item.rcItem = rect;
@@ -85,12 +86,10 @@ void Static::paint() {
     const Colours colours = ask_colours(*this, dc, WM_CTLCOLORSTATIC, look.text, look.face);
     if (dead) return;
     const std::uint32_t t = type();
-    const auto solid = [&](COLORREF colour) {
-        fill_rounded(dc, to_f(rect), 0, colour);
-    };
+    const auto solid = [&](COLORREF colour) { fill_rounded(dc, to_f(rect), 0, colour); };
     const auto frame = [&](COLORREF colour) {
         fill_back(dc, rect, colours);
-        stroke_rounded(dc, sharp(dc, to_f(rect)), 0, line_width(dc), colour);
+        stroke_rounded(dc, to_f(rect), 0, 1, colour);
     };
     switch (t) {
         case SS_BLACKRECT:
@@ -111,11 +110,11 @@ void Static::paint() {
             fill_back(dc, rect, colours);
             RectF line = to_f(rect);
             if (t == SS_ETCHEDHORZ) {
-                line.bottom = line.top + line_width(dc);
+                line.bottom = line.top + 1;
             } else {
-                line.right = line.left + line_width(dc);
+                line.right = line.left + 1;
             }
-            fill_rounded(dc, sharp(dc, line), 0, look.border);
+            fill_rounded(dc, line, 0, look.border);
             return;
         }
         case SS_OWNERDRAW:
@@ -141,8 +140,8 @@ LRESULT Static::set_image(std::int32_t handle) {
 LRESULT Static::handle(UINT message, WPARAM wparam, LPARAM lparam) {
     switch (message) {
         case WM_NCCREATE:
-            text = text_argument(reinterpret_cast<LPARAM>(
-                reinterpret_cast<const CREATESTRUCT*>(lparam)->lpszName));
+            text = text_argument(
+                reinterpret_cast<LPARAM>(reinterpret_cast<const CREATESTRUCT*>(lparam)->lpszName));
             break;
         case WM_SETTEXT:
             if (const std::string_view to = text_argument(lparam); to != text) {

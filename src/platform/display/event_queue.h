@@ -18,6 +18,10 @@ class EventQueue {
     std::size_t injected() const { return injected_; }
 
     void push(Event event, bool injected = false) {
+        if (!injected && event.kind == Event::Kind::configure) {
+            push_configure(std::move(event));
+            return;
+        }
         if (!injected && merge(event)) return;
         compact();
         if (injected) ++injected_;
@@ -58,29 +62,41 @@ class EventQueue {
         entries_.erase(gone, entries_.end());
     }
 
+    // Only the last place counts, and what is to be shown is painted for it at once.
+    void push_configure(Event event) {
+        TopLevel window = event.window;
+        Event expose;
+        for (std::size_t i = taken_; i < entries_.size(); ++i) {
+            if (is_waiting(entries_[i], Event::Kind::expose, window))
+                expose = std::move(entries_[i].event);
+        }
+        erase([&](const Entry& entry) {
+            return is_waiting(entry, Event::Kind::configure, window) ||
+                   is_waiting(entry, Event::Kind::expose, window);
+        });
+        compact();
+        entries_.push_back({std::move(event), false});
+        if (expose.kind == Event::Kind::expose) entries_.push_back({std::move(expose), false});
+    }
+
+    static bool is_waiting(const Entry& entry, Event::Kind kind, TopLevel window) {
+        return !entry.injected && entry.event.kind == kind && entry.event.window == window;
+    }
+
     // Puts the event into one that waits already. A pointer move replaces only the last event,
-    // since a click between two of them belongs to its place; of configures only the last counts.
+    // since a click between two of them belongs to its place.
     bool merge(Event& event) {
         if (empty()) return false;
         if (event.kind == Event::Kind::pointer_move) {
             Entry& last = entries_.back();
-            if (last.injected || last.event.kind != event.kind || last.event.window != event.window)
-                return false;
+            if (!is_waiting(last, event.kind, event.window)) return false;
             last.event = std::move(event);
             return true;
         }
-        if (event.kind == Event::Kind::configure) {
-            erase([&](const Entry& entry) {
-                return !entry.injected && entry.event.kind == Event::Kind::configure &&
-                       entry.event.window == event.window;
-            });
-            return false;
-        }
         if (event.kind != Event::Kind::expose) return false;
         for (std::size_t i = taken_; i < entries_.size(); ++i) {
-            Event& waiting = entries_[i].event;
-            if (waiting.kind != Event::Kind::expose || waiting.window != event.window) continue;
-            RECT& rect = waiting.rect;
+            if (!is_waiting(entries_[i], Event::Kind::expose, event.window)) continue;
+            RECT& rect = entries_[i].event.rect;
             rect = {std::min(rect.left, event.rect.left), std::min(rect.top, event.rect.top),
                     std::max(rect.right, event.rect.right),
                     std::max(rect.bottom, event.rect.bottom)};

@@ -1,21 +1,20 @@
 #include "platform/display/memory.h"
 
 #include <algorithm>
-#include <cstdlib>
+#include <memory>
 #include <poll.h>
 #include <time.h>
 #include <utility>
 #include <vector>
 
 #include "platform/display/event_queue.h"
+#include "platform/display/pixel_store.h"
 
 namespace tarn::platform {
 namespace {
 
 // What the pretend manager puts around a framed window, logical.
 constexpr RECT frame_extents{1, 28, 1, 1};
-// More is a mistake of the caller's; a surface of this size takes a gigabyte.
-constexpr std::int32_t largest_side = 16384;
 
 DWORD now() {
     timespec at{};
@@ -37,8 +36,7 @@ struct Window {
     TopLevel disabled_by = 0;
     WindowState state = WindowState::normal;
     WindowState shown_state = WindowState::normal;  // what it comes back to from an icon
-    std::uint32_t* pixels = nullptr;
-    std::size_t capacity = 0;  // pixels
+    PixelStore pixels;
 };
 
 class MemoryDisplay final : public Display {
@@ -105,14 +103,14 @@ class MemoryDisplay final : public Display {
     SIZE screen_;
     POINT pointer_;
     TopLevel focused_ = 0, grab_ = 0;
-    std::vector<Window> windows_;  // from the lowest to the topmost
+    std::vector<std::unique_ptr<Window>> windows_;  // from the lowest to the topmost
     EventQueue queue_;
     Selection selections_[2];  // clipboard, PRIMARY
 };
 
 Window* MemoryDisplay::find(TopLevel id) {
-    for (Window& window : windows_) {
-        if (window.id == id) return &window;
+    for (auto& window : windows_) {
+        if (window->id == id) return window.get();
     }
     return nullptr;
 }
@@ -177,26 +175,25 @@ void MemoryDisplay::inject(const Event& event) {
 
 bool MemoryDisplay::open(TopLevel id, const TopLevelOptions& options) {
     if (find(id)) return false;
-    Window window;
-    window.id = id;
-    window.options = options;
-    window.client = options.client;
-    window.placed = options.position_given;
+    auto window = std::make_unique<Window>();
+    window->id = id;
+    window->options = options;
+    window->client = options.client;
+    window->placed = options.position_given;
     windows_.push_back(std::move(window));
     return true;
 }
 
 void MemoryDisplay::close(TopLevel id) {
     auto gone = std::find_if(windows_.begin(), windows_.end(),
-                             [id](const Window& window) { return window.id == id; });
+                             [id](const auto& window) { return window->id == id; });
     if (gone == windows_.end()) return;
-    TopLevel owner = gone->options.owner;
-    std::free(gone->pixels);
+    TopLevel owner = (*gone)->options.owner;
     windows_.erase(gone);
     queue_.drop(id);
     if (grab_ == id) grab_ = 0;
-    for (Window& window : windows_) {
-        if (window.disabled_by == id) window.disabled_by = 0;
+    for (auto& window : windows_) {
+        if (window->disabled_by == id) window->disabled_by = 0;
     }
     if (focused_ == id) {
         focused_ = 0;
@@ -319,7 +316,7 @@ void MemoryDisplay::set_modal(TopLevel id, TopLevel disabled_by) {
 
 void MemoryDisplay::raise(TopLevel id) {
     for (std::size_t i = 0; i < windows_.size(); ++i) {
-        if (windows_[i].id != id) continue;
+        if (windows_[i]->id != id) continue;
         auto at = windows_.begin() + static_cast<std::ptrdiff_t>(i);
         std::rotate(at, at + 1, windows_.end());
         return;
@@ -365,8 +362,8 @@ void MemoryDisplay::focus_another(TopLevel owner) {
         return;
     }
     for (std::size_t i = windows_.size(); i-- > 0;) {
-        if (!fits(windows_[i])) continue;
-        activate(windows_[i].id);
+        if (!fits(*windows_[i])) continue;
+        activate(windows_[i]->id);
         return;
     }
 }
@@ -374,32 +371,17 @@ void MemoryDisplay::focus_another(TopLevel owner) {
 // ---- Pictures, pointer, selections ----------------------------------------------------------
 
 Surface MemoryDisplay::surface(TopLevel id, std::int32_t width, std::int32_t height) {
-    Surface result;
-    result.scale = scale_;
-    Window* window = find(id);
-    if (!window || width <= 0 || height <= 0 || width > largest_side || height > largest_side)
-        return result;
-    std::size_t wanted = static_cast<std::size_t>(width) * static_cast<std::size_t>(height);
-    // A window that grew is likely to grow on; one that shrank a lot gives its storage back.
-    if (wanted > window->capacity || wanted < window->capacity / 4) {
-        std::size_t capacity = window->pixels ? wanted + wanted / 4 : wanted;
-        std::free(window->pixels);
-        window->pixels = static_cast<std::uint32_t*>(std::calloc(capacity, sizeof(std::uint32_t)));
-        window->capacity = window->pixels ? capacity : 0;
-        if (!window->pixels) return result;
-    }
-    result.pixels = window->pixels;
-    result.width = width;
-    result.height = height;
-    result.stride = width;
-    return result;
+    if (Window* window = find(id)) return window->pixels.fit(width, height, scale_);
+    Surface none;
+    none.scale = scale_;
+    return none;
 }
 
 void MemoryDisplay::warp_pointer(POINT screen) {
     pointer_ = {std::clamp(screen.x, 0, screen_.cx - 1), std::clamp(screen.y, 0, screen_.cy - 1)};
     Window* under = find(grab_);
     for (std::size_t i = windows_.size(); !under && i-- > 0;) {
-        Window& window = windows_[i];
+        Window& window = *windows_[i];
         if (window.mapped && window.state != WindowState::minimized &&
             window.client.contains(pointer_))
             under = &window;

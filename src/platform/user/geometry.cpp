@@ -9,12 +9,12 @@ namespace {
 
 // One table of metrics, in logical pixels at 96 dpi, whatever the display and its scale.
 constexpr std::int32_t caption_height = 30;
-constexpr std::int32_t frame_width = 4;     // sizable
+constexpr std::int32_t frame_width = 4;  // sizable
 constexpr std::int32_t border = 1;
 constexpr std::int32_t edge = 2;
 constexpr std::int32_t menu_height = 24;
 constexpr std::int32_t bar_width = 16;
-constexpr std::int32_t track_margin = 12;   // a maximised frame may stand out by this
+constexpr std::int32_t track_margin = 12;  // a maximised frame may stand out by this
 struct Metric {
     std::int32_t which, value;
 };
@@ -102,9 +102,8 @@ RECT frame_client(const Window& window, SIZE outer) {
     if (has_caption_of_ours(window)) r.top += caption_height;
     if (!window.is_child() && window.menu != HMENU{}) {
         const auto measure = menu_hooks().bar_height;
-        r.top += measure != nullptr
-                     ? measure(window.handle, window.menu, std::max(r.width(), 0))
-                     : menu_height;
+        r.top += measure != nullptr ? measure(window.handle, window.menu, std::max(r.width(), 0))
+                                    : menu_height;
     }
     // A bar that leaves no room is left out.
     if ((window.style & WS_VSCROLL) != 0 && r.width() >= bar_width) r.right -= bar_width;

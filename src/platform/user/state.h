@@ -21,9 +21,9 @@ struct WindowTable {
     std::vector<Slot> slots;
     std::int32_t first_free = -1, last_free = -1;
     std::vector<std::unique_ptr<WindowClass>> classes;
-    Window* top = nullptr;     // the Z order of top-levels
+    Window* top = nullptr;  // the Z order of top-levels
     Window* bottom = nullptr;
-    HWND oldest{}, newest{};   // top-levels in order of creation
+    HWND oldest{}, newest{};  // top-levels in order of creation
 };
 
 struct InputMessage {
@@ -42,18 +42,21 @@ struct Timer {
 
 struct Queue {
     std::deque<MSG> posted;
-    std::deque<Event> events;         // taken from the display, not yet looked at
-    std::deque<InputMessage> input;   // made from an event, not yet taken
-    std::vector<Timer> timers;        // the next one first
+    std::deque<Event> events;        // taken from the display, not yet looked at
+    std::deque<InputMessage> input;  // made from an event, not yet taken
+    std::vector<Timer> timers;       // the next one first
     std::uintptr_t next_timer_id = 0x7F00;
-    std::int64_t last_poll = 0;       // of the display
-    std::int64_t last_frame = 0;      // when something was presented
-    std::int64_t silent_since = 0;    // headless: since when only timers run; 0: not waiting
+    std::int64_t last_poll = 0;     // of the display
+    std::int64_t last_frame = 0;    // when something was presented
+    std::int64_t silent_since = 0;  // headless: since when only timers run; 0: not waiting
     std::int32_t quit_code = 0;
     bool quit = false;
-    bool idle = false;                // a wait was reached: paint whatever the time
-    bool in_frame = false;            // painting began, and goes on to its end
-    bool present_owed = false;
+    bool idle = false;             // a wait was reached: paint whatever the time
+    bool in_frame = false;         // painting began, and goes on to its end
+    bool unsettled = false;        // a window was shown and window_settled not told
+    bool fresh_marks = false;      // something was marked, not by painting itself
+    std::int32_t frame_left = 0;   // windows to paint until the frame ends
+    std::int32_t paint_depth = 0;  // WM_PAINT is being handled
 };
 
 struct TextTransfer {  // a text on its way to a procedure that gets it as it is
@@ -64,12 +67,13 @@ struct TextTransfer {  // a text on its way to a procedure that gets it as it is
 
 struct Input {
     HWND focus{}, active{}, capture{}, hover{};
-    TopLevel focus_asked = 0;          // the display was asked and hasn't answered
+    TopLevel display_focus = 0;  // the display says so
+    TopLevel focus_asked = 0;    // the display was asked and hasn't answered
     std::int64_t focus_asked_until = 0;
-    POINT pointer;                     // screen
+    POINT pointer;  // screen
     std::uint32_t modifiers = 0;
-    std::uint8_t keys[256] = {};       // bit 7 down, bit 0 toggled
-    InputMessage recent_keys[8];       // for TranslateMessage
+    std::uint8_t keys[256] = {};  // bit 7 down, bit 0 toggled
+    InputMessage recent_keys[8];  // for TranslateMessage
     std::uint32_t next_recent = 0;
     bool alt_alone = false, f10_alone = false;
     bool keyboard_cues = false;
@@ -90,14 +94,14 @@ struct Input {
     ScrollPart bar_hover_part = ScrollPart::none;
     HWND menu_hover{};
     HCURSOR cursor{};
-    std::int32_t cursor_count = 0;     // ShowCursor
+    std::int32_t cursor_count = 0;  // ShowCursor
 };
 
 struct Caret {
     HWND hwnd{};
-    RECT rect;                 // client
-    std::int32_t hidden = 1;   // HideCaret calls not undone
-    bool lit = true;           // phase of the blinking
+    RECT rect;                // client
+    std::int32_t hidden = 1;  // HideCaret calls not undone
+    bool lit = true;          // phase of the blinking
     std::int64_t still_from = 0;
 };
 
@@ -123,15 +127,17 @@ struct UserState {
     std::vector<Context> contexts;
     std::vector<Drop> drops;
     std::int32_t next_drop = 1;
-    std::int32_t dirty_windows = 0;    // to paint, in all trees
-    std::int32_t damaged = 0;          // top-levels that may have something to present
+    std::int32_t dirty_windows = 0;  // to paint, in all trees
+    std::int32_t damaged = 0;        // top-levels that may have something to present
     MenuHooks menus;
     HWND clipboard_owner{};
 };
 UserState& state();
 
-// ---- Time and the queue, for the files of this room ----------------------------------------------
+// ---- Time and the queue, for the files of this room
+// ----------------------------------------------
 std::int64_t clock_us();  // CLOCK_MONOTONIC
+inline constexpr std::int64_t frame_us = 16000;
 void start_timer(HWND hwnd, std::uintptr_t id, UINT period, TIMERPROC procedure, bool internal);
 void stop_timer(HWND hwnd, std::uintptr_t id, bool internal);
 void stop_timers_of(HWND hwnd);
@@ -140,8 +146,8 @@ void take_event(const Event& event);
 void take_pointer_event(const Event& event);
 void take_key_event(const Event& event);
 void take_drop_event(const Event& event);
-void queue_input(HWND hwnd, UINT message, WPARAM wparam, LPARAM lparam,
-                 std::string_view text = {});
+void forget_configures(HWND hwnd);  // asked for another place: older answers don't count
+void queue_input(HWND hwnd, UINT message, WPARAM wparam, LPARAM lparam, std::string_view text = {});
 void caret_presented(Window& top, CaretOverlay& overlay);
 void caret_owner_changed(HWND hwnd);
 void refresh_cursor();

@@ -137,6 +137,10 @@ bool modal_loop(HWND owner, bool (*done)(void*), void* context);
 extern void (*unanswered_wait)(const char* what);
 // Nothing is queued; armed timers aside.
 bool queue_is_idle();
+// Plays a script. Asked when the queue is idle: by a wait (`waiting`), or by a program that polls.
+// It puts events in and answers 0, or tells in how many milliseconds it wants to be asked again, or
+// -1: it has nothing left.
+extern std::int32_t (*script_step)(bool waiting);
 
 std::uintptr_t SetTimer(HWND hwnd, std::uintptr_t id, UINT milliseconds, TIMERPROC procedure);
 bool KillTimer(HWND hwnd, std::uintptr_t id);
@@ -212,6 +216,8 @@ bool IsClipboardFormatAvailable(UINT format);
 bool set_clipboard_text(std::string_view utf8);
 bool clipboard_text(std::string& utf8);
 bool set_clipboard_bitmap(HBITMAP bitmap);
+// The form in which a program reads text: line ends become CR LF.
+std::string with_cr_lf(std::string_view text);
 // PRIMARY: what was selected last, pasted by the middle button.
 void set_primary_text(std::string_view utf8);
 bool primary_text(std::string& utf8);
@@ -271,5 +277,7 @@ extern void (*window_settled)(HWND top_level);
 extern void (*window_going)(HWND top_level);
 // The surface of a top-level, painted up to date; null pixels for none.
 const Surface* window_surface(HWND top_level);
+// Where that picture is on the screen, logical: what the display's points of it count from.
+bool window_surface_rect(HWND top_level, RECT& screen);
 
 }  // namespace tarn::platform

@@ -150,8 +150,10 @@ std::vector<HWND> children_of(const Window& window) {
 void join_creation_order(Window& window) {
     WindowTable& table = state().windows;
     window.top->older = table.newest;
-    if (Window* const before = find(table.newest)) before->top->newer = window.handle;
-    else table.oldest = window.handle;
+    if (Window* const before = find(table.newest))
+        before->top->newer = window.handle;
+    else
+        table.oldest = window.handle;
     table.newest = window.handle;
 }
 

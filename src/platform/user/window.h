@@ -44,6 +44,7 @@ struct Top {
     bool placed = false;      // somebody chose its place
     bool size_owed = false;   // WM_SIZE and WM_MOVE wait for the first showing
     bool caret_here = false;  // the last present had a caret
+    bool accepts_files = false;  // it or a window in it once did
     CursorShape cursor = CursorShape::arrow;
     WindowState state = WindowState::normal;
     RECT normal_rect;    // to restore from minimised and maximised
@@ -74,17 +75,18 @@ struct Window {
     HMENU menu{};
     std::unique_ptr<unsigned char[]> extra;
     std::string title;
-    Region update;                  // client coordinates
-    std::int32_t dirty_below = 0;   // windows to paint in this tree, itself included
+    Region update;                 // client coordinates
+    std::int32_t dirty_below = 0;  // windows to paint in this tree, itself included
     std::int32_t pins = 0;
     std::unique_ptr<WindowScroll> bars[2];  // SB_HORZ, SB_VERT; made when first used
     std::unique_ptr<Top> top;
-    bool dirty : 1 = false;         // counted in dirty_below: update, frame_dirty or both
-    bool erase : 1 = false;         // the update region must be erased first
-    bool frame_dirty : 1 = false;   // border, bars, menu bar
-    bool no_redraw : 1 = false;     // WM_SETREDRAW off
-    bool dying : 1 = false;         // DestroyWindow runs
-    bool dead : 1 = false;          // its handle is stale
+    bool dirty : 1 = false;        // counted in dirty_below: update, frame_dirty or both
+    bool erase : 1 = false;        // the update region must be erased first
+    bool frame_dirty : 1 = false;  // border, bars, menu bar
+    bool paint_taken : 1 = false;  // BeginPaint came since WM_PAINT was sent
+    bool no_redraw : 1 = false;    // WM_SETREDRAW off
+    bool dying : 1 = false;        // DestroyWindow runs
+    bool dead : 1 = false;         // its handle is stale
     bool has_timers : 1 = false;
     bool accepts_files : 1 = false;
 
@@ -101,8 +103,8 @@ inline HWND handle_of(const Window* window) {
 inline TopLevel display_id(const Window& top) {
     return static_cast<TopLevel>(top.handle);
 }
-Window* new_window();          // in the table; null when it is full
-void bury(Window& window);     // its handle is stale from here on
+Window* new_window();       // in the table; null when it is full
+void bury(Window& window);  // its handle is stale from here on
 void release_pin(Window& window);
 
 class Pinned {
@@ -142,8 +144,8 @@ void join_creation_order(Window& window);
 void leave_creation_order(Window& window);
 
 // ---- Geometry ----------------------------------------------------------------------------------
-bool manager_frames(const Window& window);  // caption and border belong to the window manager
-Insets hidden_frame(const Window& window);  // what of the outer rectangle the manager draws
+bool manager_frames(const Window& window);        // caption and border belong to the window manager
+Insets hidden_frame(const Window& window);        // what of the outer rectangle the manager draws
 std::int32_t border_width(const Window& window);  // of the border that we draw
 bool has_caption_of_ours(const Window& window);   // a child with a caption
 RECT frame_client(const Window& window, SIZE outer);
@@ -164,16 +166,18 @@ void title_changed(Window& window);
 
 // ---- Painting ----------------------------------------------------------------------------------
 void invalidate(Window& window, const RECT& client, bool erase);
-void invalidate_all(Window& window);                        // frame, client and children
+void invalidate_all(Window& window);  // frame, client and children
 void invalidate_frame(Window& window);
-void expose_parent(Window& window, const RECT& outer);      // what lay under the window
-void forget_updates(Window& window);                        // of its whole tree
+void expose_parent(Window& window, const RECT& outer);  // what lay under the window
+void forget_updates(Window& window);                    // of its whole tree
 bool anything_dirty();
 Window* next_to_paint();
-void paint_tree(Window& window);                            // now, parents first
-void paint_frame(Window& window, HDC dc);                   // default WM_NCPAINT
-void release_contexts(Window& window);                      // it dies
-void surface_changed(Window& top);                          // contexts of the old one are turned over
+void paint_tree(Window& window);     // now, parents first
+LRESULT send_paint(Window& window);  // WM_PAINT to one
+void paint_frame_if_marked(Window& window);
+void paint_frame(Window& window, HDC dc);  // default WM_NCPAINT
+void release_contexts(Window& window);     // it dies
+void surface_changed(Window& top);         // contexts of the old one are turned over
 
 // ---- Top-levels and the display ----------------------------------------------------------------
 void open_top(Window& top);

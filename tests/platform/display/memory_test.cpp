@@ -69,7 +69,7 @@ TEST_F(MemoryDisplayTest, AnswersARequestOnceAndWithWhereItCameToRest) {
     EXPECT_EQ(events(), "1:configure 10,40,110,90 1:expose 1:focus_in");
     screen.place(1, {20, 50, 220, 150});
     screen.place(1, {30, 60, 230, 160});
-    EXPECT_EQ(events(), "1:expose 1:configure 30,60,230,160");
+    EXPECT_EQ(events(), "1:configure 30,60,230,160 1:expose");
     TopLevelOptions bounded = options({});
     bounded.minimum = {150, 100};
     screen.set_options(1, bounded);

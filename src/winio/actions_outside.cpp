@@ -1,0 +1,116 @@
+// Standard actions that reach outside the program, and those whose room isn't there yet.
+#include <cerrno>
+#include <fcntl.h>
+#include <signal.h>
+#include <string>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include "winio/actions.h"
+#include "winio/report.h"
+
+namespace tarn::winio {
+namespace {
+
+// The desktop's opener in a process of its own, whose parent is gone at once: nobody has to wait
+// for it. An error of the second process comes back through a pipe that its success closes.
+bool open_on_desktop(const char* what) {
+    int told[2];
+    if (pipe2(told, O_CLOEXEC) != 0) return false;
+    const pid_t child = fork();
+    if (child == 0) {
+        setsid();
+        const pid_t opener = fork();
+        if (opener == 0) {
+            sigset_t none;
+            sigemptyset(&none);
+            sigprocmask(SIG_SETMASK, &none, nullptr);
+            execlp("xdg-open", "xdg-open", what, static_cast<char*>(nullptr));
+            const int error = errno;
+            if (write(told[1], &error, sizeof error) < 0) _exit(126);
+        }
+        _exit(opener < 0 ? 126 : 0);
+    }
+    close(told[1]);
+    int error = child < 0 ? errno : 0;
+    if (child > 0) {
+        while (waitpid(child, nullptr, 0) < 0 && errno == EINTR) {
+        }
+        while (read(told[0], &error, sizeof error) < 0 && errno == EINTR) {
+        }
+    }
+    close(told[0]);
+    return error == 0;
+}
+
+// An argument that begins with a hyphen would be an option of the opener.
+bool open_name(const char* name) {
+    if (!name || !*name) return false;
+    const std::string what = (name[0] == '-' ? "./" : "") + std::string(name);
+    return open_on_desktop(what.c_str());
+}
+
+void show_missing_file(const char* file) {
+    const word arguments[1] = {reinterpret_cast<word>(file)};
+    internal_winio("%ca[MISSING FILE]%SI#Unable to open help file %ws\n\n%cn%`bt[OK]", "*C",
+                   arguments, 1);
+}
+
+bool can_be_read(const char* file) {
+    const int handle = open(file, O_RDONLY | O_CLOEXEC);
+    if (handle < 0) return false;
+    close(handle);
+    return true;
+}
+
+std::string text_at(word pointer) {
+    const auto* text = reinterpret_cast<const char*>(pointer);
+    return text ? text : "";
+}
+
+}  // namespace
+
+std::int32_t action_hyperlink() {
+    const std::string link = text_at(callbacks().current_thunk ? callbacks().current_thunk->a : 0);
+    if (!open_name(link.c_str()))
+        quillpan_error("?%s can't be opened: xdg-open failed", link.c_str());
+    return 2;
+}
+
+// Topics within a help file are the viewer's matter: the file is opened at its start.
+std::int32_t action_help() {
+    const std::string file = text_at(callbacks().current_thunk ? callbacks().current_thunk->a : 0);
+    if (!can_be_read(file.c_str())) {
+        show_missing_file(file.c_str());
+        return 1;
+    }
+    if (!open_name(file.c_str()))
+        quillpan_error("?%s can't be opened: xdg-open failed", file.c_str());
+    return 1;
+}
+
+// Hypertext isn't built yet, so that there is none to control.
+std::int32_t action_previous_text() {
+    quillpan_error("The PREVIOUS_TEXT callback cannot find any hypertext to control");
+    return 2;
+}
+std::int32_t action_text_history() {
+    quillpan_error("The TEXT_HISTORY callback cannot find any hypertext to control");
+    return 2;
+}
+std::int32_t action_copy_text() {
+    return 2;
+}
+
+// Nothing is printing.
+std::int32_t action_print_abort() {
+    return 0;
+}
+
+std::int32_t action_absent() {
+    const thunk* current = callbacks().current_thunk;
+    quillpan_error("?The standard action %s is not available yet", current ? current->name : "");
+    return 1;
+}
+
+}  // namespace tarn::winio

@@ -1,0 +1,23 @@
+// This file alone is compiled with -fexceptions: the frame of the call needs a cleanup for the
+// exceptions of compiled C++ and for a thread that is cancelled. Nothing is caught here.
+#include "winio/call_out.h"
+
+namespace tarn::winio {
+namespace {
+
+struct frame_guard {
+    const call_frame& frame;
+    bool returned = false;
+    ~frame_guard() { leave_call(frame, !returned); }
+};
+
+}  // namespace
+
+std::int32_t call_out(call_back action, const call_frame& frame) {
+    frame_guard guard{frame};
+    const std::int32_t result = action();
+    guard.returned = true;
+    return result;
+}
+
+}  // namespace tarn::winio

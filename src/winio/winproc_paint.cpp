@@ -1,0 +1,136 @@
+// Painting of a window's own area, the colours of its controls, and what the owner draws for them.
+#include "platform/gdi/theme.h"
+#include "winio/callbacks.h"
+#include "winio/layout.h"
+#include "winio/winproc.h"
+
+namespace tarn::winio {
+
+using namespace platform;
+
+namespace {
+
+window_control* control_with_handle(fancy_window* window, HWND hwnd) {
+    for (window_control* control = window->first_control; control; control = control->next)
+        if (control->hwnd == hwnd) return control;
+    return nullptr;
+}
+
+bool drawn_on_wallpaper(const fancy_window* window, const window_control* control) {
+    return window->flags.transparent_on_wallpaper && window->wallpaper &&
+           (control->type == control_type::text || control->type == control_type::static_string);
+}
+
+// Of a program's two colours one may be the system's own: then that one gives way until the text
+// can be read.
+COLORREF text_colour_on(const window_control* control, COLORREF background) {
+    if (control->text_colour != default_text_colour()) return control->text_colour;
+    return readable(control->text_colour, background);
+}
+
+bool is_child_area(const fancy_window* window, const window_control* control) {
+    if (!control->hwnd || drawn_on_wallpaper(window, control)) return false;
+    return (type_properties(control->type) & reports_position) != 0 ||
+           control->type == control_type::graphics || control->type == control_type::edit_box ||
+           control->type == control_type::mdi_frame;
+}
+
+bool overlaps(const RECT& a, const RECT& b) {
+    return a.left < b.right && b.left < a.right && a.top < b.bottom && b.top < a.bottom;
+}
+
+void exclude_children(fancy_window* window, HDC dc, const RECT& damage) {
+    for (const window_control* control = window->first_control; control; control = control->next) {
+        if (!is_child_area(window, control)) continue;
+        RECT area{control->left, control->top, control->right + 1, control->bottom + 1};
+        if (overlaps(area, damage) && IsWindowVisible(control->hwnd)) ExcludeClipRect(dc, area);
+    }
+}
+
+void draw_frames(fancy_window* window, HDC dc) {
+    for (window_control* control = window->first_control; control; control = control->next)
+        if (control->type == control_type::box_frame && !control->flags.undrawn)
+            draw_box(control, dc);
+}
+
+// %gd: lines every ten characters across and every line down, ticks between them.
+void draw_grid(HDC dc, const fancy_window* window, const RECT& client) {
+    HPEN pen = get_pen(PS_SOLID, 1, theme().border);
+    HGDIOBJ old = SelectObject(dc, pen);
+    std::int32_t unit_x = records().char_width, unit_y = records().char_height;
+    std::int32_t left = window->margin_left * unit_x / 4, top = window->margin_top * unit_y / 8;
+    for (std::int32_t x = left; x < client.right; x += 10 * unit_x) {
+        MoveToEx(dc, x, client.top);
+        LineTo(dc, x, client.bottom);
+    }
+    for (std::int32_t y = top; y < client.bottom; y += unit_y) {
+        MoveToEx(dc, client.left, y);
+        LineTo(dc, client.right, y);
+        for (std::int32_t x = left; x < client.right; x += unit_x) {
+            MoveToEx(dc, x, y - 2);
+            LineTo(dc, x, y + 3);
+        }
+    }
+    SelectObject(dc, old);
+}
+
+void draw_system_icon(const window_control* control, const DRAWITEMSTRUCT& item) {
+    FillRect(item.hDC, item.rcItem, get_brush(control->background));
+    if (control->grey && *control->grey == 0) return;
+    HICON icon = LoadSystemIcon(static_cast<std::int32_t>(control->system_icon));
+    if (!icon) return;
+    SIZE size;
+    if (!GetIconSize(icon, size)) return;
+    DrawIconEx(item.hDC, item.rcItem.left + (item.rcItem.width() - size.cx) / 2,
+               item.rcItem.top + (item.rcItem.height() - size.cy) / 2, icon, size.cx, size.cy);
+}
+
+}  // namespace
+
+LRESULT control_colours(fancy_window* window, HDC dc, HWND child) {
+    window_control* control = control_with_handle(window, child);
+    if (!control) return 0;
+    COLORREF background = control->background;
+    if (control->font) SelectObject(dc, control->font);
+    SetBkColor(dc, background);
+    SetTextColor(dc, text_colour_on(control, background));
+    if (drawn_on_wallpaper(window, control)) {
+        SetBkMode(dc, TRANSPARENT);
+        return static_cast<LRESULT>(GetStockObject(NULL_BRUSH));
+    }
+    return static_cast<LRESULT>(get_brush(background));
+}
+
+void paint_window(fancy_window* window) {
+    window_watch watch(window);
+    HWND hwnd = window->hwnd;
+    PAINTSTRUCT paint;
+    HDC dc = BeginPaint(hwnd, paint);
+    if (dc) {
+        RECT client;
+        GetClientRect(hwnd, client);
+        std::int32_t level = SaveDC(dc);
+        exclude_children(window, dc, paint.rcPaint);
+        fill_main_window(window, dc, client);
+        RestoreDC(dc, level);
+        draw_frames(window, dc);
+        if (window->flags.grid) draw_grid(dc, window, client);
+        EndPaint(hwnd, paint);
+    }
+    window->flags.just_resized = false;
+    monitor_pending_close();
+    if (!watch.gone()) post_start_up(window);
+}
+
+bool draw_item(fancy_window* window, const DRAWITEMSTRUCT& item) {
+    if (const window_control* owner = IsAlert(window, item.hwndItem)) {
+        draw_alert(owner, item);
+        return true;
+    }
+    window_control* control = control_with_handle(window, item.hwndItem);
+    if (!control || control->type != control_type::system_icon) return false;
+    draw_system_icon(control, item);
+    return true;
+}
+
+}  // namespace tarn::winio

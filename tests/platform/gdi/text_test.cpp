@@ -10,6 +10,12 @@
 
 #include "canvas.h"
 
+// The desktop's font library keeps what it reads at its start, in a way that looks lost.
+extern "C" const char* __lsan_default_suppressions();   // NOLINT(bugprone-reserved-identifier)
+extern "C" const char* __lsan_default_suppressions() {  // NOLINT(bugprone-reserved-identifier)
+    return "leak:libfontconfig";
+}
+
 namespace tarn::platform {
 namespace {
 

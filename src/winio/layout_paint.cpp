@@ -200,10 +200,20 @@ float radius_of(const frame_block& block) {
     return block.corners ? rounded_radius : theme().corner;
 }
 
+// A status row reaches from edge to edge: a line above it, and one between its cells.
+void draw_status_line(HDC dc, const cell_look& cell, COLORREF colour) {
+    constexpr std::int32_t gap = 4;
+    const RECT& a = cell.area;
+    fill(dc, {a.left, a.top, a.right, a.top + 1}, colour);
+    if (cell.block->flags & not_first_column)
+        fill(dc, {a.left, a.top + gap, a.left + 1, a.bottom - gap}, colour);
+}
+
 // One line along each side that this cell draws, meeting in the rounded corners. Sides between two
 // cells are drawn once, by the cell before them.
 void draw_line(HDC dc, const cell_look& cell, COLORREF colour) {
     const std::int32_t flags = cell.block->flags;
+    if (flags & status_frame) return draw_status_line(dc, cell, colour);
     const std::int32_t corners = outer_corners(flags);
     const float radius = radius_of(*cell.block);
     if (corners == 15) {
@@ -241,7 +251,7 @@ void draw_line(HDC dc, const cell_look& cell, COLORREF colour) {
 
 void fill_cell(HDC dc, const cell_look& cell) {
     const std::int32_t corners = outer_corners(cell.block->flags);
-    if (cell.block->kind == 0 && corners)
+    if (cell.block->kind == 0 && corners && !(cell.block->flags & status_frame))
         fill_path(dc, outline(to_float(cell.area), radius_of(*cell.block), corners),
                   cell.background);
     else

@@ -16,6 +16,10 @@ PointF middle(const RECT& r) {
 
 }  // namespace
 
+COLORREF edge_colour() {
+    return blend(theme().border, theme().border_strong, 0.6F);
+}
+
 Colours ask_colours(const Control& control, HDC dc, UINT message, COLORREF text, COLORREF back) {
     Colours result;
     SetTextColor(dc, text);
@@ -66,13 +70,13 @@ RectF inset(RectF r, float by) {
 
 void draw_field_outline(HDC dc, const RECT& rect, FieldState state, float radius) {
     const Theme& look = theme();
-    COLORREF colour = look.border_strong;
+    COLORREF colour = edge_colour();
     if (!state.enabled) {
         colour = look.border;
     } else if (state.focused) {
         colour = look.accent;
     } else if (state.hovered) {
-        colour = look.border_hover;
+        colour = look.border_strong;
     }
     stroke_rounded(dc, to_f(rect), radius, 1, colour);
 }
@@ -141,7 +145,7 @@ void draw_button_face(HDC dc, const RECT& rect, FaceState state) {
     const Theme& look = theme();
     const RectF r = to_f(rect);
     COLORREF face = look.button;
-    COLORREF edge = look.border_strong;
+    COLORREF edge = edge_colour();
     if (!state.enabled) {
         face = look.button_disabled;
         edge = look.border;
@@ -154,7 +158,7 @@ void draw_button_face(HDC dc, const RECT& rect, FaceState state) {
         face = look.button_pressed;
     } else if (state.hovered) {
         face = look.button_hover;
-        edge = look.border_hover;
+        edge = look.border_strong;
     }
     fill_rounded(dc, r, look.corner, face);
     if (edge != face) stroke_rounded(dc, r, look.corner, 1, edge);
@@ -180,11 +184,17 @@ std::string without_mnemonics(std::string_view text) {
     return result;
 }
 
+namespace {
+constexpr float border_radius = 3;  // what a border of one pixel can show
+
+bool has_border(const Control& control) {
+    const auto extended = static_cast<std::uint32_t>(GetWindowLong(control.hwnd, GWL_EXSTYLE));
+    return control.has(WS_BORDER) || (extended & (WS_EX_CLIENTEDGE | WS_EX_STATICEDGE)) != 0;
+}
+}  // namespace
+
 void draw_window_border(const Control& control, FieldState state) {
-    const std::uint32_t extended =
-        static_cast<std::uint32_t>(GetWindowLong(control.hwnd, GWL_EXSTYLE));
-    if (!control.has(WS_BORDER) && (extended & (WS_EX_CLIENTEDGE | WS_EX_STATICEDGE)) == 0) return;
-    constexpr float radius = 3;  // what a border of one pixel can show
+    if (control.dead || !has_border(control) || !IsWindowVisible(control.hwnd)) return;
     RECT rect;
     GetWindowRect(control.hwnd, rect);
     const HDC dc = GetWindowDC(control.hwnd);
@@ -195,8 +205,21 @@ void draw_window_border(const Control& control, FieldState state) {
     ExcludeClipRect(dc, {0, 2, whole.right, whole.bottom - 2});
     fill_behind_corners(control, dc, whole);
     RestoreDC(dc, saved);
-    draw_field_outline(dc, whole, state, radius);
+    draw_field_outline(dc, whole, state, border_radius);
     ReleaseDC(control.hwnd, dc);
+}
+
+void draw_inner_corners(const Control& control, HDC dc, const RECT& damaged, FieldState state) {
+    const RECT inside = control.client();
+    const bool touched = damaged.top < inside.top + 2 || damaged.bottom > inside.bottom - 2;
+    if (!touched || !has_border(control)) return;
+    RECT whole;
+    GetWindowRect(control.hwnd, whole);
+    POINT corner{whole.left, whole.top};
+    ScreenToClient(control.hwnd, corner);
+    draw_field_outline(
+        dc, {corner.x, corner.y, corner.x + whole.width(), corner.y + whole.height()}, state,
+        border_radius);
 }
 
 }  // namespace tarn::platform

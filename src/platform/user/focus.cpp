@@ -5,8 +5,6 @@ namespace tarn::platform {
 
 namespace {
 
-constexpr std::int64_t answer_us = 1000000;  // how long the display may take to move the focus
-
 bool can_be_active(const Window& top) {
     return (top.style & (WS_VISIBLE | WS_DISABLED | WS_MINIMIZE)) == WS_VISIBLE && !top.dying &&
            (top.ex_style & WS_EX_NOACTIVATE) == 0;

@@ -48,7 +48,6 @@ void add_marks(const TestWindow& w) {
         {"On, disabled", BS_AUTORADIOBUTTON | WS_DISABLED, 1},
         {"At the right", BS_AUTOCHECKBOX | BS_LEFTTEXT, 1},
     };
-    w.add("button", "Options", BS_GROUPBOX, at(16, 116, 300, 130));
     std::int32_t i = 0;
     for (const auto& mark : marks) {
         const HWND hwnd =
@@ -56,6 +55,8 @@ void add_marks(const TestWindow& w) {
         send(hwnd, BM_SETCHECK, mark.check);
         ++i;
     }
+    const HWND group = w.add("button", "Options", BS_GROUPBOX, at(16, 116, 300, 130));
+    SetWindowPos(group, HWND{HWND_BOTTOM}, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE);
 }
 
 void add_labels(const TestWindow& w) {

@@ -15,6 +15,8 @@ extern "C" {
 
 /* ---- Waiting and ending ---- */
 
+/* Serves what has happened in the program's windows and returns. */
+void __temporary_yield(void);
 /* Waits while the variable, a window's of %lw or %cv, is negative: until the window has closed. */
 void __wait_for_window_to_close(const int32_t* variable);
 /* Destroys all windows that `winio` has made. */

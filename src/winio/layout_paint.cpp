@@ -107,7 +107,7 @@ COLORREF colour_of(tone which) {
         case tone::shade:
             return look.border;
         case tone::dark:
-            return look.border_strong;
+            return look.dark ? blend(look.face, RGB(0, 0, 0), 0.55F) : look.border_strong;
         case tone::face:
             break;
     }
@@ -329,7 +329,7 @@ void draw_name(HDC dc, const window_control* frame, const cell_look& cell) {
     const std::int32_t y = cell.area.top - font_depth(dc) / 2;
     fill(dc, {x, cell.area.top, x + size.cx, cell.area.top + 2}, cell.background);
     const COLORREF line = cell.block->line_colour;
-    SetTextColor(dc, line ? line : readable(frame->text_colour, cell.background));
+    SetTextColor(dc, readable(line ? line : frame->text_colour, cell.background));
     const std::int32_t mode = SetBkMode(dc, TRANSPARENT);
     TextOutAW(dc, x, y, text.c_str(), length);
     SetBkMode(dc, mode);

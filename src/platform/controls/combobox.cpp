@@ -410,7 +410,8 @@ void ComboBox::paint() {
     box.bottom = std::min(box.bottom, field_height);
     // As the field in it asks, so that they have one background.
     const bool still = has_field() && !live;
-    const COLORREF own = still ? look.face : has_field() ? look.window : look.button;
+    const COLORREF in_use = has_field() ? look.window : look.button;
+    const COLORREF own = live ? in_use : still ? look.face : look.button_disabled;
     const Colours colours =
         ask_colours(*this, dc, still ? WM_CTLCOLORSTATIC : WM_CTLCOLOREDIT, look.text, own);
     if (dead) return;

@@ -30,15 +30,20 @@ Colours ask_colours(const Control& control, HDC dc, UINT message, COLORREF text,
     result.text = GetTextColor(dc);
     result.back = GetBkColor(dc);
     result.brush = HBRUSH{static_cast<std::int32_t>(answer)};
-    if (result.brush != 0) {
-        COLORREF brush_colour = 0;
-        if (result.brush == GetStockObject(NULL_BRUSH)) {
-            result.hollow = true;
-        } else if (result.back == back && GetObjectBrush(result.brush, brush_colour)) {
-            result.back = brush_colour;
-        }
+    COLORREF brush_colour = 0;
+    if (result.brush == GetStockObject(NULL_BRUSH)) {
+        result.hollow = true;
+    } else if (result.back == back && GetObjectBrush(result.brush, brush_colour)) {
+        result.back = brush_colour;
     }
-    result.own_text = result.text != text;
+    // A parent that doesn't care answers with the system's colours: then the control's own stand.
+    const bool data = message == WM_CTLCOLOREDIT || message == WM_CTLCOLORLISTBOX;
+    const std::int32_t usual = data ? COLOR_WINDOW : COLOR_BTNFACE;
+    if (result.brush == GetSysColorBrush(usual) && result.back == GetSysColor(usual)) {
+        result.brush = HBRUSH{};
+        result.back = back;
+    }
+    result.own_text = result.text != text && result.text != GetSysColor(COLOR_WINDOWTEXT);
     result.own_back = result.back != back;
     if (!(result.own_text && result.own_back)) result.text = readable(result.text, result.back);
     SetTextColor(dc, result.text);
@@ -199,6 +204,12 @@ void draw_window_border(const Control& control, FieldState state) {
     GetWindowRect(control.hwnd, rect);
     const HDC dc = GetWindowDC(control.hwnd);
     const RECT whole{0, 0, rect.width(), rect.height()};
+    if (!control.has(WS_CHILD)) {
+        // A list that drops down stands on the screen, where nothing is seen through its corners.
+        draw_field_outline(dc, whole, state, 0);
+        ReleaseDC(control.hwnd, dc);
+        return;
+    }
     const std::int32_t saved = SaveDC(dc);
     ExcludeClipRect(dc, {1, 1, whole.right - 1, whole.bottom - 1});
     ExcludeClipRect(dc, {2, 0, whole.right - 2, whole.bottom});
@@ -212,14 +223,14 @@ void draw_window_border(const Control& control, FieldState state) {
 void draw_inner_corners(const Control& control, HDC dc, const RECT& damaged, FieldState state) {
     const RECT inside = control.client();
     const bool touched = damaged.top < inside.top + 2 || damaged.bottom > inside.bottom - 2;
-    if (!touched || !has_border(control)) return;
+    if (!touched || !has_border(control) || !control.has(WS_CHILD)) return;
     RECT whole;
     GetWindowRect(control.hwnd, whole);
     POINT corner{whole.left, whole.top};
     ScreenToClient(control.hwnd, corner);
-    draw_field_outline(
-        dc, {corner.x, corner.y, corner.x + whole.width(), corner.y + whole.height()}, state,
-        border_radius);
+    draw_field_outline(dc,
+                       {corner.x, corner.y, corner.x + whole.width(), corner.y + whole.height()},
+                       state, border_radius);
 }
 
 }  // namespace tarn::platform

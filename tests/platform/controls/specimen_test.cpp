@@ -199,7 +199,21 @@ TEST(Specimen, EveryControlPaintsWithinItsWindow) {
         GetClassNameA(top, name, sizeof name);
         if (std::string{name} == "combolbox") save(top, "list");
     }
-    save(w.hwnd, "dropped");
+    send(combo, CB_SHOWDROPDOWN, 0);
+    // The focus as the keyboard brings it, and the pointer over something else.
+    key(VK_F10);
+    std::int32_t shot = 0;
+    for (HWND c = GetWindow(w.hwnd, GW_CHILD); c != 0; c = GetWindow(c, GW_HWNDNEXT)) {
+        const std::string label = window_text(c);
+        if (label != "&Cancel" && label != "Checked" && label != "Radio" &&
+            label != "Install the program" && c != combo) {
+            continue;
+        }
+        SetFocus(c);
+        move_to(GetWindow(c, GW_HWNDNEXT), {5, 5});
+        save(w.hwnd, "focus" + std::to_string(shot++));
+        EXPECT_TRUE(control_facts(c).focused) << label;
+    }
 }
 
 }  // namespace

@@ -199,7 +199,7 @@ void take_key_event(const Event& event) {
     const bool is_f10 = event.key == VK_F10 && !control;
     bool system = (alt && !control) || is_f10;
     if (down) {
-        in.alt_alone = is_alt && !control && (in.alt_alone || !before);
+        in.alt_alone = is_alt && !control && (in.alt_alone || !event.repeat);
         in.f10_alone = is_f10 && !alt && (event.modifiers & mod_shift) == 0;
         system = system || (is_alt && !control);
     } else {

@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "platform/base/constants.h"
+#include "platform/controls/controls.h"
 #include "platform/gdi/gdi.h"
 #include "platform/gdi/paint.h"
 #include "platform/gdi/theme.h"
@@ -193,6 +194,7 @@ void initialise_quillpan_plus() {
     state.char_width = static_cast<std::int32_t>(base & 0xFFFF);
     state.char_height = static_cast<std::int32_t>(base >> 16);
     choose_default_font();
+    platform::register_standard_controls();
     register_classes();
     install_window_procedures();
 }

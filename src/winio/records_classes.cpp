@@ -10,6 +10,7 @@
 #include "platform/user/user.h"
 #include "winio/layout.h"
 #include "winio/procedures.h"
+#include "platform/controls/controls.h"
 #include "winio/records.h"
 #include "winio/report.h"
 

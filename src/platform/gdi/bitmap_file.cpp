@@ -241,10 +241,11 @@ HBITMAP CreateDIBitmap(const unsigned char* bytes, std::size_t length) {
     const std::optional<Header> header = read_header(file);
     if (!header) return HBITMAP{};
     const bool runs = header->compression == rle8 || header->compression == rle4;
-    // Rows are as long as they say: a short file doesn't get storage for a large picture.
-    const std::uint64_t needed =
-        std::uint64_t(header->width) * header->bits / 8 * std::uint64_t(header->height);
-    if (!runs && needed > length) return HBITMAP{};
+    // A short file doesn't get storage for a large picture: rows are as long as they say, and runs
+    // that make thousands of pixels of each byte are nobody's.
+    const std::uint64_t pixels = std::uint64_t(header->width) * std::uint64_t(header->height);
+    const std::uint64_t least = runs ? pixels / 4096 : pixels * header->bits / 8;
+    if (least > length) return HBITMAP{};
     std::unique_ptr<Bitmap> bitmap = make_bitmap({header->width, header->height}, 1.0);
     if (bitmap == nullptr) return HBITMAP{};
     const bool sound = runs ? RunReader(*header, file, bitmap->surface).read()

@@ -128,10 +128,10 @@ bool blend_for_scale(const DeviceContext& to, const DeviceContext& from) {
     return std::fabs(factor - std::round(factor)) > 1e-6;
 }
 
-bool stretch(DeviceContext& to, std::int32_t x, std::int32_t y, std::int32_t w, std::int32_t h,
-             const DeviceContext& from, const RECT& part, std::uint32_t code) {
+bool stretch(DeviceContext& to, const RECT& wanted, const DeviceContext& from, const RECT& part,
+             std::uint32_t code) {
     const Rop rop = rop_of_code(code);
-    RECT block{to.x(x), to.y(y), to.x(x + w), to.y(y + h)};
+    RECT block = to.real(wanted);
     const RECT real = from.real(part);
     if (block.left == block.right || block.top == block.bottom) return true;
     const Ink ink = block_ink(to, rop);
@@ -143,7 +143,8 @@ bool stretch(DeviceContext& to, std::int32_t x, std::int32_t y, std::int32_t w, 
     // The logical part exactly: its rounded edges would shift what is in between.
     Source source{&from.surface,      real.left + 0.0,     real.top + 0.0,
                   real.width() + 0.0, real.height() + 0.0, false};
-    source.smooth = w == part.width() && h == part.height() && blend_for_scale(to, from);
+    const bool same_size = wanted.width() == part.width() && wanted.height() == part.height();
+    source.smooth = same_size && blend_for_scale(to, from);
     if (block.right < block.left) {
         std::swap(block.left, block.right);
         source.x += source.width;
@@ -179,10 +180,11 @@ bool PatBlt(HDC handle, std::int32_t x, std::int32_t y, std::int32_t w, std::int
             std::uint32_t code) {
     DeviceContext* dc = find_context(handle);
     if (dc == nullptr || rop_uses_source(rop_of_code(code))) return false;
-    if (w < 0) x += w, w = -w;
-    if (h < 0) y += h, h = -h;
+    RECT block = tame_block(x, y, w, h);
+    if (block.right < block.left) std::swap(block.left, block.right);
+    if (block.bottom < block.top) std::swap(block.top, block.bottom);
     if (rop_uses_pattern(rop_of_code(code)) && dc->state.brush->hollow) return true;
-    paint_block(*dc, dc->real({x, y, x + w, y + h}), block_ink(*dc, rop_of_code(code)));
+    paint_block(*dc, dc->real(block), block_ink(*dc, rop_of_code(code)));
     return true;
 }
 
@@ -198,12 +200,13 @@ bool StretchBlt(HDC to, std::int32_t x, std::int32_t y, std::int32_t w, std::int
     DeviceContext* target = find_context(to);
     const DeviceContext* source = find_context(from);
     if (target == nullptr || source == nullptr || source->surface.pixels == nullptr) return false;
-    return stretch(*target, x, y, w, h, *source, {from_x, from_y, from_x + from_w, from_y + from_h},
-                   code);
+    return stretch(*target, tame_block(x, y, w, h), *source,
+                   tame_block(from_x, from_y, from_w, from_h), code);
 }
 
 COLORREF GetPixel(HDC handle, std::int32_t x, std::int32_t y) {
     const DeviceContext* dc = find_context(handle);
+    x = tame(x), y = tame(y);
     if (dc == nullptr || !RectVisible(handle, {x, y, x + 1, y + 1})) return CLR_INVALID;
     const std::int32_t rx = dc->x(x), ry = dc->y(y);
     if (rx < 0 || ry < 0 || rx >= dc->surface.width || ry >= dc->surface.height) {
@@ -214,6 +217,7 @@ COLORREF GetPixel(HDC handle, std::int32_t x, std::int32_t y) {
 
 COLORREF SetPixel(HDC handle, std::int32_t x, std::int32_t y, COLORREF colour) {
     DeviceContext* dc = find_context(handle);
+    x = tame(x), y = tame(y);
     if (dc == nullptr || !RectVisible(handle, {x, y, x + 1, y + 1})) return CLR_INVALID;
     paint_block(*dc, dc->real({x, y, x + 1, y + 1}), {pixel_of(colour), rop_pattern, nullptr});
     return colour & 0xFFFFFF;
@@ -275,6 +279,7 @@ bool ScrollDC(HDC handle, std::int32_t dx, std::int32_t dy, const RECT* scroll, 
         if (uncovered != nullptr) *uncovered = {};
         return true;
     }
+    dx = tame(dx), dy = tame(dy);
     if (clip != nullptr) area = intersection(area, *clip);
     const RECT moving = scroll == nullptr ? area : intersection(area, *scroll);
     const RECT target = intersection(

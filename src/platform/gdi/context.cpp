@@ -287,7 +287,7 @@ std::int32_t SetROP2(HDC handle, std::int32_t code) {
 bool SetWindowOrg(HDC handle, POINT origin) {
     DeviceContext* dc = find_context(handle);
     if (dc == nullptr) return false;
-    dc->state.window_org = origin;
+    dc->state.window_org = {tame(origin.x), tame(origin.y)};
     return true;
 }
 

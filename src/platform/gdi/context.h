@@ -23,6 +23,21 @@ struct ContextState {
     std::vector<RECT> clip;  // disjoint, in the surface's logical coordinates
 };
 
+// Keeps sums, products and scaled values of coordinates within their types: what lies so far off
+// is as good as any farther.
+inline constexpr std::int32_t coordinate_limit = 1 << 24;
+constexpr std::int32_t tame(std::int64_t coordinate) {
+    return static_cast<std::int32_t>(
+        std::clamp<std::int64_t>(coordinate, -coordinate_limit, coordinate_limit));
+}
+// The block at (x, y); `w` and `h` below 0 lead to the left and up.
+constexpr RECT tame_block(std::int32_t x, std::int32_t y, std::int32_t w, std::int32_t h) {
+    return {tame(x), tame(y), tame(x) + tame(w), tame(y) + tame(h)};
+}
+constexpr RECT tame(const RECT& r) {
+    return {tame(r.left), tame(r.top), tame(r.right), tame(r.bottom)};
+}
+
 struct DeviceContext {
     Surface surface;
     POINT origin;              // where the context begins on the surface
@@ -49,15 +64,12 @@ struct DeviceContext {
         return std::max(1, surface.to_real(logical));
     }
 
-    // Logical on the context to logical on the surface; far off is as good as farther.
+    // Logical on the context to logical on the surface.
     std::int32_t place(std::int32_t logical, int axis) const {
         const std::int64_t shift = axis == 0 ? std::int64_t{origin.x} - state.window_org.x
                                              : std::int64_t{origin.y} - state.window_org.y;
-        return static_cast<std::int32_t>(std::clamp<std::int64_t>(
-            std::int64_t{logical} + shift, -coordinate_limit, coordinate_limit));
+        return tame(logical + shift);
     }
-    // Keeps real coordinates and their differences and products within 64 bits and int.
-    static constexpr std::int64_t coordinate_limit = 1 << 24;
 };
 
 DeviceContext* find_context(HDC handle);

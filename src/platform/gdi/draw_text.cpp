@@ -122,7 +122,7 @@ class Layout {
 // The beginning of `text` that fits into `room` with an ellipsis behind it.
 std::string shortened(FontInstance& font, std::string_view text, float room) {
     constexpr std::string_view dots = "...";
-    const float left = room - text_width(font, dots);
+    const float left = room + 0.5F - text_width(font, dots);
     float x = 0;
     std::size_t end = 0;
     for (std::size_t at = 0; at < text.size(); end = at) {
@@ -131,10 +131,6 @@ std::string shortened(FontInstance& font, std::string_view text, float room) {
     }
     while (end > 0 && text[end - 1] == ' ') --end;
     return std::string(text.substr(0, end)) += dots;
-}
-
-std::int32_t whole(float width) {
-    return static_cast<std::int32_t>(std::floor(width + 0.5F));
 }
 
 std::int32_t aligned(std::uint32_t format, std::int32_t left, std::int32_t room,
@@ -152,7 +148,7 @@ struct Placement {
 void draw_placed(DeviceContext& dc, FontInstance& font, const Plain& plain, const Layout& layout,
                  const Line& line, std::int32_t y, const Placement& place) {
     const std::int32_t x =
-        aligned(place.format, place.rect.left, place.rect.width(), whole(line.width));
+        aligned(place.format, place.rect.left, place.rect.width(), whole_width(line.width));
     if (dc.state.back_mode == OPAQUE) {
         fill_text_background(dc, static_cast<float>(x), y, line.width, place.bounds);
     }
@@ -192,6 +188,7 @@ std::int32_t draw_text(HDC handle, std::string_view utf8, RECT& rect, std::uint3
     DeviceContext* dc = find_context(handle);
     if (dc == nullptr) return 0;
     FontInstance& font = instance_of(*dc->state.font);
+    rect = tame(rect);
     Plain plain;
     if ((format & DT_NOPREFIX) != 0) {
         plain.text = utf8;
@@ -208,12 +205,11 @@ std::int32_t draw_text(HDC handle, std::string_view utf8, RECT& rect, std::uint3
     const Layout layout(font, plain.text, format);
     const std::vector<Line> lines = layout.lines(room);
     const std::int32_t line_height = font.ascent + font.descent;
-    const auto height = static_cast<std::int32_t>(
-        std::min<std::int64_t>(std::int64_t(lines.size()) * line_height, INT32_MAX / 2));
+    const std::int32_t height = tame(std::int64_t(lines.size()) * line_height);
     const std::int32_t top = first_top(rect, format, height);
     if ((format & DT_CALCRECT) != 0) {
         std::int32_t widest = 0;
-        for (const Line& line : lines) widest = std::max(widest, whole(line.width));
+        for (const Line& line : lines) widest = std::max(widest, whole_width(line.width));
         rect.right = rect.left + widest;
         rect.bottom = top + height;
         return top + height - rect.top;
@@ -222,7 +218,7 @@ std::int32_t draw_text(HDC handle, std::string_view utf8, RECT& rect, std::uint3
     const Placement place{rect, format, (format & DT_NOCLIP) != 0 ? nullptr : &real};
     std::int32_t y = top;
     for (const Line& line : lines) {
-        if (place.bounds != nullptr && y >= rect.bottom) break;
+        if (y >= (place.bounds != nullptr ? rect.bottom : coordinate_limit)) break;
         draw_placed(*dc, font, plain, layout, line, y, place);
         y += line_height;
     }

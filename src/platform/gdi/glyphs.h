@@ -1,6 +1,7 @@
 // A font at a size: what its characters measure, and their pictures once they were drawn.
 #pragma once
 
+#include <algorithm>
 #include <memory>
 #include <string_view>
 #include <unordered_map>
@@ -75,5 +76,10 @@ void trim_glyphs();
 
 // The width of a text, not rounded.
 float text_width(FontInstance& font, std::string_view utf8);
+// Rounded, once for the whole text.
+inline std::int32_t whole_width(float width) {
+    constexpr float most = 1 << 24;
+    return static_cast<std::int32_t>(std::min(width, most) + 0.5F);
+}
 
 }  // namespace tarn::platform

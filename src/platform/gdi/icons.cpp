@@ -304,7 +304,7 @@ bool DrawIconEx(HDC to, std::int32_t x, std::int32_t y, HICON handle, std::int32
     if (dc == nullptr || icon == nullptr) return false;
     if (w <= 0) w = icon->size.cx;
     if (h <= 0) h = icon->size.cy;
-    const RECT block = dc->real({x, y, x + w, y + h});
+    const RECT block = dc->real(tame_block(x, y, w, h));
     if (block.empty()) return true;
     if (icon->drawing != Drawing::none) {
         draw_drawing(*dc, icon->drawing, block, greyed);

@@ -198,6 +198,7 @@ struct Framed {
 Framed framed(const DeviceContext& dc, std::int32_t left, std::int32_t top, std::int32_t right,
               std::int32_t bottom) {
     const Pen& pen = *dc.state.pen;
+    left = tame(left), top = tame(top), right = tame(right), bottom = tame(bottom);
     if (left > right) std::swap(left, right);
     if (top > bottom) std::swap(top, bottom);
     // Without an outline the shape is one pixel smaller: where its last row would have been.
@@ -269,8 +270,10 @@ bool Rectangle(HDC handle, std::int32_t left, std::int32_t top, std::int32_t rig
     }
     if (shape.pen == 0) return true;
     if (pen_dashes(*dc).lengths != nullptr) {
-        const POINT corners[] = {
-            {left, top}, {right - 1, top}, {right - 1, bottom - 1}, {left, bottom - 1}};
+        const POINT corners[] = {{left, top},
+                                 {tame(right) - 1, top},
+                                 {tame(right) - 1, tame(bottom) - 1},
+                                 {left, tame(bottom) - 1}};
         stroke_points(*dc, corners, true);
     } else {
         paint_frame(*dc, shape.outer, shape.pen, pen_ink(*dc));
@@ -284,8 +287,8 @@ bool RoundRect(HDC handle, std::int32_t left, std::int32_t top, std::int32_t rig
     if (dc == nullptr) return false;
     const auto scale = static_cast<float>(dc->surface.scale);
     return rounded_shape(*dc, framed(*dc, left, top, right, bottom),
-                         static_cast<float>(std::abs(width)) * scale / 2,
-                         static_cast<float>(std::abs(height)) * scale / 2);
+                         std::fabs(static_cast<float>(width)) * scale / 2,
+                         std::fabs(static_cast<float>(height)) * scale / 2);
 }
 
 bool Ellipse(HDC handle, std::int32_t left, std::int32_t top, std::int32_t right,

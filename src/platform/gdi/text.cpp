@@ -81,7 +81,8 @@ double real_x(const DeviceContext& dc, float x) {
 }
 
 std::int32_t rounded(double value) {
-    return static_cast<std::int32_t>(std::floor(value + 0.5));
+    constexpr double most = 1 << 30;
+    return static_cast<std::int32_t>(std::clamp(std::floor(value + 0.5), -most, most));
 }
 
 void text_rule(DeviceContext& dc, float x, std::int32_t top, std::int32_t thickness, float width,
@@ -134,16 +135,17 @@ Anchor anchor_of(const DeviceContext& dc, const FontInstance& font, std::int32_t
 bool text_out_in(DeviceContext& dc, std::int32_t x, std::int32_t y, std::string_view utf8) {
     const bool moves = (dc.state.align & TA_UPDATECP) != 0;
     if (moves) x = dc.state.at.x, y = dc.state.at.y;
+    x = tame(x), y = tame(y);
     FontInstance& font = instance_of(*dc.state.font);
     const float width = text_width(font, utf8);
     const Anchor anchor = anchor_of(dc, font, x, y, width);
     if (dc.state.back_mode == OPAQUE) fill_text_background(dc, anchor.x, anchor.y, width);
     draw_line(dc, anchor.x, anchor.y, utf8);
     if (moves) {
-        const auto step = static_cast<std::int32_t>(width + 0.5F);
+        const std::int32_t step = whole_width(width);
         const std::uint32_t across = dc.state.align & TA_CENTER;
-        if (across == TA_LEFT) dc.state.at.x += step;
-        if (across == TA_RIGHT) dc.state.at.x -= step;
+        if (across == TA_LEFT) dc.state.at.x = x + step;
+        if (across == TA_RIGHT) dc.state.at.x = x - step;
     }
     return true;
 }
@@ -160,7 +162,7 @@ bool extent_in(HDC handle, std::string_view utf8, SIZE& size) {
     const DeviceContext* dc = find_context(handle);
     if (dc == nullptr) return false;
     FontInstance& font = instance_of(*dc->state.font);
-    size = {static_cast<std::int32_t>(text_width(font, utf8) + 0.5F), font.ascent + font.descent};
+    size = {whole_width(text_width(font, utf8)), font.ascent + font.descent};
     return true;
 }
 

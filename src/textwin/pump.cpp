@@ -1,7 +1,10 @@
 // The message pump: every wait of the window library goes through it.
+#include <cstdio>
 #include <cstdlib>
+#include <unistd.h>
 
 #include "frame/end.h"
+#include "frame/hooks.h"
 #include "platform/dialogs/dialogs.h"
 #include "platform/script/script.h"
 #include "textwin/window_info.h"
@@ -31,9 +34,23 @@ pump_state& pump() {
     return all;
 }
 
+// Nobody watches and nothing can ever come: the program would wait for ever.
+void give_up(const char* what) {
+    std::fprintf(
+        stderr,
+        "*** %s: nobody can answer on this display; the program ends.\n"
+        "    (TARN_DISPLAY=x11 opens windows on a desktop, TARN_EVENTS=file plays events.)\n",
+        what);
+    std::fflush(stderr);
+    if (frame::hooks().flush_fortran_units != nullptr) frame::hooks().flush_fortran_units();
+    std::fflush(stdout);
+    _exit(status_nobody_to_answer);
+}
+
 void start_pump() {
     if (pump().started) return;
     pump().started = true;
+    unanswered_wait = give_up;
     somebody_answers = script_active;
     start_script();
     register_text_class();

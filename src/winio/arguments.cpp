@@ -2,6 +2,7 @@
 // against the call's type descriptor where it has one.
 #include <cmath>
 #include <cstring>
+#include <string>
 
 #include "winio/builder.h"
 #include "winio/callbacks.h"
@@ -37,13 +38,59 @@ void refuse(const char* fortran_text, const char* c_text) {
 // Both forms of a token that depends on the language.
 bool accept_scalar(char letter) {
     const char token[3] = {'*', letter, 0};
-    return accept_token(in_fortran() ? token : token + 1);
+    return in_fortran() ? accept_value(token) : accept_token(token + 1);
+}
+
+const char* words_of(char letter) {
+    switch (letter) {
+        case 'I':
+            return "an INTEGER(4) variable";
+        case 'J':
+            return "an INTEGER(8) variable";
+        case 'K':
+            return "a short INTEGER variable";
+        case 'R':
+            return "a REAL(4) variable";
+        case 'F':
+            return "a REAL(8) variable";
+        case 'C':
+            return "a CHARACTER variable";
+        case 'S':
+            return "a variable of a derived type";
+        case 'E':
+            return "a procedure";
+        case 'i':
+            return "an INTEGER(4) value, no variable";
+        case 'j':
+            return "an INTEGER(8) value, no variable";
+        case 'k':
+            return "a short INTEGER value";
+        case 'r':
+            return "a REAL(4) value";
+        case 'f':
+            return "a REAL(8) value, no variable";
+        case 'c':
+            return "a CHARACTER value, no variable";
+        default:
+            return "of another type";
+    }
+}
+
+// What the source has there, where the call's record tells it.
+std::string passed_instead(std::int32_t number) {
+    const builder_state& state = building();
+    const char* at = descriptor();
+    if (!state.source || !state.source->spellings || !at || at[0] != '*' || number < 2) return {};
+    if (number - 2 >= state.source->word_count) return {};
+    return std::string("\nIt is ") + state.source->spellings[number - 2] + ": " + words_of(at[1]) +
+           ".";
 }
 
 // Begins a reader: counts, and with a descriptor makes sure that it has a token left. False: there
 // is no argument to read.
 bool begin_reader(argument_source& arguments) {
     count_argument();
+    building().source = &arguments;
     if (const char* at = descriptor(); at) {
         check_arg_present();
         return *at != 0;
@@ -129,6 +176,15 @@ bool accept_token(const char* token) {
     return true;
 }
 
+bool accept_value(const char* token) {
+    if (accept_token(token)) return true;
+    const char*& at = descriptor();
+    if (!in_fortran() || at[0] != '*' || token[0] != '*' || at[1] != (token[1] | 0x20))
+        return false;
+    at += 2;
+    return true;
+}
+
 void check_arg_present() {
     const char* at = descriptor();
     if (at && *at) return;
@@ -150,7 +206,8 @@ void report_argument_error(const char* fortran_text, const char* c_text) {
         return;
     }
     if (!records().check_mode) {
-        quillpan_error("Argument number %d of WINIO@%s\nshould be %s", number, where, should);
+        quillpan_error("Argument number %d of WINIO@%s\nshould be %s%s", number, where, should,
+                       passed_instead(number).c_str());
         return;
     }
     // Names begin with the first argument behind the format, which is number 2.
@@ -177,7 +234,8 @@ word user_thing(argument_source& arguments, bool allow_int) {
     bool by_reference = in_fortran();
     if (at) {
         const bool starred = *at == '*';
-        const char kind = starred ? at[1] : *at;
+        const char letter = starred ? at[1] : *at;
+        const char kind = in_fortran() && letter >= 'a' ? static_cast<char>(letter - 0x20) : letter;
         // A pointer's own star is its value's: in C it came by value.
         const bool number = kind == 'I' || kind == 'J';
         const bool known = kind == 'V' || kind == 'C' || (kind == 'I' && allow_int) ||
@@ -209,13 +267,11 @@ std::int32_t user_integer(argument_source& arguments) {
 
 double user_float(argument_source& arguments, const char* message) {
     if (!begin_reader(arguments)) return 0.0;
-    if (const char* at = descriptor();
-        at && std::strncmp(at, in_fortran() ? "*F" : "F", in_fortran() ? 2 : 1) != 0) {
+    if (!accept_scalar('F')) {
         arguments.next();
         refuse("a REAL*8", "a double");
         return 0.0;
     }
-    accept_scalar('F');
     const double value = in_fortran() ? behind<double>(arguments.next()) : arguments.next_double();
     if (valid_double(value)) return value;
     if (in_fortran()) {
@@ -312,7 +368,7 @@ char* user_string(argument_source& arguments) {
     auto* value = reinterpret_cast<char*>(arguments.next());
     std::int32_t length = in_fortran() ? take_length(arguments) : -1;
     note_string(value, length);
-    if (!accept_token("*C") && !accept_null(value)) {
+    if (!accept_value("*C") && !accept_null(value)) {
         refuse("a character variable or array", "a character array or a character pointer");
         return nullptr;
     }

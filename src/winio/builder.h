@@ -102,6 +102,7 @@ struct builder_state {
     const char* const* argument_names;  // of check mode
     void* preloaded_block;
     control_type preloaded_type = control_type::blank;
+    const argument_source* source;     // that was read last, for messages
     std::int32_t last_length;          // of the last CHARACTER argument read
     const char* last_string_variable;  // and where it is
     bool nested;                       // %ex
@@ -173,6 +174,8 @@ void* user_struct_star_star_pointer(argument_source& arguments);
 // past the token that the descriptor must hold next. With no descriptor every token is right.
 void count_argument();
 bool accept_token(const char* token);
+// The same for what is only read: in a Fortran call a constant or an expression will do.
+bool accept_value(const char* token);
 void check_arg_present();
 void report_argument_error(const char* fortran_text, const char* c_text);
 char* get_standard_string(code_call& call, const char* what);

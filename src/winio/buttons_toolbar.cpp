@@ -153,7 +153,7 @@ void track_switch(window_control* control, bool over, bool down) {
 
 constexpr std::int32_t label_gap = 3, cell_margin = 5, label_margin = 10;
 constexpr std::uint32_t block_flat = 1, block_const_width = 2, block_const_height = 4,
-                        block_coloured = 8, block_hover = 0x20;
+                        block_hover = 0x20;
 
 std::int32_t pixels_of(std::int32_t units, std::int32_t unit, std::int32_t parts) {
     return units * unit / parts;
@@ -168,17 +168,6 @@ SIZE cell_size(const button_cell& cell) {
     std::int32_t text = pixels_of(width, records().char_width, 4) + label_margin;
     std::int32_t lines = pixels_of(depth, records().char_height, 8) + 4;
     return {std::max(size.cx, text) + cell_margin, size.cy + lines + cell_margin + label_gap};
-}
-
-void read_block_options(code_call& call, constructed_button& block) {
-    option_reader words(call, code_of('I', 'B'), "%IB or %SE");
-    while (words.next()) {
-        if (words.is("flat")) block.flags |= block_flat;
-        if (words.is("const_width")) block.flags |= block_const_width;
-        if (words.is("const_height")) block.flags |= block_const_height;
-        if (words.is("coloured")) block.flags |= block_coloured | block_flat;
-        if (words.is("mouse_hover")) block.flags |= block_hover;
-    }
 }
 
 button_cell read_cell(code_call& call) {
@@ -377,50 +366,7 @@ void block_mouse(window_control* control, HWND hwnd, UINT message, LPARAM place)
 
 // ---- %mb
 
-constexpr std::uint8_t bar_standard = 1, bar_arrows = 2, bar_adjustable = 8, bar_strings = 0x20,
-                       bar_list = 0x40;
-constexpr std::uint32_t place_bottom = 3, place_left = 0x81;
-
-std::uint32_t hexadecimal() {
-    return static_cast<std::uint32_t>(std::strtoul(option_value().c_str(), nullptr, 16));
-}
-
-void read_toolbar_options(code_call& call, multibutton& bar) {
-    fancy_window* window = current_window();
-    option_reader words(call, code_of('M', 'B'), "%MB");
-    while (words.next()) {
-        if (words.is("ilc_bits=")) bar.ilc_flags = hexadecimal();
-        if (words.is("bt_wd=")) bar.button_width = std::clamp(option_integer(), 1, 256);
-        if (words.is("bt_ht=")) bar.button_height = std::clamp(option_integer(), 1, 256);
-        if (words.is("style_bits=")) bar.style |= hexadecimal();
-        if (words.is("mask=")) bar.mask = get_option_colour();
-        if (words.is("arrows")) bar.flags |= bar_arrows;
-        if (words.is("strings")) bar.flags |= bar_strings;
-        if (words.is("list")) bar.flags |= bar_list;
-        if (words.is("view")) bar.standard_set |= 4;
-        if (words.is("hist")) bar.standard_set |= 8;
-        if (words.is("border")) bar.style |= WS_BORDER;
-        if (words.is("large")) {
-            bar.standard_set |= 1;
-            bar.button_width = bar.button_height = 24;
-        }
-        if (words.is("adjustable")) {
-            bar.flags |= bar_adjustable;
-            bar.style |= 0x20;
-        }
-        if (words.is("bottom")) {
-            bar.style |= place_bottom;
-            bar.position = place_bottom;
-            if (!window->flags.margins_given) window->margin_bottom = 20;
-        }
-        if (words.is("left")) {
-            bar.style |= place_left;
-            bar.position = place_left;
-            window->flags.multi_button_left = true;
-            if (!window->flags.margins_given) window->margin_left = 16;
-        }
-    }
-}
+constexpr std::uint8_t bar_standard = 1, bar_adjustable = 8, bar_strings = 0x20, bar_list = 0x40;
 
 }  // namespace
 
@@ -460,7 +406,7 @@ void handle_ib(code_call& call) {
     block->count = cells.columns * cells.rows;
     block->cells = new_block<button_cell>(block->count);
     control->block = block;
-    read_block_options(call, *block);
+    collect_other_options(call, control);
     read_resource_id(call, *control);
     for (std::int32_t i = 0; i < block->count; ++i) block->cells[i] = read_cell(call);
     read_callback(call, *control, "should be an overall %IB call-back function");
@@ -489,7 +435,7 @@ void handle_mb(code_call& call) {
     block->mask = 0xC0C0C0;
     control->block = block;
     control->flags.placeholder = true;
-    read_toolbar_options(call, *block);
+    collect_other_options(call, control);
     block->styles = user_int_pointer(call.arguments);
     block->images = user_int_pointer(call.arguments);
     if (call.grave) {

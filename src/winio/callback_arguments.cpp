@@ -166,7 +166,7 @@ told read_token() {
     const fancy_window* window = current_window();
     if (!window || !window->descriptor) return told::nothing;
     if (accept_token("*E")) return told::function;
-    if (accept_token("*C")) return told::text;
+    if (accept_value("*C")) return told::text;
     return told::wrong;
 }
 
@@ -190,6 +190,7 @@ bool argument_missing(const argument_source& arguments) {
 // name. In a Fortran call a text has a length of its own among the lengths, and a function none.
 call_back get_callback_function(argument_source& arguments, const char* message) {
     count_argument();
+    building().source = &arguments;
     if (argument_missing(arguments)) return nullptr;
     const word p = arguments.next();
     const told kind = read_token();

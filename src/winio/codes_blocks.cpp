@@ -13,7 +13,6 @@
 namespace tarn::winio {
 
 // ---- Parameter blocks
-// ----------------------------------------------------------------------------
 void handle_pb(code_call& call) {
     window_control* control = new_placeholder(control_type::parameter_block);
     collect_other_options(call);
@@ -80,7 +79,6 @@ void handle_up(code_call& call) {
 }
 
 // ---- Property sheets
-// -----------------------------------------------------------------------------
 void handle_ps(code_call& call) {
     window_control* control = new_placeholder(control_type::sheet);
     const control_options found = collect_other_options(call);

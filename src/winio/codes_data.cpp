@@ -14,7 +14,6 @@
 namespace tarn::winio {
 
 // ---- Limits, steps, prompts
-// ----------------------------------------------------------------------
 void handle_il(code_call& call) {
     window_builder& limits = builder();
     if (call.grave) {

@@ -49,7 +49,6 @@ void handle_ci(code_call& call) {
 }
 
 // ---- Names of the program's variables
-// ------------------------------------------------------------
 void handle_qd(code_call& call) {
     needs_design_window();
     get_standard_string(call, "%QD");

@@ -118,10 +118,4 @@ std::int32_t CallCommonDialog(common_dialog* dialog) {
     return 0;
 }
 
-bool QuitIfDlgResource(const char* code_name) {
-    if (current_window()->dialog_resource <= 0) return false;
-    quillpan_error("?%s cannot be used in a window that is built from a dialog resource", code_name);
-    return true;
-}
-
 }  // namespace tarn::winio

@@ -24,7 +24,6 @@ void take_callback(code_call& call, call_back fancy_window::*into, const char* m
 }  // namespace
 
 // ---- Call-backs of the window
-// --------------------------------------------------------------------
 void handle_cc(code_call& call) {
     const bool after = call.grave;
     call.grave = false;

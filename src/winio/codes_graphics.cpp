@@ -153,7 +153,6 @@ void handle_pl(code_call& call) {
 }
 
 // ---- Documents and editors
-// -----------------------------------------------------------------------
 void handle_eb(code_call& call) {
     window_control* control = new_placeholder(control_type::edit_box);
     read_resource_id(call, *control);

@@ -186,7 +186,6 @@ void handle_el(code_call& call) {
 }
 
 // ---- Lists with columns, trees
-// -------------------------------------------------------------------
 namespace {
 
 // Width and height in pixels come before the options, and not at all in a dialog resource.

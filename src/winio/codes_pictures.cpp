@@ -61,7 +61,6 @@ void handle_si(code_call& call) {
 }
 
 // ---- Pictures from outside
-// -----------------------------------------------------------------------
 namespace {
 
 window_control* named_picture(code_call& call, control_type type, const char* what) {
@@ -130,7 +129,6 @@ void handle_bm(code_call& call) {
 }
 
 // ---- Bars and sliders
-// ----------------------------------------------------------------------------
 void handle_br(code_call& call) {
     const bool dialog = in_dialog_resource();
     window_control* control = new_placeholder(control_type::bar);
@@ -174,7 +172,6 @@ void handle_sl(code_call& call) {
 }
 
 // ---- Small controls
-// ------------------------------------------------------------------------------
 void handle_ld(code_call& call) {
     window_control* control = new_placeholder(control_type::led);
     collect_other_options(call);
@@ -241,7 +238,6 @@ void handle_mc(code_call& call) {
 }
 
 // ---- What the next button looks like
-// -------------------------------------------------------------
 namespace {
 
 void next_button_colour(code_call& call, COLORREF*& colour, bool& by_variable) {

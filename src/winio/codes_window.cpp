@@ -263,7 +263,6 @@ void handle_de(code_call& call) {
 }
 
 // ---- Handles handed back, data handed in
-// ---------------------------------------------------------
 namespace {
 
 // The last control that the program asked for.
@@ -317,7 +316,6 @@ void handle_id(code_call& call) {
 }
 
 // ---- Files, settings, dialog resources
-// -----------------------------------------------------------
 void handle_fs(code_call& call) {
     const char* text = get_standard_string(call, "%FS");
     if (records().passive) return;
@@ -361,14 +359,26 @@ void handle_di(code_call& call) {
     const std::int32_t id = user_integer(call.arguments);
     fancy_window& window = *current_window();
     if (window.dialog_resource < 0 || window.first_control) {
-        quillpan_error("?%%DI must come before any controls are created");
+        quillpan_error("?%%DI must come before any controls and places.");
         return;
     }
     if (!records().passive) window.dialog_resource = std::max(id, 0);
 }
 
+// A layout that comes from a resource leaves nothing to place; and what has been placed excludes
+// such a layout.
+bool QuitIfDlgResource(const char* code_name) {
+    fancy_window& window = *current_window();
+    if (window.dialog_resource <= 0) {
+        window.dialog_resource = -1;
+        return false;
+    }
+    quillpan_error("?%s cannot be used in a window that is built from a dialog resource",
+                   code_name);
+    return true;
+}
+
 // ---- Nothing of their own
-// ------------------------------------------------------------------------
 void handle_ex(code_call&) {}  // the call began with it: a nested window
 void handle_zb(code_call&) {}
 

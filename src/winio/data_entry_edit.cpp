@@ -142,8 +142,8 @@ void integer_edited(const box_event& event) {
         scanned_integer scanned = scan_integer(text.c_str(), radix_of(control));
         if (take_prompt_away(control, text, static_cast<std::size_t>(scanned.rest - text.c_str())))
             scanned = scan_integer(text.c_str(), radix_of(control));
-        if (text == "-") {
-            // The beginning of a number.
+        if (text == "-" || text == "+") {
+            // Nothing to read yet.
         } else if (is_blank_text(text.c_str())) {
             blank = true;
         } else {
@@ -175,6 +175,11 @@ bool begins_exponent(const char* rest) {
     ++rest;
     if (*rest == '+' || *rest == '-') ++rest;
     return *rest == 0;
+}
+
+bool begins_float(std::string_view text) {
+    if (text.starts_with('-') || text.starts_with('+')) text.remove_prefix(1);
+    return text.empty() || text == ".";
 }
 
 // A text with a second point ends behind the first.
@@ -213,8 +218,8 @@ void float_edited(const box_event& event) {
         double scanned = scan_float(text.c_str(), out_of_range, rest);
         if (take_prompt_away(control, text, static_cast<std::size_t>(rest - text.c_str())))
             scanned = scan_float(text.c_str(), out_of_range, rest);
-        if (text == "-" || text == ".") {
-            // The beginning of a number.
+        if (begins_float(text)) {
+            // Nothing to read yet.
         } else if (is_blank_text(text.c_str())) {
             blank = true;
         } else {

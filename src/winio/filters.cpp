@@ -1,5 +1,6 @@
 // What stands around the message pump: filters before and after each message, monitors, idling.
 #include "frame/end.h"
+#include "platform/controls/controls.h"
 #include "textwin/textwin.h"
 #include "winio/callbacks.h"
 #include "winio/menus.h"
@@ -187,6 +188,7 @@ void install_window_procedures() {
     procedures_state& state = procedures();
     if (state.installed) return;
     state.installed = true;
+    register_standard_controls();
     textwin::PumpHooks& hooks = textwin::pump_hooks();
     hooks.pre_filter = pre_message_loop_filter;
     hooks.post_filter = post_message_loop_filter;

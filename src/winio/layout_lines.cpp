@@ -100,6 +100,53 @@ void grow_pivot(window_control* control) {
     if (down) control->grow_y = 1.0;
 }
 
+// ---- The middle of a line ----------------------------------------------------------------------
+// Depth of a control of one text line, 0 for any other. A list that drops down is as deep as its
+// field.
+std::int32_t line_depth(const window_control* control) {
+    constexpr std::int32_t deepest_line = 16;
+    switch (control->type) {
+        case control_type::combo_box:
+        case control_type::edit_list:
+            return static_cast<std::int32_t>(std::max(control->window->text_scale, 1.0) * 9.6 +
+                                             0.5);
+        case control_type::text:
+        case control_type::blank:
+        case control_type::button:
+        case control_type::fancy_button:
+        case control_type::option_button:
+        case control_type::integer_box:
+        case control_type::float_box:
+        case control_type::string_box:
+        case control_type::radio:
+        case control_type::spin:
+            return control->height <= deepest_line ? control->height : 0;
+        default:
+            return 0;
+    }
+}
+
+bool is_text_piece(const window_control* control) {
+    return (control->type == control_type::text && control->style == 0) ||
+           control->type == control_type::blank;
+}
+
+// Labels, boxes and buttons of a line stand on one middle line. Only pixels move, within the depth
+// that the line has anyway; texts of several sizes keep their common base.
+void centre_in_line(window_control* first, const window_control* end) {
+    std::int32_t deepest = 0;
+    std::int32_t deepest_text = 0;
+    for (const window_control* c = first; c != end; c = c->next) {
+        deepest = std::max(deepest, line_depth(c));
+        if (is_text_piece(c)) deepest_text = std::max(deepest_text, c->height);
+    }
+    for (window_control* c = first; c != end; c = c->next) {
+        const std::int32_t depth = is_text_piece(c) ? deepest_text : line_depth(c);
+        if (depth > 0 && depth < deepest)
+            c->y_extra += (units_to_pixels_y(deepest) - units_to_pixels_y(depth)) / 2;
+    }
+}
+
 // A status box that ends in a %st gives it the rest of the row.
 void stretch_status_text(const fancy_window* window) {
     window_control* last = window->status_control;
@@ -188,6 +235,7 @@ void align_information() {
         window_control* end = line;
         for (; end && end->type != control_type::line_end; end = end->next)
             deepest = std::max(deepest, end->inset);
+        centre_in_line(line, end);
         for (; line != end; line = line->next) line->y += deepest - line->inset;
         if (line) line = line->next;
     }

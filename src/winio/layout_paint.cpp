@@ -107,7 +107,7 @@ COLORREF colour_of(tone which) {
         case tone::shade:
             return look.border;
         case tone::dark:
-            return look.border_strong;
+            return look.dark ? blend(look.face, RGB(0, 0, 0), 0.55F) : look.border_strong;
         case tone::face:
             break;
     }
@@ -200,10 +200,20 @@ float radius_of(const frame_block& block) {
     return block.corners ? rounded_radius : theme().corner;
 }
 
+// A status row reaches from edge to edge: a line above it, and one between its cells.
+void draw_status_line(HDC dc, const cell_look& cell, COLORREF colour) {
+    constexpr std::int32_t gap = 4;
+    const RECT& a = cell.area;
+    fill(dc, {a.left, a.top, a.right, a.top + 1}, colour);
+    if (cell.block->flags & not_first_column)
+        fill(dc, {a.left, a.top + gap, a.left + 1, a.bottom - gap}, colour);
+}
+
 // One line along each side that this cell draws, meeting in the rounded corners. Sides between two
 // cells are drawn once, by the cell before them.
 void draw_line(HDC dc, const cell_look& cell, COLORREF colour) {
     const std::int32_t flags = cell.block->flags;
+    if (flags & status_frame) return draw_status_line(dc, cell, colour);
     const std::int32_t corners = outer_corners(flags);
     const float radius = radius_of(*cell.block);
     if (corners == 15) {
@@ -241,7 +251,7 @@ void draw_line(HDC dc, const cell_look& cell, COLORREF colour) {
 
 void fill_cell(HDC dc, const cell_look& cell) {
     const std::int32_t corners = outer_corners(cell.block->flags);
-    if (cell.block->kind == 0 && corners)
+    if (cell.block->kind == 0 && corners && !(cell.block->flags & status_frame))
         fill_path(dc, outline(to_float(cell.area), radius_of(*cell.block), corners),
                   cell.background);
     else
@@ -319,7 +329,7 @@ void draw_name(HDC dc, const window_control* frame, const cell_look& cell) {
     const std::int32_t y = cell.area.top - font_depth(dc) / 2;
     fill(dc, {x, cell.area.top, x + size.cx, cell.area.top + 2}, cell.background);
     const COLORREF line = cell.block->line_colour;
-    SetTextColor(dc, line ? line : readable(frame->text_colour, cell.background));
+    SetTextColor(dc, readable(line ? line : frame->text_colour, cell.background));
     const std::int32_t mode = SetBkMode(dc, TRANSPARENT);
     TextOutAW(dc, x, y, text.c_str(), length);
     SetBkMode(dc, mode);

@@ -33,6 +33,7 @@ class option_reader {
   public:
     option_reader(code_call& call, std::uint16_t code, const char* code_name, bool fatal = false);
     bool next();
+    void resume() { open_ = true; }  // the cursor stands within the list already
     bool is(std::string_view word) const { return word_ == word; }
     std::int32_t position() const { return position_; }
 

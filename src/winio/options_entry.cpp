@@ -295,10 +295,9 @@ bool take_caption(const char*& cursor, Xbutton& button) {
 
 void collect_button_options(code_call& call, Xbutton& button, bool preload) {
     if (*call.format == '[') {
-        const bool ends = take_caption(call.format, button) && *call.format == ']';
-        if (ends) ++call.format;
         option_reader words(call, code_of('B', 'N'), "%BN");
-        while (!ends && words.next()) {
+        if (take_caption(call.format, button)) words.resume();
+        while (words.next()) {
             if (words.is("icon=")) button.icon = kept_value();
             if (words.is("notes=")) button.note = kept_value();
             if (words.is("text=")) button.caption = kept_value();

@@ -45,10 +45,6 @@ bool intercept(platform::MSG* message) {
 
 extern "C" {
 
-TARN_EXPORT void __temporary_yield() {
-    tarn::textwin::yield_program_control(1);
-}
-
 TARN_EXPORT void __wait_for_window_to_close(const int32_t* variable) {
     while (*variable < 0) wait_and_serve();
 }

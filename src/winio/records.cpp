@@ -306,7 +306,10 @@ void offer_control(window_control* control) {
 
 void name_control(window_control* control) {
     fancy_window* window = control->window ? control->window : current_window();
-    const code_call* call = building().call;
+    // What is made beside the control that a code asks for has no name of its own.
+    const bool internal =
+        control->type == control_type::line_end || control->type == control_type::spin;
+    const code_call* call = internal ? nullptr : building().call;
     const std::uint16_t code = call ? call->code : code_of('.', '.');
     const int first = code >> 8, second = code & 0xFF;
     std::uint16_t number = 0;
@@ -359,9 +362,9 @@ void chain(window_control& control, fancy_window& window) {
 window_control* new_window_control(control_type type) {
     fancy_window* window = current_window();
     window_control* control = take_record(window);
+    control->window = window;
+    control->type = type;
     if (records().passive || !window) {
-        control->type = type;
-        control->window = window;
         return control;
     }
     const bool internal = type == control_type::line_end || type == control_type::spin ||
@@ -384,7 +387,6 @@ window_control* new_window_control(control_type type) {
         pending().scrolls = nullptr;
     }
     control->font = window->font;
-    control->window = window;
     control->fixed_w = control->fixed_h = -1;
     control->fixed_x = control->fixed_y = -100000;
     control->centre_span = control->right_col = -1;
@@ -400,7 +402,6 @@ window_control* new_window_control(control_type type) {
     }
     control->flags.no_right_move = window->flags.no_right_move;
     control->flags.no_down_move = window->flags.no_down_move;
-    control->type = type;
     return control;
 }
 

@@ -9,6 +9,7 @@
 #include "platform/user/user.h"
 #include "winio/layout.h"
 #include "winio/procedures.h"
+#include "platform/controls/controls.h"
 #include "winio/records.h"
 #include "winio/report.h"
 
@@ -193,6 +194,7 @@ void initialise_quillpan_plus() {
     state.char_width = static_cast<std::int32_t>(base & 0xFFFF);
     state.char_height = static_cast<std::int32_t>(base >> 16);
     choose_default_font();
+    platform::register_standard_controls();
     register_classes();
     install_window_procedures();
 }

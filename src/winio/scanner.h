@@ -14,7 +14,6 @@ namespace tarn::winio {
 bool scan_format(const char* format, argument_source& arguments);
 
 // ---- Preloading of options
-// -----------------------------------------------------------------------
 enum class preload : std::uint8_t { idle, opened, adding };
 struct preload_state {
     preload at = preload::idle;
@@ -29,7 +28,6 @@ void winop(const char* text);
 void winop_with(const char* text, const std::string& value, const char* routine);
 
 // ---- The queue of arguments for the next call
-// ----------------------------------------------------
 struct argument_queue {
     std::vector<word> words;
     std::string descriptor;
@@ -43,7 +41,6 @@ word* get_aux_arg_pointer(std::size_t size, const char* token);
 void queue_character(const char* text, std::int32_t length);
 
 // ---- Styles, class settings, checking
-// ------------------------------------------------------------
 void winstyle(const char* format);
 void winclass(const char* format);
 // A report goes to `buffer` (null ends check mode), which has room for `check_report_size` bytes.

@@ -194,7 +194,6 @@ TARN_EXPORT void __winclass(const char* format) {
 }
 
 // ---- Arguments of the next call
-// ------------------------------------------------------------------
 TARN_EXPORT void __add_winio_integer(std::int32_t value) {
     queue(word{value}, "I");
 }
@@ -229,7 +228,6 @@ TARN_EXPORT void __add_winio_function_ptr(std::int32_t (*function)()) {
 }
 
 // ---- Options and records
-// -------------------------------------------------------------------------
 TARN_EXPORT const char* const* get_quillpan_options(std::int32_t code) {
     return tarn::winio::get_quillpan_options(static_cast<std::uint16_t>(code));
 }

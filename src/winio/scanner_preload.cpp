@@ -174,7 +174,9 @@ void winop_with(const char* text, const std::string& value, const char* routine)
         quillpan_error("?Missing ']' in %s@", routine);
         return;
     }
-    winop((given.substr(0, bracket) + "=" + value + "]").c_str());
+    std::string whole = given.substr(0, bracket);
+    whole.append(1, '=').append(value).append(1, ']');
+    winop(whole.c_str());
 }
 
 }  // namespace tarn::winio

@@ -14,21 +14,6 @@ namespace {
 constexpr std::uintptr_t first_timer = 45;    // the first %dl of a window
 constexpr std::uintptr_t other_timers = 100;  // the others count up from here
 
-// A record that a killed timer left, or a new one; they die with the window.
-timer_entry* free_entry(fancy_window* window) {
-    for (timer_entry* timer = window->timers; timer; timer = timer->next)
-        if (!timer->callback) return timer;
-    auto* timer = static_cast<timer_entry*>(std::calloc(1, sizeof(timer_entry)));
-    if (!timer) heap_exhausted();
-    fancy_window* before = current_window();
-    current_window() = window;
-    discard_with_window(timer, nullptr);
-    current_window() = before;
-    timer->next = window->timers;
-    window->timers = timer;
-    return timer;
-}
-
 }  // namespace
 
 std::uintptr_t next_timer_id() {
@@ -42,7 +27,7 @@ void start_timers(fancy_window* window) {
         SetTimer(window->hwnd, first_timer, static_cast<UINT>(window->timer_ms), nullptr);
     for (timer_entry* timer = window->timers; timer; timer = timer->next) {
         if (timer->id == 0) timer->id = next_timer_id();
-        if (timer->callback) SetTimer(window->hwnd, timer->id, timer->milliseconds, nullptr);
+        SetTimer(window->hwnd, timer->id, timer->milliseconds, nullptr);
     }
 }
 
@@ -66,7 +51,9 @@ void set_timer(HWND hwnd, double seconds, call_back function) {
         quillpan_error("?Invalid hWnd passed to SET_TIMER@.");
         return;
     }
-    timer_entry* timer = free_entry(window);
+    auto* timer = new_record<timer_entry>();  // goes with the window
+    timer->next = window->timers;
+    window->timers = timer;
     timer->callback = function;
     timer->id = next_timer_id();
     timer->milliseconds = static_cast<std::uint32_t>(seconds * 1000.0);
@@ -76,12 +63,14 @@ void set_timer(HWND hwnd, double seconds, call_back function) {
 void kill_timer(HWND hwnd, call_back function) {
     fancy_window* window = fancy_window_from_handle(hwnd);
     if (!window || !function) return;
-    for (timer_entry* timer = window->timers; timer; timer = timer->next)
-        if (timer->callback == function) {
-            KillTimer(hwnd, timer->id);
-            timer->callback = nullptr;
-            return;
-        }
+    for (timer_entry** link = &window->timers; *link; link = &(*link)->next) {
+        timer_entry* timer = *link;
+        if (timer->callback != function) continue;
+        KillTimer(hwnd, timer->id);
+        *link = timer->next;
+        std::free(timer);
+        return;
+    }
     if (window->timer_callback == function) {
         KillTimer(hwnd, first_timer);
         window->timer_callback = nullptr;

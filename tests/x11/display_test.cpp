@@ -269,6 +269,22 @@ TEST_P(AnyDesktop, FollowsTheScaleOfTheDesktop) {
     }));
 }
 
+// Scripts give the same logs here as in memory: the script room's own tests, run again.
+TEST_P(AnyDesktop, PlaysScriptsAsInMemory) {
+#ifndef TARN_SCRIPT_TEST
+    GTEST_SKIP() << "there is no test of scripts";
+#else
+    std::string library = TARN_X11_MODULE;
+    setenv("TARN_RESOURCES", library.substr(0, library.rfind('/')).c_str(), 1);
+    setenv("TARN_DISPLAY", "x11", 1);
+    // Each run of that program is a user's session of its own on this desktop.
+    pid_t tests = start({TARN_SCRIPT_TEST, "--gtest_filter=PlayerTest.*-*EndsWith*:*Refuses*"});
+    int status = 1;
+    waitpid(tests, &status, 0);
+    EXPECT_EQ(status, 0);
+#endif
+}
+
 class Managed : public Desktop {
   protected:
     void SetUp() override {

@@ -23,6 +23,22 @@ inline std::ptrdiff_t stride_of(const IO_type& io) {
     return io.item_size == 10 ? static_cast<std::ptrdiff_t>(sizeof(long double)) : io.item_size;
 }
 
+// Takes `count` elements through `listed(io, element, size)` in a list-directed statement, else
+// through the format and `edited`. False: one of them failed.
+template <class Element, class Listed, class Edited>
+[[nodiscard]] bool transfer_elements(IO_type& io, Element* element, std::int64_t count,
+                                     Listed listed, Edited edited) {
+    const std::int32_t size = io.item_size;
+    for (; count > 0; --count, element += stride_of(io)) {
+        if (io.format_ptr == nullptr) {
+            if (!listed(io, element, size)) return false;
+        } else if (!IO_process_format() || !edited(io, element, size)) {
+            return false;
+        }
+    }
+    return true;
+}
+
 // ---- Output ----
 
 // Moves on behind an output field, and with it the place where a stream unit writes.

@@ -202,6 +202,12 @@ bool read_edited(IO_type& io, void* item, std::int32_t size) {
     }
 }
 
+bool write_list(IO_type& io, const void* item, std::int32_t size) {
+    const std::int32_t width = size == 8 ? list_width_8 : list_width;
+    return reserve_list_field(io, width) &&
+           write_decimal(io, load_signed(item, size), width, absent);
+}
+
 bool read_list(IO_type& io, void* item, std::int32_t size) {
     if (!IO_process_list_directed_input()) return false;
     bool done = false;
@@ -286,32 +292,12 @@ bool IO_read_bin_oct_hex(IO_type& io, std::int64_t size, unsigned __int128& valu
 
 bool I_WSF_main(const void* item, std::int64_t count) {
     IO_type& io = current();
-    const std::int32_t size = io.item_size;
-    const auto* element = static_cast<const char*>(item);
-    for (; count > 0; --count, element += size) {
-        if (io.format_ptr == nullptr) {
-            const std::int32_t width = size == 8 ? list_width_8 : list_width;
-            if (!reserve_list_field(io, width)) return false;
-            if (!write_decimal(io, load_signed(element, size), width, absent)) return false;
-        } else if (!IO_process_format() || !write_edited(io, element, size)) {
-            return false;
-        }
-    }
-    return true;
+    return transfer_elements(io, static_cast<const char*>(item), count, write_list, write_edited);
 }
 
 bool I_RSF_main(void* item, std::int64_t count) {
     IO_type& io = current();
-    const std::int32_t size = io.item_size;
-    auto* element = static_cast<char*>(item);
-    for (; count > 0; --count, element += size) {
-        if (io.format_ptr == nullptr) {
-            if (!read_list(io, element, size)) return false;
-        } else if (!IO_process_format() || !read_edited(io, element, size)) {
-            return false;
-        }
-    }
-    return true;
+    return transfer_elements(io, static_cast<char*>(item), count, read_list, read_edited);
 }
 
 }  // namespace tarn::fio::native

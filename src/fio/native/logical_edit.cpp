@@ -91,6 +91,10 @@ bool read_edited(IO_type& io, char* item, std::int32_t size) {
     }
 }
 
+bool write_list(IO_type& io, const char* item, std::int32_t size) {
+    return reserve_list_field(io, list_width) && write_field(io, is_true(item, size), list_width);
+}
+
 bool read_list(IO_type& io, char* item, std::int32_t size) {
     if (!IO_process_list_directed_input()) return false;
     switch (io.edit.value_kind) {
@@ -107,31 +111,12 @@ bool read_list(IO_type& io, char* item, std::int32_t size) {
 
 bool L_WSF_main(const void* item, std::int64_t count) {
     IO_type& io = current();
-    const std::int32_t size = io.item_size;
-    const auto* element = static_cast<const char*>(item);
-    for (; count > 0; --count, element += size) {
-        if (io.format_ptr == nullptr) {
-            if (!reserve_list_field(io, list_width)) return false;
-            if (!write_field(io, is_true(element, size), list_width)) return false;
-        } else if (!IO_process_format() || !write_edited(io, element, size)) {
-            return false;
-        }
-    }
-    return true;
+    return transfer_elements(io, static_cast<const char*>(item), count, write_list, write_edited);
 }
 
 bool L_RSF_main(void* item, std::int64_t count) {
     IO_type& io = current();
-    const std::int32_t size = io.item_size;
-    auto* element = static_cast<char*>(item);
-    for (; count > 0; --count, element += size) {
-        if (io.format_ptr == nullptr) {
-            if (!read_list(io, element, size)) return false;
-        } else if (!IO_process_format() || !read_edited(io, element, size)) {
-            return false;
-        }
-    }
-    return true;
+    return transfer_elements(io, static_cast<char*>(item), count, read_list, read_edited);
 }
 
 }  // namespace tarn::fio::native

@@ -421,17 +421,7 @@ long double power_of_ten(std::int64_t n) {
 
 bool R_WSF_main(const void* item, std::int64_t count) {
     IO_type& io = current();
-    const std::int32_t size = io.item_size;
-    const std::ptrdiff_t stride = stride_of(io);
-    const auto* element = static_cast<const char*>(item);
-    for (; count > 0; --count, element += stride) {
-        if (io.format_ptr == nullptr) {
-            if (!write_list(io, element, size)) return false;
-        } else if (!IO_process_format() || !write_edited(io, element, size)) {
-            return false;
-        }
-    }
-    return true;
+    return transfer_elements(io, static_cast<const char*>(item), count, write_list, write_edited);
 }
 
 }  // namespace tarn::fio::native

@@ -184,17 +184,7 @@ bool read_list(IO_type& io, void* item, std::int32_t size) {
 
 bool R_RSF_main(void* item, std::int64_t count) {
     IO_type& io = current();
-    const std::int32_t size = io.item_size;
-    const std::ptrdiff_t stride = stride_of(io);
-    auto* element = static_cast<char*>(item);
-    for (; count > 0; --count, element += stride) {
-        if (io.format_ptr == nullptr) {
-            if (!read_list(io, element, size)) return false;
-        } else if (!IO_process_format() || !read_edited(io, element, size)) {
-            return false;
-        }
-    }
-    return true;
+    return transfer_elements(io, static_cast<char*>(item), count, read_list, read_edited);
 }
 
 }  // namespace tarn::fio::native

@@ -85,7 +85,7 @@ TARN_EXPORT void get_mouse_info__(std::int32_t* x, std::int32_t* y, std::int32_t
 // ---- Windows, waiting, timers ----
 
 TARN_EXPORT void temporary_yield__() {
-    __temporary_yield();
+    __yield_program_control(1);
 }
 TARN_EXPORT void yield_program_control__(const std::int32_t* mode) {
     __yield_program_control(*mode);

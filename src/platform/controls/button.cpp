@@ -368,7 +368,7 @@ void Button::paint_mark(HDC dc, const RECT& rect, const Colours& colours) {
             face = look.button_disabled;
         else if (looks_pushed())
             face = look.button_pressed;
-        COLORREF edge = !live ? look.border : hovered ? look.border_hover : look.border_strong;
+        COLORREF edge = !live ? look.border : look.border_strong;
         if (live && looks_pushed()) edge = look.accent;
         fill_rounded(dc, b, radius, face);
         stroke_rounded(dc, b, radius, 1, edge);

@@ -397,7 +397,7 @@ void ComboBox::paint_chosen(HDC dc, const Colours& colours) {
     }
     SetTextColor(dc, live ? colours.text : disabled_text(colours));
     RECT words = rect;
-    words.left += 4;
+    words.left += 3;
     draw_line(dc, current_text(), words, DT_LEFT | DT_NOPREFIX | DT_END_ELLIPSIS);
 }
 
@@ -408,8 +408,12 @@ void ComboBox::paint() {
     const bool live = enabled();
     RECT box = client();
     box.bottom = std::min(box.bottom, field_height);
-    const COLORREF own = !live ? look.button_disabled : has_field() ? look.window : look.button;
-    const Colours colours = ask_colours(*this, dc, WM_CTLCOLOREDIT, look.text, own);
+    // As the field in it asks, so that they have one background.
+    const bool still = has_field() && !live;
+    const COLORREF in_use = has_field() ? look.window : look.button;
+    const COLORREF own = live ? in_use : still ? look.face : look.button_disabled;
+    const Colours colours =
+        ask_colours(*this, dc, still ? WM_CTLCOLORSTATIC : WM_CTLCOLOREDIT, look.text, own);
     if (dead) return;
     SelectObject(dc, control_font(*this));
     fill_behind_corners(*this, dc, client());

@@ -144,6 +144,7 @@ struct Edit : Control {
     void repaint_lines(std::size_t first, std::size_t last);
     void font_changed();
     void paint();
+    void paint_lines(HDC dc, const RECT& damaged, const Colours& colours);
     void paint_line(HDC dc, std::size_t line, const RECT& damaged, const Colours& colours);
     void draw_characters(HDC dc, const LineLayout& of, std::int32_t x, std::int32_t y,
                          const RECT& damaged, COLORREF colour) const;

@@ -138,19 +138,24 @@ void Edit::tell_changed() {
 }
 
 void Edit::set_text(std::string_view to) {
-    text.assign(to);
+    // A program that shows its variables again and again mostly shows the same.
+    const bool same = to.size() == text.size() && whole() == to && top == 0 && scroll_x == 0;
+    const bool marked = anchor != caret;
+    if (!same) text.assign(to);
     undo.clear();
     modified = false;
     anchor = caret = 0;
     trails = false;
     top = 0;
     scroll_x = 0;
-    widest = 0;
     goal_x = -1;
-    rebuild_lines();
-    update_scroll_bars();
+    if (!same) {
+        widest = 0;
+        rebuild_lines();
+        update_scroll_bars();
+    }
     show_caret(false);
-    repaint();
+    if (!same || marked) repaint();
     // Only a field of one line tells of a text that it was given.
     if (!multi_line || in_combo) tell_changed();
 }

@@ -452,9 +452,16 @@ void Edit::paint() {
         if (multi_line) inside.bottom = inside.top + line_height;
         const std::uint32_t align = has(ES_RIGHT) ? DT_RIGHT : has(ES_CENTER) ? DT_CENTER : DT_LEFT;
         draw_line(dc, cue, inside, align | DT_NOPREFIX | DT_END_ELLIPSIS);
-        return;
+    } else if (!multi_line) {
+        paint_line(dc, 0, damaged, colours);
+    } else {
+        paint_lines(dc, damaged, colours);
     }
-    if (!multi_line) return paint_line(dc, 0, damaged, colours);
+    draw_inner_corners(*this, dc, damaged, {enabled(), hovered, focused});
+}
+
+void Edit::paint_lines(HDC dc, const RECT& damaged, const Colours& colours) {
+    const RECT inside = area();
     const std::int32_t height = std::max(1, line_height);
     const std::int32_t first = std::max(0, (damaged.top - inside.top) / height);
     const std::int32_t last = std::max(0, (damaged.bottom - inside.top + height - 1) / height);

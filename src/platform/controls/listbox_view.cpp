@@ -261,8 +261,10 @@ void ListBox::paint() {
         const bool seen = rect.top < damaged.bottom && rect.bottom > damaged.top &&
                           rect.left < damaged.right && rect.right > damaged.left;
         if (seen && rect.top < inside.bottom) paint_item(dc, i, rect, colours);
-        if (dead || !items().has(i)) return;
+        if (dead) return;
+        if (!items().has(i)) break;
     }
+    draw_inner_corners(*this, dc, damaged, {enabled(), hovered, focused});
 }
 
 }  // namespace tarn::platform

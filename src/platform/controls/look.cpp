@@ -16,6 +16,10 @@ PointF middle(const RECT& r) {
 
 }  // namespace
 
+COLORREF edge_colour() {
+    return blend(theme().border, theme().border_strong, 0.6F);
+}
+
 Colours ask_colours(const Control& control, HDC dc, UINT message, COLORREF text, COLORREF back) {
     Colours result;
     SetTextColor(dc, text);
@@ -26,15 +30,20 @@ Colours ask_colours(const Control& control, HDC dc, UINT message, COLORREF text,
     result.text = GetTextColor(dc);
     result.back = GetBkColor(dc);
     result.brush = HBRUSH{static_cast<std::int32_t>(answer)};
-    if (result.brush != 0) {
-        COLORREF brush_colour = 0;
-        if (result.brush == GetStockObject(NULL_BRUSH)) {
-            result.hollow = true;
-        } else if (result.back == back && GetObjectBrush(result.brush, brush_colour)) {
-            result.back = brush_colour;
-        }
+    COLORREF brush_colour = 0;
+    if (result.brush == GetStockObject(NULL_BRUSH)) {
+        result.hollow = true;
+    } else if (result.back == back && GetObjectBrush(result.brush, brush_colour)) {
+        result.back = brush_colour;
     }
-    result.own_text = result.text != text;
+    // A parent that doesn't care answers with the system's colours: then the control's own stand.
+    const bool data = message == WM_CTLCOLOREDIT || message == WM_CTLCOLORLISTBOX;
+    const std::int32_t usual = data ? COLOR_WINDOW : COLOR_BTNFACE;
+    if (result.brush == GetSysColorBrush(usual) && result.back == GetSysColor(usual)) {
+        result.brush = HBRUSH{};
+        result.back = back;
+    }
+    result.own_text = result.text != text && result.text != GetSysColor(COLOR_WINDOWTEXT);
     result.own_back = result.back != back;
     if (!(result.own_text && result.own_back)) result.text = readable(result.text, result.back);
     SetTextColor(dc, result.text);
@@ -66,13 +75,13 @@ RectF inset(RectF r, float by) {
 
 void draw_field_outline(HDC dc, const RECT& rect, FieldState state, float radius) {
     const Theme& look = theme();
-    COLORREF colour = look.border_strong;
+    COLORREF colour = edge_colour();
     if (!state.enabled) {
         colour = look.border;
     } else if (state.focused) {
         colour = look.accent;
     } else if (state.hovered) {
-        colour = look.border_hover;
+        colour = look.border_strong;
     }
     stroke_rounded(dc, to_f(rect), radius, 1, colour);
 }
@@ -141,7 +150,7 @@ void draw_button_face(HDC dc, const RECT& rect, FaceState state) {
     const Theme& look = theme();
     const RectF r = to_f(rect);
     COLORREF face = look.button;
-    COLORREF edge = look.border_strong;
+    COLORREF edge = edge_colour();
     if (!state.enabled) {
         face = look.button_disabled;
         edge = look.border;
@@ -154,7 +163,7 @@ void draw_button_face(HDC dc, const RECT& rect, FaceState state) {
         face = look.button_pressed;
     } else if (state.hovered) {
         face = look.button_hover;
-        edge = look.border_hover;
+        edge = look.border_strong;
     }
     fill_rounded(dc, r, look.corner, face);
     if (edge != face) stroke_rounded(dc, r, look.corner, 1, edge);
@@ -180,23 +189,48 @@ std::string without_mnemonics(std::string_view text) {
     return result;
 }
 
+namespace {
+constexpr float border_radius = 3;  // what a border of one pixel can show
+
+bool has_border(const Control& control) {
+    const auto extended = static_cast<std::uint32_t>(GetWindowLong(control.hwnd, GWL_EXSTYLE));
+    return control.has(WS_BORDER) || (extended & (WS_EX_CLIENTEDGE | WS_EX_STATICEDGE)) != 0;
+}
+}  // namespace
+
 void draw_window_border(const Control& control, FieldState state) {
-    const std::uint32_t extended =
-        static_cast<std::uint32_t>(GetWindowLong(control.hwnd, GWL_EXSTYLE));
-    if (!control.has(WS_BORDER) && (extended & (WS_EX_CLIENTEDGE | WS_EX_STATICEDGE)) == 0) return;
-    constexpr float radius = 3;  // what a border of one pixel can show
+    if (control.dead || !has_border(control) || !IsWindowVisible(control.hwnd)) return;
     RECT rect;
     GetWindowRect(control.hwnd, rect);
     const HDC dc = GetWindowDC(control.hwnd);
     const RECT whole{0, 0, rect.width(), rect.height()};
+    if (!control.has(WS_CHILD)) {
+        // A list that drops down stands on the screen, where nothing is seen through its corners.
+        draw_field_outline(dc, whole, state, 0);
+        ReleaseDC(control.hwnd, dc);
+        return;
+    }
     const std::int32_t saved = SaveDC(dc);
     ExcludeClipRect(dc, {1, 1, whole.right - 1, whole.bottom - 1});
     ExcludeClipRect(dc, {2, 0, whole.right - 2, whole.bottom});
     ExcludeClipRect(dc, {0, 2, whole.right, whole.bottom - 2});
     fill_behind_corners(control, dc, whole);
     RestoreDC(dc, saved);
-    draw_field_outline(dc, whole, state, radius);
+    draw_field_outline(dc, whole, state, border_radius);
     ReleaseDC(control.hwnd, dc);
+}
+
+void draw_inner_corners(const Control& control, HDC dc, const RECT& damaged, FieldState state) {
+    const RECT inside = control.client();
+    const bool touched = damaged.top < inside.top + 2 || damaged.bottom > inside.bottom - 2;
+    if (!touched || !has_border(control) || !control.has(WS_CHILD)) return;
+    RECT whole;
+    GetWindowRect(control.hwnd, whole);
+    POINT corner{whole.left, whole.top};
+    ScreenToClient(control.hwnd, corner);
+    draw_field_outline(dc,
+                       {corner.x, corner.y, corner.x + whole.width(), corner.y + whole.height()},
+                       state, border_radius);
 }
 
 }  // namespace tarn::platform

@@ -26,6 +26,9 @@ COLORREF disabled_text(const Colours& colours);
 
 enum class Direction : std::uint8_t { up, down, left, right };
 
+// The outline of what can be used; the pointer over it brings out the theme's stronger one.
+COLORREF edge_colour();
+
 RectF to_f(const RECT& rect);
 RectF inset(RectF rect, float by);
 
@@ -57,5 +60,7 @@ std::string without_mnemonics(std::string_view text);
 // The border (WS_BORDER, WS_EX_CLIENTEDGE) of a field or a list, drawn over what the window's frame
 // drew: rounded, in the state's colour.
 void draw_window_border(const Control& control, FieldState state);
+// The same from within: what of the rounded corners lies in the client area, after it was painted.
+void draw_inner_corners(const Control& control, HDC dc, const RECT& damaged, FieldState state);
 
 }  // namespace tarn::platform

@@ -15,7 +15,10 @@ inline std::int32_t real_edge(std::int32_t logical, double scale) {
 
 // The logical pixel that a real one belongs to: the last whose edge isn't behind it.
 inline std::int32_t logical_pixel(std::int32_t real, double scale) {
-    return static_cast<std::int32_t>(std::ceil((real + 0.5) / scale)) - 1;
+    auto pixel = static_cast<std::int32_t>(std::ceil((real + 0.5) / scale)) - 1;
+    // An edge on a half is rounded up, which the quotient may miss by its last digit.
+    if (real_edge(pixel, scale) > real) return pixel - 1;
+    return real_edge(pixel + 1, scale) <= real ? pixel + 1 : pixel;
 }
 
 // The logical edge nearest to a real one.

@@ -6,6 +6,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "platform/dialogs/dialogs.h"
 #include "platform/display/display.h"
 #include "platform/kernel/console.h"
 #include "platform/script/input.h"
@@ -485,7 +486,9 @@ void start_script() {
     const char* path = std::getenv("TARN_EVENTS");
     if (!path || !*path) return;
     read_script(path);
-    if (!p.lines.empty()) script_step = step;
+    if (p.lines.empty()) return;
+    script_step = step;
+    somebody_answers = script_active;
 }
 
 bool script_active() {

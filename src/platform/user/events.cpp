@@ -24,6 +24,10 @@ void take_configure(Window& top, const RECT& surface) {
 
 void take_state(Window& top, WindowState granted) {
     Pinned w(&top);
+    if (granted == w->top->state)
+        w->top->state_asked_until = 0;
+    else if (clock_us() < w->top->state_asked_until)
+        return;
     const bool icon = granted == WindowState::minimized;
     const bool full = granted == WindowState::maximized || granted == WindowState::full_screen;
     DWORD style = w->style & ~(WS_MINIMIZE | WS_MAXIMIZE);

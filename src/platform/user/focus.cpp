@@ -5,8 +5,6 @@ namespace tarn::platform {
 
 namespace {
 
-constexpr std::int64_t answer_us = 1000000;  // how long the display may take to move the focus
-
 bool can_be_active(const Window& top) {
     return (top.style & (WS_VISIBLE | WS_DISABLED | WS_MINIMIZE)) == WS_VISIBLE && !top.dying &&
            (top.ex_style & WS_EX_NOACTIVATE) == 0;
@@ -128,11 +126,19 @@ HWND SetActiveWindow(HWND hwnd) {
     return old;
 }
 
+// Keys that are let go elsewhere never tell us.
+static void release_keys() {
+    Input& in = state().input;
+    for (std::uint8_t& key : in.keys) key &= 1;
+    in.alt_alone = in.f10_alone = false;
+}
+
 void display_focus(Window& top, bool arrived) {
     Input& in = state().input;
     const TopLevel id = display_id(top);
     if (!arrived) {
         if (in.display_focus == id) in.display_focus = 0;
+        release_keys();
         // Another window of ours may have been asked for: then it is about to get the focus.
         if (in.focus_asked == 0 && in.active == top.handle) activate(nullptr, WA_INACTIVE);
         return;

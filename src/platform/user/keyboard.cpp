@@ -157,11 +157,16 @@ char32_t plain_character(std::int32_t key) {
     }
 }
 
+// The newest first: keys of one millisecond look alike.
 const InputMessage* recent_key(const MSG& m) {
-    for (const InputMessage& k : state().input.recent_keys)
+    const Input& in = state().input;
+    const std::size_t count = std::size(in.recent_keys);
+    for (std::size_t i = 1; i <= count; ++i) {
+        const InputMessage& k = in.recent_keys[(in.next_recent - i) % count];
         if (k.msg.message == m.message && k.msg.wParam == m.wParam && k.msg.lParam == m.lParam &&
             k.msg.time == m.time)
             return &k;
+    }
     return nullptr;
 }
 
@@ -194,7 +199,7 @@ void take_key_event(const Event& event) {
     const bool is_f10 = event.key == VK_F10 && !control;
     bool system = (alt && !control) || is_f10;
     if (down) {
-        in.alt_alone = is_alt && !control && (in.alt_alone || !before);
+        in.alt_alone = is_alt && !control && (in.alt_alone || !event.repeat);
         in.f10_alone = is_f10 && !alt && (event.modifiers & mod_shift) == 0;
         system = system || (is_alt && !control);
     } else {

@@ -128,7 +128,7 @@ bool SetWindowPos(HWND hwnd, HWND after, std::int32_t x, std::int32_t y, std::in
 bool MoveWindow(HWND hwnd, std::int32_t x, std::int32_t y, std::int32_t width, std::int32_t height,
                 bool repaint) {
     return SetWindowPos(hwnd, HWND{}, x, y, width, height,
-                        SWP_NOZORDER | SWP_NOACTIVATE | (repaint ? 0 : SWP_NOREDRAW));
+                        SWP_NOZORDER | SWP_NOACTIVATE | (repaint ? UINT{0} : UINT{SWP_NOREDRAW}));
 }
 
 bool BringWindowToTop(HWND hwnd) {
@@ -163,6 +163,7 @@ void show_top(Window& window, bool may_activate) {
     Top& top = *w->top;
     const bool with_focus = may_activate && takes_activation(*w);
     open_top(*w);
+    if (!w.alive() || w->dying || (w->style & WS_VISIBLE) == 0) return;
     top.shown = true;
     top.settled = false;
     state().queue.unsettled = true;
@@ -204,7 +205,10 @@ void set_state(Window& window, WindowState wanted) {
         Top& top = *w->top;
         const bool changed = top.state != wanted;
         top.state = wanted;
-        if (changed && top.opened) display().set_state(display_id(*w), wanted);
+        if (changed && top.opened) {
+            top.state_asked_until = clock_us() + answer_us;
+            display().set_state(display_id(*w), wanted);
+        }
     }
     if (wanted == WindowState::minimized) {
         if ((old & WS_MINIMIZE) == 0) send_size(*w);

@@ -327,7 +327,8 @@ bool at_rest(bool waiting, std::int32_t& script_wait) {
     script_wait = -1;
     if (script_step != nullptr) script_wait = script_step(waiting);
     if (script_wait == 0) pull_events(true);
-    return script_wait == 0 || !q.posted.empty() || !q.events.empty() || q.fresh_marks;
+    return script_wait == 0 || !q.posted.empty() || !q.events.empty() ||
+           (anything_dirty() && q.fresh_marks);
 }
 
 }  // namespace
@@ -457,6 +458,7 @@ bool WaitMessage() {
 
 bool queue_is_idle() {
     const Queue& q = state().queue;
+    pull_events(true);
     return q.posted.empty() && q.input.empty() && q.events.empty() && !anything_dirty() &&
            !q.quit && !(display_open() && injected_events_waiting());
 }

@@ -138,6 +138,8 @@ UserState& state();
 // ----------------------------------------------
 std::int64_t clock_us();  // CLOCK_MONOTONIC
 inline constexpr std::int64_t frame_us = 16000;
+// How long the display may take to do what it was asked; until then what it says is old news.
+inline constexpr std::int64_t answer_us = 1000000;
 void start_timer(HWND hwnd, std::uintptr_t id, UINT period, TIMERPROC procedure, bool internal);
 void stop_timer(HWND hwnd, std::uintptr_t id, bool internal);
 void stop_timers_of(HWND hwnd);

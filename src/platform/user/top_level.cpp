@@ -90,7 +90,10 @@ void open_top(Window& top) {
     if (top.owner != nullptr && !top.owner->top->opened && !top.owner->dying) open_top(*top.owner);
     display();
     set_default_scale(display().scale());
-    top.top->opened = display().open(display_id(top), options_of(top));
+    Pinned w(&top);
+    const TopLevelOptions options = options_of(top);
+    if (!w.alive() || top.top->opened) return;
+    top.top->opened = display().open(display_id(top), options);
     if (!top.top->opened) return;
     if (top.top->state != WindowState::normal) display().set_state(display_id(top), top.top->state);
     send_icon(top);
@@ -110,7 +113,10 @@ void close_top(Window& top) {
 }
 
 void options_changed(Window& top) {
-    if (top.top && top.top->opened) display().set_options(display_id(top), options_of(top));
+    if (!top.top || !top.top->opened) return;
+    Pinned w(&top);
+    const TopLevelOptions options = options_of(top);
+    if (w.alive() && top.top->opened) display().set_options(display_id(top), options);
 }
 
 // The surface gets the size of the window; its picture is lost.

@@ -47,9 +47,10 @@ struct Top {
     bool accepts_files = false;  // it or a window in it once did
     CursorShape cursor = CursorShape::arrow;
     WindowState state = WindowState::normal;
-    RECT normal_rect;    // to restore from minimised and maximised
-    HWND last_focus{};   // the focus when it was last active
-    HWND disabled_by{};  // what the display was told
+    std::int64_t state_asked_until = 0;  // the display hasn't answered: what it says is old news
+    RECT normal_rect;                    // to restore from minimised and maximised
+    HWND last_focus{};                   // the focus when it was last active
+    HWND disabled_by{};                  // what the display was told
     HICON icon{};
     HWND newer{}, older{};  // in order of creation
 };

@@ -130,7 +130,7 @@ void X11Display::handle(const xcb_generic_event_t& event) {
         queue_.push(std::move(told));
         return;
     }
-    if (keyboard_.handle(connection_, event)) return;
+    if (keyboard_.handle(event)) return;
     if (randr_event_ != 0 && kind == randr_event_ + XCB_RANDR_SCREEN_CHANGE_NOTIFY) {
         read_monitors();
         return;
@@ -286,7 +286,7 @@ void X11Display::handle_key(const xcb_key_press_event_t& key, bool down) {
     connection_.time = key.time;
     Event told = about(down ? Event::Kind::key_down : Event::Kind::key_up, window);
     place_pointer(told, *window, key.event_x, key.event_y, key.state);
-    keyboard_.translate(key, down, told);
+    keyboard_.translate(connection_, key, down, told);
     queue_.push(std::move(told));
 }
 

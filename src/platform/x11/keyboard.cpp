@@ -63,7 +63,11 @@ void Keyboard::start(const Connection& connection) {
     } else {
         first_event_ = 0;
     }
-    read_keymap(connection);
+}
+
+// The table takes its time, so it waits for the first key that can begin a sequence.
+void Keyboard::load_compose() {
+    compose_tried_ = true;
     xkb_compose_table* table =
         xkb_compose_table_new_from_locale(context_, compose_locale(), XKB_COMPOSE_COMPILE_NO_FLAGS);
     if (!table) return;
@@ -109,10 +113,10 @@ void Keyboard::read_keymap(const Connection& connection) {
     state_ = state;
 }
 
-bool Keyboard::handle(const Connection& connection, const xcb_generic_event_t& event) {
+bool Keyboard::handle(const xcb_generic_event_t& event) {
     if (!first_event_ || (event.response_type & 0x7F) != first_event_) return false;
     auto kind = event.pad0;  // the extension's own number of the event
-    if (kind == XCB_XKB_NEW_KEYBOARD_NOTIFY || kind == XCB_XKB_MAP_NOTIFY) read_keymap(connection);
+    if (kind == XCB_XKB_NEW_KEYBOARD_NOTIFY || kind == XCB_XKB_MAP_NOTIFY) changed_ = true;
     return true;
 }
 
@@ -170,6 +174,9 @@ std::int32_t Keyboard::key_code(xcb_keycode_t code, std::uint32_t group,
 
 // Feeds dead keys and compose sequences. True: they decide what is typed, `text` or nothing.
 bool Keyboard::compose(std::uint32_t keysym, std::string& text) {
+    bool begins = (keysym >= XKB_KEY_dead_grave && keysym <= XKB_KEY_dead_greek) ||
+                  keysym == XKB_KEY_Multi_key;
+    if (begins && !compose_tried_) load_compose();
     if (!compose_ || keysym == XKB_KEY_NoSymbol ||
         xkb_compose_state_feed(compose_, keysym) == XKB_COMPOSE_FEED_IGNORED)
         return false;
@@ -191,11 +198,14 @@ bool Keyboard::compose(std::uint32_t keysym, std::string& text) {
     }
 }
 
-void Keyboard::translate(const xcb_key_press_event_t& key, bool down, Event& event) {
+void Keyboard::translate(const Connection& connection, const xcb_key_press_event_t& key, bool down,
+                         Event& event) {
     event.scan = key.detail - 8;
     event.modifiers = modifiers(key.state);
     event.repeat = down && down_[key.detail];
     down_[key.detail] = down;
+    if (changed_ && context_) read_keymap(connection);
+    changed_ = false;
     if (!state_) return;
     // Control is left out: what it makes of keys isn't the keyboard's business here.
     std::uint32_t group = group_of(key.state);

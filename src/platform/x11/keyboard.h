@@ -18,13 +18,15 @@ namespace tarn::x11 {
 
 class Keyboard {
   public:
-    // Without the server's own keyboard description a US one is taken.
+    // The keyboard itself is read when the first key is struck. Without the server's own
+    // description a US one is taken.
     void start(const Connection& connection);
-    // The keyboard may have changed (another layout list, a key map program): reads it anew when
-    // the event says so. False: the event isn't the keyboard's.
-    bool handle(const Connection& connection, const xcb_generic_event_t& event);
+    // The keyboard may have changed (another layout list, a key map program). False: the event
+    // isn't the keyboard's.
+    bool handle(const xcb_generic_event_t& event);
     // Fills in key, scan, text, modifiers and repeat.
-    void translate(const xcb_key_press_event_t& key, bool down, platform::Event& event);
+    void translate(const Connection& connection, const xcb_key_press_event_t& key, bool down,
+                   platform::Event& event);
     // No key is down any more, and no dead key waits.
     void reset();
 
@@ -37,6 +39,7 @@ class Keyboard {
     std::int32_t key_code(xcb_keycode_t code, std::uint32_t group, std::uint32_t keysym) const;
     std::int32_t plain_key(xcb_keycode_t code, std::uint32_t group) const;
     bool compose(std::uint32_t keysym, std::string& text);
+    void load_compose();
 
     xkb_context* context_ = nullptr;
     xkb_keymap* keymap_ = nullptr;
@@ -44,6 +47,8 @@ class Keyboard {
     xkb_compose_state* compose_ = nullptr;
     std::int32_t device_ = -1;
     std::uint8_t first_event_ = 0;  // 0: the server has no such extension
+    bool changed_ = true;           // the key map is to be read
+    bool compose_tried_ = false;
     std::bitset<256> down_;
 };
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <poll.h>
+#include <utility>
 #include <xcb/randr.h>
 #include <xcb/xcb_cursor.h>
 
@@ -356,7 +357,7 @@ bool X11Display::has_text(bool primary) {
 
 void X11Display::leave() {
     constexpr std::int32_t patience = 500;
-    if (gone_ || xcb_connection_has_error(connection_.xcb)) return;
+    if (gone_ || std::exchange(left_, true) || xcb_connection_has_error(connection_.xcb)) return;
     if (selections_.hand_over(connection_)) wait_for_answer(patience);
     xcb_flush(connection_.xcb);
 }

@@ -173,7 +173,8 @@ class X11Display final : public Display {
 
     Connection connection_;
     void (*lost_)(const char* message) = nullptr;
-    bool gone_ = false;
+    bool gone_ = false;       // the server is
+    bool left_ = false;       // the process ends
     bool own_scale_ = false;  // the user's wish, not the desktop's
     double scale_ = 1.0;
     Keyboard keyboard_;

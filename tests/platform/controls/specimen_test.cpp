@@ -48,7 +48,6 @@ void add_marks(const TestWindow& w) {
         {"On, disabled", BS_AUTORADIOBUTTON | WS_DISABLED, 1},
         {"At the right", BS_AUTOCHECKBOX | BS_LEFTTEXT, 1},
     };
-    w.add("button", "Options", BS_GROUPBOX, at(16, 116, 300, 130));
     std::int32_t i = 0;
     for (const auto& mark : marks) {
         const HWND hwnd =
@@ -56,6 +55,8 @@ void add_marks(const TestWindow& w) {
         send(hwnd, BM_SETCHECK, mark.check);
         ++i;
     }
+    const HWND group = w.add("button", "Options", BS_GROUPBOX, at(16, 116, 300, 130));
+    SetWindowPos(group, HWND{HWND_BOTTOM}, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE);
 }
 
 void add_labels(const TestWindow& w) {
@@ -198,7 +199,21 @@ TEST(Specimen, EveryControlPaintsWithinItsWindow) {
         GetClassNameA(top, name, sizeof name);
         if (std::string{name} == "combolbox") save(top, "list");
     }
-    save(w.hwnd, "dropped");
+    send(combo, CB_SHOWDROPDOWN, 0);
+    // The focus as the keyboard brings it, and the pointer over something else.
+    key(VK_F10);
+    std::int32_t shot = 0;
+    for (HWND c = GetWindow(w.hwnd, GW_CHILD); c != 0; c = GetWindow(c, GW_HWNDNEXT)) {
+        const std::string label = window_text(c);
+        if (label != "&Cancel" && label != "Checked" && label != "Radio" &&
+            label != "Install the program" && c != combo) {
+            continue;
+        }
+        SetFocus(c);
+        move_to(GetWindow(c, GW_HWNDNEXT), {5, 5});
+        save(w.hwnd, "focus" + std::to_string(shot++));
+        EXPECT_TRUE(control_facts(c).focused) << label;
+    }
 }
 
 }  // namespace

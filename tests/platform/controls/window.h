@@ -116,10 +116,13 @@ struct TestWindow {
 // ---- Input, as a display would deliver it
 // --------------------------------------------------------
 
+inline HWND top_level_of(HWND hwnd) {
+    while (hwnd != 0 && (GetWindowLong(hwnd, GWL_STYLE) & WS_CHILD) != 0) hwnd = GetParent(hwnd);
+    return hwnd;
+}
 inline Event pointer_event(Event::Kind kind, HWND hwnd, POINT at, std::uint32_t modifiers) {
     ClientToScreen(hwnd, at);
-    HWND top = hwnd;
-    while ((GetWindowLong(top, GWL_STYLE) & WS_CHILD) != 0) top = GetParent(top);
+    const HWND top = top_level_of(hwnd);
     Event event;
     event.kind = kind;
     event.window = top;
@@ -158,15 +161,21 @@ inline void key(std::int32_t code, std::uint32_t modifiers = 0, std::string text
     event.key = code;
     event.modifiers = modifiers;
     event.text = std::move(text);
-    const HWND focus = GetFocus();
-    HWND top = focus;
-    while (top != 0 && (GetWindowLong(top, GWL_STYLE) & WS_CHILD) != 0) top = GetParent(top);
-    event.window = top;
+    event.window = top_level_of(GetFocus());
     event.time = GetTickCount();
     inject_event(event);
     settle();
     event.kind = Event::Kind::key_up;
     event.text.clear();
+    inject_event(event);
+    settle();
+}
+// Text that no key stands for.
+inline void compose(std::string_view text) {
+    Event event;
+    event.kind = Event::Kind::text;
+    event.window = top_level_of(GetFocus());
+    event.text = text;
     inject_event(event);
     settle();
 }
@@ -176,11 +185,13 @@ inline void type(std::string_view text) {
         std::size_t end = at + 1;
         while (end < text.size() && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80) ++end;
         const char c = text[at];
+        const bool letter = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
         if (c == '\n') {
             key(VK_RETURN, 0, "\r");
+        } else if (letter) {
+            key(c & ~0x20, 0, std::string{c});
         } else {
-            const bool letter = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
-            key(letter ? c & ~0x20 : 0xE0, 0, std::string{text.substr(at, end - at)});
+            compose(text.substr(at, end - at));
         }
         at = end;
     }

@@ -1,0 +1,82 @@
+// What needs no server: texts and numbers that come from other programs.
+#include <gtest/gtest.h>
+
+#include "platform/display/geometry.h"
+#include "platform/display/keys.h"
+#include "platform/x11/connection.h"
+#include "platform/x11/keys.h"
+#include "platform/x11/png.h"
+#include "platform/x11/selections.h"
+
+namespace tarn::x11 {
+namespace {
+
+TEST(SelectionTextTest, LinesEndWithLfAndLatin1BecomesUtf8) {
+    EXPECT_EQ(lines_from_outside("a\r\nb\rc\n", false), "a\nb\nc\n");
+    EXPECT_EQ(lines_from_outside("a\r", false), "a\n");
+    EXPECT_EQ(lines_from_outside(std::string_view("a\0\0", 3), false), "a");
+    EXPECT_EQ(lines_from_outside("\xE9", true), "\xC3\xA9");
+    EXPECT_EQ(lines_from_outside("\xC3\xA9", false), "\xC3\xA9");
+    EXPECT_EQ(latin1_from_utf8("\xC3\xA9\xE2\x82\xAC!\xF0\x9F\x98\x80"), "\xE9?!?");
+    EXPECT_EQ(latin1_from_utf8("\xC3"), "?");
+}
+
+TEST(SelectionTextTest, PathsAreFoundAmongAddresses) {
+    EXPECT_EQ(paths_from_uris("file:///a%20b\r\n#comment\r\nfile://host/c\nfile:/d"),
+              "/a b\n/c\n/d");
+    EXPECT_EQ(paths_from_uris("http://a/b\nfile:relative\nfile://host\nfile:"), "");
+    EXPECT_EQ(paths_from_uris("file:///a%0Ab\nfile:///a%00b\nfile:///ok%"), "/ok%");
+    EXPECT_EQ(paths_from_uris("file:///%zz%4"), "/%zz%4");
+}
+
+TEST(ResourceTest, FindsAnEntryByItsWholeName) {
+    std::string_view database = "Xft.dpix:\t1\nOther.Xft.dpi: 2\nXft.dpi:\t 120 \nXft.dpi: 3";
+    EXPECT_EQ(resource_value(database, "Xft.dpi"), "120");
+    EXPECT_EQ(resource_value(database, "Xft.dp"), "");
+    EXPECT_EQ(resource_value("Xft.dpi", "Xft.dpi"), "");
+}
+
+TEST(GeometryTest, LogicalPixelsAndRealOnesAgree) {
+    using namespace platform;
+    for (double scale : {0.5, 0.75, 1.0, 1.1, 1.25, 1.5, 1.75, 2.0, 3.0, 4.0}) {
+        for (std::int32_t logical = -300; logical <= 3000; ++logical) {
+            std::int32_t begin = real_edge(logical, scale), end = real_edge(logical + 1, scale);
+            for (std::int32_t real = begin; real < end; ++real)
+                ASSERT_EQ(logical_pixel(real, scale), logical) << scale << " " << real;
+            if (logical >= 0) {
+                ASSERT_EQ(logical_length(begin, logical, scale), logical) << scale;
+            }
+            // A length that somebody else chose is filled.
+            if (logical > 0) {
+                ASSERT_GE(real_edge(logical_length(logical, 0, scale), scale), logical) << scale;
+            }
+        }
+    }
+    EXPECT_EQ(scale_of_dpi(96), 1.0);
+    EXPECT_EQ(scale_of_dpi(110), 1.25);
+    EXPECT_EQ(scale_of_dpi(144), 1.5);
+    EXPECT_EQ(scale_of_dpi(1), 0.5);
+    EXPECT_EQ(scale_of_dpi(9999), 4.0);
+}
+
+TEST(PngTest, HasEachPartWithItsSum) {
+    const std::uint32_t pixels[] = {0xFF0000FF, 0xFF00FF00};
+    std::string png = png_bytes(pixels, 2, 1);
+    // Known from the format: the sums of the head of a 2 x 1 picture and of the empty end.
+    EXPECT_EQ(png.substr(12, 17), std::string("IHDR\0\0\0\2\0\0\0\1\x08\2\0\0\0", 17));
+    EXPECT_EQ(png.substr(png.size() - 8), "IEND\xAE\x42\x60\x82");
+    std::string row("\0\0\0\xFF\0\xFF\0", 7);
+    EXPECT_NE(png.find(row), std::string::npos);
+}
+
+TEST(KeyTableTest, UsBoardByPlace) {
+    EXPECT_EQ(key_of_scan(16), 'Q');
+    EXPECT_EQ(key_of_scan(38), 'L');
+    EXPECT_EQ(key_of_scan(50), 'M');
+    EXPECT_EQ(key_of_scan(53), platform::VK_OEM_2);
+    EXPECT_EQ(key_of_scan(-3), 0);
+    EXPECT_EQ(key_of_scan(54), 0);
+}
+
+}  // namespace
+}  // namespace tarn::x11

@@ -177,6 +177,9 @@ void present(Window& top) {
 
 void present_all() {
     if (!anything_to_present()) return;
+    Queue& q = state().queue;
+    // What was painted before it in this frame is part of its price.
+    if (q.frame_start <= q.last_frame) q.frame_start = clock_us();
     // Contexts that a program keeps may have been drawn on at any time.
     for (Context& c : state().contexts) {
         Window* const window = c.in_use && !c.painting ? find(c.hwnd) : nullptr;
@@ -185,8 +188,9 @@ void present_all() {
     }
     for (Window* w = top_levels(); w != nullptr; w = w->below)
         if (!w->top->damage.empty()) present(*w);
-    state().queue.last_frame = clock_us();
     display().flush();
+    q.in_frame = false;
+    frame_done();
 }
 
 bool window_surface_rect(HWND top_level, RECT& screen) {

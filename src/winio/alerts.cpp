@@ -1,4 +1,6 @@
 // The mark beside a box whose value is out of its limits: red for an error, amber for a warning.
+#include <algorithm>
+
 #include "platform/gdi/paint.h"
 #include "platform/gdi/theme.h"
 #include "winio/data_entry.h"
@@ -11,7 +13,7 @@ using namespace platform;
 
 namespace {
 
-constexpr std::int32_t mark_size = 16, mark_rise = 8, mark_ids = 2000;
+constexpr std::int32_t mark_size = 16, mark_left = 6, mark_rise = 8, mark_ids = 2000;
 constexpr LPARAM warning = 1, error = 2;
 constexpr COLORREF alert_red = 0x0000FF;
 
@@ -21,7 +23,8 @@ POINT mark_place(const window_control* control) {
     if (!GetWindowRect(beside, place)) return {};
     POINT corner{place.left, place.top};
     MapWindowPoints(HWND{}, control->window->hwnd, &corner, 1);
-    return {corner.x, corner.y - mark_rise};
+    // Over the corner, so that the value under it can be read.
+    return {std::max(corner.x - mark_left, 0), std::max(corner.y - mark_rise, 0)};
 }
 
 LPARAM kind_of(const window_control* control, bool from_update) {

@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
+#include <string>
+#include <string_view>
 
 #include "winio/callbacks.h"
 #include "winio/codes.h"
@@ -242,6 +244,22 @@ void check_option_mix(window_control* control, Xbutton* button) {
     control->flags.colour_button = true;
 }
 
+// A note wraps, but none of its words does; it stands behind the arrow.
+std::int32_t note_width(const char* note) {
+    constexpr std::int32_t arrow_units = 12;
+    std::int32_t longest = 0;
+    std::string_view left = note;
+    while (!left.empty()) {
+        std::size_t end = std::min(left.find_first_of(" \n"), left.size());
+        std::int32_t width = 0, height = 0;
+        get_text_dimensions(current_window()->font, std::string(left.substr(0, end)).c_str(), width,
+                            height);
+        longest = std::max(longest, width);
+        left.remove_prefix(std::min(end + 1, left.size()));
+    }
+    return longest + arrow_units;
+}
+
 void size_option_button(code_call& call, window_control* control, Xbutton* button) {
     double scale = button->font_size > 0.0 ? button->font_size : current_window()->text_scale;
     std::int32_t width = 0, height = 0;
@@ -253,7 +271,7 @@ void size_option_button(code_call& call, window_control* control, Xbutton* butto
         width += 8;
     if (button->note) {
         if (button->vfill <= 0.0) button->vfill = 1.4;
-        if (!wanted) width *= 2;
+        if (!wanted) width = std::max(width * 2, note_width(button->note));
     }
     control->width = truncated((width + 12) * scale);
     control->height = truncated((height + 6) * scale);

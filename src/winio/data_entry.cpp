@@ -35,6 +35,11 @@ std::int32_t number_box_width(const window_control* control, std::int32_t digits
     return string_width(control, std::string(std::min(digits, 250) + 1U, '8').c_str());
 }
 
+COLORREF ground_colour() {
+    const box* in = builder().box;
+    return in ? in->background : current_window()->background;
+}
+
 // ---- The arguments of each kind
 
 void read_integer_box(code_call& call, window_control* control) {
@@ -172,8 +177,8 @@ void make_edit_box_control(code_call& call, const box_kind& kind) {
     if (call.grave) {
         call.grave = false;
         control->flags.read_form = true;
-        if (current_window()->flags.three_d && control->background == data_colour())
-            control->background = dialog_colour();
+        // It shows a value and takes none: it stands on the window's own ground.
+        if (control->background == data_colour()) control->background = ground_colour();
     }
     bool one_more = true;
     std::int32_t extra = number || !control->flags.no_additional_depth ? 2 : 0;

@@ -133,6 +133,9 @@ def link_arguments(command, language, float_rules):
         out.append(os.path.join(paths.START, f"tarn_start_{rules}{language}.o"))
     # -Xlinker, not -Wl: a folder's name may hold a comma.
     out += ["-L" + paths.LIB, "-Xlinker", "-rpath", "-Xlinker", paths.LIB]
+    if language == "fortran":
+        # Contained procedures that are handed on need it, and nobody can do anything about it.
+        out.append("-Wl,--no-warn-execstack")
     return out + paths.LINK + ["-Wl,-z,separate-code", "-Wl,--as-needed", "-ltarnlibc"]
 
 

@@ -171,7 +171,7 @@ COLORREF blend(COLORREF a, COLORREF b, float part) {
     for (int shift = 0; shift < 24; shift += 8) {
         const auto from = static_cast<float>(a >> shift & 0xFF);
         const auto to = static_cast<float>(b >> shift & 0xFF);
-        mixed |= static_cast<COLORREF>(from + (to - from) * t + 0.5F) << shift;
+        mixed |= static_cast<COLORREF>(std::lround(from + (to - from) * t)) << shift;
     }
     return mixed;
 }
@@ -181,11 +181,18 @@ float contrast(COLORREF a, COLORREF b) {
     return (std::max(x, y) + 0.05F) / (std::min(x, y) + 0.05F);
 }
 
+// The hue stays as long as it can: red on white becomes a darker red and not black.
 COLORREF readable(COLORREF text, COLORREF background) {
     constexpr float enough = 4.5F;
+    constexpr int steps = 16;
     if (contrast(text, background) >= enough) return text;
     const COLORREF black = 0, white = RGB(255, 255, 255);
-    return contrast(black, background) >= contrast(white, background) ? black : white;
+    const COLORREF end = contrast(black, background) >= contrast(white, background) ? black : white;
+    for (int i = 1; i < steps; ++i) {
+        const COLORREF nearer = blend(text, end, static_cast<float>(i) / steps);
+        if (contrast(nearer, background) >= enough) return nearer;
+    }
+    return end;
 }
 
 }  // namespace tarn::platform

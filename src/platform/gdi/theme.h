@@ -34,8 +34,8 @@ HBRUSH GetSysColorBrush(std::int32_t which);
 // A mixture, `part` of `b` in `a`, and the contrast (1 to 21) of two colours.
 COLORREF blend(COLORREF a, COLORREF b, float part);
 float contrast(COLORREF a, COLORREF b);
-// `text` where it can be read on `background`, otherwise black or white, whichever can. What a
-// control draws with when a program set only one of the two.
+// `text` where it can be read on `background`, otherwise moved towards black or white until it can.
+// What a control draws with when a program set only one of the two.
 COLORREF readable(COLORREF text, COLORREF background);
 
 }  // namespace tarn::platform

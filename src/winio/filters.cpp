@@ -73,7 +73,9 @@ std::int32_t modifiers() {
 
 std::int32_t word_of_key(std::int32_t key, bool alt) {
     std::int32_t flags = modifiers();
-    if (!alt && !key_may_accelerate(key, (flags & key_control) != 0)) return 0;
+    // With both held a letter types no character that could be looked at instead.
+    const bool letter = flags == (key_control | key_shift) && key >= 'A' && key <= 'Z';
+    if (!alt && !letter && !key_may_accelerate(key, (flags & key_control) != 0)) return 0;
     if (alt && key >= 'A' && key <= 'Z') return 0;  // its WM_SYSCHAR follows
     if (key == VK_TAB && (flags & key_control) != 0)
         return (flags & key_shift) != 0 ? VK_TAB : 0x32C;

@@ -112,6 +112,10 @@ bool menu_command(fancy_window* window, std::int32_t id) {
     if (enhanced_command(window, id)) return true;
     const menu_info* item = item_of_id(window, id);
     if (item == nullptr) return false;
+    // The key of a grey item does nothing, as a click on it.
+    adjust_grey_controls(1);
+    const UINT state = GetMenuState(item->menu, static_cast<UINT>(id), 0);
+    if (state != UINT(-1) && (state & (MF_GRAYED | MF_DISABLED)) != 0) return true;
     run_item(window, item->callback, std::string(item->text).c_str());
     return true;
 }

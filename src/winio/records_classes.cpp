@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "platform/base/constants.h"
+#include "platform/controls/controls.h"
 #include "platform/gdi/gdi.h"
 #include "platform/gdi/paint.h"
 #include "platform/gdi/theme.h"

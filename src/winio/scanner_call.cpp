@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "platform/user/menus.h"
+#include "platform/user/user.h"
 #include "winio/callbacks.h"
 #include "winio/common_dialog.h"
 #include "winio/layout.h"
@@ -308,14 +309,36 @@ void drop_window(fancy_window* window) {
     building().passive_hook = nullptr;
 }
 
-std::int32_t open_window(fancy_window* window) {
-    const std::int32_t number = window->second_number;
+std::int32_t open_and_wait(fancy_window* window, std::int32_t number) {
     end_layout();
     create_real_window(window);
     if (!window_is_listed(window, number)) return 0;
     if (window->flags.leave || window->flags.sheet) return 0;
     const std::int32_t result = wait_for_window(window);
     if (window_is_listed(window, number)) cleanup_winio(window);
+    return result;
+}
+
+// An exception of the program passes through the wait: the window goes, with no further call-back.
+struct open_guard {
+    fancy_window* window;
+    std::int32_t number;
+    bool done = false;
+    ~open_guard() {
+        if (done || !window_is_listed(window, number)) return;
+        window->start_callback = window->close_callback = window->closed_callback = nullptr;
+        window->flags.busy = window->flags.closing = false;
+        if (window->flags.open) platform::SendMessageA(window->hwnd, platform::WM_CLOSE, 0, 0);
+        if (window_is_listed(window, number)) cleanup_winio(window);
+        resume_construction(window);
+    }
+};
+
+std::int32_t open_window(fancy_window* window) {
+    const std::int32_t number = window->second_number;
+    open_guard guard{window, number};
+    const std::int32_t result = open_and_wait(window, number);
+    guard.done = true;
     return result;
 }
 

@@ -32,6 +32,8 @@ class HandleTable {
         return static_cast<Handle>(slot.generation << 16 | place);
     }
 
+    bool full() const { return free_first_ == 0 && slots_.size() >= limit; }
+
     Record* find(Handle handle) const {
         const Slot* slot = slot_of(handle);
         return slot == nullptr ? nullptr : slot->record.get();

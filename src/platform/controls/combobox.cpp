@@ -11,57 +11,11 @@ namespace {
 constexpr std::uint32_t type_mask = 3;
 constexpr std::int32_t arrow_width = 18;
 constexpr std::int32_t field_inset = 2;
-constexpr std::int32_t default_rows = 10;  // of a list whose height nobody told
 constexpr std::int32_t field_id = 1001, list_id = 1000;
 
-struct ComboBox : Control {
-    ListItems items;
-    HWND field{}, list{};
-    std::uint32_t type = CBS_DROPDOWN;
-    std::int32_t field_height = 0, drop_height = 0, dropped_width = 0;
-    std::int32_t item_height = 0;  // told by a message or the owner
-    bool field_height_set = false;
-    bool dropped = false, closing = false;
-    bool quiet = false;        // what the field tells is our own doing
-    std::int32_t before = -1;  // chosen when the list dropped
-    std::string text_before;
-    TypeAhead letters;
+}  // namespace
 
-    bool has_field() const { return type != CBS_DROPDOWNLIST; }
-    bool drops() const { return type != CBS_SIMPLE; }
-    RECT arrow_rect() const;
-    RECT text_rect() const;
-
-    LRESULT handle(UINT message, WPARAM wparam, LPARAM lparam);
-    LRESULT handle_items(UINT message, WPARAM wparam, LPARAM lparam);
-    LRESULT handle_box(UINT message, WPARAM wparam, LPARAM lparam);
-    LRESULT handle_text(UINT message, WPARAM wparam, LPARAM lparam);
-    void create(const CREATESTRUCT& made);
-    void place_children();
-    void set_font(HFONT to);
-    void measure_by_owner();
-    std::int32_t natural_height() const;
-    void fit_height();
-
-    void set_current(std::int32_t index, bool at_field);
-    void set_field_text(std::string_view to);
-    std::string current_text() const;
-    void items_changed();
-    void drop();
-    RECT list_place() const;
-    void close(bool accept);
-    void pick(std::int32_t index);
-    void choose(std::int32_t index);
-    bool key(WPARAM code, bool alt);
-    void field_told(std::int32_t code);
-    void focus_came();
-    void focus_went();
-    void paint();
-    void paint_chosen(HDC dc, const Colours& colours);
-};
-
-// ---- Geometry
-// ------------------------------------------------------------------------------------
+// ---- Geometry ----------------------------------------------------------------------------------
 
 RECT ComboBox::arrow_rect() const {
     RECT rect = client();
@@ -149,8 +103,7 @@ void ComboBox::set_font(HFONT to) {
     fit_height();
 }
 
-// ---- Items and choice
-// ----------------------------------------------------------------------------
+// ---- Items and choice --------------------------------------------------------------------------
 
 std::string ComboBox::current_text() const {
     return items.has(items.current) ? items[items.current].text : std::string{};
@@ -200,86 +153,11 @@ void ComboBox::pick(std::int32_t index) {
     if (!dead) notify(*this, CBN_SELCHANGE);
 }
 
-// ---- The list
-// ------------------------------------------------------------------------------------
-
-// Below the box, or above it where there is more room.
-RECT ComboBox::list_place() const {
-    RECT box;
-    GetWindowRect(hwnd, box);
-    const std::int32_t each =
-        item_height > 0 ? item_height : list_item_height(Measure{*this}.line_height());
-    std::int32_t most = drop_height - field_height;
-    if (most < each) most = default_rows * each + 2;
-    const std::int32_t rows = std::clamp(items.count(), 1, std::max(1, (most - 2) / each));
-    const std::int32_t height = rows * each + 2;
-    const std::int32_t width = std::max(box.width(), dropped_width);
-    const std::int32_t screen = GetSystemMetrics(SM_CYSCREEN);
-    std::int32_t y = box.bottom + 1;
-    if (y + height > screen && box.top > screen - box.bottom) {
-        y = std::max(0, box.top - 1 - height);
-    }
-    return {box.left, y, box.left + width, y + height};
-}
-
-void ComboBox::drop() {
-    if (!drops() || dropped || closing) return;
-    if (!notify(*this, CBN_DROPDOWN)) return;
-    if (dropped || !IsWindowVisible(hwnd)) return;
-    if (has_field()) {
-        const std::string typed = window_text(field);
-        if (items.current < 0 || current_text() != typed)
-            items.current = items.find(-1, typed, true);
-        text_before = typed;
-    }
-    before = items.current;
-    const RECT at = list_place();
-    void* const self = reinterpret_cast<void*>(static_cast<std::intptr_t>(hwnd));
-    list = CreateWindowExA(WS_EX_TOOLWINDOW | WS_EX_TOPMOST | WS_EX_NOACTIVATE, "combolbox", "",
-                           WS_POPUP | WS_BORDER | WS_VSCROLL | LBS_NOINTEGRALHEIGHT, at.left,
-                           at.top, at.width(), at.height(), hwnd, HMENU{}, self);
-    if (list == 0) return;
-    dropped = true;
-    if (font != 0) send_message(list, WM_SETFONT, static_cast<WPARAM>(font), 0);
-    if (item_height > 0) send_message(list, LB_SETITEMHEIGHT, 0, item_height);
-    if (items.current >= 0) {
-        send_message(list, LB_SETTOPINDEX, static_cast<WPARAM>(items.current), 0);
-    }
-    ShowWindow(list, SW_SHOWNA);
-    if (dead || list == 0) return;
-    SetCapture(list);
-    repaint();
-}
-
-// `accept`: what is chosen stays; otherwise it is again what it was when the list dropped.
-void ComboBox::close(bool accept) {
-    if (!dropped || closing) return;
-    closing = true;
-    bool taken_back = false;
-    if (!accept && items.current != before) {
-        taken_back = true;
-        items.current = items.has(before) ? before : -1;
-        if (field != 0) set_field_text(text_before);
-    }
-    if (!dead) notify(*this, accept ? CBN_SELENDOK : CBN_SELENDCANCEL);
-    const HWND gone = list;
-    list = HWND{};
-    dropped = false;
-    if (GetCapture() == gone) ReleaseCapture();
-    DestroyWindow(gone);
-    closing = false;
-    if (dead) return;
-    repaint();
-    if (!notify(*this, CBN_CLOSEUP)) return;
-    if (taken_back) notify(*this, CBN_SELCHANGE);
-}
-
-// ---- Keys and focus
-// ------------------------------------------------------------------------------
+// ---- Keys and focus ----------------------------------------------------------------------------
 
 bool ComboBox::key(WPARAM code, bool alt) {
     const std::int32_t at = items.current;
-    const std::int32_t page = default_rows - 1;
+    const std::int32_t page = default_combo_rows - 1;
     if (alt && (code == VK_UP || code == VK_DOWN)) {
         if (dropped) {
             close(true);
@@ -369,8 +247,7 @@ void ComboBox::field_told(std::int32_t code) {
     }
 }
 
-// ---- Painting
-// ------------------------------------------------------------------------------------
+// ---- Painting ----------------------------------------------------------------------------------
 
 // The chosen item in a box without a field.
 void ComboBox::paint_chosen(HDC dc, const Colours& colours) {
@@ -435,8 +312,7 @@ void ComboBox::paint() {
     if (focused && keyboard_focus_visible()) draw_focus_ring(dc, box, look.corner);
 }
 
-// ---- Messages
-// ------------------------------------------------------------------------------------
+// ---- Messages ----------------------------------------------------------------------------------
 
 LRESULT ComboBox::handle_items(UINT message, WPARAM wparam, LPARAM lparam) {
     const auto index = static_cast<std::int32_t>(wparam);
@@ -763,96 +639,6 @@ LRESULT ComboBox::handle(UINT message, WPARAM wparam, LPARAM lparam) {
             break;
     }
     return DefWindowProcA(hwnd, message, wparam, lparam);
-}
-
-// Whether a list is one that dropped down, and is down.
-bool is_down(const ListBox& list) {
-    const ComboBox* box = record_of<ComboBox>(list.combo);
-    return box != nullptr && box->dropped && box->list == list.hwnd;
-}
-
-}  // namespace
-
-ListItems* combobox_items(HWND combo) {
-    ComboBox* box = record_of<ComboBox>(combo);
-    return box != nullptr ? &box->items : nullptr;
-}
-
-bool combobox_list_pressed(ListBox& list, POINT at) {
-    if (!is_down(list)) return false;
-    if (list.client().contains(at)) {
-        bool outside = false;
-        list.press_item = list.item_at(at, outside);
-        if (outside) list.press_item = -1;
-        return true;
-    }
-    POINT screen = at;
-    ClientToScreen(list.hwnd, screen);
-    RECT whole;
-    GetWindowRect(list.hwnd, whole);
-    if (whole.contains(screen)) {
-        // The pointer is captured, so that the list's own scroll bar is told by us.
-        send_message(list.hwnd, WM_NCLBUTTONDOWN, HTVSCROLL, MAKELPARAM(screen.x, screen.y));
-    } else {
-        send_message(list.combo, combo_cancel, 0, 0);
-    }
-    return true;
-}
-
-bool combobox_list_moved(ListBox& list, POINT at, bool button_down) {
-    if (!is_down(list)) return false;
-    bool outside = false;
-    const std::int32_t index = list.item_at(at, outside);
-    list.last_mouse = at;
-    const RECT rect = list.client();
-    const bool beyond =
-        button_down && list.press_item != -1 && (at.y < rect.top || at.y >= rect.bottom);
-    if (beyond) {
-        SetTimer(list.hwnd, ListBox::scroll_timer, 50, nullptr);
-    } else {
-        KillTimer(list.hwnd, ListBox::scroll_timer);
-    }
-    if (outside && !beyond) return true;
-    if (button_down) list.press_item = index;
-    if (index != list.hot) {
-        const std::int32_t before = list.hot >= 0 ? list.hot : list.items().current;
-        list.hot = index;
-        if (list.items().has(before)) list.repaint_item(before);
-        list.repaint_item(index);
-    }
-    return true;
-}
-
-bool combobox_list_released(ListBox& list, POINT at) {
-    if (!is_down(list)) return false;
-    KillTimer(list.hwnd, ListBox::scroll_timer);
-    bool outside = false;
-    const std::int32_t index = list.item_at(at, outside);
-    const bool pressed_here = list.press_item >= 0;
-    list.press_item = -1;
-    if (!outside && pressed_here) {
-        send_message(list.combo, combo_list_pick, static_cast<WPARAM>(index), 1);
-    }
-    return true;
-}
-
-// The bar gives the capture back when it is let go; anybody else who takes it closes the list.
-bool combobox_list_lost_capture(ListBox& list, LPARAM to) {
-    if (!is_down(list)) return false;
-    if (to == list.hwnd) return true;
-    if (to == 0) {
-        SetCapture(list.hwnd);
-    } else {
-        send_message(list.combo, combo_cancel, 0, 0);
-    }
-    return true;
-}
-
-bool combobox_list_timer(ListBox& list) {
-    if (!is_down(list)) return false;
-    list.scroll_to(list.last_mouse.y < 0 ? list.top - 1 : list.top + 1);
-    combobox_list_moved(list, list.last_mouse, true);
-    return true;
 }
 
 LRESULT combobox_procedure(HWND hwnd, UINT message, WPARAM wparam, LPARAM lparam) {

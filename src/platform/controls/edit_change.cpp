@@ -7,8 +7,7 @@
 
 namespace tarn::platform {
 
-// ---- The log of changes
-// --------------------------------------------------------------------------
+// ---- The log of changes ------------------------------------------------------------------------
 
 void UndoLog::clear() {
     steps_.clear();
@@ -41,8 +40,7 @@ void UndoLog::record(UndoStep step, Run run) {
     done_ = steps_.size();
 }
 
-// ---- Places in the text
-// --------------------------------------------------------------------------
+// ---- Places in the text ------------------------------------------------------------------------
 
 namespace {
 // Enough around a place to find the bounds of a character with all its marks.
@@ -122,8 +120,7 @@ void Edit::word_around(std::size_t at, std::size_t& from, std::size_t& to) const
     while (to < text.size() && kind(to) == here) to = next(to);
 }
 
-// ---- Changing
-// ------------------------------------------------------------------------------------
+// ---- Changing ----------------------------------------------------------------------------------
 
 // A field's new lines end like the ones it has; CR LF in a field that has none.
 std::string_view Edit::line_end_text() const {

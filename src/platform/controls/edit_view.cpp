@@ -23,8 +23,7 @@ std::int32_t pixel(float x) {
 
 }  // namespace
 
-// ---- The area and its lines
-// ----------------------------------------------------------------------
+// ---- The area and its lines --------------------------------------------------------------------
 
 bool Edit::wraps() const {
     return multi_line && (has(ES_CENTER | ES_RIGHT) || !(has(ES_AUTOHSCROLL) || has(WS_HSCROLL)));
@@ -146,8 +145,7 @@ Edit::Changed Edit::update_lines(std::size_t at, std::size_t last_line) {
     return {first, first + 1 + fresh.size(), lines.count() != before};
 }
 
-// ---- Places in a line
-// ----------------------------------------------------------------------------
+// ---- Places in a line --------------------------------------------------------------------------
 
 void Edit::measure_line(const Measure& measure, LineLayout& of) const {
     const std::string_view shown = of.text;
@@ -246,8 +244,7 @@ std::size_t Edit::offset_at(POINT at, std::size_t* on_line) {
     return offset_at_x(line, static_cast<float>(at.x));
 }
 
-// ---- Selection and scrolling
-// ---------------------------------------------------------------------
+// ---- Selection and scrolling -------------------------------------------------------------------
 
 void Edit::select(std::size_t new_anchor, std::size_t new_caret, bool at_line_end) {
     const std::size_t old_low = low();
@@ -371,8 +368,7 @@ void Edit::font_changed() {
     }
 }
 
-// ---- Painting
-// ------------------------------------------------------------------------------------
+// ---- Painting ----------------------------------------------------------------------------------
 
 void Edit::draw_characters(HDC dc, const LineLayout& of, std::int32_t x, std::int32_t y,
                            const RECT& damaged, COLORREF colour) const {

@@ -127,8 +127,7 @@ void ListBox::type_ahead(char32_t code) {
     if (found >= 0) go(found);
 }
 
-// ---- The pointer
-// ---------------------------------------------------------------------------------
+// ---- The pointer -------------------------------------------------------------------------------
 
 void ListBox::press(POINT at, WPARAM keys, bool again) {
     if (GetFocus() != hwnd) {

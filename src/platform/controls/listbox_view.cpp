@@ -191,8 +191,7 @@ void ListBox::wheel(std::int32_t delta) {
     scroll_to(top - (columns() ? (lines > 0 ? rows() : -rows()) : lines));
 }
 
-// ---- Painting
-// ------------------------------------------------------------------------------------
+// ---- Painting ----------------------------------------------------------------------------------
 
 void ListBox::draw_by_owner(HDC dc, std::int32_t index, const RECT& rect, bool selected) {
     const HWND teller = combo != 0 ? combo : hwnd;

@@ -88,8 +88,8 @@ std::uint32_t nearest_inside(const Surface& s, std::int32_t x, std::int32_t y) {
 
 std::uint32_t smooth_pixel(const Surface& s, double x, double y) {
     const double left = std::floor(x - 0.5), top = std::floor(y - 0.5);
-    const auto fx = static_cast<std::uint32_t>((x - 0.5 - left) * 255 + 0.5);
-    const auto fy = static_cast<std::uint32_t>((y - 0.5 - top) * 255 + 0.5);
+    const auto fx = static_cast<std::uint32_t>((x - 0.5 - left) * 255);
+    const auto fy = static_cast<std::uint32_t>((y - 0.5 - top) * 255);
     const auto ix = static_cast<std::int32_t>(left), iy = static_cast<std::int32_t>(top);
     return mix(mix(nearest_inside(s, ix, iy), nearest_inside(s, ix + 1, iy), fx),
                mix(nearest_inside(s, ix, iy + 1), nearest_inside(s, ix + 1, iy + 1), fx), fy);

@@ -1,6 +1,7 @@
 #include "platform/gdi/context.h"
 
 #include <array>
+#include <cmath>
 
 namespace tarn::platform {
 
@@ -73,9 +74,9 @@ void set_start_values(DeviceContext& dc) {
     clip.clear();
     dc.state = ContextState{};
     dc.state.clip.swap(clip);
-    dc.state.pen = find_pen(GetStockObject(BLACK_PEN));
-    dc.state.brush = find_brush(GetStockObject(WHITE_BRUSH));
-    dc.state.font = find_font(GetStockObject(SYSTEM_FONT));
+    dc.state.pen = static_cast<Pen*>(stock_object(BLACK_PEN));
+    dc.state.brush = static_cast<Brush*>(stock_object(WHITE_BRUSH));
+    dc.state.font = static_cast<Font*>(stock_object(SYSTEM_FONT));
     retain_tools(dc.state);
 }
 
@@ -143,6 +144,7 @@ void update_real_clip(DeviceContext& dc) {
 }
 
 HDC create_surface_dc(Surface& surface, POINT origin, std::span<const RECT> clip) {
+    if (gdi_state().contexts.full()) return HDC{};
     auto dc = std::make_unique<DeviceContext>();
     set_start_values(*dc);
     attach_surface(*dc, surface, origin, clip);
@@ -166,11 +168,16 @@ HDC CreateCompatibleDC(HDC like) {
     const DeviceContext* model = find_context(like);
     const double scale = model == nullptr ? default_scale() : model->surface.scale;
     std::unique_ptr<Bitmap> bitmap = make_bitmap({1, 1}, scale);
-    if (bitmap == nullptr) return HDC{};
+    if (bitmap == nullptr || gdi_state().contexts.full()) return HDC{};
     auto dc = std::make_unique<DeviceContext>();
     set_start_values(*dc);
-    dc->first_bitmap = add_object(bitmap.get());
-    attach_bitmap(*dc, bitmap.release());
+    dc->first_bitmap = add_object(bitmap.release());
+    Bitmap* first = find_bitmap(dc->first_bitmap);
+    if (first == nullptr) {
+        forget_tools(*dc);
+        return HDC{};
+    }
+    attach_bitmap(*dc, first);
     return gdi_state().contexts.add(std::move(dc));
 }
 
@@ -235,9 +242,9 @@ std::int32_t GetDeviceCaps(HDC handle, std::int32_t which) {
         case NUMCOLORS:
             return -1;  // more than a palette holds
         case HORZRES:
-            return static_cast<std::int32_t>(dc->surface.width / dc->surface.scale + 0.5);
+            return static_cast<std::int32_t>(std::lround(dc->surface.width / dc->surface.scale));
         case VERTRES:
-            return static_cast<std::int32_t>(dc->surface.height / dc->surface.scale + 0.5);
+            return static_cast<std::int32_t>(std::lround(dc->surface.height / dc->surface.scale));
         default:
             return 0;
     }

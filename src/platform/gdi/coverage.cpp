@@ -17,6 +17,12 @@ int chords(float radius, float angle) {
     return std::clamp(static_cast<int>(std::ceil(std::fabs(angle) / most)), 1, 512);
 }
 
+// A winding sum as a byte; contours over each other count once.
+std::uint8_t coverage_byte(float sum, float most) {
+    const float exact = std::min(std::fabs(sum), 1.0F) * most;
+    return static_cast<std::uint8_t>(static_cast<std::int32_t>(exact * 2 + 1) / 2);
+}
+
 // The signed areas of a few rows: entry x of a row is what the coverage changes by from pixel
 // x - 1 to pixel x. Edges left of the window count in its first column, edges right of it nowhere.
 class Band {
@@ -66,12 +72,12 @@ class Band {
         const std::int32_t touched = std::min(last_[row] + 1, width_);
         for (; x < touched; ++x) {
             sum += sums[x];
-            coverage[x] = static_cast<std::uint8_t>(std::min(std::fabs(sum), 1.0F) * most + 0.5F);
+            coverage[x] = coverage_byte(sum, most);
         }
         // Behind the last edge inside the window nothing changes any more.
         if (x >= width_) return width_;
         sum += sums[x];
-        const auto rest = static_cast<std::uint8_t>(std::min(std::fabs(sum), 1.0F) * most + 0.5F);
+        const auto rest = coverage_byte(sum, most);
         if (rest == 0) return x;
         std::memset(coverage + x, rest, static_cast<std::size_t>(width_ - x));
         return width_;

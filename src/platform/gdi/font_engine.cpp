@@ -186,10 +186,10 @@ bool set_size(const FreeType& ft, Face& face, float width, float height) {
     return true;
 }
 
-void copy_bitmap(const FT_GlyphSlot slot, GlyphImage& image) {
-    const FT_Bitmap& bitmap = slot->bitmap;
-    image.left = slot->bitmap_left;
-    image.top = -slot->bitmap_top;
+void copy_bitmap(const FT_GlyphSlotRec& slot, GlyphImage& image) {
+    const FT_Bitmap& bitmap = slot.bitmap;
+    image.left = slot.bitmap_left;
+    image.top = -slot.bitmap_top;
     image.width = static_cast<std::int32_t>(bitmap.width);
     image.height = static_cast<std::int32_t>(bitmap.rows);
     image.coverage.resize(std::size_t(bitmap.width) * bitmap.rows);
@@ -225,7 +225,7 @@ std::int32_t glyph_advance(const Face& face, std::uint32_t glyph) {
 bool render_glyph(const GlyphRequest& request, GlyphImage& image) {
     const FreeType* ft = freetype();
     if (ft == nullptr || !set_size(*ft, *request.face, request.width, request.height)) return false;
-    const FT_Face face = ft_face(*request.face);
+    FT_FaceRec_* face = ft_face(*request.face);
     // Hinted across lines only: strokes get sharp feet and tops, and widths stay the font's own.
     constexpr FT_Int32 flags = FT_LOAD_NO_BITMAP | FT_LOAD_TARGET_LIGHT | FT_LOAD_FORCE_AUTOHINT;
     if (ft->load_glyph(face, request.glyph, flags) != 0) return false;
@@ -240,7 +240,7 @@ bool render_glyph(const GlyphRequest& request, GlyphImage& image) {
     }
     ft->outline_translate(&outline, std::lround(request.shift * 64), 0);
     if (ft->render_glyph(face->glyph, FT_RENDER_MODE_NORMAL) != 0) return false;
-    copy_bitmap(face->glyph, image);
+    copy_bitmap(*face->glyph, image);
     return true;
 }
 

@@ -1,6 +1,7 @@
 #include "platform/gdi/glyphs.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstring>
 
@@ -14,12 +15,11 @@ constexpr std::size_t most_glyph_bytes = std::size_t{24} << 20;
 
 // What two descriptions must have in common to share an instance.
 struct FontKey {
-    std::int32_t height, width, weight;
-    std::uint8_t italic, pitch;
-    char face[32];
-    bool operator==(const FontKey& other) const {
-        return std::memcmp(this, &other, sizeof *this) == 0;
-    }
+    std::int32_t height = 0, width = 0, weight = 0;
+    bool italic = false;
+    std::uint8_t pitch = 0;
+    std::array<char, 32> face{};
+    bool operator==(const FontKey&) const = default;
 };
 
 struct FontCache {
@@ -34,13 +34,12 @@ FontCache& font_cache() {
 
 FontKey key_of(const LOGFONT& description) {
     FontKey key;
-    std::memset(static_cast<void*>(&key), 0, sizeof key);
     key.height = description.lfHeight;
     key.width = description.lfWidth;
     key.weight = description.lfWeight;
     key.italic = description.lfItalic != 0;
     key.pitch = description.lfPitchAndFamily;
-    std::memcpy(key.face, description.lfFaceName, strnlen(description.lfFaceName, 31));
+    std::memcpy(key.face.data(), description.lfFaceName, strnlen(description.lfFaceName, 31));
     return key;
 }
 

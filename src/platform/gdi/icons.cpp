@@ -183,7 +183,7 @@ std::uint32_t sampled(const Icon& icon, double x0, double y0, double x1, double 
         }
     }
     if (alpha <= 0 || area <= 0) return 0;
-    const auto byte = [](double v) { return static_cast<std::uint32_t>(v + 0.5); };
+    const auto byte = [](double v) { return static_cast<std::uint32_t>(std::lround(v)); };
     return byte(alpha / area) << 24 | byte(red / alpha) << 16 | byte(green / alpha) << 8 |
            byte(blue / alpha);
 }

@@ -23,6 +23,7 @@ struct Dashes {
     bool mark(std::int64_t at) const {
         std::int64_t whole = 0;
         for (int i = 0; lengths[i] != 0; ++i) whole += lengths[i];
+        if (whole == 0) return true;
         std::int64_t rest = (at / unit) % whole;
         int i = 0;
         while (rest >= lengths[i]) rest -= lengths[i++];

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 #include <new>
+#include <string_view>
 
 #include "platform/gdi/context.h"
 #include "platform/gdi/theme.h"
@@ -15,13 +16,14 @@ constexpr std::int64_t largest_bitmap = std::int64_t{1} << 27;  // pixels: half 
 
 using ObjectOwner = std::unique_ptr<GdiObject, DeleteObjectRecord>;
 
-LOGFONT describe(std::int32_t height, std::int32_t width, std::uint8_t pitch, const char* face) {
+LOGFONT describe(std::int32_t height, std::int32_t width, std::uint8_t pitch,
+                 std::string_view face) {
     LOGFONT font;
     font.lfHeight = height;
     font.lfWidth = width;
     font.lfWeight = 400;
     font.lfPitchAndFamily = pitch;
-    std::strcpy(font.lfFaceName, face);
+    std::memcpy(font.lfFaceName, face.data(), face.size());
     return font;
 }
 
@@ -63,9 +65,9 @@ GdiObject* make_stock_object(std::int32_t which) {
     return font;
 }
 
-HGDIOBJ add_permanent(GdiObject* object) {
-    object->permanent = true;
-    return add_object(object);
+// Numbers 9 and 15 have never been those of an object here.
+bool is_stock(std::int32_t which) {
+    return which >= WHITE_BRUSH && which <= DEFAULT_GUI_FONT && which != 9 && which != 15;
 }
 
 }  // namespace
@@ -93,9 +95,11 @@ void DeleteObjectRecord::operator()(GdiObject* object) const {
 }
 
 HGDIOBJ add_object(GdiObject* object) {
-    const HGDIOBJ handle = gdi_state().objects.add(std::make_unique<ObjectOwner>(object));
-    object->handle = handle;
-    return handle;
+    auto owner = std::make_unique<ObjectOwner>(object);
+    stock_object(WHITE_BRUSH);
+    if (gdi_state().objects.full()) return HGDIOBJ{};
+    object->handle = gdi_state().objects.add(std::move(owner));
+    return object->handle;
 }
 
 GdiObject* find_object(HGDIOBJ handle) {
@@ -111,11 +115,22 @@ void release(GdiObject* object) {
     if (--object->selected == 0 && object->deleted) DeleteObjectRecord{}(object);
 }
 
+// All of them get their handles before the first other object can have one.
+GdiObject* stock_object(std::int32_t which) {
+    auto& stock = gdi_state().stock;
+    if (stock[WHITE_BRUSH] == nullptr) {
+        for (std::int32_t i = WHITE_BRUSH; i <= DEFAULT_GUI_FONT; ++i) {
+            if (!is_stock(i)) continue;
+            stock[i] = make_stock_object(i);
+            stock[i]->permanent = true;
+            add_object(stock[i]);
+        }
+    }
+    return stock[which];
+}
+
 HGDIOBJ GetStockObject(std::int32_t which) {
-    if (which < 0 || which > DEFAULT_GUI_FONT || which == 9 || which == 15) return HGDIOBJ{};
-    HGDIOBJ& handle = gdi_state().stock[which];
-    if (handle == HGDIOBJ{}) handle = add_permanent(make_stock_object(which));
-    return handle;
+    return is_stock(which) ? stock_object(which)->handle : HGDIOBJ{};
 }
 
 HBRUSH GetSysColorBrush(std::int32_t which) {
@@ -123,9 +138,11 @@ HBRUSH GetSysColorBrush(std::int32_t which) {
         return HBRUSH{};
     }
     HGDIOBJ& handle = gdi_state().system_brushes[which];
-    if (handle == HGDIOBJ{}) handle = add_permanent(new Brush);
-    // Set each time, since the theme may have changed.
-    find_brush(handle)->colour = GetSysColor(which);
+    if (handle == HGDIOBJ{}) handle = add_object(new Brush);
+    Brush* brush = find_brush(handle);
+    if (brush == nullptr) return HBRUSH{};
+    brush->permanent = true;
+    brush->colour = GetSysColor(which);  // each time, since the theme may have changed
     return handle;
 }
 

@@ -72,8 +72,8 @@ struct GdiState {
     HandleTable<std::unique_ptr<GdiObject, DeleteObjectRecord>, HGDIOBJ> objects;
     HandleTable<DeviceContext, HDC> contexts;
     HandleTable<Icon, HICON> icons;
-    HGDIOBJ stock[18] = {};
-    HGDIOBJ system_brushes[32] = {};
+    GdiObject* stock[18] = {};
+    HGDIOBJ system_brushes[25] = {};
     HICON drawings[7] = {};
 };
 GdiState& gdi_state();
@@ -97,7 +97,10 @@ inline Font* find_font(HGDIOBJ handle) {
 inline Bitmap* find_bitmap(HGDIOBJ handle) {
     return find_object_as<Bitmap>(handle, ObjectKind::bitmap);
 }
+// Takes the object over; 0, and the object is gone, when there are too many.
 HGDIOBJ add_object(GdiObject* object);
+// One of GetStockObject's, which is always there.
+GdiObject* stock_object(std::int32_t which);
 // A context holds what is selected in it.
 void retain(GdiObject* object);
 void release(GdiObject* object);

@@ -120,8 +120,7 @@ void draw_shadow(HDC handle, RectF rect, float radius, float spread, float opaci
                     if (away <= 0 || away >= reach) continue;
                     const float left = 1 - away / reach;
                     const float dark = left * left * std::clamp(opacity, 0.0F, 1.0F);
-                    row[x] =
-                        mix(row[x], 0xFF000000u, static_cast<std::uint32_t>(dark * 255 + 0.5F));
+                    row[x] = mix(row[x], 0xFF000000u, static_cast<std::uint32_t>(dark * 255));
                 }
             }
         });

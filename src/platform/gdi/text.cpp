@@ -29,7 +29,7 @@ const Contrast& contrast_for(COLORREF colour) {
         const float exponent = 0.82F - 0.16F * static_cast<float>(step) / (steps - 1);
         for (int i = 0; i < 256; ++i) {
             const float part = std::pow(static_cast<float>(i) / 255.0F, exponent);
-            tables[step][i] = static_cast<std::uint8_t>(part * 255.0F + 0.5F);
+            tables[step][i] = static_cast<std::uint8_t>(std::lround(part * 255.0F));
         }
     }
     return tables[step];

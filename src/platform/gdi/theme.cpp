@@ -171,7 +171,7 @@ COLORREF blend(COLORREF a, COLORREF b, float part) {
     for (int shift = 0; shift < 24; shift += 8) {
         const auto from = static_cast<float>(a >> shift & 0xFF);
         const auto to = static_cast<float>(b >> shift & 0xFF);
-        mixed |= static_cast<COLORREF>(from + (to - from) * t + 0.5F) << shift;
+        mixed |= static_cast<COLORREF>(std::lround(from + (to - from) * t)) << shift;
     }
     return mixed;
 }

@@ -185,8 +185,7 @@ TEST(ListBox, ItsOwnerDrawsNumbersOrTexts) {
     EXPECT_EQ(item(texts, 0), "one");
 }
 
-// ---- Combo boxes
-// ---------------------------------------------------------------------------------
+// ---- Combo boxes -------------------------------------------------------------------------------
 
 HWND combo_with_items(const TestWindow& w, std::uint32_t style) {
     const HWND combo = w.add("combobox", "", WS_BORDER | style, {10, 10, 130, 110}, 9);

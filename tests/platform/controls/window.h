@@ -113,8 +113,7 @@ struct TestWindow {
     }
 };
 
-// ---- Input, as a display would deliver it
-// --------------------------------------------------------
+// ---- Input, as a display would deliver it ------------------------------------------------------
 
 inline HWND top_level_of(HWND hwnd) {
     while (hwnd != 0 && (GetWindowLong(hwnd, GWL_STYLE) & WS_CHILD) != 0) hwnd = GetParent(hwnd);

@@ -59,6 +59,28 @@ TEST(Context, StockObjectsStay) {
     EXPECT_EQ(GetStockObject(99), HGDIOBJ{});
 }
 
+// A program that never deletes anything gets zeros in the end, and windows are drawn all the same.
+TEST(Context, ThereIsAnEndOfHandles) {
+    std::vector<HGDIOBJ> pens;
+    while (pens.size() < 70000) {
+        const HGDIOBJ pen = CreatePen(PS_SOLID, 1, black);
+        if (pen == HGDIOBJ{}) break;
+        pens.push_back(pen);
+    }
+    EXPECT_GT(pens.size(), 60000u);
+    EXPECT_LT(pens.size(), 65536u);
+    EXPECT_EQ(CreateSolidBrush(red), HGDIOBJ{});
+    EXPECT_EQ(CreateCompatibleBitmap(HDC{}, 2, 2), HBITMAP{});
+    EXPECT_EQ(CreateCompatibleDC(HDC{}), HDC{});
+    {
+        Canvas canvas(2, 1);
+        EXPECT_EQ(FillRect(canvas.dc, {0, 0, 1, 1}, GetStockObject(BLACK_BRUSH)), true);
+        EXPECT_EQ(canvas.picture(), "#.\n");
+    }
+    for (const HGDIOBJ pen : pens) EXPECT_TRUE(DeleteObject(pen));
+    EXPECT_NE(CreateSolidBrush(red), HGDIOBJ{});
+}
+
 TEST(Context, SavingAndRestoring) {
     Canvas canvas(10, 10);
     const HDC dc = canvas.dc;

@@ -15,6 +15,13 @@ bool is_popup(const Window& top) {
     return (top.ex_style & (WS_EX_NOACTIVATE | WS_EX_TOOLWINDOW)) != 0;
 }
 
+bool any_accepts_files(const Window& window) {
+    if (window.accepts_files) return true;
+    for (const Window* c = window.first_child; c != nullptr; c = c->below)
+        if (any_accepts_files(*c)) return true;
+    return false;
+}
+
 TopLevelOptions options_of(Window& top) {
     TopLevelOptions o;
     const bool framed = manager_frames(top);
@@ -35,6 +42,7 @@ TopLevelOptions options_of(Window& top) {
     o.topmost = (top.ex_style & WS_EX_TOPMOST) != 0;
     o.accepts_focus = (top.ex_style & WS_EX_NOACTIVATE) == 0;
     o.accepts_files = top.top->accepts_files;
+    o.accepts_files = any_accepts_files(top);
     o.minimum = minimum_surface_size(top);
     o.title = top.title;
     o.class_name = top.cls->name;

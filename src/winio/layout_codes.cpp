@@ -49,11 +49,12 @@ bool refused(const char* code_name) {
     return QuitIfDlgResource(code_name);
 }
 
-// From here to the line's end. A line on which centring was kept on has begun one by itself, which
-// counts once it has a control.
-void begin_group(std::int32_t& column, bool begun, const char* message) {
-    if (column >= 0 && begun) quillpan_error("%s", message);
+// The pen's column begins a group to the line's end. A line on which centring was kept on has begun
+// one by itself, which counts once it has a control. True: there was one already.
+bool begin_group(std::int32_t& column, bool begun) {
+    const bool twice = column >= 0 && begun;
     column = builder().col;
+    return twice;
 }
 
 window_control* last_placed_control() {
@@ -194,25 +195,24 @@ void handle_cn(code_call& call) {
     const bool all_lines = call.grave;
     call.grave = false;
     if (records().passive || refused("%cn")) return;
-    constexpr const char* twice = "?More than one centre format on one line";
     fancy_window* window = current_window();
+    bool twice;
     if (box* in = builder().box) {
-        begin_group(in->centre_col, !in->centre_all_lines || in->centre_first, twice);
+        twice = begin_group(in->centre_col, !in->centre_all_lines || in->centre_first);
         if (all_lines) in->centre_all_lines = true;
     } else {
-        begin_group(window->centre_col, !window->flags.centre_all_lines || window->centre_first,
-                    twice);
+        twice = begin_group(window->centre_col,
+                            !window->flags.centre_all_lines || window->centre_first);
         if (all_lines) window->flags.centre_all_lines = true;
     }
+    if (twice) quillpan_error("?More than one centre format on one line");
 }
 
 void handle_rj(code_call&) {
     if (records().passive || refused("%rj")) return;
-    constexpr const char* twice = "?More than one right justify format on one line";
-    if (box* in = builder().box)
-        begin_group(in->right_col, true, twice);
-    else
-        begin_group(current_window()->right_col, true, twice);
+    box* in = builder().box;
+    if (begin_group(in ? in->right_col : current_window()->right_col, true))
+        quillpan_error("?More than one right justify format on one line");
 }
 
 void handle_pv(code_call&) {

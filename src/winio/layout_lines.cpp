@@ -131,19 +131,26 @@ bool is_text_piece(const window_control* control) {
            control->type == control_type::blank;
 }
 
-// Labels, boxes and buttons of a line stand on one middle line. Only pixels move, within the depth
-// that the line has anyway; texts of several sizes keep their common base.
+// Twice the middle of a control of one line, in pixels.
+std::int32_t middle_of(const window_control* control) {
+    return 2 * units_to_pixels_y(control->y) + units_to_pixels_y(line_depth(control));
+}
+
+// Labels, boxes and buttons of a line stand on one middle line, that of the deepest. Only pixels
+// move, within the depth that the line has anyway; texts of several sizes keep their common base.
 void centre_in_line(window_control* first, const window_control* end) {
-    std::int32_t deepest = 0;
-    std::int32_t deepest_text = 0;
+    const window_control* deepest = nullptr;
+    const window_control* deepest_text = nullptr;
     for (const window_control* c = first; c != end; c = c->next) {
-        deepest = std::max(deepest, line_depth(c));
-        if (is_text_piece(c)) deepest_text = std::max(deepest_text, c->height);
+        const std::int32_t depth = line_depth(c);
+        if (depth > 0 && (!deepest || depth > line_depth(deepest))) deepest = c;
+        if (is_text_piece(c) && (!deepest_text || depth > line_depth(deepest_text)))
+            deepest_text = c;
     }
     for (window_control* c = first; c != end; c = c->next) {
-        const std::int32_t depth = is_text_piece(c) ? deepest_text : line_depth(c);
-        if (depth > 0 && depth < deepest)
-            c->y_extra += (units_to_pixels_y(deepest) - units_to_pixels_y(depth)) / 2;
+        const window_control* like = is_text_piece(c) ? deepest_text : c;
+        if (line_depth(like) > 0 && line_depth(like) < line_depth(deepest))
+            c->y_extra += (middle_of(deepest) - middle_of(like)) / 2;
     }
 }
 
@@ -187,14 +194,14 @@ void centre_information() {
 
 // Lines of a cell are put in place when the cell closes and its width is known; until then they
 // stand half their span left of where they were made. A cell that centres every line starts the
-// next one at its own left edge.
+// next one at its own left edge. What is justified to the right isn't centred as well.
 void centre_information_within_box() {
     window_builder& at = builder();
     box& cell = *at.box;
     if (cell.centre_col >= 0) {
         const std::int32_t span = cell.centre_col - cell.cell_x + at.col;
         cell.max_x = std::max(cell.max_x, span);
-        for (window_control* c = cell.centre_first; c; c = c->next) {
+        for (window_control* c = cell.centre_first; c && c != cell.right_first; c = c->next) {
             c->x -= span / 2;
             c->flags.centred = true;
         }
@@ -235,8 +242,9 @@ void align_information() {
         window_control* end = line;
         for (; end && end->type != control_type::line_end; end = end->next)
             deepest = std::max(deepest, end->inset);
+        for (window_control* c = line; c != end; c = c->next) c->y += deepest - c->inset;
         centre_in_line(line, end);
-        for (; line != end; line = line->next) line->y += deepest - line->inset;
+        line = end;
         if (line) line = line->next;
     }
 }

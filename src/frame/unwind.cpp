@@ -18,6 +18,9 @@ struct Unwinder {
     decltype(&_Unwind_GetTextRelBase) text_base;
     decltype(&_Unwind_GetDataRelBase) data_base;
     decltype(&_Unwind_Resume) resume;
+    decltype(&_Unwind_RaiseException) raise;
+    decltype(&_Unwind_Resume_or_Rethrow) rethrow;
+    decltype(&_Unwind_DeleteException) forget;
 };
 
 template <class Function>
@@ -38,6 +41,9 @@ const Unwinder& unwinder() {
     look_up(all.start, module, "_Unwind_GetRegionStart");
     look_up(all.text_base, module, "_Unwind_GetTextRelBase");
     look_up(all.data_base, module, "_Unwind_GetDataRelBase");
+    look_up(all.raise, module, "_Unwind_RaiseException");
+    look_up(all.rethrow, module, "_Unwind_Resume_or_Rethrow");
+    look_up(all.forget, module, "_Unwind_DeleteException");
     look_up(all.resume, module, "_Unwind_Resume");
     return all;
 }
@@ -70,6 +76,16 @@ _Unwind_Ptr _Unwind_GetDataRelBase(_Unwind_Context* context) {
 void _Unwind_Resume(_Unwind_Exception* exception) {
     unwinder().resume(exception);
     std::abort();
+}
+
+_Unwind_Reason_Code _Unwind_RaiseException(_Unwind_Exception* exception) {
+    return unwinder().raise(exception);
+}
+_Unwind_Reason_Code _Unwind_Resume_or_Rethrow(_Unwind_Exception* exception) {
+    return unwinder().rethrow(exception);
+}
+void _Unwind_DeleteException(_Unwind_Exception* exception) {
+    unwinder().forget(exception);
 }
 
 }  // extern "C"

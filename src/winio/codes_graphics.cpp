@@ -42,8 +42,9 @@ dimensions read_dimensions(code_call& call, window_control& control) {
     return {width, height};
 }
 
-void check_pivot(const window_control& control, bool resizes, const char* message) {
-    if (control.flags.pivot && !resizes && !records().old_resize) quillpan_error("%s", message);
+// True: the control is to grow with the window and hasn't said that it can.
+bool refuses_pivot(const window_control& control, bool resizes) {
+    return control.flags.pivot && !resizes && !records().old_resize;
 }
 
 void keep_resize(window_control& control, const control_options& found) {
@@ -69,8 +70,9 @@ void handle_gr(code_call& call) {
     call.grave = false;
     if (found.handle) take_handle(call, *control);
     keep_resize(*control, found);
-    check_pivot(*control, found.user_resize || found.metafile_resize,
-                "?Graphics box must have resize option to accept pivot");
+    if (refuses_pivot(*control, found.user_resize || found.metafile_resize)) {
+        quillpan_error("?Graphics box must have resize option to accept pivot");
+    }
     size_graphics(*control, size.width, size.height);
     finish_control(call, control, "should be a call-back function for the %%GR format");
 }
@@ -97,8 +99,9 @@ void handle_dw(code_call& call) {
         control->data = user_thing(call.arguments, true);  // a device context
     }
     keep_resize(*control, found);
-    check_pivot(*control, found.user_resize,
-                "Pivot applied to owner-draw(%DW) control without user_resize option");
+    if (refuses_pivot(*control, found.user_resize)) {
+        quillpan_error("Pivot applied to owner-draw(%%DW) control without user_resize option");
+    }
     size_graphics(*control, size.width, size.height);
     finish_control(call, control, "should be a call-back function for the %%DW format");
 }

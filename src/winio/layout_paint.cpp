@@ -103,7 +103,7 @@ COLORREF colour_of(tone which) {
     const Theme& look = theme();
     switch (which) {
         case tone::light:
-            return blend(look.face, RGB(255, 255, 255), look.dark ? 0.15F : 0.8F);
+            return blend(look.face, RGB(255, 255, 255), look.dark ? 0.07F : 0.8F);
         case tone::shade:
             return look.border;
         case tone::dark:

@@ -17,10 +17,11 @@ SKIPPED = 77
 
 
 def start_server():
-    """An X server on a free display; its process and name."""
+    """An X server on a free display; its process and name. It doesn't start afresh when a tool was its
+    last client: the program might be connecting just then."""
     read_end, write_end = os.pipe()
     server = subprocess.Popen(["Xvfb", "-displayfd", str(write_end), "-screen", "0", "1280x1024x24",
-                               "-nolisten", "tcp"], pass_fds=[write_end], stderr=subprocess.DEVNULL)
+                               "-nolisten", "tcp", "-noreset"], pass_fds=[write_end], stderr=subprocess.DEVNULL)
     os.close(write_end)
     with os.fdopen(read_end) as numbers:
         return server, ":" + numbers.readline().strip()

@@ -57,6 +57,7 @@ void wait_for_key(HWND hwnd) {
 void key_typed(window_info& window, std::int32_t character) {
     if (window.pending_character != 0 || character <= 0 || character > 255) return;
     window.pending_character = character == '\r' ? '\n' : static_cast<unsigned char>(character);
+    state().key_taken = window.waiting;
 }
 
 std::int32_t win_getchar(HWND hwnd) {

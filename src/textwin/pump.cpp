@@ -2,6 +2,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <unistd.h>
+#include <utility>
 
 #include "frame/end.h"
 #include "frame/hooks.h"
@@ -34,23 +35,32 @@ pump_state& pump() {
     return all;
 }
 
+// What the program wrote must not be lost, whatever ends it here.
+void flush_everything() {
+    if (frame::hooks().flush_fortran_units != nullptr) frame::hooks().flush_fortran_units();
+    std::fflush(nullptr);
+}
+
 // Nobody watches and nothing can ever come: the program would wait for ever.
 void give_up(const char* what) {
-    std::fprintf(
-        stderr,
-        "*** %s: nobody can answer on this display; the program ends.\n"
-        "    (TARN_DISPLAY=x11 opens windows on a desktop, TARN_EVENTS=file plays events.)\n",
-        what);
-    std::fflush(stderr);
-    if (frame::hooks().flush_fortran_units != nullptr) frame::hooks().flush_fortran_units();
-    std::fflush(stdout);
+    std::fprintf(stderr,
+                 "*** %s: nobody can answer on this display; the program ends.\n"
+                 "    (TARN_DISPLAY=x11 opens windows on a desktop, TARN_EVENTS=file plays events.)\n",
+                 what);
+    flush_everything();
     _exit(status_nobody_to_answer);
+}
+
+void end_with(std::int32_t status) {
+    flush_everything();
+    _exit(status);
 }
 
 void start_pump() {
     if (pump().started) return;
     pump().started = true;
     unanswered_wait = give_up;
+    end_after_script = end_with;
     somebody_answers = script_active;
     start_script();
     register_text_class();
@@ -122,6 +132,7 @@ void yield_program_control(std::int32_t mode) {
             }
             deliver(message);
             after_message(message);
+            if (std::exchange(state().key_taken, false)) return;
         }
         nothing_left();
         if (mode != 0 && mode != 3) return;

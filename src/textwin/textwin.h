@@ -26,6 +26,8 @@ void win_coua(HWND hwnd, const char* bytes, std::size_t count);
 void add_text_descriptor(HWND hwnd, platform::HFONT font, COLORREF colour);
 void win_coua_f();  // the next write doesn't repaint at its end
 void set_default_font(platform::HFONT font);
+// The same, for a while: 0 is the stock font. Returns what it was.
+platform::HFONT exchange_default_font(platform::HFONT font);
 void set_one_shot_style(std::uint32_t style);  // extra style of the next embedded window
 bool is_text_window(HWND hwnd);
 // The selected text in new storage (free()), null for none.

@@ -130,6 +130,7 @@ struct textwin_state {
     bool show_wanted;         // some window has output that isn't on the screen
     std::uint32_t yield_mask;
     std::int32_t upper_limit;
+    bool key_taken;  // a key came for a read that waits: the pump leaves the next ones in the queue
 };
 textwin_state& state();
 

@@ -224,6 +224,12 @@ void set_default_font(HFONT font) {
     if (font != 0) state().default_font = font;
 }
 
+HFONT exchange_default_font(HFONT font) {
+    const HFONT before = state().default_font;
+    state().default_font = font;
+    return before;
+}
+
 void set_one_shot_style(std::uint32_t style) {
     state().extra_style = style;
 }

@@ -168,8 +168,4 @@ void subclass_button(window_control* control) {
         procedures().button_procedure = reinterpret_cast<WNDPROC>(before);
 }
 
-LRESULT fancy_button_procedure(HWND hwnd, UINT message, WPARAM wparam, LPARAM lparam) {
-    return DefWindowProcA(hwnd, message, wparam, lparam);
-}
-
 }  // namespace tarn::winio

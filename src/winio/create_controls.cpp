@@ -1,6 +1,5 @@
 // The real control of every record: which class and style it takes, and what it is told first.
 #include "platform/controls/controls.h"
-#include "textwin/textwin.h"
 #include "winio/buttons.h"
 #include "winio/callbacks.h"
 #include "winio/layout.h"
@@ -158,20 +157,11 @@ void create_child(fancy_window* window, window_control* control, std::int32_t id
     fancy_window* before = current_window();
     std::int32_t width = control->right - control->left + 1;
     std::int32_t height = control->bottom - control->top + 1;
-    control->hwnd = CreateWindowExAW(
-        child->ex_style, class_of(child), "",
-        (child->style & ~WS_CAPTION & ~WS_POPUP) | WS_CHILD | WS_CLIPSIBLINGS | WS_VISIBLE,
-        control->left, control->top, width, height, window->hwnd, HMENU{id}, child);
+    control->hwnd = CreateWindowExAW(child->ex_style, class_of(child), "",
+                                     WS_CHILD | WS_CLIPSIBLINGS | WS_VISIBLE, control->left,
+                                     control->top, width, height, window->hwnd, HMENU{id}, child);
     current_window() = before;
     post_start_up(child);
-}
-
-void create_text_window(fancy_window* window, window_control* control) {
-    control->hwnd = textwin::create_embeded_window_x(
-        window->hwnd, control->flags.h_bar, control->flags.v_bar, control->left, control->top,
-        control->right - control->left + 1, control->bottom - control->top + 1,
-        get_brush(control->background), control->background, control->text_colour,
-        control->popup_menu);
 }
 
 void tell_images(window_control* control) {

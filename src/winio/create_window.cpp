@@ -45,10 +45,9 @@ HWND make_window(fancy_window* window, HWND parent, HMENU id) {
     if (window->flags.vertical_bar) style |= WS_VSCROLL;
     bool was_creating = records().creating;
     records().creating = true;
-    HWND hwnd =
-        CreateWindowExAW(ex_style, class_of(window), window->caption ? window->caption : "", style,
-                         window->left, window->top, window->right - window->left + 1,
-                         window->bottom - window->top + 1, parent, id, window);
+    HWND hwnd = CreateWindowExAW(ex_style, class_of(window), window->caption ? window->caption : "",
+                                 style, window->left, window->top, window->right - window->left + 1,
+                                 window->bottom - window->top + 1, parent, id, window);
     records().creating = was_creating;
     return hwnd;
 }
@@ -147,8 +146,9 @@ void create_real_window(fancy_window* window) {
         return;
     }
     if (window->flags.child) {
-        // The WM_CREATE of the window that it sits in makes it.
-        window->style |= WS_CHILD | WS_CLIPSIBLINGS;
+        // The WM_CREATE of the window that it sits in makes it, without a frame.
+        window->right = window->left + units_to_pixels_x(builder().max_x) - 1;
+        window->bottom = window->top + units_to_pixels_y(builder().max_y) - 1;
         window->hwnd = HWND{-1};
         return;
     }

@@ -38,8 +38,6 @@ platform::LRESULT winio_winproc(platform::HWND hwnd, platform::UINT message,
 // The procedures of the library's own control classes, for their registration.
 platform::LRESULT mdi_frame_procedure(platform::HWND hwnd, platform::UINT message,
                                       platform::WPARAM wparam, platform::LPARAM lparam);
-platform::LRESULT fancy_button_procedure(platform::HWND hwnd, platform::UINT message,
-                                         platform::WPARAM wparam, platform::LPARAM lparam);
 platform::LRESULT constructed_button_procedure(platform::HWND hwnd, platform::UINT message,
                                                platform::WPARAM wparam, platform::LPARAM lparam);
 platform::LRESULT bitmap_button_procedure(platform::HWND hwnd, platform::UINT message,

@@ -100,7 +100,6 @@ void register_classes() {
         {"TarnickGIF", placeholder_procedure, clicks, arrow},
         {"TarnickOpenGL", placeholder_procedure, clicks, cross},
         {"TarnickBubbleHelp", placeholder_procedure, plain, none},
-        {"TarnickButton", fancy_button_procedure, plain, arrow},
         {"TarnickPalette", placeholder_procedure, plain, arrow},
         {"TarnickButtonBlock", constructed_button_procedure, plain, arrow},
         {"TarnickEquation", placeholder_procedure, plain, arrow},

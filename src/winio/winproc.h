@@ -66,6 +66,7 @@ void retire_window(fancy_window* window);
 // ---- Creation (create_window.cpp, create_controls.cpp)
 platform::LRESULT window_created(fancy_window* window, platform::HWND hwnd);
 void create_controls(fancy_window* window);
+void create_text_window(fancy_window* window, window_control* control);
 const char* class_of(const fancy_window* window);
 bool start_up_wanted(const fancy_window* window);
 void window_started(fancy_window* window);  // message 0x406

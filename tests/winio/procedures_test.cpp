@@ -215,7 +215,8 @@ TEST_F(Windows, RadioButtonsFlipTheirVariables) {
 
 TEST_F(Windows, SizeVariablesFollow) {
     std::int32_t window = 0, width = 0, height = 0;
-    form("%lw%sz%pv%re", "*I*I*I*CI", {w(&window), w(&width), w(&height), w(new char[20]()), 20});
+    static char text[20];
+    form("%lw%sz%pv%re", "*I*I*I*CI", {w(&window), w(&width), w(&height), w(text), 20});
     HWND hwnd = newest()->hwnd;
     window_control* control = nth(newest(), control_type::buffer_box);
     RECT before;

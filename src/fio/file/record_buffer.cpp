@@ -52,6 +52,10 @@ void wait_for_room(int descriptor) {
 }
 
 std::size_t write_bytes(File& file, const char* bytes, std::size_t count, int& err) {
+    if (file.window != nullptr) {
+        window_stream().write(file.window, bytes, count);
+        return count;
+    }
     const int descriptor = file.descriptor;
     const PipeGuard guard(!file.seekable);
     std::size_t done = 0;
@@ -87,7 +91,8 @@ bool goes_past_buffer(std::size_t count) {
 // Reads once, whatever interrupts it; 0 at the end of the file or on failure.
 std::size_t read_once(File& file, char* bytes, std::size_t count, int& err) {
     for (;;) {
-        const ssize_t n = read(file.descriptor, bytes, count);
+        const ssize_t n = file.window != nullptr ? window_stream().read(file.window, bytes, count)
+                                                 : read(file.descriptor, bytes, count);
         if (n >= 0) {
             file.real_position += n;
             if (file.real_position > file.size) file.size = file.real_position;

@@ -95,6 +95,8 @@ void end_transfer(Statement* statement) {
     }
     if (s.cached != nullptr) FormatCache::release(s.cached);
     const bool to_window = s.unit != nullptr && s.unit->file.window != nullptr;
+    // What the user types comes behind whatever was written.
+    if (to_window) s.unit->gnu.end = EndState::before;
     if (s.unit != nullptr) release_unit(s.unit);
     give_back(statement);
     // Call-backs may run now, and write to the same unit.

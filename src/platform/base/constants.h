@@ -194,7 +194,18 @@ enum : std::uint32_t {
     HTMENU = 5,
     HTHSCROLL = 6,
     HTVSCROLL = 7,
+    HTMINBUTTON = 8,
+    HTMAXBUTTON = 9,
+    HTLEFT = 10,
+    HTRIGHT = 11,
+    HTTOP = 12,
+    HTTOPLEFT = 13,
+    HTTOPRIGHT = 14,
+    HTBOTTOM = 15,
+    HTBOTTOMLEFT = 16,
+    HTBOTTOMRIGHT = 17,
     HTBORDER = 18,
+    HTCLOSE = 20,
 };
 
 // ---- Showing, placing ------------------------------------------------------------------------

@@ -43,7 +43,7 @@ class HandleTable {
     std::unique_ptr<Record> remove(Handle handle) {
         auto* slot = const_cast<Slot*>(slot_of(handle));
         if (slot == nullptr || slot->record == nullptr) return nullptr;
-        slot->generation = (slot->generation + 1) & 0x7FFF;
+        slot->generation = slot->generation % 0x7FFF + 1;
         slot->next_free = 0;
         const std::uint32_t place = static_cast<std::uint32_t>(handle) & 0xFFFF;
         (free_last_ == 0 ? free_first_ : slots_[free_last_ - 1].next_free) = place;
@@ -64,7 +64,8 @@ class HandleTable {
     static constexpr std::uint32_t resting = 64;
     struct Slot {
         std::unique_ptr<Record> record;
-        std::uint32_t generation = 0;
+        // From 1: small numbers are no handles, but system colours where a brush can stand.
+        std::uint32_t generation = 1;
         std::uint32_t next_free = 0;
     };
 

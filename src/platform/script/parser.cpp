@@ -1,6 +1,7 @@
 #include "platform/script/parser.h"
 
 #include <charconv>
+#include <cmath>
 #include <cstdlib>
 #include <iterator>
 
@@ -150,7 +151,7 @@ bool read_duration(std::string_view text, std::int32_t& milliseconds) {
         if (value > longest_wait) return false;
     }
     if (unit == 0 || !digits || value * unit > longest_wait) return false;
-    milliseconds = static_cast<std::int32_t>(value * unit + 0.5);
+    milliseconds = static_cast<std::int32_t>(std::lround(value * unit));
     return true;
 }
 

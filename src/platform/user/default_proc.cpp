@@ -39,12 +39,11 @@ LRESULT set_cursor(Window& window, WPARAM wparam, LPARAM lparam) {
     if (parent != HWND{} && call(parent, WM_SETCURSOR, wparam, lparam) != 0) return 1;
     const Window* const target = find(under);
     if (target == nullptr) return 0;
+    if (target != &window) return 0;
     if (hit != HTCLIENT) {
-        if (parent != HWND{}) return 0;
-        SetCursor(LoadSystemCursor(IDC_ARROW));
+        SetCursor(border_cursor(hit));
         return 1;
     }
-    if (target != &window) return 0;
     if (target->cls->cursor != HCURSOR{})
         SetCursor(target->cls->cursor);
     else if (!target->is_child())
@@ -133,6 +132,10 @@ LRESULT wheel(Window& window, UINT message, WPARAM wparam, LPARAM lparam) {
 
 LRESULT mouse_activate(Window& window, WPARAM wparam, LPARAM lparam) {
     constexpr LRESULT MA_ACTIVATE = 1;
+    // A child with a caption comes up when it is touched.
+    Pinned w(&window);
+    if (has_caption_of_ours(*w)) BringWindowToTop(w->handle);
+    if (!w.alive()) return MA_ACTIVATE;
     if (window.parent != nullptr) return call(*window.parent, WM_MOUSEACTIVATE, wparam, lparam);
     return MA_ACTIVATE;
 }
@@ -146,7 +149,7 @@ void activated(Window& window) {
     give_focus(still ? last : &window);
 }
 
-LRESULT frame_press(Window& window, WPARAM hit, LPARAM lparam) {
+LRESULT frame_press(Window& window, WPARAM hit, LPARAM lparam, bool twice) {
     const POINT at{GET_X_LPARAM(lparam), GET_Y_LPARAM(lparam)};
     if (hit == HTVSCROLL)
         press_window_bar(window, SB_VERT, at);
@@ -154,6 +157,8 @@ LRESULT frame_press(Window& window, WPARAM hit, LPARAM lparam) {
         press_window_bar(window, SB_HORZ, at);
     else if (hit == HTMENU && menu_hooks().bar_pressed != nullptr)
         menu_hooks().bar_pressed(window.handle, at);
+    else
+        press_own_frame(window, static_cast<LRESULT>(hit), at, twice);
     return 0;
 }
 
@@ -200,7 +205,7 @@ LRESULT default_procedure(HWND hwnd, UINT message, WPARAM wparam, LPARAM lparam,
             return 0;
         }
         case WM_NCPAINT: {
-            const HDC dc = GetWindowDC(hwnd);
+            const HDC dc = frame_context(*window);
             paint_frame(*window, dc);
             ReleaseDC(hwnd, dc);
             return 0;
@@ -237,7 +242,7 @@ LRESULT default_procedure(HWND hwnd, UINT message, WPARAM wparam, LPARAM lparam,
             return 0;
         case WM_NCLBUTTONDOWN:
         case WM_NCLBUTTONDBLCLK:
-            return frame_press(*window, wparam, lparam);
+            return frame_press(*window, wparam, lparam, message == WM_NCLBUTTONDBLCLK);
         case WM_RBUTTONUP: {
             POINT at{GET_X_LPARAM(lparam), GET_Y_LPARAM(lparam)};
             ClientToScreen(hwnd, at);

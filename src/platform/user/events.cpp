@@ -35,7 +35,7 @@ void take_state(Window& top, WindowState granted) {
     if (full) style |= WS_MAXIMIZE;
     w->top->state = granted;
     if (style == w->style) return;
-    if (full && (w->style & (WS_MINIMIZE | WS_MAXIMIZE)) == 0) w->top->normal_rect = w->rect;
+    if (full && (w->style & (WS_MINIMIZE | WS_MAXIMIZE)) == 0) w->normal_rect = w->rect;
     w->style = style;
     if (icon) forget_updates(*w);
     send_size(*w);

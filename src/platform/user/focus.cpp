@@ -35,6 +35,7 @@ void tell_inactive(HWND old, HWND next) {
     Pinned w(old);
     if (!w) return;
     call(*w, WM_NCACTIVATE, 0, 0);
+    if (w.alive() && border_width(*w) > 0) invalidate_frame(*w);
     if (w.alive()) call(*w, WM_ACTIVATE, WA_INACTIVE, static_cast<LPARAM>(next));
 }
 
@@ -44,6 +45,10 @@ void set_focus_record(Window* window) {
     const HWND fresh = handle_of(window);
     if (old == fresh) return;
     in.focus = fresh;
+    // Captions of children show where the focus is.
+    for (Window* w : {find(old), window})
+        for (; w != nullptr && w->is_child(); w = w->parent)
+            if (has_caption_of_ours(*w)) invalidate_frame(*w);
     if (find(old) != nullptr) call(old, WM_KILLFOCUS, static_cast<WPARAM>(fresh), 0);
     if (in.focus == fresh && find(fresh) != nullptr)
         call(fresh, WM_SETFOCUS, static_cast<WPARAM>(old), 0);
@@ -80,6 +85,7 @@ void activate(Window* top, UINT how) {
     if (!w) return set_focus_record(nullptr);
     if (!w.alive()) return;
     call(*w, WM_NCACTIVATE, 1, 0);
+    if (w.alive() && border_width(*w) > 0) invalidate_frame(*w);
     if (w.alive() && in.active == fresh) call(*w, WM_ACTIVATE, how, static_cast<LPARAM>(old));
     if (!w.alive() || in.active != fresh) return;
     const Window* const focus = find(in.focus);
@@ -181,13 +187,15 @@ void forget_window(Window& window) {
     UserState& s = state();
     Input& in = s.input;
     const HWND hwnd = window.handle;
-    for (HWND* named : {&in.focus, &in.active, &in.capture, &in.hover, &in.click_window,
-                        &in.wheel_window, &in.bar_hover_window, &in.menu_hover, &s.clipboard_owner})
+    for (HWND* named :
+         {&in.focus, &in.active, &in.capture, &in.hover, &in.click_window, &in.wheel_window,
+          &in.bar_hover_window, &in.menu_hover, &in.caption_hover, &s.clipboard_owner})
         if (*named == hwnd) *named = HWND{};
     if (in.scroll_window == hwnd) {
         in.scroll.forget();
         in.scroll_window = HWND{};
     }
+    if (in.frame_drag.hwnd == hwnd) in.frame_drag = {};
     if (in.display_focus == static_cast<TopLevel>(hwnd)) in.display_focus = 0;
     if (in.focus_asked == static_cast<TopLevel>(hwnd)) in.focus_asked = 0;
     if (s.caret.hwnd == hwnd) caret_owner_changed(hwnd);

@@ -40,18 +40,65 @@ void draw_border(const Window& window, HDC dc, const RECT& outer) {
     if (width > 1) fill_ring(dc, inset(outer, 1), width - 1, field ? t.window : t.face);
 }
 
+// Thin strokes in the middle of a button.
+void draw_sign(HDC dc, const RECT& button, LRESULT which, bool restores, COLORREF colour) {
+    const float x = static_cast<float>(button.left + button.right) / 2;
+    const float y = static_cast<float>(button.top + button.bottom) / 2;
+    const float r = 4.5F;
+    if (which == HTCLOSE) {
+        const PointF falling[] = {{x - r, y - r}, {x + r, y + r}};
+        const PointF rising[] = {{x - r, y + r}, {x + r, y - r}};
+        stroke_path(dc, falling, 1.2F, colour);
+        stroke_path(dc, rising, 1.2F, colour);
+    } else if (which == HTMINBUTTON) {
+        const PointF line[] = {{x - r, y + 0.5F}, {x + r, y + 0.5F}};
+        stroke_path(dc, line, 1.2F, colour);
+    } else if (!restores) {
+        stroke_rounded(dc, {x - r, y - r, x + r, y + r}, 1, 1.2F, colour);
+    } else {
+        stroke_rounded(dc, {x - r, y - r + 2, x + r - 2, y + r}, 1, 1.2F, colour);
+        const PointF behind[] = {{x - r + 2, y - r}, {x + r, y - r}, {x + r, y + r - 2}};
+        stroke_path(dc, behind, 1.2F, colour);
+    }
+}
+
+void draw_caption_button(const Window& window, HDC dc, const RECT& button, LRESULT which,
+                         COLORREF sign) {
+    if (button.empty()) return;
+    const Theme& t = theme();
+    const Input& in = state().input;
+    const bool pressed =
+        in.frame_drag.hwnd == window.handle && in.frame_drag.hit == which && in.frame_drag.over;
+    const bool hover = in.caption_hover == window.handle && in.caption_hit == which;
+    if (which == HTCLOSE && (pressed || hover)) {
+        fill(dc, button, pressed ? blend(t.danger, RGB(0, 0, 0), 0.15F) : t.danger);
+        sign = readable(RGB(255, 255, 255), t.danger);
+    } else if (pressed || hover) {
+        fill(dc, button, pressed ? t.button_pressed : t.button_hover);
+    }
+    const DWORD state_now = window.style & (WS_MINIMIZE | WS_MAXIMIZE);
+    draw_sign(dc, button, which, which == HTMAXBUTTON && state_now == WS_MAXIMIZE, sign);
+}
+
 void draw_caption(const Window& window, HDC dc) {
     const Theme& t = theme();
     const std::int32_t b = border_width(window);
     const RECT bar{b, b, window.rect.width() - b, b + GetSystemMetrics(SM_CYCAPTION)};
     const Window* const focus = find(state().input.focus);
     const bool active = focus != nullptr && is_within(focus, window);
+    const COLORREF colour = active ? t.caption_text : t.caption_inactive_text;
     fill(dc, bar, active ? t.caption : t.caption_inactive);
-    RECT text = inset(bar, 1);
-    text.left += 8;
+    const CaptionButtons buttons = caption_buttons(window);
+    draw_caption_button(window, dc, buttons.close, HTCLOSE, colour);
+    draw_caption_button(window, dc, buttons.maximize, HTMAXBUTTON, colour);
+    draw_caption_button(window, dc, buttons.minimize, HTMINBUTTON, colour);
+    RECT text = bar;
+    text.left += 10;
+    for (const RECT& r : {buttons.close, buttons.maximize, buttons.minimize})
+        if (!r.empty()) text.right = std::min(text.right, r.left - 4);
     const HGDIOBJ old = SelectObject(dc, GetStockObject(DEFAULT_GUI_FONT));
     SetBkMode(dc, TRANSPARENT);
-    SetTextColor(dc, active ? t.caption_text : t.caption_inactive_text);
+    SetTextColor(dc, colour);
     draw_text(dc, window.title, text,
               DT_SINGLELINE | DT_VCENTER | DT_LEFT | DT_END_ELLIPSIS | DT_NOPREFIX);
     SelectObject(dc, old);
@@ -71,14 +118,12 @@ void draw_bar(Window& window, HDC dc, std::int32_t bar) {
 
 }  // namespace
 
-// Only what the context's clip leaves is painted: the client area is taken out first.
 void paint_frame(Window& window, HDC dc) {
     Pinned w(&window);
     const Insets hidden = hidden_frame(*w);
     const RECT outer{hidden.left, hidden.top, w->rect.width() - hidden.right,
                      w->rect.height() - hidden.bottom};
     if (covers(w->client, outer)) return;
-    ExcludeClipRect(dc, w->client);
     draw_border(*w, dc, outer);
     if (has_caption_of_ours(*w)) draw_caption(*w, dc);
     draw_bar(*w, dc, SB_VERT);

@@ -258,10 +258,7 @@ LRESULT hit_frame(const Window& window, POINT screen) {
     if (window_bar_rect(window, SB_VERT).contains(at)) return HTVSCROLL;
     if (window_bar_rect(window, SB_HORZ).contains(at)) return HTHSCROLL;
     if (menu_bar_rect(window).contains(at)) return HTMENU;
-    const std::int32_t b = border_width(window);
-    if (has_caption_of_ours(window) &&
-        RECT{b, b, window.rect.width() - b, b + caption_height}.contains(at))
-        return HTCAPTION;
+    if (const LRESULT own = hit_own_frame(window, at); own != HTNOWHERE) return own;
     const RECT outer{0, 0, window.rect.width(), window.rect.height()};
     return outer.contains(at) ? HTBORDER : HTNOWHERE;
 }

@@ -1,5 +1,6 @@
 // Keys: messages made of the display's events, and characters made of messages.
 #include "platform/base/text.h"
+#include "platform/display/keys.h"
 #include "platform/user/state.h"
 
 namespace tarn::platform {
@@ -111,25 +112,6 @@ void post_character(HWND hwnd, char32_t code, LPARAM lparam, bool system) {
     state().queue.posted.push_back(m);
 }
 
-// The character of a key whose text doesn't say it, 0 for none.
-char32_t control_character(std::int32_t key, bool control, bool shift) {
-    switch (key) {
-        case VK_BACK:
-            return control ? 127 : 8;
-        case VK_TAB:
-            return 9;
-        case VK_RETURN:
-            return control ? 10 : 13;
-        case VK_ESCAPE:
-            return 27;
-        default:
-            break;
-    }
-    if (!control || shift) return 0;
-    if (key >= 'A' && key <= 'Z') return static_cast<char32_t>(key - 'A' + 1);
-    return 0;
-}
-
 // For keys that nobody gave a text: those that a program made itself.
 char32_t plain_character(std::int32_t key) {
     const Input& in = state().input;
@@ -219,19 +201,14 @@ bool TranslateMessage(const MSG& m) {
     const Input& in = state().input;
     const auto key = static_cast<std::int32_t>(m.wParam);
     const bool system = m.message == WM_SYSKEYDOWN;
-    const bool control = (in.keys[VK_CONTROL] & 0x80) != 0;
-    const bool shift = (in.keys[VK_SHIFT] & 0x80) != 0;
-    const InputMessage* const made = recent_key(m);
-    const bool typed = made != nullptr && !made->text.empty();
-    // Text beside Ctrl is what AltGr makes on some boards, unless it is a control character.
-    if (const char32_t c = control_character(key, control, shift);
-        c != 0 && !(typed && static_cast<unsigned char>(made->text[0]) > 32 && key >= 'A' &&
-                    (in.modifiers & mod_altgr) != 0)) {
-        post_character(m.hwnd, c, m.lParam, system);
+    if (const std::string control = control_text(key, in.modifiers); !control.empty()) {
+        post_character(m.hwnd, static_cast<unsigned char>(control[0]), m.lParam, system);
         return true;
     }
+    const InputMessage* const made = recent_key(m);
     if (made == nullptr || (made->text.empty() && system)) {
-        const char32_t c = control ? 0 : plain_character(key);
+        const bool with_control = (in.keys[VK_CONTROL] & 0x80) != 0;
+        const char32_t c = with_control ? 0 : plain_character(key);
         if (c != 0) post_character(m.hwnd, c, m.lParam, system);
         return true;
     }

@@ -84,6 +84,7 @@ void hover_frame(const Hit& hit, POINT screen) {
     Window* const window = find(hit.hwnd);
     const bool bar = hit.code == HTVSCROLL || hit.code == HTHSCROLL;
     hover_window_bar(bar ? window : nullptr, hit.code == HTHSCROLL ? SB_HORZ : SB_VERT, screen);
+    hover_own_frame(window, hit.code);
     hover_menu_bar(hit.code == HTMENU ? hit.hwnd : HWND{}, screen);
 }
 
@@ -120,12 +121,11 @@ bool second_click(HWND hwnd, std::int32_t button, POINT at, DWORD time) {
 bool activate_by_press(HWND hwnd, LRESULT code, UINT message) {
     Pinned window(hwnd);
     Pinned top(&top_of(*window));
-    if (top->handle == state().input.active) return true;
     const LRESULT answer =
         call(*window, WM_MOUSEACTIVATE, static_cast<WPARAM>(top->handle),
              MAKELPARAM(static_cast<std::int32_t>(code), static_cast<std::int32_t>(message)));
-    if (top.alive() && answer != MA_NOACTIVATE && answer != MA_NOACTIVATEANDEAT &&
-        (top->ex_style & WS_EX_NOACTIVATE) == 0)
+    if (top.alive() && top->handle != state().input.active && answer != MA_NOACTIVATE &&
+        answer != MA_NOACTIVATEANDEAT && (top->ex_style & WS_EX_NOACTIVATE) == 0)
         activate(top.get(), WA_CLICKACTIVE);
     return window.alive() && answer != MA_NOACTIVATEANDEAT && answer != MA_ACTIVATEANDEAT;
 }
@@ -185,6 +185,7 @@ void take_captured(const Event& event, POINT screen) {
         follow_window_bar(screen, message);
         return;
     }
+    if (in.frame_drag.hwnd != HWND{}) return follow_own_frame(screen, message);
     const Window* const window = find(in.capture);
     UINT sent = message;
     if (press && second_click(in.capture, event.button, screen, event.time) &&
@@ -242,6 +243,7 @@ void take_pointer_event(const Event& event) {
     const RECT area = surface_rect(*top);
     const POINT screen{area.left + event.point.x, area.top + event.point.y};
     in.pointer = screen;
+    in.pointer_known = true;
     note_modifiers(event);
     if (event.kind == Kind::wheel) return take_wheel(event, screen);
     if (event.kind == Kind::button_down) {
@@ -266,6 +268,7 @@ void change_capture(HWND hwnd) {
     if (old == hwnd) return;
     in.capture = hwnd;
     if (in.scroll.active() && in.scroll_window != hwnd) end_window_bar();
+    if (in.frame_drag.hwnd != HWND{} && in.frame_drag.hwnd != hwnd) end_own_frame();
     Window* const window = find(hwnd);
     if (display_open()) display().grab_pointer(window != nullptr ? display_id(top_of(*window)) : 0);
     if (find(old) != nullptr) call(old, WM_CAPTURECHANGED, 0, static_cast<LPARAM>(hwnd));
@@ -289,12 +292,14 @@ HWND GetCapture() {
 }
 
 bool GetCursorPos(POINT& screen) {
-    screen = state().input.pointer;
+    const Input& in = state().input;
+    screen = in.pointer_known ? in.pointer : display().pointer();
     return true;
 }
 
 bool SetCursorPos(std::int32_t x, std::int32_t y) {
     state().input.pointer = {x, y};
+    state().input.pointer_known = true;
     display().warp_pointer({x, y});
     return true;
 }

@@ -255,6 +255,17 @@ HDC GetWindowDC(HWND hwnd) {
     return give_context(*window, std::move(clip), false, true);
 }
 
+HDC frame_context(Window& window) {
+    Region clip;
+    if (can_paint(window)) {
+        clip = visible_region(window, true);
+        const POINT origin = client_origin_on_surface(window);
+        clip.subtract({origin.x, origin.y, origin.x + window.client.width(),
+                       origin.y + window.client.height()});
+    }
+    return give_context(window, std::move(clip), false, true);
+}
+
 std::int32_t ReleaseDC(HWND, HDC dc) {
     if (Context* const c = context_of(dc)) {
         if (c->painting) return 0;
@@ -379,8 +390,8 @@ bool UpdateWindow(HWND hwnd) {
     if (!window) return false;
     if (window->dirty_below == 0) return true;
     paint_tree(*window);
-    // Somebody who computes after it wants to see it; a flood of calls is shown once a frame.
-    if (anything_to_present() && clock_us() - state().queue.last_frame >= frame_us) present_all();
+    // Somebody who computes after it wants to see it.
+    if (anything_to_present() && clock_us() >= state().queue.next_frame) present_all();
     return true;
 }
 

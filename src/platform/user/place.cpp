@@ -115,8 +115,12 @@ bool SetWindowPos(HWND hwnd, HWND after, std::int32_t x, std::int32_t y, std::in
     if (!window.alive()) return false;
     if ((pos.flags & SWP_SHOWWINDOW) != 0 && !visible)
         ShowWindow(hwnd, (pos.flags & SWP_NOACTIVATE) != 0 ? +SW_SHOWNA : +SW_SHOW);
-    else if (window->top && visible && (pos.flags & (SWP_NOACTIVATE | SWP_NOZORDER)) == 0)
-        activate(window.get(), WA_ACTIVE);
+    else if ((pos.flags & (SWP_NOACTIVATE | SWP_NOZORDER)) == 0) {
+        if (!window->top)
+            call(*window, WM_CHILDACTIVATE, 0, 0);
+        else if (visible)
+            activate(window.get(), WA_ACTIVE);
+    }
     if (window.alive()) {
         pos.x = window->rect.left, pos.y = window->rect.top;
         pos.cx = window->rect.width(), pos.cy = window->rect.height();
@@ -189,6 +193,13 @@ RECT filling(const Window& window, const RECT& area) {
             area.bottom + hidden.bottom};
 }
 
+// A child's caption and border lie outside what its parent shows.
+RECT filling_parent(const Window& child) {
+    const std::int32_t b = border_width(child);
+    const std::int32_t caption = has_caption_of_ours(child) ? GetSystemMetrics(SM_CYCAPTION) : 0;
+    return {-b, -b - caption, child.parent->client.width() + b, child.parent->client.height() + b};
+}
+
 void set_state(Window& window, WindowState wanted) {
     Pinned w(&window);
     const DWORD old = w->style;
@@ -216,14 +227,12 @@ void set_state(Window& window, WindowState wanted) {
         return;
     }
     RECT rect = w->rect;
-    if (w->top) {
-        Top& top = *w->top;
-        if (fills && (old & WS_MAXIMIZE) == 0) {
-            top.normal_rect = w->rect;
-            rect = filling(*w, display().work_area({w->rect.left, w->rect.top}));
-        } else if (!fills && (old & WS_MAXIMIZE) != 0) {
-            rect = top.normal_rect;
-        }
+    if (fills && (old & WS_MAXIMIZE) == 0) {
+        w->normal_rect = w->rect;
+        rect = w->top ? filling(*w, display().work_area({w->rect.left, w->rect.top}))
+                      : filling_parent(*w);
+    } else if (!fills && (old & WS_MAXIMIZE) != 0) {
+        rect = w->normal_rect;
     }
     const bool owed = w->top && w->top->size_owed;
     const SIZE before = w->client_size();

@@ -31,6 +31,13 @@ DWORD GetTickCount() {
     return static_cast<DWORD>(clock_us() / 1000);
 }
 
+void frame_done() {
+    Queue& q = state().queue;
+    q.last_frame = clock_us();
+    const std::int64_t cost = q.last_frame - q.frame_start;
+    q.next_frame = q.last_frame + std::min(9 * cost, frame_us);
+}
+
 // ---- Timers ------------------------------------------------------------------------------------
 namespace {
 
@@ -245,8 +252,9 @@ bool take_input(MSG& message, const Filter& filter, bool remove) {
     return false;
 }
 
-// Painting comes when nothing else waits: at once when the program waits, and for one that polls
-// once a frame. A window that marks itself while it paints comes with the next frame.
+// Painting comes when nothing else waits: at once when the program waits too. For one that polls
+// it comes at once as well, but takes no more than a tenth of its time; and a window that marks
+// itself while it paints comes with the next frame.
 bool frame_open(std::int64_t now) {
     Queue& q = state().queue;
     if (q.in_frame) {
@@ -257,11 +265,13 @@ bool frame_open(std::int64_t now) {
             return true;
         }
         q.in_frame = false;
-        q.last_frame = now;
+        frame_done();
         return false;
     }
-    if (now - q.last_frame < frame_us && !(q.idle && q.fresh_marks)) return false;
+    const bool due = q.fresh_marks ? q.idle || now >= q.next_frame : now - q.last_frame >= frame_us;
+    if (!due) return false;
     q.in_frame = true;
+    q.frame_start = now;
     q.fresh_marks = false;
     q.frame_left = state().dirty_windows;
     return true;
@@ -352,10 +362,10 @@ bool PeekMessageA(MSG& message, HWND hwnd, UINT first, UINT last, UINT remove) {
     if (anything_dirty() && filter.takes(WM_PAINT) && take_paint(message, filter, now)) return true;
     if (!q.timers.empty() && take_timer(message, filter, take, now)) return true;
     if (anything_dirty() || !filter.all() || hwnd != HWND{}) {
-        if (anything_to_present() && now - q.last_frame >= frame_us) present_all();
+        if (anything_to_present() && now >= q.next_frame) present_all();
         return false;
     }
-    if (anything_to_present() && !q.idle && now - q.last_frame < frame_us) return false;
+    if (anything_to_present() && !q.idle && now < q.next_frame) return false;
     const bool waited = q.idle;
     q.idle = false;
     // A wait has asked the script already.

@@ -46,8 +46,10 @@ struct Queue {
     std::deque<InputMessage> input;  // made from an event, not yet taken
     std::vector<Timer> timers;       // the next one first
     std::uintptr_t next_timer_id = 0x7F00;
-    std::int64_t last_poll = 0;     // of the display
-    std::int64_t last_frame = 0;    // when something was presented
+    std::int64_t last_poll = 0;   // of the display
+    std::int64_t last_frame = 0;  // when something was painted or presented
+    std::int64_t next_frame = 0;  // a program that doesn't wait is painted from then on
+    std::int64_t frame_start = 0;
     std::int64_t silent_since = 0;  // headless: since when only timers run; 0: not waiting
     std::int32_t quit_code = 0;
     bool quit = false;
@@ -65,12 +67,22 @@ struct TextTransfer {  // a text on its way to a procedure that gets it as it is
     Encoding encoding = Encoding::page;
 };
 
+// A frame of ours that the pointer has hold of.
+struct FrameDrag {
+    HWND hwnd{};
+    LRESULT hit = HTNOWHERE;
+    RECT start;
+    POINT from;         // screen
+    bool over = false;  // a button: the pointer is on it
+};
+
 struct Input {
     HWND focus{}, active{}, capture{}, hover{};
     TopLevel display_focus = 0;  // the display says so
     TopLevel focus_asked = 0;    // the display was asked and hasn't answered
     std::int64_t focus_asked_until = 0;
     POINT pointer;  // screen
+    bool pointer_known = false;
     std::uint32_t modifiers = 0;
     std::uint8_t keys[256] = {};  // bit 7 down, bit 0 toggled
     InputMessage recent_keys[8];  // for TranslateMessage
@@ -93,6 +105,9 @@ struct Input {
     std::int32_t bar_hover = SB_VERT;
     ScrollPart bar_hover_part = ScrollPart::none;
     HWND menu_hover{};
+    FrameDrag frame_drag;
+    HWND caption_hover{};  // with the pointer over this button of its caption
+    LRESULT caption_hit = HTNOWHERE;
     HCURSOR cursor{};
     std::int32_t cursor_count = 0;  // ShowCursor
 };
@@ -144,6 +159,7 @@ void start_timer(HWND hwnd, std::uintptr_t id, UINT period, TIMERPROC procedure,
 void stop_timer(HWND hwnd, std::uintptr_t id, bool internal);
 void stop_timers_of(HWND hwnd);
 // Looks at an event of the display: what is no input happens now, input becomes messages.
+void frame_done();  // painting or presenting ended now
 void take_event(const Event& event);
 void take_pointer_event(const Event& event);
 void take_key_event(const Event& event);
@@ -163,5 +179,16 @@ void hover_window_bar(Window* window, std::int32_t bar, POINT screen);
 void end_window_bar();
 ScrollLook window_bar_look(const Window& window, std::int32_t bar);
 LRESULT hit_frame(const Window& window, POINT screen);
+// The same for frames that we draw: captions of children, sizable borders.
+struct CaptionButtons {
+    RECT close, maximize, minimize;  // empty where there is none
+};
+CaptionButtons caption_buttons(const Window& window);
+LRESULT hit_own_frame(const Window& window, POINT at);  // counted from its outer corner
+HCURSOR border_cursor(LRESULT hit);
+void press_own_frame(Window& window, LRESULT hit, POINT screen, bool twice);
+void follow_own_frame(POINT screen, UINT message);
+void end_own_frame();
+void hover_own_frame(Window* window, LRESULT hit);
 
 }  // namespace tarn::platform

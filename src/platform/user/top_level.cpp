@@ -15,6 +15,13 @@ bool is_popup(const Window& top) {
     return (top.ex_style & (WS_EX_NOACTIVATE | WS_EX_TOOLWINDOW)) != 0;
 }
 
+bool any_accepts_files(const Window& window) {
+    if (window.accepts_files) return true;
+    for (const Window* c = window.first_child; c != nullptr; c = c->below)
+        if (any_accepts_files(*c)) return true;
+    return false;
+}
+
 TopLevelOptions options_of(Window& top) {
     TopLevelOptions o;
     const bool framed = manager_frames(top);
@@ -35,6 +42,7 @@ TopLevelOptions options_of(Window& top) {
     o.topmost = (top.ex_style & WS_EX_TOPMOST) != 0;
     o.accepts_focus = (top.ex_style & WS_EX_NOACTIVATE) == 0;
     o.accepts_files = top.top->accepts_files;
+    o.accepts_files = any_accepts_files(top);
     o.minimum = minimum_surface_size(top);
     o.title = top.title;
     o.class_name = top.cls->name;
@@ -177,6 +185,9 @@ void present(Window& top) {
 
 void present_all() {
     if (!anything_to_present()) return;
+    Queue& q = state().queue;
+    // What was painted before it in this frame is part of its price.
+    if (q.frame_start <= q.last_frame) q.frame_start = clock_us();
     // Contexts that a program keeps may have been drawn on at any time.
     for (Context& c : state().contexts) {
         Window* const window = c.in_use && !c.painting ? find(c.hwnd) : nullptr;
@@ -185,8 +196,9 @@ void present_all() {
     }
     for (Window* w = top_levels(); w != nullptr; w = w->below)
         if (!w->top->damage.empty()) present(*w);
-    state().queue.last_frame = clock_us();
     display().flush();
+    q.in_frame = false;
+    frame_done();
 }
 
 bool window_surface_rect(HWND top_level, RECT& screen) {

@@ -36,19 +36,18 @@ struct Insets {
 
 // What only a top-level window has.
 struct Top {
-    Surface surface;          // pixels null until it was shown
-    Region damage;            // on the surface, logical: drawn and not yet presented
-    bool opened = false;      // the display knows it
-    bool shown = false;       // and shows it
-    bool settled = true;      // window_settled was told, or needn't be
-    bool placed = false;      // somebody chose its place
-    bool size_owed = false;   // WM_SIZE and WM_MOVE wait for the first showing
-    bool caret_here = false;  // the last present had a caret
+    Surface surface;             // pixels null until it was shown
+    Region damage;               // on the surface, logical: drawn and not yet presented
+    bool opened = false;         // the display knows it
+    bool shown = false;          // and shows it
+    bool settled = true;         // window_settled was told, or needn't be
+    bool placed = false;         // somebody chose its place
+    bool size_owed = false;      // WM_SIZE and WM_MOVE wait for the first showing
+    bool caret_here = false;     // the last present had a caret
     bool accepts_files = false;  // it or a window in it once did
     CursorShape cursor = CursorShape::arrow;
     WindowState state = WindowState::normal;
     std::int64_t state_asked_until = 0;  // the display hasn't answered: what it says is old news
-    RECT normal_rect;                    // to restore from minimised and maximised
     HWND last_focus{};                   // the focus when it was last active
     HWND disabled_by{};                  // what the display was told
     HICON icon{};
@@ -68,8 +67,9 @@ struct Window {
     Window* owner = nullptr;   // of a top-level
     // Z order: first is at the top.
     Window *first_child = nullptr, *last_child = nullptr, *above = nullptr, *below = nullptr;
-    RECT rect;    // outer; in the parent's client area, or on the screen
-    RECT client;  // counted from the outer rectangle's corner
+    RECT rect;         // outer; in the parent's client area, or on the screen
+    RECT client;       // counted from the outer rectangle's corner
+    RECT normal_rect;  // to come back to from maximised
     DWORD style = 0, ex_style = 0;
     LPARAM id = 0;
     LPARAM user_data = 0;
@@ -176,6 +176,7 @@ Window* next_to_paint();
 void paint_tree(Window& window);     // now, parents first
 LRESULT send_paint(Window& window);  // WM_PAINT to one
 void paint_frame_if_marked(Window& window);
+HDC frame_context(Window& window);         // of the window without its client area
 void paint_frame(Window& window, HDC dc);  // default WM_NCPAINT
 void release_contexts(Window& window);     // it dies
 void surface_changed(Window& top);         // contexts of the old one are turned over

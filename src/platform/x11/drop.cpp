@@ -66,7 +66,7 @@ void X11Display::finish_drop() {
         connection_, drag.source, drag.source, connection_[Atom::xdnd_finished],
         {window ? window->handle : 0, done, done ? connection_[Atom::xdnd_action_copy] : 0, 0, 0});
     xcb_flush(connection_.xcb);
-    if (paths.empty()) return;
+    if (!window || paths.empty()) return;
     Event told = about(Event::Kind::drop_files, window);
     place_pointer(told, *window, drag.screen.x - window->real.left,
                   drag.screen.y - window->real.top, 0);

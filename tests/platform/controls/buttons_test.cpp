@@ -191,14 +191,15 @@ TEST(Colours, AreAskedOfTheParentAndStayReadable) {
     w.add("static", "MMMMMM", SS_LEFT, place);
     settle();
     const Surface* surface = window_surface(w.hwnd);
-    std::uint32_t brightest = 0;
+    float best = 1;
     for (std::int32_t y = 12; y < 38; ++y) {
         for (std::int32_t x = 12; x < 90; ++x) {
             const std::uint32_t pixel = surface->pixels[y * surface->stride + x];
-            brightest = std::max(brightest, pixel & 0xFF00);
+            const COLORREF colour = RGB(pixel >> 16 & 0xFF, pixel >> 8 & 0xFF, pixel & 0xFF);
+            best = std::max(best, contrast(colour, RGB(20, 20, 60)));
         }
     }
-    EXPECT_GT(brightest >> 8, 180u);
+    EXPECT_GT(best, 3.0F);
 }
 
 TEST(ScrollBar, KeepsItsValuesAndTellsOfItsParts) {

@@ -10,6 +10,7 @@
 #include "platform/kernel/module.h"
 #include "winio/builder.h"
 #include "winio/layout.h"
+#include "winio/menus.h"
 #include "winio/report.h"
 
 namespace tarn::winio {
@@ -281,6 +282,11 @@ void destroy_fancy_window(fancy_window* window) {
     if (state.current == window) state.current = window->previous;
     if (window->window_number == state.next_window_number) --state.next_window_number;
     forget_bindings(window);
+    destroy_all_menus(window);
+    while (script_level* level = window->script_stack) {
+        window->script_stack = level->next;
+        delete level;
+    }
     free_chain(window->first_control);
     free_chain(window->message_traps);
     free_chain(window->timers);

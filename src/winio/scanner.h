@@ -12,6 +12,11 @@ namespace tarn::winio {
 
 // Walks one format, from `format` to its terminating zero. True: it ended with `&`.
 bool scan_format(const char* format, argument_source& arguments);
+// Of the window under construction nothing stays for the next one: one-shot values may point to
+// what dies with the window.
+void end_construction();
+// The same, and for every construction that waits for a nested one.
+void drop_constructions();
 
 // ---- Preloading of options
 enum class preload : std::uint8_t { idle, opened, adding };

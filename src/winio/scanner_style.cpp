@@ -276,10 +276,7 @@ void install_error_hooks() {
 }
 
 void drop_partial_windows() {
-    end_layout();
-    builder().continuing = 0;
-    builder().nw_mode = 0;
-    builder().box = nullptr;
+    drop_constructions();
     while (current_window() && !current_window()->flags.open && current_window()->hwnd == HWND{}) {
         destroy_fancy_window(current_window());
     }

@@ -129,7 +129,7 @@ TEST(ScannerArguments, NamesTheArgumentThatHasTheWrongType) {
         {"%ls", "*C", c, "Argument number 2 of winio\nshould be a char**"},
         {"%20.3`eb", "*CI*I", c, "Argument number 4 of winio\nshould be a pointer to a structure"},
         {"%uw[class]", "IIII*S", c, "Argument number 6 of winio\nshould be an int*"},
-        {"%20.3cw", "*S", c, "Argument number 2 of winio\nshould be a void**"},
+        {"%20.3cw", "*S", c, "Argument number 2 of winio\nshould be a ** pointer to a structure"},
         {"%rd", "*F", fortran, "Argument number 2 of WINIO@ should be a 32 bit integer"},
         {"%wd", "I", fortran, "Argument number 2 of WINIO@ should be an 32 bit integer"},
         {"%rf", "*I", fortran, "Argument number 2 of WINIO@ should be a REAL*8"},

@@ -168,7 +168,7 @@ bool menu_served(fancy_window* window, const command& what) {
 }  // namespace
 
 void window_command(fancy_window* window, WPARAM wparam, LPARAM lparam) {
-    if (window->flags.busy && !window->flags.permit) return;
+    if (window->flags.busy && !window->flags.permit && !callbacks().clipboard_refresh) return;
     window_watch watch(window);
     command what{LOWORD(wparam), static_cast<std::int32_t>(HIWORD(wparam)), to_hwnd(lparam)};
     if (menu_served(window, what) || watch.gone()) return;

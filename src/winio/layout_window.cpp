@@ -128,9 +128,10 @@ RECT current_rectangle(const window_control* control) {
 }
 
 bool shows_sheet(const window_control* control) {
-    const auto* child = static_cast<const fancy_window*>(control->gcb);
-    return control->type == control_type::child_window && fancy_window_exists(child) &&
-           child->flags.sheet;
+    if (control->type != control_type::child_window) return false;
+    const fancy_window* child =
+        window_from_control_variable(static_cast<std::int32_t*>(control->variable));
+    return child && child->flags.sheet;
 }
 
 bool stays(const window_control* control) {

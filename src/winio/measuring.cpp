@@ -46,7 +46,7 @@ std::string_view without_trailing_blanks(std::string_view text) {
 std::int32_t widest_item(const window_control* control) {
     std::int32_t widest = 0;
     if (!control->data) return 0;
-    if (control->window->flags.fortran) {
+    if (control->flags.fortran_string) {
         const auto* element = reinterpret_cast<const char*>(control->data);
         const std::int32_t length = std::max(control->string_length, 0);
         for (word i = 0; i < control->data2; ++i, element += length)

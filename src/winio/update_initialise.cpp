@@ -50,7 +50,7 @@ void show_child(const window_control* control, bool first) {
 // %gp: where the marker is on the screen, or within the client area of the window's parent.
 void tell_position(const window_control* control) {
     auto* x = static_cast<std::int32_t*>(control->variable);
-    auto* y = reinterpret_cast<std::int32_t*>(control->data);
+    auto* y = static_cast<std::int32_t*>(control->block);
     POINT at{control->left, control->top};
     ClientToScreen(control->window->hwnd, at);
     if (control->flags.parent_relative) {

@@ -23,7 +23,7 @@ class string_list {
   public:
     explicit string_list(const window_control* control)
         : first_(reinterpret_cast<const char*>(control->data)),
-          fortran_(control->window->flags.fortran),
+          fortran_(control->flags.fortran_string),
           length_(static_cast<std::size_t>(std::max(control->string_length, 0))) {
         if (!first_) return;
         if (fortran_)
@@ -131,12 +131,12 @@ void show_edit_list(window_control* control, bool first) {
     const auto* variable = static_cast<const char*>(control->variable);
     if (!variable) return;
     std::string shown;
-    if (control->window->flags.fortran)
+    if (control->window->flags.fortran) {
         shown.assign(variable, static_cast<std::size_t>(std::max(control->high, 0.0)));
-    else
+        while (!shown.empty() && shown.back() == ' ') shown.pop_back();
+    } else {
         shown = variable;
-    while (control->window->flags.fortran && !shown.empty() && shown.back() == ' ')
-        shown.pop_back();
+    }
     SetWindowTextAW(control->hwnd, shown.c_str());
 }
 

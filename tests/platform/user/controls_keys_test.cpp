@@ -256,5 +256,75 @@ TEST_F(Bars, RepeatWhileHeld) {
     EXPECT_EQ(count(w, WM_VSCROLL), steps);
 }
 
+// ---- Frames of children ------------------------------------------------------------------------
+class ChildFrames : public Desk {
+  protected:
+    static constexpr DWORD framed = WS_VISIBLE | WS_OVERLAPPEDWINDOW | WS_CLIPSIBLINGS;
+    static void drag(HWND hwnd, POINT from, POINT to) {
+        press(Event::Kind::button_down, hwnd, from, 1, mod_left);
+        settle();
+        // The window moves under the pointer: both places are told on its parent.
+        MapWindowPoints(hwnd, GetParent(hwnd), &to, 1);
+        press(Event::Kind::pointer_move, GetParent(hwnd), to, 1, mod_left);
+        settle();
+        press(Event::Kind::button_up, GetParent(hwnd), to);
+        settle();
+    }
+    static RECT place(HWND hwnd) {
+        RECT r;
+        GetWindowRect(hwnd, r);
+        MapWindowPoints(HWND{}, GetParent(hwnd), reinterpret_cast<POINT*>(&r), 2);
+        return r;
+    }
+};
+
+TEST_F(ChildFrames, AreMovedSizedAndClosedByThePointer) {
+    const HWND w = top(WS_POPUP);
+    const HWND a = child(w, {20, 30, 220, 180}, framed, 1);
+    const HWND b = child(w, {20, 30, 220, 180}, framed, 2);
+    settle();
+    EXPECT_EQ(GetTopWindow(w), a);
+    drag(b, {300, 300}, {0, 0});  // not on it
+    drag(a, {20, -10}, {30, 10});
+    EXPECT_EQ(place(a), (RECT{30, 50, 230, 200}));
+    drag(a, {-2, 50}, {-12, 50});  // its left border
+    EXPECT_EQ(place(a), (RECT{20, 50, 230, 200}));
+    drag(a, {-2, 50}, {1000, 50});
+    EXPECT_EQ(place(a).width(), 112);
+    drag(b, {10, 10}, {10, 10});
+    EXPECT_EQ(GetTopWindow(w), b);
+    EXPECT_EQ(count(b, WM_CHILDACTIVATE), 1);
+    handlers()[WM_WINDOWPOSCHANGING] = [](const Sent& s, LRESULT&) {
+        reinterpret_cast<WINDOWPOS*>(s.lparam)->flags |= SWP_NOMOVE | SWP_NOSIZE;
+        return false;
+    };
+    const RECT before = place(b);
+    drag(b, {20, -10}, {90, 90});
+    EXPECT_EQ(place(b), before);
+    handlers().clear();
+    RECT client;
+    GetClientRect(b, client);
+    const POINT cross{client.right - 10, -15};
+    drag(b, cross, {cross.x, cross.y + 60});  // let go beside it
+    EXPECT_TRUE(IsWindow(b));
+    click(b, cross);
+    EXPECT_FALSE(IsWindow(b));
+}
+
+TEST_F(ChildFrames, FillTheirParentWhenMaximised) {
+    const HWND w = top(WS_POPUP, HWND{}, {0, 0, 400, 300});
+    const HWND a = child(w, {20, 30, 220, 180}, framed, 1);
+    ShowWindow(a, SW_SHOWMAXIMIZED);
+    RECT client;
+    GetClientRect(a, client);
+    EXPECT_EQ(client, (RECT{0, 0, 400, 300}));
+    POINT origin{};
+    MapWindowPoints(a, w, &origin, 1);
+    EXPECT_EQ(origin, (POINT{0, 0}));
+    EXPECT_EQ(last(a, WM_SIZE)->wparam, WPARAM{SIZE_MAXIMIZED});
+    ShowWindow(a, SW_RESTORE);
+    EXPECT_EQ(place(a), (RECT{20, 30, 220, 180}));
+}
+
 }  // namespace
 }  // namespace tarn::platform

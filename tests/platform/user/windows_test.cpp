@@ -339,5 +339,39 @@ TEST_F(Windows, TextsKeepTheirMeaningOnEveryRoad) {
     EXPECT_EQ(FindWindowA("DESK", "Top"), w);
 }
 
+// Items of lists come and go in the caller's encoding; the procedure sees UTF-8.
+TEST_F(Windows, ListTextsAreConvertedBothWays) {
+    constexpr UINT LB_ADDSTRING = 0x180, LB_GETTEXT = 0x189, LB_GETTEXTLEN = 0x18A;
+    const HWND list = CreateWindowExA(0, "DeskUtf8", "", WS_POPUP, 0, 0, 9, 9, HWND{}, HMENU{});
+    std::string kept;
+    handlers()[LB_ADDSTRING] = [&](const Sent& s, LRESULT& r) {
+        kept = s.lparam > 0x10000 ? reinterpret_cast<const char*>(s.lparam) : "number";
+        return r = 0, true;
+    };
+    handlers()[LB_GETTEXTLEN] = [&](const Sent& s, LRESULT& r) {
+        return r = s.wparam == 0 ? static_cast<LRESULT>(kept.size()) : -1, true;
+    };
+    handlers()[LB_GETTEXT] = [&](const Sent& s, LRESULT& r) {
+        kept.copy(reinterpret_cast<char*>(s.lparam), kept.size());
+        reinterpret_cast<char*>(s.lparam)[kept.size()] = 0;
+        return r = static_cast<LRESULT>(kept.size()), true;
+    };
+    SendMessageA(list, LB_ADDSTRING, 0, reinterpret_cast<LPARAM>("\xFCr \x80"));
+    EXPECT_EQ(kept, "ür €");
+    char page[8];
+    char16_t wide[8];
+    EXPECT_EQ(SendMessageA(list, LB_GETTEXTLEN, 0, 0), 4);
+    EXPECT_EQ(SendMessageA(list, LB_GETTEXT, 0, reinterpret_cast<LPARAM>(page)), 4);
+    EXPECT_STREQ(page, "\xFCr \x80");
+    EXPECT_EQ(SendMessageW(list, LB_GETTEXT, 0, reinterpret_cast<LPARAM>(wide)), 4);
+    EXPECT_EQ(std::u16string(wide), u"ür €");
+    EXPECT_EQ(SendMessageA(list, LB_GETTEXTLEN, 1, 0), -1);
+    EXPECT_EQ(SendMessageA(list, LB_GETTEXT, 1, reinterpret_cast<LPARAM>(page)), -1);
+    // What the owner draws without strings is a number.
+    SetWindowLong(list, GWL_STYLE, GetWindowLong(list, GWL_STYLE) | 0x10);
+    SendMessageA(list, LB_ADDSTRING, 0, 5);
+    EXPECT_EQ(kept, "number");
+}
+
 }  // namespace
 }  // namespace tarn::platform

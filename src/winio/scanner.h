@@ -26,6 +26,9 @@ struct preload_state {
 preload_state& preloading();
 // Before every code: brackets of %bo and %eo, and `[[`. False: the code is refused.
 void process_preload_state(code_call& call);
+// While options are preloaded the code only adds its own to the block; false: it is on its own.
+bool add_preloaded_options(code_call& call);
+void drop_preloaded_block();
 // Behind every code: a second `]` ends what `[[` began.
 void end_preload_at_bracket(code_call& call);
 void winop(const char* text);

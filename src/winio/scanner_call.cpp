@@ -389,7 +389,7 @@ std::int32_t abandon_window() {
     end_construction();
     builder().continuing = 0;
     builder().nw_mode = 0;
-    preloading() = {};
+    drop_preloaded_block();
     building().abandoned = false;
     building().passive_window = false;
     if (window && !window->flags.open) {

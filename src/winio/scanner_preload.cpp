@@ -4,6 +4,7 @@
 
 #include "winio/buttons.h"
 #include "winio/codes.h"
+#include "winio/common_dialog.h"
 #include "winio/options.h"
 #include "winio/report.h"
 #include "winio/scanner.h"
@@ -141,6 +142,31 @@ void end_preload_at_bracket(code_call& call) {
     } else if (!(at[-1] == ']' && at[-2] == ']')) {
         return;
     }
+    set_state(preload::idle);
+}
+
+bool add_preloaded_options(code_call& call) {
+    void* block = building().preloaded_block;
+    if (preloading().at != preload::adding || !block || !can_be_preloaded(call.code)) return false;
+    if (building().preloaded_type != type_of(call.code)) {
+        quillpan_error("?The format code must not change with successive calls to WINOP@");
+        return true;
+    }
+    fancy_window* const window = current_window();
+    current_window() = &text_holder();
+    add_options(call, block);
+    current_window() = window;
+    return true;
+}
+
+void drop_preloaded_block() {
+    builder_state& state = building();
+    if (state.preloaded_type == control_type::line_end) {
+        delete static_cast<common_dialog*>(state.preloaded_block);
+    } else {
+        std::free(state.preloaded_block);
+    }
+    set_preloaded_block(nullptr, control_type::blank);
     set_state(preload::idle);
 }
 

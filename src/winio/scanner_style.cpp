@@ -281,7 +281,7 @@ void drop_partial_windows() {
         destroy_fancy_window(current_window());
     }
     queued_arguments().clear();
-    preloading() = {};
+    drop_preloaded_block();
     building().abandoned = false;
 }
 

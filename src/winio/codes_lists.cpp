@@ -30,12 +30,10 @@ list_size size_of_list(const code_call& call, const string_list& items, bool row
     const std::int32_t wanted_columns = rows_first ? call.m : call.n;
     const std::int32_t wanted_rows = rows_first ? call.n : call.m;
     list_size size{items.width, items.count, false};
-    // Far beyond any window; the products stay numbers.
-    constexpr std::int32_t most = 32767;
-    if (wanted_columns > 0) size.columns = std::min(wanted_columns, most);
+    if (wanted_columns > 0) size.columns = wanted_columns;
     if (wanted_rows > 0) {
         size.scrolls = wanted_rows < items.count;
-        size.rows = std::min(wanted_rows, most);
+        size.rows = wanted_rows;
     }
     // What a program counts is as large as it says; no screen shows more.
     constexpr std::int32_t most = 10000;

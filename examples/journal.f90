@@ -30,7 +30,7 @@ program journal
   implicit none
   integer :: i
   i = winio@('%ca[Journal]&')
-  i = winio@('%ww[not_fixed_size]%pv%56.14cw[vscroll]%ff&', unit)
+  i = winio@('%ww[not_fixed_size]%pv%56.14cw[vscroll,border]%ff&', unit)
   i = winio@('%nl%cn%~^9bt[&Pause] %~^9bt[&Go on] %`9bt[&Close]&', running, pause_it, stopped, go_on)
   i = winio@('%dl', 0.5d0, tick)
   print '(i0, a)', lines, ' readings'

@@ -90,8 +90,7 @@ void keep_alert_with(window_control* control) {
 
 void draw_alert(const window_control* owner, const DRAWITEMSTRUCT& item) {
     const Theme& look = theme();
-    COLORREF behind = owner->box ? owner->box->background : owner->window->background;
-    FillRect(item.hDC, item.rcItem, get_brush(behind));
+    FillRect(item.hDC, item.rcItem, get_brush(ground_behind(owner)));
     mark_canvas canvas{item.hDC, static_cast<float>(item.rcItem.left),
                        static_cast<float>(item.rcItem.top)};
     if (GetWindowLong(item.hwndItem, GWL_USERDATA) == warning) {

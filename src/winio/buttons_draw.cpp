@@ -62,19 +62,25 @@ COLORREF shade(COLORREF colour, float part) {
     return blend(colour, light ? RGB(0, 0, 0) : RGB(255, 255, 255), part);
 }
 
+COLORREF strongest_on(COLORREF face) {
+    constexpr COLORREF ink = RGB(0x1B, 0x1F, 0x24), paper = RGB(255, 255, 255);
+    return contrast(ink, face) > contrast(paper, face) ? ink : paper;
+}
+
 COLORREF own_face(const button_look& look) {
     if (!look.enabled) return blend(look.face, look.behind, 0.55F);
     if (look.pressed) return shade(look.face, 0.18F);
     return look.hovered ? shade(look.face, 0.08F) : look.face;
 }
 
+// Of a program's two colours one may be missing: a face alone gets black or white, whichever stands
+// out; a text alone gives way until it can be read.
 COLORREF text_on(const button_look& look, COLORREF face) {
-    const Theme& colours = theme();
     if (look.face == no_colour) {
-        if (look.enabled && look.text != no_colour) return look.text;
+        if (look.enabled && look.text != no_colour) return readable(look.text, face);
         return button_text_colour({look.enabled, look.hovered, look.pressed, look.is_default});
     }
-    COLORREF text = look.text != no_colour ? look.text : readable(colours.text, face);
+    COLORREF text = look.text != no_colour ? look.text : strongest_on(face);
     return look.enabled ? text : blend(text, face, 0.5F);
 }
 

@@ -103,7 +103,7 @@ COLORREF colour_of(tone which) {
     const Theme& look = theme();
     switch (which) {
         case tone::light:
-            return blend(look.face, RGB(255, 255, 255), look.dark ? 0.15F : 0.8F);
+            return blend(look.face, RGB(255, 255, 255), look.dark ? 0.07F : 0.8F);
         case tone::shade:
             return look.border;
         case tone::dark:
@@ -270,8 +270,12 @@ void draw_panel(HDC dc, const cell_look& cell, bool thin) {
     const RectF outer = to_float(cell.area);
     fill_rounded(dc, outer, look.corner, blend(cell.background, look.border, 0.35F));
     stroke_rounded(dc, outer, look.corner, 1.0F, look.border);
-    const RECT inner{cell.area.left + band_x, cell.area.top + band_y, cell.area.right - band_x,
-                     cell.area.bottom - band_y};
+    // Later cells keep their content nearer to the cell before them than a band is wide.
+    constexpr std::int32_t hairline = 2;
+    const std::int32_t flags = cell.block->flags;
+    const RECT inner{cell.area.left + (flags & not_first_column ? hairline : band_x),
+                     cell.area.top + (flags & not_first_row ? hairline : band_y),
+                     cell.area.right - band_x, cell.area.bottom - band_y};
     if (inner.empty()) return;
     fill_rounded(dc, to_float(inner), look.corner, cell.background);
     stroke_rounded(dc, to_float(inner), look.corner, 1.0F, look.border);

@@ -4,6 +4,7 @@
 
 #include "platform/controls/controls.h"
 #include "platform/controls/look.h"
+#include "platform/gdi/paint.h"
 #include "platform/gdi/theme.h"
 #include "winio/callbacks.h"
 #include "winio/data_entry.h"
@@ -122,14 +123,20 @@ void pointer_moved(window_control* spin, UINT message, WPARAM keys, LPARAM place
     InvalidateRect(hwnd, nullptr, false);
 }
 
+// The two arrows share one rounded outline, a little off the box, whose edge it matches.
+constexpr std::int32_t spin_gap = 1;
+
 void draw_half(HDC dc, RECT half, bool up, bool down, bool hover, bool enabled) {
     const Theme& look = theme();
-    COLORREF face = down ? look.button_pressed : hover ? look.button_hover : look.button;
-    FillRect(dc, half, get_brush(enabled ? face : look.button_disabled));
+    if (enabled && (down || hover)) {
+        fill_rounded(dc, to_f(half), look.small_corner - 1.0F,
+                     down ? look.button_pressed : look.button_hover);
+    }
     PointF centre{static_cast<float>(half.left + half.right) / 2.0F,
                   static_cast<float>(half.top + half.bottom) / 2.0F + (down ? 0.5F : 0.0F)};
+    COLORREF arrow = down || hover ? look.text : look.text_muted;
     draw_chevron(dc, centre, 6.0F, up ? Direction::up : Direction::down,
-                 enabled ? look.text : look.text_disabled);
+                 enabled ? arrow : look.text_disabled);
 }
 
 void paint_spin(window_control* spin, HWND hwnd) {
@@ -141,13 +148,15 @@ void paint_spin(window_control* spin, HWND hwnd) {
     RECT client;
     GetClientRect(hwnd, client);
     bool enabled = IsWindowEnabled(hwnd);
-    std::int32_t middle = (client.height() / 2 + 1) & ~1;
-    RECT inner{client.left, client.top + 1, client.right - 1, client.bottom - 1};
-    RECT upper{inner.left, inner.top, inner.right, middle};
-    RECT lower{inner.left, middle + 1, inner.right, inner.bottom};
-    FillRect(dc, client, get_brush(look.border));
+    FillRect(dc, client, get_brush(ground_behind(spin)));
+    RECT whole{client.left + spin_gap, client.top, client.right, client.bottom};
+    std::int32_t middle = (client.top + client.bottom) / 2;
+    RECT upper{whole.left + 1, whole.top + 1, whole.right - 1, middle};
+    RECT lower{whole.left + 1, middle, whole.right - 1, whole.bottom - 1};
+    fill_rounded(dc, to_f(whole), look.small_corner, enabled ? look.button : look.button_disabled);
     draw_half(dc, upper, true, block->direction > 0, block->hover > 0, enabled);
     draw_half(dc, lower, false, block->direction < 0, block->hover < 0, enabled);
+    stroke_rounded(dc, to_f(whole), look.small_corner, 1.0F, enabled ? edge_colour() : look.border);
     EndPaint(hwnd, paint);
 }
 

@@ -74,6 +74,8 @@ void post_start_up(fancy_window* window);
 
 // ---- Serving (command.cpp, winproc_paint.cpp, window_scroll.cpp, timers.cpp)
 void window_command(fancy_window* window, platform::WPARAM wparam, platform::LPARAM lparam);
+// What is seen around the control: the colour of its box, or of the window.
+platform::COLORREF ground_behind(const window_control* control);
 platform::LRESULT control_colours(fancy_window* window, platform::HDC dc, platform::HWND child);
 void paint_window(fancy_window* window);
 bool draw_item(fancy_window* window, const platform::DRAWITEMSTRUCT& item);

@@ -87,10 +87,17 @@ void draw_system_icon(const window_control* control, const DRAWITEMSTRUCT& item)
 
 }  // namespace
 
+COLORREF ground_behind(const window_control* control) {
+    return control->box ? control->box->background : control->window->background;
+}
+
 LRESULT control_colours(fancy_window* window, HDC dc, HWND child) {
     window_control* control = control_with_handle(window, child);
     if (!control) return 0;
     COLORREF background = control->background;
+    // A field that can't be used doesn't stand out as one that waits for something.
+    if (background == data_colour() && control->flags.data_control && !IsWindowEnabled(child))
+        background = ground_behind(control);
     if (control->font) SelectObject(dc, control->font);
     SetBkColor(dc, background);
     SetTextColor(dc, text_colour_on(control, background));

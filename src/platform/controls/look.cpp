@@ -228,9 +228,15 @@ void draw_inner_corners(const Control& control, HDC dc, const RECT& damaged, Fie
     GetWindowRect(control.hwnd, whole);
     POINT corner{whole.left, whole.top};
     ScreenToClient(control.hwnd, corner);
+    // Nothing but the corners: at a fractional scale the straight edges of this outline could fall
+    // a real pixel beside those of the frame.
+    const std::int32_t saved = SaveDC(dc);
+    ExcludeClipRect(dc, {inside.left + 2, inside.top, inside.right - 2, inside.bottom});
+    ExcludeClipRect(dc, {inside.left, inside.top + 2, inside.right, inside.bottom - 2});
     draw_field_outline(dc,
                        {corner.x, corner.y, corner.x + whole.width(), corner.y + whole.height()},
                        state, border_radius);
+    RestoreDC(dc, saved);
 }
 
 }  // namespace tarn::platform

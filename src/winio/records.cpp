@@ -33,8 +33,15 @@ constexpr bool is_one_of(control_type type, Types... types) {
     return ((type == types) || ...);
 }
 
+// The grave form of a box only shows: it lies on the window like text.
+bool shows_only(control_type type) {
+    using enum control_type;
+    return is_one_of(type, integer_box, float_box, string_box, buffer_box) && building().call &&
+           building().call->grave;
+}
+
 bool holds_data_colour(control_type type) {
-    return (type_properties(type) & framed_in_3d) != 0 &&
+    return !shows_only(type) && (type_properties(type) & framed_in_3d) != 0 &&
            !is_one_of(type, control_type::help_line, control_type::bar, control_type::palette,
                       control_type::native_bar, control_type::native_slider, control_type::slider);
 }

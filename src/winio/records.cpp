@@ -459,13 +459,25 @@ bool fancy_window_exists(const fancy_window* window) {
     return false;
 }
 
+// Controls are asked for one by one in the order of the list, each several times: the one found
+// last or the one behind it is nearly always meant. A window's controls live as long as it does.
+window_control* control_of_handle(fancy_window* window, HWND hwnd) {
+    window_control* const last = window->found_control;
+    if (last && last->hwnd == hwnd) return last;
+    window_control* control = last ? last->next : nullptr;
+    if (!control || control->hwnd != hwnd) {
+        control = window->first_control;
+        while (control && control->hwnd != hwnd) control = control->next;
+    }
+    if (control) window->found_control = control;
+    return control;
+}
+
 window_control* control_from_window(HWND hwnd, bool closed_too) {
     if (hwnd == HWND{}) return nullptr;
     for (fancy_window* window = records().windows; window; window = window->next) {
         if (!window->flags.open && !closed_too) continue;
-        for (window_control* control = window->first_control; control; control = control->next) {
-            if (control->hwnd == hwnd) return control;
-        }
+        if (window_control* control = control_of_handle(window, hwnd)) return control;
     }
     return nullptr;
 }

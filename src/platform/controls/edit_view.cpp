@@ -453,7 +453,7 @@ void Edit::paint() {
     } else {
         paint_lines(dc, damaged, colours);
     }
-    draw_inner_corners(*this, dc, damaged, {enabled(), hovered, focused});
+    draw_inner_edge(*this, damaged, {enabled(), hovered, focused});
 }
 
 void Edit::paint_lines(HDC dc, const RECT& damaged, const Colours& colours) {

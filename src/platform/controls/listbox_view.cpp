@@ -263,7 +263,7 @@ void ListBox::paint() {
         if (dead) return;
         if (!items().has(i)) break;
     }
-    draw_inner_corners(*this, dc, damaged, {enabled(), hovered, focused});
+    draw_inner_edge(*this, damaged, {enabled(), hovered, focused});
 }
 
 }  // namespace tarn::platform

@@ -220,23 +220,22 @@ void draw_window_border(const Control& control, FieldState state) {
     ReleaseDC(control.hwnd, dc);
 }
 
-void draw_inner_corners(const Control& control, HDC dc, const RECT& damaged, FieldState state) {
+void draw_inner_edge(const Control& control, const RECT& damaged, FieldState state) {
     const RECT inside = control.client();
-    const bool touched = damaged.top < inside.top + 2 || damaged.bottom > inside.bottom - 2;
+    const bool touched = damaged.top < inside.top + 2 || damaged.bottom > inside.bottom - 2 ||
+                         damaged.left < inside.left + 2 || damaged.right > inside.right - 2;
     if (!touched || !has_border(control) || !control.has(WS_CHILD)) return;
     RECT whole;
     GetWindowRect(control.hwnd, whole);
     POINT corner{whole.left, whole.top};
     ScreenToClient(control.hwnd, corner);
-    // Nothing but the corners: at a fractional scale the straight edges of this outline could fall
-    // a real pixel beside those of the frame.
-    const std::int32_t saved = SaveDC(dc);
-    ExcludeClipRect(dc, {inside.left + 2, inside.top, inside.right - 2, inside.bottom});
-    ExcludeClipRect(dc, {inside.left, inside.top + 2, inside.right, inside.bottom - 2});
-    draw_field_outline(dc,
-                       {corner.x, corner.y, corner.x + whole.width(), corner.y + whole.height()},
-                       state, border_radius);
-    RestoreDC(dc, saved);
+    // The frame's own outline once more, where the client area covered it: besides the corners that
+    // is, at a fractional scale, a part of an edge.
+    const HDC frame = GetWindowDC(control.hwnd);
+    IntersectClipRect(frame, {inside.left - corner.x, inside.top - corner.y,
+                              inside.right - corner.x, inside.bottom - corner.y});
+    draw_field_outline(frame, {0, 0, whole.width(), whole.height()}, state, border_radius);
+    ReleaseDC(control.hwnd, frame);
 }
 
 }  // namespace tarn::platform

@@ -61,6 +61,6 @@ std::string without_mnemonics(std::string_view text);
 // drew: rounded, in the state's colour.
 void draw_window_border(const Control& control, FieldState state);
 // The same from within: what of the rounded corners lies in the client area, after it was painted.
-void draw_inner_corners(const Control& control, HDC dc, const RECT& damaged, FieldState state);
+void draw_inner_edge(const Control& control, const RECT& damaged, FieldState state);
 
 }  // namespace tarn::platform

@@ -118,6 +118,8 @@ void __add_window_menu(int32_t window, int32_t menu);
 /* mode 0 runs until the program is told to end, 1 does what is waiting, 2 as 1 but returns when the
  * program is told to end, 3 waits for something to do and does it. */
 void __yield_program_control(int32_t mode);
+/* Mode 1: for long computations. */
+void __temporary_yield(void);
 void __register_message_loop_hook(void (*function)(void));
 void __register_modeless_dialog_box(int32_t dialog);
 void __unregister_modeless_dialog_box(int32_t dialog);
@@ -126,6 +128,10 @@ int32_t set_quillpan_message_upper_limit(int32_t limit);
 /* Sleeps while windows live; the second one sleeps without looking at them. */
 void __sleep_at(const float* seconds);
 void __new_sleep_at(const float* seconds);
+
+/* A bitmap from the image of a BMP file in storage, whose header tells its length; 0 when it can't be
+ * read. Without the "BM" at its start it ends the program. */
+int32_t __create_bitmap(const void* file_image);
 
 /* 0x740306. */
 int32_t __quillpan_version(void);

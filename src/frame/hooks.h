@@ -29,6 +29,7 @@ struct Hooks {
     void (*flush_fortran_handles)() = nullptr;  // __flush_fortran_io
     void (*finish_scopes)() = nullptr;          // destructors of compiled C++
     void (*end_window_output)() = nullptr;
+    void (*console_to_window)() = nullptr;  // windows mode was switched on
 
     // Failures: C_FAIL#, FAIL#, free text through a special number.
     void (*fail)(int number) = nullptr;

@@ -187,6 +187,7 @@ TARN_EXPORT void __execute_preamble(void (*const* first)(), void (*const* last)(
 
 TARN_EXPORT void __set_windows_mode() {
     state().windows_mode = 1;
+    call(hooks().console_to_window);
 }
 TARN_EXPORT int GetNtWindowsMode() {
     return state().windows_mode;
@@ -195,6 +196,7 @@ TARN_EXPORT void __switch_to_quillpan() {
     if (state().windows_mode != 0) return;
     mark_streams_for_window();
     state().windows_mode = 6;
+    call(hooks().console_to_window);
 }
 TARN_EXPORT void QUILLPAN_MODE_h() LINK_NAME("QUILLPAN_MODE#") TARN_ALIAS(__switch_to_quillpan);
 TARN_EXPORT void __cpp_reinitialised_stuff() {

@@ -2,6 +2,7 @@
 // closed every window.
 #include "frame/end.h"
 
+#include "platform/dialogs/dialogs.h"
 #include "textwin/window_info.h"
 
 namespace tarn::textwin {
@@ -17,11 +18,26 @@ bool any_left() {
     return false;
 }
 
+// On a display that nobody watches the windows close as if somebody had done it.
+void close_all() {
+    yield_program_control(1);
+    while (any_left()) {
+        const window_info* window = state().windows;
+        while (window->embedded) window = window->next;
+        const HWND hwnd = window->hwnd;
+        SendMessageA(hwnd, WM_CLOSE, 0, 0);
+        if (find_window(hwnd) != nullptr) DestroyWindow(hwnd);
+    }
+}
+
 void winexit() {
     if (pump_hooks().end != nullptr) pump_hooks().end();
     while (any_left()) {
         show_all_output();
-        yield_program_control(3);
+        if (can_ask())
+            yield_program_control(3);
+        else
+            close_all();
     }
 }
 

@@ -9,6 +9,7 @@
 
 #include "frame/link_name.h"
 #include "tarn/text_window.h"
+#include "textwin/error_report.h"
 #include "textwin/input.h"
 #include "textwin/window_info.h"
 
@@ -251,6 +252,9 @@ TARN_EXPORT void __add_window_menu(std::int32_t window, std::int32_t menu) {
 TARN_EXPORT void __yield_program_control(std::int32_t mode) {
     yield_program_control(mode);
 }
+TARN_EXPORT void __temporary_yield() {
+    yield_program_control(1);
+}
 TARN_EXPORT void __register_message_loop_hook(void (*function)()) {
     register_message_loop_hook(function);
 }
@@ -289,6 +293,19 @@ TARN_EXPORT void __new_sleep_at(const float* seconds) {
 
 TARN_EXPORT std::int32_t __quillpan_version() {
     return version;
+}
+
+// The picture tells its own length; one that tells more than a picture can have is none.
+TARN_EXPORT std::int32_t __create_bitmap(const void* file_image) {
+    const auto* bytes = static_cast<const unsigned char*>(file_image);
+    if (bytes == nullptr || bytes[0] != 'B' || bytes[1] != 'M') {
+        report_error("Invalid bitmap passed to create_bitmap", false);
+        return 0;
+    }
+    std::uint32_t length;
+    std::memcpy(&length, bytes + 2, sizeof length);
+    constexpr std::uint32_t largest = 1U << 28;
+    return length <= largest ? tarn::platform::CreateDIBitmap(bytes, length) : 0;
 }
 
 }  // extern "C"

@@ -14,6 +14,7 @@ namespace {
 struct Colours {
     COLORREF text, background;
     HBRUSH brush;
+    bool filled = false;  // the brush has put the background there: text needs none of its own
 };
 
 Colours colours_of(const window_info& window) {
@@ -107,10 +108,12 @@ void out_selected(const window_info& window, HDC dc, const Colours& colours,
         if (selected) {
             SetTextColor(dc, GetSysColor(COLOR_HIGHLIGHTTEXT));
             SetBkColor(dc, GetSysColor(COLOR_HIGHLIGHT));
+            if (colours.filled) SetBkMode(dc, OPAQUE);
         }
         out_run(window, dc, start, std::min(stop, end));
         SetTextColor(dc, colours.text);
         SetBkColor(dc, colours.background);
+        if (selected && colours.filled) SetBkMode(dc, TRANSPARENT);
         start = stop;
     }
 }
@@ -132,8 +135,8 @@ void out_line(window_info& window, HDC dc, window_line& line, std::int32_t y,
         GetCurrentPositionEx(dc, at);
         MoveToEx(dc, at.x, y + line.height - font->height);  // all text stands on the line's bottom
         if (any_selected)
-            out_selected(window, dc, {own, colours.background, colours.brush}, selection, start,
-                         end);
+            out_selected(window, dc, {own, colours.background, colours.brush, colours.filled},
+                         selection, start, end);
         else
             out_run(window, dc, start, end);
         return true;
@@ -220,10 +223,13 @@ void place_caret(window_info& window) {
 }
 
 void paint_window(window_info& window, HDC dc, bool incremental) {
-    const Colours colours = colours_of(window);
+    Colours colours = colours_of(window);
+    COLORREF brush_colour = 0;
+    colours.filled = window.graphics_dc == 0 && GetObjectBrush(colours.brush, brush_colour) &&
+                     brush_colour == colours.background;
     SetTextColor(dc, colours.text);
     SetBkColor(dc, colours.background);
-    SetBkMode(dc, OPAQUE);
+    SetBkMode(dc, colours.filled ? TRANSPARENT : OPAQUE);
     if (window.graphics_dc != 0) {
         incremental = false;
         BitBlt(dc, 0, 0, window.width, window.height, window.graphics_dc, 1, 1, SRCCOPY);

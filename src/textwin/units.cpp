@@ -14,6 +14,7 @@ namespace {
 // A unit's window is told by its handle. For a window that is gone the text is lost, as for a
 // handle that never was one.
 HWND handle_of(void* window) {
+    if (window == fio::console_window) return get_default_window();
     return HWND{static_cast<std::int32_t>(reinterpret_cast<std::intptr_t>(window))};
 }
 
@@ -44,6 +45,7 @@ void clear_native(void* window) {
 
 void install_units() {
     fio::window_stream() = {write_unit, read_unit, live_while_writing};
+    frame::hooks().console_to_window = fio::console_to_window;
     fio::native::hooks().window_write = write_native;
     fio::native::hooks().window_clear = clear_native;
 }

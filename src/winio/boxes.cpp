@@ -366,8 +366,12 @@ void shuffle_boxes(fancy_window* window) {
     window->last_control = last ? last : last_frame;
 }
 
+// Controls of an open cell point to the frame that it would have had: that stays with the window.
 void free_open_boxes() {
-    while (builder().box) pop_box();
+    while (const box* open = builder().box) {
+        discard_with_window(open->frame_record, nullptr);
+        pop_box();
+    }
 }
 
 // What was made before keeps step with the window: a colour that the program chose stays.

@@ -84,7 +84,7 @@ std::int32_t read_icon(window_control* control, button_face* face) {
             size = 16;
         }
     }
-    if (std::strchr(control->text, '\n'))
+    if (control->text && std::strchr(control->text, '\n'))
         quillpan_error("%%BB only accepts a single line of text.");
     return size;
 }

@@ -107,7 +107,7 @@ void handle_cw(code_call& call) {
     if (building().fortran_call) {
         control->data2 = user_integer(call.arguments);
     } else {
-        control->data = reinterpret_cast<word>(user_void_star_star_pointer(call.arguments));
+        control->data = reinterpret_cast<word>(user_struct_star_star_pointer(call.arguments));
     }
     if (call.grave) {
         call.grave = false;

@@ -123,12 +123,6 @@ void read_graph(code_call& call, const control_options& found, bool reads_count,
 }  // namespace
 
 void handle_pl(code_call& call) {
-    if (building().preload_open) {
-        control_options ignored{};
-        auto* block = static_cast<control_options*>(building().preloaded_block);
-        (block ? *block : ignored) = collect_other_options(call);
-        return;
-    }
     window_control* control = new_placeholder(control_type::plot);
     const dimensions size = read_dimensions(call, *control);
     auto* preloaded = static_cast<control_options*>(get_preloaded_block(control_type::plot));

@@ -35,7 +35,10 @@ list_size size_of_list(const code_call& call, const string_list& items, bool row
         size.scrolls = wanted_rows < items.count;
         size.rows = wanted_rows;
     }
-    size.rows = std::max(size.rows, 1);
+    // What a program counts is as large as it says; no screen shows more.
+    constexpr std::int32_t most = 10000;
+    size.rows = std::clamp(size.rows, 1, most);
+    size.columns = std::clamp(size.columns, 0, most);
     return size;
 }
 

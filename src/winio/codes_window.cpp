@@ -362,7 +362,10 @@ void handle_di(code_call& call) {
         quillpan_error("?%%DI must come before any controls and places.");
         return;
     }
-    if (!records().passive) window.dialog_resource = std::max(id, 0);
+    if (records().passive) return;
+    // Programs carry no dialog resources yet: the codes read what they would, at no place.
+    if (!records().check_mode) quillpan_error("?Dialog resource %d is not available", id);
+    window.dialog_resource = std::max(id, 0);
 }
 
 // A layout that comes from a resource leaves nothing to place; and what has been placed excludes

@@ -81,18 +81,32 @@ void show_window(fancy_window* window) {
     UpdateWindow(hwnd);
 }
 
+// Each child a caption further than the last, and after a while from the corner again.
+void cascade(fancy_window* window, const fancy_window* host) {
+    constexpr std::int32_t steps = 8;
+    std::int32_t count = 0;
+    for (const fancy_window* child = host->first_child; child; child = child->next_sibling) ++count;
+    std::int32_t offset = count % steps * GetSystemMetrics(SM_CYCAPTION);
+    window->right += offset - window->left;
+    window->bottom += offset - window->top;
+    window->left = window->top = offset;
+}
+
 void create_mdi_child(fancy_window* window) {
     fancy_window* host = fancy_window_from_handle(window->parent_hwnd);
     window_control* frame = host ? host->mdi_frame : nullptr;
     if (!frame || !frame->hwnd) return;
     window->frame_window = host;
     window->style |= WS_CHILD | WS_CLIPSIBLINGS;
+    if (!window->flags.explicit_position) cascade(window, host);
     HWND hwnd = make_window(window, frame->hwnd, HMENU{0x1FE});
     if (!hwnd) return;
     window->next_sibling = host->first_child;
     host->first_child = window;
     show_window(window);
-    if (window_listed(window) && window->flags.open) SetFocus(hwnd);
+    if (!window_listed(window) || !window->flags.open) return;
+    BringWindowToTop(hwnd);
+    SetFocus(hwnd);
 }
 
 // A modal window takes the input of every other top-level window that nobody else has taken.

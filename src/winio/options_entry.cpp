@@ -238,12 +238,13 @@ void collect_list_options(code_call& call, window_control* control, const list_c
             }
         }
         if (words.is("icons") || words.is("colors")) {
-            const bool icons = words.is("icons");
-            if (icons ? flags.colours : flags.icons) {
+            const bool other = words.is("icons") ? flags.colours : flags.icons;
+            if (other) {
                 quillpan_error("?%%LS cannot have both colors and icons.");
                 continue;
             }
-            (icons ? flags.icons : flags.colours) = true;
+            if (words.is("icons")) flags.icons = true;
+            if (words.is("colors")) flags.colours = true;
             flags.owner_drawn = true;
             if (control && control->item_height == 0) control->item_height = 16;
         }

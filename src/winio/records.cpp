@@ -10,6 +10,7 @@
 #include "platform/kernel/module.h"
 #include "winio/builder.h"
 #include "winio/layout.h"
+#include "winio/menus.h"
 #include "winio/report.h"
 
 namespace tarn::winio {
@@ -32,8 +33,15 @@ constexpr bool is_one_of(control_type type, Types... types) {
     return ((type == types) || ...);
 }
 
+// The grave form of a box only shows: it lies on the window like text.
+bool shows_only(control_type type) {
+    using enum control_type;
+    return is_one_of(type, integer_box, float_box, string_box, buffer_box) && building().call &&
+           building().call->grave;
+}
+
 bool holds_data_colour(control_type type) {
-    return (type_properties(type) & framed_in_3d) != 0 &&
+    return !shows_only(type) && (type_properties(type) & framed_in_3d) != 0 &&
            !is_one_of(type, control_type::help_line, control_type::bar, control_type::palette,
                       control_type::native_bar, control_type::native_slider, control_type::slider);
 }
@@ -281,6 +289,11 @@ void destroy_fancy_window(fancy_window* window) {
     if (state.current == window) state.current = window->previous;
     if (window->window_number == state.next_window_number) --state.next_window_number;
     forget_bindings(window);
+    destroy_all_menus(window);
+    while (script_level* level = window->script_stack) {
+        window->script_stack = level->next;
+        delete level;
+    }
     free_chain(window->first_control);
     free_chain(window->message_traps);
     free_chain(window->timers);
@@ -446,13 +459,25 @@ bool fancy_window_exists(const fancy_window* window) {
     return false;
 }
 
+// Controls are asked for one by one in the order of the list, each several times: the one found
+// last or the one behind it is nearly always meant. A window's controls live as long as it does.
+window_control* control_of_handle(fancy_window* window, HWND hwnd) {
+    window_control* const last = window->found_control;
+    if (last && last->hwnd == hwnd) return last;
+    window_control* control = last ? last->next : nullptr;
+    if (!control || control->hwnd != hwnd) {
+        control = window->first_control;
+        while (control && control->hwnd != hwnd) control = control->next;
+    }
+    if (control) window->found_control = control;
+    return control;
+}
+
 window_control* control_from_window(HWND hwnd, bool closed_too) {
     if (hwnd == HWND{}) return nullptr;
     for (fancy_window* window = records().windows; window; window = window->next) {
         if (!window->flags.open && !closed_too) continue;
-        for (window_control* control = window->first_control; control; control = control->next) {
-            if (control->hwnd == hwnd) return control;
-        }
+        if (window_control* control = control_of_handle(window, hwnd)) return control;
     }
     return nullptr;
 }

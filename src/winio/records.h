@@ -259,6 +259,7 @@ struct fancy_window {
     window_control* open_combo;
     window_control* status_control;
     window_control *first_control, *last_control;
+    window_control* found_control;  // by control_of_handle, where the next search begins
     window_control* mdi_frame;
     window_control *centre_first, *right_first;
     window_control* sheet_host;
@@ -559,6 +560,7 @@ void free_id(std::int32_t id);
 fancy_window* fancy_window_from_handle(HWND hwnd);
 bool fancy_window_exists(const fancy_window* window);
 window_control* control_from_window(HWND hwnd, bool closed_too);
+window_control* control_of_handle(fancy_window* window, HWND hwnd);
 fancy_window* window_from_control_variable(const std::int32_t* variable);
 HWND first_quillpan_hwnd();
 HWND hwnd_from_fortran_unit(std::int32_t unit);

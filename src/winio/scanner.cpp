@@ -262,7 +262,7 @@ void do_format_code(code_call& call) {
     }
     fancy_window* window = current_window();
     window_control* const before = window ? window->last_control : nullptr;
-    handler(call);
+    if (!add_preloaded_options(call)) handler(call);
     end_preload_at_bracket(call);
     state.call = outer;
     if (state.abandoned) return;

@@ -12,6 +12,11 @@ namespace tarn::winio {
 
 // Walks one format, from `format` to its terminating zero. True: it ended with `&`.
 bool scan_format(const char* format, argument_source& arguments);
+// Of the window under construction nothing stays for the next one: one-shot values may point to
+// what dies with the window.
+void end_construction();
+// The same, and for every construction that waits for a nested one.
+void drop_constructions();
 
 // ---- Preloading of options
 enum class preload : std::uint8_t { idle, opened, adding };
@@ -21,6 +26,9 @@ struct preload_state {
 preload_state& preloading();
 // Before every code: brackets of %bo and %eo, and `[[`. False: the code is refused.
 void process_preload_state(code_call& call);
+// While options are preloaded the code only adds its own to the block; false: it is on its own.
+bool add_preloaded_options(code_call& call);
+void drop_preloaded_block();
 // Behind every code: a second `]` ends what `[[` began.
 void end_preload_at_bracket(code_call& call);
 void winop(const char* text);

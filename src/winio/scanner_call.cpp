@@ -26,6 +26,7 @@ bool begins_with_code(const char* format, const char* code) {
 // waits here until the nested window is finished.
 struct suspended_construction {
     window_builder builder;
+    pending_values pending;
     fancy_window* window;  // under construction
     fancy_window* nested;  // the window that it waits for; null until it exists
 };
@@ -35,10 +36,13 @@ std::vector<suspended_construction>& suspended() {
 }
 
 void suspend_construction() {
-    suspended().push_back({builder(), current_window(), nullptr});
+    suspended().push_back({builder(), pending(), current_window(), nullptr});
+    pending() = {};
     builder().continuing = 0;
     builder().nw_mode = 0;
-    builder().occupancy = nullptr;  // the nested window makes its own
+    // The nested window makes its own.
+    builder().occupancy = nullptr;
+    builder().grey_checks = nullptr;
 }
 
 // The construction that waited for `nested` goes on.
@@ -47,6 +51,7 @@ void resume_construction(const fancy_window* nested) {
     const suspended_construction back = suspended().back();
     suspended().pop_back();
     builder() = back.builder;
+    pending() = back.pending;
     current_window() = back.window;
     building().continuation.clear();
 }
@@ -54,7 +59,7 @@ void resume_construction(const fancy_window* nested) {
 // ---- Beginning ---------------------------------------------------------------------------------
 void reset_builder() {
     window_builder& fresh = builder();
-    if (fresh.occupancy) end_layout();
+    if (fresh.occupancy) end_construction();
     fresh = {};
     fresh.last_text = "UNKNOWN";
     fresh.next_control_id = 1000;
@@ -283,7 +288,7 @@ std::int32_t finish_menu_change(fancy_window* before, bool workspace) {
     state.continuing = 0;
     current_window() = before;
     if (workspace) {
-        end_layout();
+        end_construction();
         destroy_fancy_window(before);
         resume_construction(before);
     }
@@ -295,7 +300,7 @@ std::int32_t finish_data_window(fancy_window& window) {
     if (window.first_control) {
         quillpan_error("?Unexpected text and/or controls in %%WR data");
     }
-    end_layout();
+    end_construction();
     destroy_fancy_window(&window);
     resume_construction(&window);
     return continued;
@@ -311,6 +316,7 @@ void drop_window(fancy_window* window) {
 
 std::int32_t open_and_wait(fancy_window* window, std::int32_t number) {
     end_layout();
+    pending() = {};
     create_real_window(window);
     if (!window_is_listed(window, number)) return 0;
     if (window->flags.leave || window->flags.sheet) return 0;
@@ -357,7 +363,7 @@ std::int32_t finish_window() {
     if (window->design_number == 0 && !window->flags.design) return finish_data_window(*window);
     if (auto* dialog = static_cast<common_dialog*>(get_preloaded_block(control_type::line_end))) {
         const std::int32_t result = CallCommonDialog(dialog);
-        end_layout();
+        end_construction();
         destroy_fancy_window(window);
         resume_construction(window);
         return result;
@@ -365,7 +371,7 @@ std::int32_t finish_window() {
     lay_out(*window);
     if (records().check_mode || building().passive_window) {
         window_size_and_position(window);
-        end_layout();
+        end_construction();
         drop_window(window);
         resume_construction(window);
         return 0;
@@ -380,10 +386,10 @@ std::int32_t finish_window() {
 std::int32_t abandon_window() {
     fancy_window* window = current_window();
     end_layout();
-    builder().box = nullptr;
+    end_construction();
     builder().continuing = 0;
     builder().nw_mode = 0;
-    preloading() = {};
+    drop_preloaded_block();
     building().abandoned = false;
     building().passive_window = false;
     if (window && !window->flags.open) {
@@ -409,6 +415,26 @@ void choose_construction(const char* format, bool internal) {
 }
 
 }  // namespace
+
+void end_construction() {
+    end_layout();
+    pending() = {};
+    while (grey_check* pair = builder().grey_checks) {
+        builder().grey_checks = pair->next;
+        std::free(pair);
+    }
+}
+
+void drop_constructions() {
+    end_construction();
+    while (!suspended().empty()) {
+        builder() = suspended().back().builder;
+        suspended().pop_back();
+        end_construction();
+    }
+    builder().continuing = 0;
+    builder().nw_mode = 0;
+}
 
 builder_state& building() {
     static auto* state = new builder_state{};

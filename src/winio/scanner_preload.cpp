@@ -4,6 +4,7 @@
 
 #include "winio/buttons.h"
 #include "winio/codes.h"
+#include "winio/common_dialog.h"
 #include "winio/options.h"
 #include "winio/report.h"
 #include "winio/scanner.h"
@@ -61,6 +62,23 @@ void bracket_code(code_call& call) {
     set_state(preload::idle);
 }
 
+// Texts of options given outside a format belong to no window yet: this record holds them until the
+// block goes to a control.
+fancy_window& text_holder() {
+    static constinit fancy_window holder{};
+    return holder;
+}
+
+void give_texts_to(fancy_window& window) {
+    garbage_entry*& held = text_holder().garbage;
+    if (!held) return;
+    garbage_entry** last = &held;
+    while (*last) last = &(*last)->next;
+    *last = window.garbage;
+    window.garbage = held;
+    held = nullptr;
+}
+
 // Adds the options at the cursor to a block.
 void add_options(code_call& call, void* block) {
     if (call.code == button_code) {
@@ -83,6 +101,7 @@ void* get_preloaded_block(control_type type) {
     void* block = state.preloaded_block;
     state.preloaded_block = nullptr;
     state.preloaded_type = control_type::blank;
+    if (current_window()) give_texts_to(*current_window());
     return block;
 }
 
@@ -126,6 +145,31 @@ void end_preload_at_bracket(code_call& call) {
     set_state(preload::idle);
 }
 
+bool add_preloaded_options(code_call& call) {
+    void* block = building().preloaded_block;
+    if (preloading().at != preload::adding || !block || !can_be_preloaded(call.code)) return false;
+    if (building().preloaded_type != type_of(call.code)) {
+        quillpan_error("?The format code must not change with successive calls to WINOP@");
+        return true;
+    }
+    fancy_window* const window = current_window();
+    current_window() = &text_holder();
+    add_options(call, block);
+    current_window() = window;
+    return true;
+}
+
+void drop_preloaded_block() {
+    builder_state& state = building();
+    if (state.preloaded_type == control_type::line_end) {
+        delete static_cast<common_dialog*>(state.preloaded_block);
+    } else {
+        std::free(state.preloaded_block);
+    }
+    set_preloaded_block(nullptr, control_type::blank);
+    set_state(preload::idle);
+}
+
 void handle_bo(code_call&) {}  // process_preload_state has done it
 void handle_eo(code_call&) {}
 
@@ -162,7 +206,10 @@ void winop(const char* text) {
     none.word_count = 0;
     const char* cursor = text + 3;
     code_call call{cursor, none, -1, -1, code, false, false, false, false, false, false, false};
+    fancy_window* const window = current_window();
+    current_window() = &text_holder();
     add_options(call, state.preloaded_block);
+    current_window() = window;
     cursor += std::strspn(cursor, " \t\r\n");
     if (*cursor) quillpan_error("?Unexpected characters \"%s\" in call to WINOPTS@", cursor);
 }

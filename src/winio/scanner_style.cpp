@@ -276,15 +276,12 @@ void install_error_hooks() {
 }
 
 void drop_partial_windows() {
-    end_layout();
-    builder().continuing = 0;
-    builder().nw_mode = 0;
-    builder().box = nullptr;
+    drop_constructions();
     while (current_window() && !current_window()->flags.open && current_window()->hwnd == HWND{}) {
         destroy_fancy_window(current_window());
     }
     queued_arguments().clear();
-    preloading() = {};
+    drop_preloaded_block();
     building().abandoned = false;
 }
 

@@ -1,4 +1,6 @@
 // Painting of a window's own area, the colours of its controls, and what the owner draws for them.
+#include <vector>
+
 #include "platform/gdi/theme.h"
 #include "winio/callbacks.h"
 #include "winio/layout.h"
@@ -9,12 +11,6 @@ namespace tarn::winio {
 using namespace platform;
 
 namespace {
-
-window_control* control_with_handle(fancy_window* window, HWND hwnd) {
-    for (window_control* control = window->first_control; control; control = control->next)
-        if (control->hwnd == hwnd) return control;
-    return nullptr;
-}
 
 bool drawn_on_wallpaper(const fancy_window* window, const window_control* control) {
     return window->flags.transparent_on_wallpaper && window->wallpaper &&
@@ -40,11 +36,13 @@ bool overlaps(const RECT& a, const RECT& b) {
 }
 
 void exclude_children(fancy_window* window, HDC dc, const RECT& damage) {
+    std::vector<RECT> areas;
     for (const window_control* control = window->first_control; control; control = control->next) {
         if (!is_child_area(window, control)) continue;
         RECT area{control->left, control->top, control->right + 1, control->bottom + 1};
-        if (overlaps(area, damage) && IsWindowVisible(control->hwnd)) ExcludeClipRect(dc, area);
+        if (overlaps(area, damage) && IsWindowVisible(control->hwnd)) areas.push_back(area);
     }
+    exclude_clip_rects(dc, areas);
 }
 
 void draw_frames(fancy_window* window, HDC dc) {
@@ -92,7 +90,7 @@ COLORREF ground_behind(const window_control* control) {
 }
 
 LRESULT control_colours(fancy_window* window, HDC dc, HWND child) {
-    window_control* control = control_with_handle(window, child);
+    window_control* control = control_of_handle(window, child);
     if (!control) return 0;
     COLORREF background = control->background;
     // A field that can't be used doesn't stand out as one that waits for something.
@@ -134,7 +132,7 @@ bool draw_item(fancy_window* window, const DRAWITEMSTRUCT& item) {
         draw_alert(owner, item);
         return true;
     }
-    window_control* control = control_with_handle(window, item.hwndItem);
+    window_control* control = control_of_handle(window, item.hwndItem);
     if (!control || control->type != control_type::system_icon) return false;
     draw_system_icon(control, item);
     return true;

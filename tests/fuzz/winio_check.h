@@ -10,6 +10,12 @@
 
 #include "winio/scanner.h"
 
+// Font names are looked up in the system's own tables, which it keeps for good.
+extern "C" const char* __lsan_default_suppressions();
+extern "C" const char* __lsan_default_suppressions() {
+    return "leak:libfontconfig";
+}
+
 namespace tarn::winio {
 
 struct fuzz_arguments {

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "scanner_call.h"
+#include "tarn/winio.h"
 #include "winio/callbacks.h"
 
 namespace tarn::winio::test {
@@ -129,7 +130,7 @@ TEST(ScannerArguments, NamesTheArgumentThatHasTheWrongType) {
         {"%ls", "*C", c, "Argument number 2 of winio\nshould be a char**"},
         {"%20.3`eb", "*CI*I", c, "Argument number 4 of winio\nshould be a pointer to a structure"},
         {"%uw[class]", "IIII*S", c, "Argument number 6 of winio\nshould be an int*"},
-        {"%20.3cw", "*S", c, "Argument number 2 of winio\nshould be a void**"},
+        {"%20.3cw", "*S", c, "Argument number 2 of winio\nshould be a ** pointer to a structure"},
         {"%rd", "*F", fortran, "Argument number 2 of WINIO@ should be a 32 bit integer"},
         {"%wd", "I", fortran, "Argument number 2 of WINIO@ should be an 32 bit integer"},
         {"%rf", "*I", fortran, "Argument number 2 of WINIO@ should be a REAL*8"},
@@ -264,6 +265,37 @@ TEST(ScannerCalls, HelpGoesToEveryControlOfItsCode) {
     EXPECT_STREQ(controls()[0]->help, "How many");
     EXPECT_EQ(current_window()->help_width, 8);
     EXPECT_TRUE(current_window()->flags.help_wanted);
+}
+
+// ---- The frames of compiled code ----------------------------------------------------------------
+TEST(ScannerEntries, FortranBringsItsLengthsBehindTheArguments) {
+    char report[check_report_size];
+    __winio_check(report, nullptr);
+    const std::int32_t number = 7;
+    const char format[] = "%ca@%ws %wd&";
+    constexpr word rubbish = 0x7FFFFFFF;
+    EXPECT_EQ(WINIO_h(4, format, "Title   rest", "name  rest", &number, word{12}, word{8}, word{6},
+                      rubbish),
+              -1);
+    EXPECT_STREQ(report, "");
+    EXPECT_STREQ(current_window()->caption, "Title");
+    EXPECT_EQ(shown_text(), "name 7");
+    EXPECT_EQ(WINDOW_PRINTF_hh("*C*I", 2, "%wd", &number, word{3}), 0);
+    EXPECT_STREQ(report, "");
+    __winio_check(nullptr, nullptr);
+}
+
+TEST(ScannerEntries, ADescriptorBeginsWithTheFormat) {
+    char report[check_report_size];
+    __winio_check(report, nullptr);
+    double number = 0.0;
+    __winio__("*C*F", "%rd", &number);
+    EXPECT_STREQ(report, "Argument number 2 of WINIO@ should be a 32 bit integer");
+    __winio_check(nullptr, nullptr);
+    __add_winio_integer(3);
+    __winio_check(report, nullptr);
+    __winio_check(nullptr, nullptr);  // the end of checking empties the queue
+    EXPECT_TRUE(queued_arguments().empty());
 }
 
 // ---- Bad input ---------------------------------------------------------------------------------

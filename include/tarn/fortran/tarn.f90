@@ -164,6 +164,10 @@ module tarn
     end function
 
     ! ---- Text windows -----------------------------------------------------------------------
+    ! From here on PRINT, WRITE (*, ...) and READ (*, ...) use a text window, "Output". It stays at
+    ! the program's end until it is closed.
+    subroutine set_windows_mode@()
+    end subroutine
     ! A window at a place on the screen, with its outer size; 0 when it can't be made.
     integer function create_window@(title, x, y, width, height)
       character(*), intent(in) :: title

@@ -8,6 +8,7 @@
 #include "fio/dialect.h"
 #include "fio/file/file.h"
 #include "fio/unit.h"
+#include "frame/state.h"
 
 namespace tarn::fio {
 namespace {
@@ -22,21 +23,39 @@ struct Console {
 
 constinit Console console;
 
+// A program in windows mode has the default text window for its console.
+void show_in_window(Unit& unit) {
+    if (frame::state().windows_mode == 0 || unit.file.window == console_window ||
+        window_stream().write == nullptr)
+        return;
+    file_flush(unit.file);
+    unit.file.window = console_window;
+    unit.file.seekable = false;
+    unit.gnu.unbuffered = true;
+}
+
 Unit& own_unit(Unit*& place, int descriptor, std::uint32_t access_bits) {
     if (place == nullptr) {
         place = Unit_create(-1, true);
         file_adopt(place->file, descriptor, access_bits, false);
     }
+    show_in_window(*place);
     return *place;
 }
 
 Unit& input() {
-    if (console.attached_input != nullptr) return *console.attached_input;
+    if (console.attached_input != nullptr) {
+        show_in_window(*console.attached_input);
+        return *console.attached_input;
+    }
     return own_unit(console.own_input, 0, access_read);
 }
 
 Unit& output() {
-    if (console.attached_output != nullptr) return *console.attached_output;
+    if (console.attached_output != nullptr) {
+        show_in_window(*console.attached_output);
+        return *console.attached_output;
+    }
     return own_unit(console.own_output, 1, access_write);
 }
 
@@ -79,6 +98,13 @@ void console_attach(Unit& unit) {
         }
         console.attached_output = &unit;
     }
+    show_in_window(unit);
+}
+
+void console_to_window() {
+    const std::lock_guard guard(console.lock);
+    for (Unit* unit : {console.attached_input, console.attached_output})
+        if (unit != nullptr) show_in_window(*unit);
 }
 
 void console_detach(Unit& unit) {

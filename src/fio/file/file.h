@@ -121,6 +121,10 @@ struct WindowStream {
     void (*settle)() = nullptr;
 };
 WindowStream& window_stream();
+// Stands for the default text window, which is made when something is written to it first.
+inline void* const console_window = reinterpret_cast<void*>(-1);
+// The program went over to windows mode: units on standard input and output are the default window.
+void console_to_window();
 
 // Connects an open descriptor: its kind, identity, size and position.
 void file_adopt(File& file, int descriptor, std::uint32_t access_bits, bool owned);

@@ -8,6 +8,7 @@
 #include "fio/native/services.h"
 #include "frame/link_name.h"
 #include "frame/state.h"
+#include "tarn/start.h"
 #include "tarn/text_window.h"
 #include "tarn/winio.h"
 #include "tarn/winio_menus.h"
@@ -180,6 +181,11 @@ TARN_EXPORT std::int32_t get_wkey1__() {
 }
 
 // ---- Text windows ----
+
+TARN_EXPORT void set_windows_mode__() {
+    ensure_up();
+    __set_windows_mode();
+}
 
 TARN_EXPORT std::int32_t create_window__(const char* title, const std::int32_t* x,
                                          const std::int32_t* y, const std::int32_t* width,

@@ -9,6 +9,8 @@
 
 namespace tarn::platform {
 
+inline constexpr std::int32_t largest_side = 16384;
+
 class PixelStore {
   public:
     PixelStore() = default;
@@ -20,7 +22,6 @@ class PixelStore {
     const Surface& surface() const { return surface_; }
     // Black, or what was there before; no pixels when there is no storage or the size is absurd.
     const Surface& fit(std::int32_t width, std::int32_t height, double scale) {
-        constexpr std::int32_t largest_side = 16384;
         surface_ = {};
         surface_.scale = scale;
         if (width <= 0 || height <= 0 || width > largest_side || height > largest_side)

@@ -299,19 +299,29 @@ bool SetWindowOrg(HDC handle, POINT origin) {
 }
 
 std::int32_t ExcludeClipRect(HDC handle, const RECT& rect) {
+    exclude_clip_rects(handle, {&rect, 1});
+    const DeviceContext* dc = find_context(handle);
+    return dc == nullptr ? ERROR_REGION : complexity(dc->state.clip);
+}
+
+// A hole touches few of the pieces: those are taken out, and what is left of them goes to the end.
+void exclude_clip_rects(HDC handle, std::span<const RECT> rects) {
     DeviceContext* dc = find_context(handle);
-    if (dc == nullptr) return ERROR_REGION;
-    const RECT hole = on_surface(*dc, rect);
-    if (!hole.empty()) {
-        std::vector<RECT> rest;
-        rest.reserve(dc->state.clip.size() + 4);
-        for (const RECT& r : dc->state.clip) {
-            subtract(r, hole, [&](const RECT& piece) { rest.push_back(piece); });
-        }
-        dc->state.clip.swap(rest);
-        update_real_clip(*dc);
+    if (dc == nullptr) return;
+    std::vector<RECT>& clip = dc->state.clip;
+    std::vector<RECT> left;
+    for (const RECT& rect : rects) {
+        const RECT hole = on_surface(*dc, rect);
+        if (hole.empty()) continue;
+        left.clear();
+        std::erase_if(clip, [&](const RECT& r) {
+            if (!overlap(r, hole)) return false;
+            subtract(r, hole, [&](const RECT& piece) { left.push_back(piece); });
+            return true;
+        });
+        clip.insert(clip.end(), left.begin(), left.end());
     }
-    return complexity(dc->state.clip);
+    update_real_clip(*dc);
 }
 
 std::int32_t IntersectClipRect(HDC handle, const RECT& rect) {

@@ -182,6 +182,10 @@ void add_edges(Band& band, const Path& path) {
     }
 }
 
+float most_of(float opacity) {
+    return 255.0F * std::clamp(opacity, 0.0F, 1.0F);
+}
+
 // The part of the path within `window`, which lies on the surface.
 void fill_window(const DeviceContext& dc, const Path& path, const RECT& window, const Ink& ink,
                  float opacity) {
@@ -192,7 +196,7 @@ void fill_window(const DeviceContext& dc, const Path& path, const RECT& window, 
     clips.clear();
     for_each_visible(dc, window, [&](const RECT& part) { clips.push_back(part); });
     if (clips.empty()) return;
-    const float most = 255.0F * std::clamp(opacity, 0.0F, 1.0F);
+    const float most = most_of(opacity);
     Band& band = storage.band;
     band.set_columns(window.left, window.width());
     std::vector<std::uint8_t>& coverage = storage.coverage;
@@ -242,6 +246,92 @@ bool is_whole(float v) {
     return v == std::floor(v);
 }
 
+// ---- Small rounded shapes, computed once -------------------------------------------------------
+// Buttons, fields and marks are the same few shapes again and again: their coverage is kept.
+constexpr std::int32_t largest_mask = 64;  // pixels each way
+constexpr std::size_t kept_masks = 64;
+
+// A rectangle with round corners, or the ring of `stroke` within it, from its fraction of a pixel.
+struct RoundedShape {
+    float x = 0, y = 0, width = 0, height = 0, rx = 0, ry = 0, stroke = 0, most = 0;
+    bool operator==(const RoundedShape&) const = default;
+};
+
+struct RoundedMask {
+    RoundedShape shape;
+    std::int32_t width = 0, height = 0;
+    std::vector<std::uint8_t> coverage;
+};
+
+void make_mask(RoundedMask& mask, const RoundedShape& shape) {
+    const RectF rect{shape.x, shape.y, shape.x + shape.width, shape.y + shape.height};
+    const RECT outer = touched(rect);
+    mask.shape = shape;
+    mask.width = outer.width();
+    mask.height = outer.height();
+    mask.coverage.assign(std::size_t(mask.width) * mask.height, 0);
+    Path& path = scratch().path;
+    path.clear();
+    path.add_rounded(rect, shape.rx, shape.ry);
+    const RectF hole{rect.left + shape.stroke, rect.top + shape.stroke, rect.right - shape.stroke,
+                     rect.bottom - shape.stroke};
+    if (shape.stroke > 0 && hole.left < hole.right && hole.top < hole.bottom)
+        path.add_rounded(hole, std::max(shape.rx - shape.stroke, 0.0F),
+                         std::max(shape.ry - shape.stroke, 0.0F), true);
+    Band& band = scratch().band;
+    band.set_columns(0, mask.width);
+    for (std::int32_t top = 0; top < mask.height; top += band_rows) {
+        const std::int32_t rows = std::min(band_rows, mask.height - top);
+        band.begin(top, rows);
+        add_edges(band, path);
+        for (std::int32_t row = 0; row < rows; ++row) {
+            std::int32_t first = 0;
+            band.row_coverage(row, shape.most, first,
+                              &mask.coverage[std::size_t(mask.width) * (top + row)]);
+        }
+    }
+}
+
+const RoundedMask& mask_of(const RoundedShape& shape) {
+    struct Masks {
+        RoundedMask all[kept_masks];
+        std::size_t next = 0;
+    };
+    static auto* masks = new Masks;
+    for (const RoundedMask& mask : masks->all) {
+        if (mask.shape == shape) return mask;
+    }
+    RoundedMask& mask = masks->all[masks->next++ % kept_masks];
+    make_mask(mask, shape);
+    return mask;
+}
+
+// The pixels `block` of the surface, where the mask's first pixel lies at `x`, `y`.
+void paint_mask(const DeviceContext& dc, const RoundedMask& mask, std::int32_t x, std::int32_t y,
+                const RECT& block, const Ink& ink) {
+    for_each_visible(dc, intersection(block, surface_bounds(dc)), [&](const RECT& part) {
+        for (std::int32_t row = part.top; row < part.bottom; ++row) {
+            const std::uint8_t* coverage =
+                &mask.coverage[std::size_t(mask.width) * (row - y) + (part.left - x)];
+            paint_covered(dc, part.left, row, coverage, part.width(), ink);
+        }
+    });
+}
+
+// The whole shape; false when it is too large to be kept.
+bool paint_small(const DeviceContext& dc, const RectF& rect, float rx, float ry, float stroke,
+                 float most, const Ink& ink) {
+    const RECT outer = touched(rect);
+    if (outer.width() > largest_mask || outer.height() > largest_mask) return false;
+    const auto left = static_cast<float>(outer.left), top = static_cast<float>(outer.top);
+    const RoundedMask& mask = mask_of({rect.left - left, rect.top - top, rect.right - rect.left,
+                                       rect.bottom - rect.top, rx, ry, stroke, most});
+    // A width that was rounded on its way may end in another pixel.
+    if (mask.width != outer.width() || mask.height != outer.height()) return false;
+    paint_mask(dc, mask, outer.left, outer.top, outer, ink);
+    return true;
+}
+
 // A rectangle with round corners, taken apart: only the corners, and sides that lie between
 // pixels, need the path.
 struct RoundedParts {
@@ -268,6 +358,29 @@ struct RoundedParts {
         visit(RECT{inner.right, inner.bottom, outer.right, outer.bottom});
     }
 };
+
+// The corners of a rectangle on edges of pixels: those of the smallest one that has them; false
+// when they are too large to be kept.
+bool paint_small_corners(const DeviceContext& dc, const RoundedParts& parts, float rx, float ry,
+                         float stroke, float most, const Ink& ink) {
+    const std::int32_t width = 2 * (parts.inner.left - parts.outer.left) + 1;
+    const std::int32_t height = 2 * (parts.inner.top - parts.outer.top) + 1;
+    if (!parts.sharp || width > largest_mask || height > largest_mask) return false;
+    const RoundedMask& mask = mask_of(
+        {0, 0, static_cast<float>(width), static_cast<float>(height), rx, ry, stroke, most});
+    parts.each_corner([&](const RECT& corner) {
+        const bool right = corner.left == parts.inner.right;
+        const bool bottom = corner.top == parts.inner.bottom;
+        paint_mask(dc, mask, right ? corner.right - width : corner.left,
+                   bottom ? corner.bottom - height : corner.top, corner, ink);
+    });
+    return true;
+}
+
+void rounded_path(Path& path, const RectF& rect, float rx, float ry) {
+    path.clear();
+    path.add_rounded(rect, rx, ry);
+}
 
 }  // namespace
 
@@ -413,9 +526,9 @@ void fill_rounded_real(const DeviceContext& dc, const RectF& rect, float rx, flo
     if (!is_sound(rect)) return;
     const RoundedParts parts(rect, rx, ry);
     Path& path = scratch().path;
-    path.clear();
-    path.add_rounded(rect, rx, ry);
     if (parts.inner.empty() || opacity < 1.0F || !parts.sharp) {
+        if (paint_small(dc, rect, rx, ry, 0, most_of(opacity), ink)) return;
+        rounded_path(path, rect, rx, ry);
         fill_coverage(dc, path, ink, opacity);
         return;
     }
@@ -424,6 +537,8 @@ void fill_rounded_real(const DeviceContext& dc, const RectF& rect, float rx, flo
                 ink);
     paint_block(dc, parts.top(), ink);
     paint_block(dc, parts.bottom(), ink);
+    if (paint_small_corners(dc, parts, rx, ry, 0, most_of(opacity), ink)) return;
+    rounded_path(path, rect, rx, ry);
     parts.each_corner([&](const RECT& corner) {
         fill_window(dc, path, intersection(corner, all), ink, opacity);
     });
@@ -434,22 +549,30 @@ void stroke_rounded_real(const DeviceContext& dc, const RectF& rect, float rx, f
     if (!is_sound(rect) || !(stroke > 0)) return;
     const RectF hole{rect.left + stroke, rect.top + stroke, rect.right - stroke,
                      rect.bottom - stroke};
-    Path& path = scratch().path;
-    path.clear();
-    path.add_rounded(rect, rx, ry);
     const bool hollow = hole.left < hole.right && hole.top < hole.bottom;
-    if (hollow)
-        path.add_rounded(hole, std::max(rx - stroke, 0.0F), std::max(ry - stroke, 0.0F), true);
     const RoundedParts parts(rect, std::max(rx, stroke), std::max(ry, stroke));
-    if (!hollow || parts.inner.empty()) {
+    const bool whole = !hollow || parts.inner.empty();
+    const float most = most_of(opacity);
+    const bool plain_sides = parts.sharp && is_whole(stroke) && opacity >= 1.0F;
+    if (whole && paint_small(dc, rect, rx, ry, stroke, most, ink)) return;
+    const bool corners_done = !whole && paint_small_corners(dc, parts, rx, ry, stroke, most, ink);
+    Path& path = scratch().path;
+    if (!corners_done || !plain_sides) {
+        rounded_path(path, rect, rx, ry);
+        if (hollow)
+            path.add_rounded(hole, std::max(rx - stroke, 0.0F), std::max(ry - stroke, 0.0F), true);
+    }
+    if (whole) {
         fill_coverage(dc, path, ink, opacity);
         return;
     }
     const RECT all = surface_bounds(dc);
-    parts.each_corner([&](const RECT& corner) {
-        fill_window(dc, path, intersection(corner, all), ink, opacity);
-    });
-    if (!parts.sharp || !is_whole(stroke) || opacity < 1.0F) {
+    if (!corners_done) {
+        parts.each_corner([&](const RECT& corner) {
+            fill_window(dc, path, intersection(corner, all), ink, opacity);
+        });
+    }
+    if (!plain_sides) {
         for (const RECT& side : {parts.top(), parts.bottom(), parts.left(), parts.right()}) {
             fill_window(dc, path, intersection(side, all), ink, opacity);
         }

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <span>
 #include <string_view>
 
 #include "platform/base/surface.h"
@@ -157,6 +158,8 @@ bool ScrollDC(HDC dc, std::int32_t dx, std::int32_t dy, const RECT* scroll, cons
 // ---- Clip
 // ----------------------------------------------------------------------------------------
 std::int32_t ExcludeClipRect(HDC dc, const RECT& rect);
+// The same for many at once.
+void exclude_clip_rects(HDC dc, std::span<const RECT> rects);
 std::int32_t IntersectClipRect(HDC dc, const RECT& rect);
 std::int32_t GetClipBox(HDC dc, RECT& box);
 bool RectVisible(HDC dc, const RECT& rect);

@@ -35,13 +35,44 @@ const Contrast& contrast_for(COLORREF colour) {
     return tables[step];
 }
 
+// What a text's colour adds for each coverage, its four bytes in lanes of 16 bits, and what is left
+// of what was there: one multiplication a pixel, with the result of mix().
+struct Blend {
+    std::uint64_t ink;
+    std::uint32_t rest;  // of 256
+};
+struct BlendTable {
+    std::uint32_t pixel = 0;
+    const Contrast* contrast = nullptr;
+    std::array<Blend, 256> blends;
+};
+
+constexpr std::uint64_t lanes = 0x00FF00FF00FF00FF;
+
+std::uint64_t spread(std::uint32_t pixel) {
+    return (pixel | std::uint64_t{pixel} << 24) & lanes;
+}
+
+// Texts in a row mostly have one colour.
+const BlendTable& blends_of(std::uint32_t pixel, const Contrast& contrast) {
+    static BlendTable table;
+    if (table.pixel == pixel && table.contrast == &contrast) return table;
+    table.pixel = pixel;
+    table.contrast = &contrast;
+    for (std::size_t i = 0; i < table.blends.size(); ++i) {
+        const std::uint32_t part = contrast[i] + (contrast[i] >> 7);
+        table.blends[i] = {spread(pixel) * part + 0x0080008000800080, 256 - part};
+    }
+    return table;
+}
+
 struct PlacedGlyph {
     const CachedGlyph* glyph;
     std::int32_t x, y;  // of its top left, real pixels
 };
 
 void blend_glyph(const Surface& surface, const RECT& clip, const PlacedGlyph& placed,
-                 const std::uint8_t* bytes, std::uint32_t pixel, const Contrast& contrast) {
+                 const std::uint8_t* bytes, const BlendTable& table) {
     const CachedGlyph& glyph = *placed.glyph;
     const std::int32_t left = std::max(clip.left - placed.x, 0);
     const std::int32_t right = std::min(clip.right - placed.x, std::int32_t{glyph.width});
@@ -50,8 +81,13 @@ void blend_glyph(const Surface& surface, const RECT& clip, const PlacedGlyph& pl
     for (std::int32_t y = top; y < bottom; ++y) {
         const std::uint8_t* coverage = bytes + std::ptrdiff_t{y} * glyph.width;
         std::uint32_t* row = pixel_row(surface, placed.y + y) + placed.x;
+        // Edges and gaps of strokes alternate too fast for a jump to be foreseen.
         for (std::int32_t x = left; x < right; ++x) {
-            if (coverage[x] != 0) row[x] = mix(row[x], pixel, contrast[coverage[x]]);
+            const Blend& blend = table.blends[coverage[x]];
+            const std::uint32_t under = row[x];
+            const std::uint64_t mixed = (spread(under) * blend.rest + blend.ink) >> 8 & lanes;
+            const auto packed = static_cast<std::uint32_t>(mixed | mixed >> 24) | 0xFF000000u;
+            row[x] = coverage[x] != 0 ? packed : under;
         }
     }
 }
@@ -61,11 +97,11 @@ constexpr std::size_t piece_length = 128;
 
 void draw_piece(const DeviceContext& dc, const GlyphSet& set, std::span<const PlacedGlyph> glyphs,
                 const RECT& area, std::uint32_t pixel, const Contrast& contrast) {
+    const BlendTable& table = blends_of(pixel, contrast);
     for_each_visible(dc, area, [&](const RECT& clip) {
         for (const PlacedGlyph& placed : glyphs) {
             if (placed.x >= clip.right || placed.x + placed.glyph->width <= clip.left) continue;
-            blend_glyph(dc.surface, clip, placed, set.bytes.data() + placed.glyph->offset, pixel,
-                        contrast);
+            blend_glyph(dc.surface, clip, placed, set.bytes.data() + placed.glyph->offset, table);
         }
     });
 }

@@ -35,6 +35,8 @@ struct Player {
     bool trying = false;  // the next line was tried before
     DWORD tried_since = 0;
     DWORD patience = 10000;  // milliseconds
+    bool polling = false;    // the program has looked for events, and not waited for them since
+    DWORD polling_since = 0;
     std::string picture_folder;
     std::int32_t pictures = 0;
     std::string tree_path;
@@ -447,10 +449,22 @@ Outcome play(const ScriptLine& line, std::string& why_not) {
     }
 }
 
+// A call-back that writes to a text window looks for events in passing, while its own window takes
+// no commands: a click would be lost. Only a program that goes on polling gets its lines that way.
+bool in_passing(bool waiting) {
+    Player& p = player();
+    const DWORD now = GetTickCount();
+    if (!waiting && !p.polling) p.polling_since = now;
+    p.polling = !waiting;
+    return p.polling && now - p.polling_since < static_cast<DWORD>(look_again);
+}
+
 // Asked when the queue is idle. A line that calls the program (focus, a picture) may open a
 // question that asks again before it returns: it counts as done from its beginning.
-std::int32_t step(bool) {
+std::int32_t step(bool waiting) {
     Player& p = player();
+    if (in_passing(waiting)) return p.next < p.lines.size() ? look_again : -1;
+    p.polling = false;  // the next line of one who polls has to wait as long
     while (p.next < p.lines.size()) {
         std::size_t at = p.next++;
         std::string why_not;

@@ -42,11 +42,10 @@ RECT wanted_rect(const Wanted& w, bool child, bool& placed) {
         width = child ? 0 : default_size.cx;
         height = child ? 0 : default_size.cy;
     }
-    // The 16 bits of a message's coordinates bound what a program can use.
     r.left = std::clamp(r.left, -0x7FFF, 0x7FFF);
     r.top = std::clamp(r.top, -0x7FFF, 0x7FFF);
-    r.right = r.left + std::clamp(width, 0, 0x7FFF);
-    r.bottom = r.top + std::clamp(height, 0, 0x7FFF);
+    r.right = r.left + std::clamp(width, 0, longest_side(child));
+    r.bottom = r.top + std::clamp(height, 0, longest_side(child));
     return r;
 }
 

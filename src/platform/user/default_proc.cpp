@@ -205,6 +205,10 @@ LRESULT default_procedure(HWND hwnd, UINT message, WPARAM wparam, LPARAM lparam,
             return 0;
         }
         case WM_NCPAINT: {
+            // Most controls are nothing but client area.
+            if (window->client.width() == window->rect.width() &&
+                window->client.height() == window->rect.height())
+                return 0;
             const HDC dc = frame_context(*window);
             paint_frame(*window, dc);
             ReleaseDC(hwnd, dc);

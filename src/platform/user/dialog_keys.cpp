@@ -123,6 +123,7 @@ bool follow_mnemonic(HWND dialog, char32_t key) {
     std::vector<Window*> all;
     list_controls(*window, all);
     std::vector<HWND> order;
+    order.reserve(all.size());
     for (const Window* w : all) order.push_back(w->handle);
     const std::ptrdiff_t from = place_in(all, find(GetFocus()));
     const auto count = static_cast<std::ptrdiff_t>(order.size());

@@ -1,4 +1,5 @@
 // Events of the display that are about windows: they happen when they are looked at.
+#include <cmath>
 #include <cstring>
 
 #include "platform/gdi/paint.h"
@@ -47,8 +48,8 @@ void take_scale() {
     for (HWND hwnd = first_window(); hwnd != HWND{};) {
         Pinned top(hwnd);
         fit_surface(*top);
-        const auto percent = static_cast<std::int32_t>(display().scale() * 96 + 0.5);
-        call(*top, WM_DPICHANGED, MAKEWPARAM(percent, percent), 0);
+        const auto dpi = static_cast<std::int32_t>(std::lround(display().scale() * 96));
+        call(*top, WM_DPICHANGED, MAKEWPARAM(dpi, dpi), 0);
         if (!top.alive()) return;
         hwnd = top->top->newer;
     }

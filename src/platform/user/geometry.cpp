@@ -1,6 +1,8 @@
 // Where windows and their parts are, and the constant metrics.
+#include <algorithm>
 #include <cstdlib>
 
+#include "platform/display/pixel_store.h"
 #include "platform/user/state.h"
 
 namespace tarn::platform {
@@ -140,6 +142,13 @@ RECT window_bar_rect(const Window& window, std::int32_t bar) {
     const std::int32_t room = window.rect.height() - hidden.bottom - b - c.bottom;
     if ((window.style & WS_HSCROLL) == 0 || room < bar_width) return {};
     return {c.left, c.bottom, c.right, c.bottom + bar_width};
+}
+
+// The 16 bits of a message's coordinates bound what a program can use; a top-level also needs a
+// surface, or it would never be painted.
+std::int32_t longest_side(bool child) {
+    if (child) return 0x7FFF;
+    return static_cast<std::int32_t>(largest_side / std::max(display().scale(), 1.0));
 }
 
 // ---- Coordinates -------------------------------------------------------------------------------

@@ -16,6 +16,7 @@ void mark_dirty(Window& window) {
     window.dirty = true;
     if (state().queue.paint_depth == 0) state().queue.fresh_marks = true;
     ++state().dirty_windows;
+    ++state().marks;
     for (Window* w = &window; w != nullptr; w = w->parent) ++w->dirty_below;
 }
 
@@ -113,12 +114,27 @@ void forget_updates(Window& window) {
 // Parents before children, and of overlapping brothers the lower one first.
 namespace {
 
+// The lowest marked child. Children are mostly painted from the lowest to the topmost one, so that
+// the search goes on where it ended, unless that is not of this parent or something below it was
+// marked since.
+Window* dirty_child(Window& parent) {
+    PaintSearch& search = state().paint_search;
+    Window* const last = find(search.found);
+    const bool goes_on = last != nullptr && last->parent == &parent && search.marks == state().marks;
+    Window* c = goes_on ? last : parent.last_child;
+    while (c != nullptr && c->dirty_below == 0) c = c->above;
+    if (c == nullptr && goes_on) {  // its place among its brothers has changed
+        c = parent.last_child;
+        while (c != nullptr && c->dirty_below == 0) c = c->above;
+    }
+    if (c != nullptr) search = {c->handle, state().marks};
+    return c;
+}
+
 Window* dirty_in(Window* window) {
     while (window != nullptr && window->dirty_below > 0) {
         if (window->dirty) return window;
-        Window* c = window->last_child;
-        while (c != nullptr && c->dirty_below == 0) c = c->above;
-        window = c;
+        window = dirty_child(*window);
     }
     return nullptr;
 }

@@ -100,8 +100,9 @@ bool SetWindowPos(HWND hwnd, HWND after, std::int32_t x, std::int32_t y, std::in
         rect.top = std::clamp(pos.y, -0x7FFF, 0x7FFF);
     }
     const bool keep = (pos.flags & SWP_NOSIZE) != 0;
-    rect.right = rect.left + (keep ? window->rect.width() : std::clamp(pos.cx, 0, 0x7FFF));
-    rect.bottom = rect.top + (keep ? window->rect.height() : std::clamp(pos.cy, 0, 0x7FFF));
+    const std::int32_t longest = longest_side(window->top == nullptr);
+    rect.right = rect.left + (keep ? window->rect.width() : std::clamp(pos.cx, 0, longest));
+    rect.bottom = rect.top + (keep ? window->rect.height() : std::clamp(pos.cy, 0, longest));
 
     const bool visible = (window->style & WS_VISIBLE) != 0;
     if ((pos.flags & SWP_HIDEWINDOW) != 0 && visible) hide_window(*window);

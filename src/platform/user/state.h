@@ -133,6 +133,12 @@ struct Drop {
     POINT at;
 };
 
+// Where the last search for a window to paint ended, and how many marks there were.
+struct PaintSearch {
+    HWND found{};
+    std::uint64_t marks = 0;
+};
+
 struct UserState {
     WindowTable windows;
     Queue queue;
@@ -143,6 +149,8 @@ struct UserState {
     std::vector<Drop> drops;
     std::int32_t next_drop = 1;
     std::int32_t dirty_windows = 0;  // to paint, in all trees
+    std::uint64_t marks = 0;         // counts those that became so
+    PaintSearch paint_search;
     std::int32_t damaged = 0;        // top-levels that may have something to present
     MenuHooks menus;
     HWND clipboard_owner{};

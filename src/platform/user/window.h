@@ -151,7 +151,8 @@ std::int32_t border_width(const Window& window);  // of the border that we draw
 bool has_caption_of_ours(const Window& window);   // a child with a caption
 RECT frame_client(const Window& window, SIZE outer);
 void update_client(Window& window);  // after a change of size, style, bars or menu; asks the window
-RECT surface_rect(const Window& top);  // on the screen
+std::int32_t longest_side(bool child);  // of a window
+RECT surface_rect(const Window& top);   // on the screen
 POINT client_origin_on_surface(const Window& window);
 POINT client_origin_on_screen(const Window& window);
 

@@ -120,7 +120,8 @@ namespace {
 Window* dirty_child(Window& parent) {
     PaintSearch& search = state().paint_search;
     Window* const last = find(search.found);
-    const bool goes_on = last != nullptr && last->parent == &parent && search.marks == state().marks;
+    const bool goes_on =
+        last != nullptr && last->parent == &parent && search.marks == state().marks;
     Window* c = goes_on ? last : parent.last_child;
     while (c != nullptr && c->dirty_below == 0) c = c->above;
     if (c == nullptr && goes_on) {  // its place among its brothers has changed

@@ -151,7 +151,7 @@ struct UserState {
     std::int32_t dirty_windows = 0;  // to paint, in all trees
     std::uint64_t marks = 0;         // counts those that became so
     PaintSearch paint_search;
-    std::int32_t damaged = 0;        // top-levels that may have something to present
+    std::int32_t damaged = 0;  // top-levels that may have something to present
     MenuHooks menus;
     HWND clipboard_owner{};
 };

@@ -29,7 +29,7 @@ static const struct call unknown_codes[] = {
     {"abc %qq def", NULL, {0}, {0}}, {"%nl%^`~qz[option]", NULL, {0}, {0}},
     {"ends in %", NULL, {0}, {0}},   {"%1", NULL, {0}, {0}},
     {"%r", NULL, {0}, {0}},          {"%8+wd", "*CI", {INT(1)}, {0}},
-    {"%r\xC3\xA4", NULL, {0}, {0}},      {"%ZZZZ", NULL, {0}, {0}},
+    {"%r\xC3\xA4", NULL, {0}, {0}},  {"%ZZZZ", NULL, {0}, {0}},
     {"%dt", NULL, {0}, {0}},
 };
 static const struct call arguments[] = {
@@ -72,7 +72,6 @@ static const struct call texts[] = {
 };
 static const struct call options[] = {
     {"%ww[nonsense]", NULL, {0}, {0}},
-    {"%ww[no_border,", NULL, {0}, {0}},
     {"%sy", NULL, {0}, {0}},
     {"x%sy[3d]", NULL, {0}, {0}},
     {"%10.2ls[height=7]", "*C*S*I", {items, &number}, {0}},

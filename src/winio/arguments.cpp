@@ -354,24 +354,25 @@ void* user_struct_star_star_pointer(argument_source& arguments) {
 char* user_char_pointer(argument_source& arguments) {
     if (!begin_reader(arguments)) return nullptr;
     auto* value = reinterpret_cast<char*>(arguments.next());
-    const std::int32_t length = in_fortran() ? take_length(arguments) : 0;
-    note_string(value, length);
     // A null pointer in C may have been written as a plain 0.
     const bool right =
         accept_token("*C") || (!in_fortran() && !value && accept_token("I")) || accept_null(value);
     if (!right) refuse("a character variable", "a char*");
+    // Only a text brings a length.
+    note_string(value, in_fortran() && right ? take_length(arguments) : 0);
     return value;
 }
 
 char* user_string(argument_source& arguments) {
     if (!begin_reader(arguments)) return nullptr;
     auto* value = reinterpret_cast<char*>(arguments.next());
-    std::int32_t length = in_fortran() ? take_length(arguments) : -1;
-    note_string(value, length);
     if (!accept_value("*C") && !accept_null(value)) {
         refuse("a character variable or array", "a character array or a character pointer");
+        note_string(nullptr, -1);
         return nullptr;
     }
+    std::int32_t length = in_fortran() ? take_length(arguments) : -1;
+    note_string(value, length);
     if (!in_fortran()) return value;
     if (!value || length < 0) return nullptr;
     // Room for all of the variable: the copy follows it when the window is updated.

@@ -9,6 +9,7 @@
 #include "winio/callbacks.h"
 #include "winio/codes.h"
 #include "winio/layout.h"
+#include "winio/layout_state.h"
 #include "winio/options.h"
 #include "winio/procedures.h"
 #include "winio/report.h"
@@ -137,12 +138,12 @@ void handle_sp(code_call& call) {
     const std::int32_t x = user_integer(call.arguments);
     const std::int32_t y = user_integer(call.arguments);
     fancy_window& window = *current_window();
-    window.left += x;
-    window.top += y;
+    window.left = within_reach(static_cast<double>(window.left) + x);
+    window.top = within_reach(static_cast<double>(window.top) + y);
     if (call.grave) {
         call.grave = false;
-        window.left += callbacks().context.action_x;
-        window.top += callbacks().context.action_y;
+        window.left = within_reach(static_cast<double>(window.left) + callbacks().context.action_x);
+        window.top = within_reach(static_cast<double>(window.top) + callbacks().context.action_y);
     }
     window.flags.explicit_position = true;
 }

@@ -7,7 +7,16 @@
 
 namespace tarn::winio {
 
+struct window_control;
+
+// No text, and all before it has been seen: the texts of the present line come behind it.
+struct text_start {
+    std::int32_t window_number = 0;
+    window_control* control = nullptr;
+};
+
 struct layout_state {
+    text_start before_text;
     // A cleared map that waits for the next window, so that a window pays for the cells that it
     // used and not for the whole map.
     unsigned char* spare = nullptr;

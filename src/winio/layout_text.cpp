@@ -87,11 +87,18 @@ void handle_text(const char* start, const char* end, bool hold, bool percent_esc
 }
 
 void align_text_base(window_control* control) {
+    // Below the map nothing is seen, and no line ends there.
+    if (control->y >= records().occupancy_height) return;
     window_control* first = nullptr;
     std::int32_t lowest = 0;
-    for (window_control* c = control->window->first_control; c; c = c->next) {
+    const fancy_window* window = control->window;
+    auto& known = layout().before_text;
+    if (known.window_number != window->second_number || !known.control)
+        known = {window->second_number, window->first_control};
+    for (window_control* c = known.control; c; c = c->next) {
         if (!is_text(c)) {
             first = nullptr;
+            known.control = c;
             continue;
         }
         lowest = first ? std::max(lowest, c->base_line) : c->base_line;

@@ -19,7 +19,9 @@ MenuHooks& menu_hooks() {
 // special value of a Z order or a class is taken for one.
 namespace {
 
-constexpr std::size_t most_windows = 0x10000;
+// More than any program shows. Brothers that overlap are looked at for each window that is painted:
+// what a format of a million characters asks for would take minutes.
+constexpr std::size_t most_windows = 10000;
 constexpr std::uint16_t last_generation = 0x7FFF;
 
 }  // namespace

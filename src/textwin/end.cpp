@@ -34,10 +34,9 @@ void winexit() {
     if (pump_hooks().end != nullptr) pump_hooks().end();
     while (any_left()) {
         show_all_output();
-        if (can_ask())
-            yield_program_control(3);
-        else
-            close_all();
+        yield_program_control(1);
+        if (!can_ask()) close_all();
+        if (any_left()) WaitMessage();
     }
 }
 

@@ -42,13 +42,18 @@ void start_input(window_info& window) {
     take_back_character(window);
 }
 
+bool has_input(const window_info& window) {
+    return window.pending_character != 0 || window.event_waiting;
+}
+
+// What is in the queue may be what is waited for: only then is there a wait.
 void wait_for_key(HWND hwnd) {
-    while (true) {
+    while (!has_input(still_there(hwnd))) {
         window_info& window = still_there(hwnd);
-        if (window.pending_character != 0 || window.event_waiting) return;
         window.waiting = true;
         show_caret(window, true);
-        yield_program_control(3);
+        yield_program_control(1);
+        if (!has_input(still_there(hwnd))) WaitMessage();
     }
 }
 

@@ -146,7 +146,8 @@ TEST_F(TextWindow, SelectsWithTheMouseInEmbeddedWindows) {
     EXPECT_EQ(__get_selected_quillpan_text(inner, 1), nullptr);
     const std::int32_t height = find_window(HWND{inner})->first->height;
     const auto mouse = [&](platform::UINT message, std::int32_t x, std::int32_t y, bool down) {
-        platform::SendMessageA(HWND{inner}, message, down ? platform::MK_LBUTTON : 0,
+        platform::SendMessageA(HWND{inner}, message,
+                               down ? platform::WPARAM{platform::MK_LBUTTON} : 0,
                                platform::MAKELPARAM(x, y));
     };
     mouse(platform::WM_LBUTTONDOWN, 6 * 8 + 2, height / 2, true);         // at "line"

@@ -1,5 +1,6 @@
 // Codes that say what the window is like: caption, style, place, name, and how it belongs to
 // others.
+#include <algorithm>
 #include <cstdio>
 #include <cstring>
 
@@ -133,16 +134,26 @@ void handle_sz(code_call& call) {
     window.flags.maximise = *width == maximised;
 }
 
+namespace {
+
+// A place on the screen, or far beyond it.
+std::int32_t moved(std::int32_t place, std::int32_t by) {
+    constexpr std::int64_t reach = 1000000;
+    return static_cast<std::int32_t>(std::clamp(std::int64_t{place} + by, -reach, reach));
+}
+
+}  // namespace
+
 void handle_sp(code_call& call) {
     const std::int32_t x = user_integer(call.arguments);
     const std::int32_t y = user_integer(call.arguments);
     fancy_window& window = *current_window();
-    window.left += x;
-    window.top += y;
+    window.left = moved(window.left, x);
+    window.top = moved(window.top, y);
     if (call.grave) {
         call.grave = false;
-        window.left += callbacks().context.action_x;
-        window.top += callbacks().context.action_y;
+        window.left = moved(window.left, callbacks().context.action_x);
+        window.top = moved(window.top, callbacks().context.action_y);
     }
     window.flags.explicit_position = true;
 }
@@ -154,8 +165,8 @@ void handle_dg(code_call& call) {
     fancy_window& window = *current_window();
     platform::POINT at;
     if (!records().check_mode) platform::GetCursorPos(at);
-    window.left = at.x + x;
-    window.top = at.y + y;
+    window.left = moved(at.x, x);
+    window.top = moved(at.y, y);
     window.drag_x = at.x;
     window.drag_y = at.y;
     window.flags.explicit_position = window.flags.dragged = true;

@@ -1,5 +1,5 @@
 // Option lists of the data-entry codes, lists and buttons.
-#include <cmath>
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -42,6 +42,13 @@ char* kept_value() {
 
 double option_double() {
     return std::strtod(option_value().c_str(), nullptr);
+}
+
+// A factor on a size: beyond this nothing fits a screen, and what is no number is none.
+double option_factor() {
+    constexpr double most = 100.0;
+    const double factor = option_double();
+    return factor > 0.0 ? std::min(factor, most) : 0.0;
 }
 
 // One conversion of a double and nothing that reads anything else.
@@ -303,8 +310,8 @@ void collect_button_options(code_call& call, Xbutton& button, bool preload) {
             if (words.is("notes=")) button.note = kept_value();
             if (words.is("text=")) button.caption = kept_value();
             if (words.is("font=")) button.font = static_cast<HFONT>(get_option_WPARAM());
-            if (words.is("font_size=")) button.font_size = option_double();
-            if (words.is("vfill=")) button.vfill = option_double();
+            if (words.is("font_size=")) button.font_size = option_factor();
+            if (words.is("vfill=")) button.vfill = option_factor();
             if (words.is("return=")) button.return_value = option_integer();
             if (words.is("split")) button.flags |= 2;
             if (words.is("colour=")) button.text_colour = get_option_colour();

@@ -20,14 +20,22 @@ namespace tarn::winio {
 
 struct fuzz_arguments {
     static constexpr std::int32_t count = 200;
-    // Pointers, integers, doubles and texts alike: zero, but for what the input puts at the front.
-    alignas(16) std::array<unsigned char, 65536> block{};
+    // Pointers, integers, doubles and texts alike: zero, but for what the input puts at the front;
+    // large enough for any array that a number in a format asks for.
+    static constexpr std::size_t size_of_block = 1U << 22;
+    static inline unsigned char* const block =
+        static_cast<unsigned char*>(std::calloc(1, size_of_block));
     std::array<word, count> words{};
     std::array<std::int32_t, count> lengths{};
 
     fuzz_arguments(const std::uint8_t* data, std::size_t size) {
-        std::memcpy(block.data(), data, std::min<std::size_t>(size, 16));
-        for (word& each : words) each = reinterpret_cast<word>(block.data());
+        std::memset(block, 0, size_of_block / 2);  // codes may store in what they are given
+        std::memcpy(block, data, std::min<std::size_t>(size, 16));
+        // Apart, so that what one code stores isn't what another reads.
+        constexpr std::int32_t distance = 8192;
+        for (std::int32_t i = 0; i < count; ++i) {
+            words[i] = reinterpret_cast<word>(block + i * distance);
+        }
         for (std::int32_t i = 0; i < count; ++i) lengths[i] = i % 9 - 1;
     }
     argument_source source(bool fortran, std::int32_t given) {

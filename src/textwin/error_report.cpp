@@ -8,6 +8,7 @@
 #include "platform/dialogs/dialogs.h"
 #include "platform/gdi/theme.h"
 #include "platform/user/user.h"
+#include "textwin/window_info.h"
 
 namespace tarn::textwin {
 
@@ -89,6 +90,7 @@ DialogTemplate error_report_dialog() {
 // True: the program goes on.
 bool ask(const char* text) {
     report_state& r = reports();
+    start_pump();  // a script answers questions
     if (!can_ask()) {
         std::fprintf(stderr, "Quillpan+ Error: %s\n", text);
         return true;

@@ -43,10 +43,11 @@ void flush_everything() {
 
 // Nobody watches and nothing can ever come: the program would wait for ever.
 void give_up(const char* what) {
-    std::fprintf(stderr,
-                 "*** %s: nobody can answer on this display; the program ends.\n"
-                 "    (TARN_DISPLAY=x11 opens windows on a desktop, TARN_EVENTS=file plays events.)\n",
-                 what);
+    std::fprintf(
+        stderr,
+        "*** %s: nobody can answer on this display; the program ends.\n"
+        "    (TARN_DISPLAY=x11 opens windows on a desktop, TARN_EVENTS=file plays events.)\n",
+        what);
     flush_everything();
     _exit(status_nobody_to_answer);
 }
@@ -54,16 +55,6 @@ void give_up(const char* what) {
 void end_with(std::int32_t status) {
     flush_everything();
     _exit(status);
-}
-
-void start_pump() {
-    if (pump().started) return;
-    pump().started = true;
-    unanswered_wait = give_up;
-    end_after_script = end_with;
-    somebody_answers = script_active;
-    start_script();
-    register_text_class();
 }
 
 bool for_a_dialog(MSG& message) {
@@ -112,6 +103,16 @@ UINT upper_limit() {
 }
 
 }  // namespace
+
+void start_pump() {
+    if (pump().started) return;
+    pump().started = true;
+    unanswered_wait = give_up;
+    end_after_script = end_with;
+    somebody_answers = script_active;
+    start_script();
+    register_text_class();
+}
 
 PumpHooks& pump_hooks() {
     return pump().hooks;

@@ -106,7 +106,10 @@ void read_grey(code_call& call, window_control* control, const char* message, co
     if (!call.tilde) return;
     call.tilde = false;
     control->grey = user_int_pointer(call.arguments);
-    if (!control->grey)
+    // The mark of a survivable error must stand in the format.
+    if (!control->grey && message[0] == '?')
+        quillpan_error("?%s", message + 1);
+    else if (!control->grey)
         quillpan_error("%s", message);
     else
         undef_int_check(control->grey, code, 0);

@@ -16,7 +16,8 @@ set_target_properties(tarnmalloc PROPERTIES EXPORT_NAME malloc)
 install(TARGETS tarnlibc tarnmalloc EXPORT tarnlibcTargets
   LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
 install(DIRECTORY include/tarn DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
-  FILES_MATCHING PATTERN "*.h")
+  FILES_MATCHING PATTERN "*.h" PATTERN "*.hpp" PATTERN "*.f90")
+install(DIRECTORY resources/fonts DESTINATION ${CMAKE_INSTALL_LIBDIR}/tarnlibc)
 set(package_folder ${CMAKE_INSTALL_LIBDIR}/cmake/tarnlibc)
 install(EXPORT tarnlibcTargets NAMESPACE tarn:: DESTINATION ${package_folder})
 

@@ -166,7 +166,7 @@ extern "C" {
 
 TARN_EXPORT int LibMain(void* module, int reason, void*) {
     if (reason == process_attach) {
-        state().library_module = module;
+        state().own_module = module;
         tarn::platform::clear_exceptions();
         attach();
     } else if (reason == process_detach && hooks().free_console) {
@@ -221,6 +221,6 @@ TARN_EXPORT void __com_plus_initialise(void* instance) {
 }
 
 TARN_EXPORT void __setup_libraryflag(int flag) {
-    if (flag == 1) state().library_flag = 1;
+    if (flag == 1) state().setup_flag = 1;
 }
 }

@@ -37,12 +37,12 @@ struct State {
     bool stack_faults = false;  // detect_stack_faults
     bool managed = false;
     int format_check = -1;
-    int library_flag = 0;
+    int setup_flag = 0;
     bool is_nt = true;
 
     ProgramInfo program{};
     void* instance = nullptr;
-    void* library_module = nullptr;
+    void* own_module = nullptr;
     LoadedModule* modules = nullptr;
     StdcallRecord* stdcalls = nullptr;
     TracebackOptions traceback;

@@ -115,7 +115,6 @@ struct textwin_state {
     HBRUSH window_brush;
     COLORREF text_colour, background;
     HBRUSH class_brush;
-    bool own_class_brush;
     std::int32_t show_command = 10;
     bool class_registered;
     bool win_exit_enabled;
@@ -124,10 +123,9 @@ struct textwin_state {
     bool destroying;
     std::int32_t bar_countdown;
     std::int32_t selection_phase;  // 0, 1 dragging, 2 finished
-    bool drag_repaint;
-    std::uint64_t last_show;  // nanoseconds: when output was painted last
-    std::uint64_t last_poll;  // when a writing program looked at the queue last
-    bool show_wanted;         // some window has output that isn't on the screen
+    std::uint64_t last_show;       // nanoseconds: when output was painted last
+    std::uint64_t last_poll;       // when a writing program looked at the queue last
+    bool show_wanted;              // some window has output that isn't on the screen
     std::uint32_t yield_mask;
     std::int32_t upper_limit;
     bool key_taken;  // a key came for a read that waits: the pump leaves the next ones in the queue

@@ -93,7 +93,7 @@ string_list read_items(code_call& call, const window_control& control) {
     return read_string_list(call);
 }
 
-void place_drop_down(window_control* control, const list_size& size, double s, double extra) {
+void place_drop_down(window_control* control, double s) {
     const std::int32_t line_height = truncated(s * 9.6);
     control->width += truncated(s * 4.0);
     control->height = line_height;
@@ -105,10 +105,6 @@ void place_drop_down(window_control* control, const list_size& size, double s, d
     pending().extra_y = 0;
     deepen_line(control->height);
     locate(control, builder().box ? 2 : 0);
-    // The list that drops down isn't part of the layout.
-    control->last_scroll_height =
-        control->item_height != 0 ? (size.rows + 2) * pixels_to_units_y(control->item_height) + 2
-                                  : truncated((size.rows + 2) * s * 8.0 + extra);
 }
 
 void list_box(code_call& call, bool rows_first) {
@@ -128,7 +124,7 @@ void list_box(code_call& call, bool rows_first) {
     if (combo) {
         read_grey_variable(call, *control);
         read_callback(call, *control, message);
-        place_drop_down(control, size, s, 2.0);
+        place_drop_down(control, s);
         return;
     }
     if (control->flags.limit_height) {
@@ -185,7 +181,7 @@ void handle_el(code_call& call) {
     call.grave = false;
     read_grey_variable(call, *control);
     read_callback(call, *control, "should be a call-back function for the %%EL format");
-    place_drop_down(control, size, s, 0.0);
+    place_drop_down(control, s);
 }
 
 // ---- Lists with columns, trees

@@ -90,7 +90,7 @@ struct control_options {
     bool user_surface, handle, user_resize, metafile_resize;  // %gr, %dw, %og
     bool variable_size;                                       // %tv
     bool native, alternative;                                 // %br, %sl, %ps
-    bool vertical, percentage, needs_drawn;                   // %br, %sl
+    bool vertical, percentage;                                // %br, %sl
     bool local_font, no_border, flush, limit_height;
     bool square, blinking, iconic, panel_given;
     std::int32_t panel, direction;

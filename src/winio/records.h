@@ -237,16 +237,15 @@ struct window_flags {
     bool menu_help : 1;
     bool ready : 1;  // inside WM_CREATE finished
     bool no_frame : 1, no_edge : 1, naked : 1, topmost : 1, tool_window : 1;
-    bool owned : 1;                // %lw[owned]
-    bool has_ww : 1;               // %ww seen
-    bool nw_mark : 1;              // %nw
-    bool start_posted : 1;         // message 0x406 is on its way or was
-    bool button_font_current : 1;  // %fb
-    bool multi_button : 1;         // %mb
-    bool multi_button_left : 1;    // %mb[left]
-    bool min_height : 1;           // %co[min_height]
-    bool retired : 1;              // its record goes when its procedure is left
-    bool close_asked : 1;          // the %cc call-back runs
+    bool owned : 1;              // %lw[owned]
+    bool has_ww : 1;             // %ww seen
+    bool nw_mark : 1;            // %nw
+    bool start_posted : 1;       // message 0x406 is on its way or was
+    bool multi_button : 1;       // %mb
+    bool multi_button_left : 1;  // %mb[left]
+    bool min_height : 1;         // %co[min_height]
+    bool retired : 1;            // its record goes when its procedure is left
+    bool close_asked : 1;        // the %cc call-back runs
 };
 
 struct fancy_window {
@@ -387,7 +386,6 @@ struct control_flags {
     bool shown_valid : 1;           // the field holds what `shown` says
     bool spin_run : 1;              // the spin acts at every second tick
     bool pressed : 1, hovered : 1;  // of a button that the library draws
-    bool no_move_now : 1;
 };
 
 struct window_control {
@@ -455,7 +453,6 @@ struct window_control {
     double vertical_fill;
     std::int32_t font_request;  // %ls[font_pitch=, font_set=]
     double height_limit;        // limit_height
-    std::int32_t last_scroll_width, last_scroll_height;
 };
 
 // %hx, %vx of one control.

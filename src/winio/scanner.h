@@ -56,9 +56,11 @@ inline constexpr std::size_t check_report_size = 2048;
 void winio_check(char* buffer, const char* const* names, bool wide);
 void set_passive_winio(void (*hook)(const char* text));
 
-// The forms in which a Fortran program calls. `lengths` of its character arguments in order.
+// How a Fortran program calls. `lengths` of its character arguments in order; descriptor and
+// spellings (argument_source) may be null.
 std::int32_t winio_fortran(const char* format, std::int32_t length, const word* words,
                            std::int32_t count, const std::int32_t* lengths,
-                           std::int32_t length_count, const char* descriptor);
+                           std::int32_t length_count, const char* descriptor,
+                           const char* const* spellings);
 
 }  // namespace tarn::winio

@@ -66,13 +66,15 @@ namespace tarn::winio {
 
 std::int32_t winio_fortran(const char* format, std::int32_t length, const word* words,
                            std::int32_t count, const std::int32_t* lengths,
-                           std::int32_t length_count, const char* descriptor) {
+                           std::int32_t length_count, const char* descriptor,
+                           const char* const* spellings) {
     static constexpr std::int32_t none[1] = {};
     argument_source source;
     source.words = words;
     source.word_count = count;
     source.lengths = lengths ? lengths : none;
     source.length_count = lengths ? length_count : 0;
+    source.spellings = spellings;
     source.fortran = true;
     source.wide_handles = building().wide_handles;
     return winio(format, length > 0 ? static_cast<std::size_t>(length) : 0, descriptor, source);

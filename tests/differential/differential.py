@@ -201,7 +201,7 @@ def main():
     parser.add_argument("--draw", help="the program that draws cases")
     parser.add_argument("--peer", help="the executor with gfortran's run-time")
     parser.add_argument("--ours", help="the executor with the library")
-    parser.add_argument("--library", default="libtarnlibc.so")
+    parser.add_argument("--library", dest="tested", default="libtarnlibc.so")
     parser.add_argument("--cases", type=int, default=100000)
     parser.add_argument("--seed", default="1")
     parser.add_argument("--kinds", help="letters of wlrdWRu: which cases to draw")
@@ -239,7 +239,7 @@ def main():
             sys.exit("an executor didn't finish")
         (peer, peer_origins), (ours, our_origins) = found["peer"], found["ours"]
 
-        foreign = [name for name, file in our_origins.items() if options.library not in file]
+        foreign = [name for name, file in our_origins.items() if options.tested not in file]
         stolen = [name for name, file in peer_origins.items() if "libgfortran" not in file]
         if stolen:
             sys.exit("the peer's entries are not gfortran's: " + " ".join(stolen))

@@ -5,7 +5,6 @@
 #include "platform/display/keys.h"
 #include "platform/x11/connection.h"
 #include "platform/x11/keys.h"
-#include "platform/x11/png.h"
 #include "platform/x11/selections.h"
 
 namespace tarn::x11 {
@@ -57,16 +56,6 @@ TEST(GeometryTest, LogicalPixelsAndRealOnesAgree) {
     EXPECT_EQ(scale_of_dpi(144), 1.5);
     EXPECT_EQ(scale_of_dpi(1), 0.5);
     EXPECT_EQ(scale_of_dpi(9999), 4.0);
-}
-
-TEST(PngTest, HasEachPartWithItsSum) {
-    const std::uint32_t pixels[] = {0xFF0000FF, 0xFF00FF00};
-    std::string png = png_bytes(pixels, 2, 1);
-    // Known from the format: the sums of the head of a 2 x 1 picture and of the empty end.
-    EXPECT_EQ(png.substr(12, 17), std::string("IHDR\0\0\0\2\0\0\0\1\x08\2\0\0\0", 17));
-    EXPECT_EQ(png.substr(png.size() - 8), "IEND\xAE\x42\x60\x82");
-    std::string row("\0\0\0\xFF\0\xFF\0", 7);
-    EXPECT_NE(png.find(row), std::string::npos);
 }
 
 TEST(KeyTableTest, UsBoardByPlace) {

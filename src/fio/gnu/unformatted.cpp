@@ -29,29 +29,22 @@ Layout layout_of(ItemType type, int kind, std::size_t size) {
     }
 }
 
-void turn_16(char* bytes, std::size_t count) {
-    for (std::size_t i = 0; i < count; ++i, bytes += 2) {
-        std::uint16_t value;
-        std::memcpy(&value, bytes, sizeof value);
-        value = __builtin_bswap16(value);
-        std::memcpy(bytes, &value, sizeof value);
-    }
+std::uint16_t turned(std::uint16_t value) {
+    return __builtin_bswap16(value);
+}
+std::uint32_t turned(std::uint32_t value) {
+    return __builtin_bswap32(value);
+}
+std::uint64_t turned(std::uint64_t value) {
+    return __builtin_bswap64(value);
 }
 
-void turn_32(char* bytes, std::size_t count) {
-    for (std::size_t i = 0; i < count; ++i, bytes += 4) {
-        std::uint32_t value;
+template <class Word>
+void turn(char* bytes, std::size_t count) {
+    for (std::size_t i = 0; i < count; ++i, bytes += sizeof(Word)) {
+        Word value;
         std::memcpy(&value, bytes, sizeof value);
-        value = __builtin_bswap32(value);
-        std::memcpy(bytes, &value, sizeof value);
-    }
-}
-
-void turn_64(char* bytes, std::size_t count) {
-    for (std::size_t i = 0; i < count; ++i, bytes += 8) {
-        std::uint64_t value;
-        std::memcpy(&value, bytes, sizeof value);
-        value = __builtin_bswap64(value);
+        value = turned(value);
         std::memcpy(bytes, &value, sizeof value);
     }
 }
@@ -60,8 +53,8 @@ void turn_128(char* bytes, std::size_t count) {
     for (std::size_t i = 0; i < count; ++i, bytes += 16) {
         std::uint64_t half[2];
         std::memcpy(half, bytes, sizeof half);
-        const std::uint64_t turned[2] = {__builtin_bswap64(half[1]), __builtin_bswap64(half[0])};
-        std::memcpy(bytes, turned, sizeof turned);
+        const std::uint64_t whole[2] = {turned(half[1]), turned(half[0])};
+        std::memcpy(bytes, whole, sizeof whole);
     }
 }
 
@@ -69,11 +62,11 @@ void turn_128(char* bytes, std::size_t count) {
 void turn_bytes(char* bytes, std::size_t unit, std::size_t count) {
     switch (unit) {
         case 2:
-            return turn_16(bytes, count);
+            return turn<std::uint16_t>(bytes, count);
         case 4:
-            return turn_32(bytes, count);
+            return turn<std::uint32_t>(bytes, count);
         case 8:
-            return turn_64(bytes, count);
+            return turn<std::uint64_t>(bytes, count);
         case 16:
             return turn_128(bytes, count);
         default:

@@ -2,7 +2,7 @@
 
 #include <cstring>
 
-namespace tarn::pairing {
+namespace tarn::gcc {
 
 namespace {
 
@@ -67,4 +67,4 @@ bool find_call_record(const void* return_address, const char* format, CallRecord
     return have_any;
 }
 
-}  // namespace tarn::pairing
+}  // namespace tarn::gcc

@@ -8,7 +8,7 @@
 #include <cstdint>
 #include <vector>
 
-namespace tarn::pairing {
+namespace tarn::gcc {
 
 struct CallRecord {
     std::int32_t count = 0;          // arguments behind the format
@@ -20,4 +20,4 @@ struct CallRecord {
 // (whose length isn't known yet) chooses among the calls of one statement.
 bool find_call_record(const void* return_address, const char* format, CallRecord& record);
 
-}  // namespace tarn::pairing
+}  // namespace tarn::gcc

@@ -1,13 +1,12 @@
 // The window library's routines as gfortran calls them: `name@` arrives as `name__`, every argument
 // by reference, the lengths of CHARACTER arguments by value behind the last.
-#include <algorithm>
 #include <cstdint>
-#include <cstring>
 #include <string>
 
-#include "fio/native/services.h"
+#include "frame/console_lines.h"
 #include "frame/link_name.h"
 #include "frame/state.h"
+#include "tarn/io_units.h"
 #include "tarn/start.h"
 #include "tarn/text_window.h"
 #include "tarn/winio.h"
@@ -15,29 +14,17 @@
 #include "tarn/winio_run.h"
 #include "tarn/winio_windows.h"
 
-namespace tarn::pairing {
-
 namespace {
 
 // A terminated copy without the blanks that fill a CHARACTER variable up.
 std::string text_of(const char* text, std::size_t length) {
-    while (length > 0 && text[length - 1] == ' ') --length;
-    return {text, length};
-}
-
-void blank_padded(char* target, std::size_t length, const char* text) {
-    const std::size_t used = std::min(std::strlen(text), length);
-    std::memcpy(target, text, used);
-    std::memset(target + used, ' ', length - used);
+    return std::string(
+        tarn::frame::trimmed(tarn::frame::character(text, static_cast<std::ptrdiff_t>(length))));
 }
 
 }  // namespace
 
-}  // namespace tarn::pairing
-
 using tarn::frame::ensure_up;
-using tarn::pairing::blank_padded;
-using tarn::pairing::text_of;
 using call_back = std::int32_t (*)();
 
 extern "C" {
@@ -52,12 +39,13 @@ TARN_EXPORT void control_update__(void* variable) {
 }
 TARN_EXPORT std::int64_t quillpan_info__(const char* name, std::size_t length) {
     ensure_up();
-    return __quillpan_info(text_of(name, length).c_str());
+    return QUILLPAN_INFO_h(name, static_cast<std::intptr_t>(length));
 }
 TARN_EXPORT void quillpan_string__(char* result, std::size_t room, const char* name,
                                    std::size_t length) {
     ensure_up();
-    blank_padded(result, room, __quillpan_string(text_of(name, length).c_str()));
+    QUILLPAN_STRING_h(result, static_cast<std::intptr_t>(room), name,
+                      static_cast<std::intptr_t>(length));
 }
 TARN_EXPORT double quillpan_float__(const char* name, std::size_t length) {
     ensure_up();
@@ -78,9 +66,7 @@ TARN_EXPORT void quillpan_option__(const char* word, std::size_t length) {
     __quillpan_option(text_of(word, length).c_str());
 }
 TARN_EXPORT void get_mouse_info__(std::int32_t* x, std::int32_t* y, std::int32_t* flags) {
-    *x = static_cast<std::int32_t>(__quillpan_info("GRAPHICS_MOUSE_X"));
-    *y = static_cast<std::int32_t>(__quillpan_info("GRAPHICS_MOUSE_Y"));
-    *flags = static_cast<std::int32_t>(__quillpan_info("GRAPHICS_MOUSE_FLAGS"));
+    GET_MOUSE_INFO_h(x, y, flags);
 }
 
 // ---- Windows, waiting, timers ----
@@ -195,8 +181,7 @@ TARN_EXPORT std::int32_t create_window__(const char* title, const std::int32_t* 
 }
 TARN_EXPORT void open_to_window__(const std::int32_t* unit, const std::int32_t* window) {
     ensure_up();
-    tarn::fio::native::open_to_window(
-        *unit, reinterpret_cast<void*>(static_cast<std::intptr_t>(*window)), 0);
+    OPEN_TO_WINDOW_h(unit, window);
 }
 TARN_EXPORT void clear_window__(const std::int32_t* window) {
     __clear_window(*window);

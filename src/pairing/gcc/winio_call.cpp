@@ -6,9 +6,9 @@
 #include "frame/link_name.h"
 #include "frame/state.h"
 #include "pairing/gcc/call_record.h"
-#include "winio/builder.h"
+#include "winio/scanner.h"
 
-namespace tarn::pairing {
+namespace tarn::gcc {
 
 namespace {
 
@@ -61,19 +61,16 @@ std::int32_t run(const char* format, const void* return_address, std::va_list li
         read_known(record, list, call);
     else
         read_guessed(list, call);
-    winio::argument_source arguments;
-    arguments.words = call.words.data();
-    arguments.word_count = static_cast<std::int32_t>(call.words.size());
-    arguments.lengths = call.lengths.data();
-    arguments.length_count = static_cast<std::int32_t>(call.lengths.size());
-    arguments.fortran = true;
-    arguments.spellings = known ? record.names.data() : nullptr;
-    return winio::winio(format, call.format_length, known ? record.tokens : nullptr, arguments);
+    return winio::winio_fortran(format, static_cast<std::int32_t>(call.format_length),
+                                call.words.data(), static_cast<std::int32_t>(call.words.size()),
+                                call.lengths.data(), static_cast<std::int32_t>(call.lengths.size()),
+                                known ? record.tokens : nullptr,
+                                known ? record.names.data() : nullptr);
 }
 
 }  // namespace
 
-}  // namespace tarn::pairing
+}  // namespace tarn::gcc
 
 extern "C" {
 
@@ -83,7 +80,7 @@ TARN_EXPORT std::int32_t winio__(const char* format, ...);
 std::int32_t winio__(const char* format, ...) {
     std::va_list list;
     va_start(list, format);
-    const std::int32_t result = tarn::pairing::run(format, __builtin_return_address(0), list);
+    const std::int32_t result = tarn::gcc::run(format, __builtin_return_address(0), list);
     va_end(list);
     return result;
 }

@@ -17,10 +17,8 @@ constexpr const char* class_name = "TarnDialog";
 struct Dialog {
     Dialog* outer = nullptr;
     HWND window{};
-    DLGPROC procedure = nullptr;
     std::intptr_t result = 0;
     bool ended = false;
-    bool modal = false;
 };
 struct DialogState {
     Dialog* innermost = nullptr;  // of the modal ones
@@ -126,27 +124,18 @@ HWND make_dialog(const DialogTemplate& pattern, HWND owner, DLGPROC procedure, L
     return dialog;
 }
 
+bool take_dialog_key(MSG& message, void* record) {
+    return IsDialogMessageA(static_cast<const Dialog*>(record)->window, message);
+}
+
+bool dialog_ended(void* record) {
+    return static_cast<const Dialog*>(record)->ended;
+}
+
 }  // namespace
 
 bool can_ask() {
     return !display().headless() || (somebody_answers != nullptr && somebody_answers());
-}
-
-bool run_dialog(HWND dialog, const bool& done) {
-    while (!done && IsWindow(dialog)) {
-        MSG message;
-        while (!done && IsWindow(dialog) && PeekMessageA(message, HWND{}, 0, 0, PM_REMOVE)) {
-            if (message.message == WM_QUIT) {
-                PostQuitMessage(static_cast<std::int32_t>(message.wParam));
-                return false;
-            }
-            if (IsDialogMessageA(dialog, message)) continue;
-            TranslateMessage(message);
-            DispatchMessageA(message);
-        }
-        if (!done && IsWindow(dialog)) WaitMessage();
-    }
-    return done;
 }
 
 HWND CreateDialogParamA(const DialogTemplate& pattern, HWND owner, DLGPROC procedure,
@@ -160,8 +149,6 @@ std::intptr_t DialogBoxParamA(const DialogTemplate& pattern, HWND owner, DLGPROC
                               LPARAM parameter) {
     Dialog record;
     record.outer = dialogs().innermost;
-    record.procedure = procedure;
-    record.modal = true;
     const HWND focus = GetFocus();
     const bool was_enabled = owner != 0 && IsWindowEnabled(owner);
     const HWND dialog = make_dialog(pattern, owner, procedure, parameter);
@@ -170,7 +157,7 @@ std::intptr_t DialogBoxParamA(const DialogTemplate& pattern, HWND owner, DLGPROC
     dialogs().innermost = &record;
     if (was_enabled) EnableWindow(owner, false);
     ShowWindow(dialog, SW_SHOW);
-    run_dialog(dialog, record.ended);
+    modal_loop(dialog, take_dialog_key, dialog_ended, &record);
     dialogs().innermost = record.outer;
     // The owner first, so that the activation goes back to it and not elsewhere.
     if (was_enabled && IsWindow(owner)) EnableWindow(owner, true);

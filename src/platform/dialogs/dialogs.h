@@ -40,7 +40,5 @@ bool EndDialog(HWND dialog, std::intptr_t result);
 extern bool (*somebody_answers)();
 // True when a question can be shown: on a desktop, or to a script.
 bool can_ask();
-// Waits until the dialog ends, with its keys; false when its window died without an answer.
-bool run_dialog(HWND dialog, const bool& done);
 
 }  // namespace tarn::platform

@@ -156,7 +156,8 @@ class Display {
     // Clipboard and PRIMARY: text in UTF-8 with LF line ends.
     virtual void offer_text(bool primary, std::string_view utf8) = 0;
     virtual bool request_text(bool primary, std::string& utf8) = 0;
-    virtual void offer_image(const Surface& picture) = 0;
+    // A picture as the bytes of a PNG file.
+    virtual void offer_image(std::string_view png) = 0;
     virtual bool has_text(bool primary) = 0;
 
     // The next event, waiting at most `timeout` milliseconds (-1: for ever, 0: not at all).

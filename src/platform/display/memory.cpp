@@ -73,7 +73,7 @@ class MemoryDisplay final : public Display {
 
     void offer_text(bool primary, std::string_view utf8) override;
     bool request_text(bool primary, std::string& utf8) override;
-    void offer_image(const Surface&) override { selections_[0] = {}; }
+    void offer_image(std::string_view) override { selections_[0] = {}; }
     bool has_text(bool primary) override { return selections_[primary].offered; }
 
     bool next_event(Event& event, std::int32_t timeout) override;

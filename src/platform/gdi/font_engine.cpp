@@ -21,7 +21,7 @@ namespace tarn::platform {
 namespace {
 
 struct FreeType {
-    FT_Library library = nullptr;
+    FT_Library engine = nullptr;
     decltype(&FT_Init_FreeType) init = nullptr;
     decltype(&FT_New_Memory_Face) new_memory_face = nullptr;
     decltype(&FT_Done_Face) done_face = nullptr;
@@ -73,7 +73,7 @@ bool load(FreeType& ft) {
            find(module, "FT_Get_Sfnt_Table", ft.get_sfnt_table) &&
            find(module, "FT_Outline_Translate", ft.outline_translate) &&
            find(module, "FT_Outline_Transform", ft.outline_transform) &&
-           find(module, "FT_Outline_Embolden", ft.outline_embolden) && ft.init(&ft.library) == 0;
+           find(module, "FT_Outline_Embolden", ft.outline_embolden) && ft.init(&ft.engine) == 0;
 }
 
 // Null when the library is missing: said once, since every window then lacks its texts.
@@ -82,11 +82,11 @@ FreeType* freetype() {
     if (!state.tried) {
         state.tried = true;
         if (!load(state.freetype)) {
-            state.freetype.library = nullptr;
+            state.freetype.engine = nullptr;
             std::fputs("tarnlibc: libfreetype.so.6 can't be loaded, texts aren't drawn\n", stderr);
         }
     }
-    return state.freetype.library == nullptr ? nullptr : &state.freetype;
+    return state.freetype.engine == nullptr ? nullptr : &state.freetype;
 }
 
 // A mapped file stays mapped as long as its face: for good.
@@ -161,7 +161,7 @@ std::unique_ptr<Face> load_face(const char* path, std::int32_t index) {
     const Mapping file = map_file(path);
     if (file.bytes == nullptr) return nullptr;
     FT_Face opened = nullptr;
-    if (ft->new_memory_face(ft->library, file.bytes, static_cast<FT_Long>(file.length), index,
+    if (ft->new_memory_face(ft->engine, file.bytes, static_cast<FT_Long>(file.length), index,
                             &opened) == 0) {
         if (FT_IS_SCALABLE(opened) && opened->units_per_EM > 0) {
             auto face = std::make_unique<Face>();

@@ -65,11 +65,13 @@ bool set_clipboard_bitmap(HBITMAP bitmap) {
     if (!GetBitmapSize(bitmap, size) || size.cx <= 0 || size.cy <= 0) return false;
     const HDC dc = CreateCompatibleDC(HDC{});
     const HGDIOBJ old = SelectObject(dc, bitmap);
-    const Surface* const picture = surface_of(dc);
-    if (picture != nullptr) display().offer_image(*picture);
+    std::vector<unsigned char> png;
+    if (const Surface* const picture = surface_of(dc)) png = encode_png(*picture);
     SelectObject(dc, old);
     DeleteDC(dc);
-    return picture != nullptr;
+    if (png.empty()) return false;
+    display().offer_image({reinterpret_cast<const char*>(png.data()), png.size()});
+    return true;
 }
 
 void set_primary_text(std::string_view utf8) {

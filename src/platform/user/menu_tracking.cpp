@@ -263,23 +263,14 @@ LRESULT popup_procedure(HWND hwnd, UINT message, WPARAM wparam, LPARAM lparam) {
 // ---- The loop
 // --------------------------------------------------------------------------------------
 
-void run(MenuRun& t) {
-    while (!t.done && IsWindow(t.owner)) {
-        MSG message;
-        while (!t.done && PeekMessageA(message, HWND{}, 0, 0, PM_REMOVE)) {
-            if (message.message == WM_QUIT) {
-                PostQuitMessage(static_cast<std::int32_t>(message.wParam));
-                t.done = true;
-            } else if (!take_message(t, message)) {
-                TranslateMessage(message);
-                DispatchMessageA(message);
-            }
-            // Another window took the pointer, or the program was left.
-            if (!IsWindow(t.owner) || GetCapture() != t.owner || GetActiveWindow() == 0)
-                t.done = true;
-        }
-        if (!t.done && IsWindow(t.owner)) WaitMessage();
-    }
+bool take(MSG& message, void* run) {
+    return take_message(*static_cast<MenuRun*>(run), message);
+}
+
+// Also when another window took the pointer, or the program was left.
+bool over(void* run) {
+    const MenuRun& t = *static_cast<const MenuRun*>(run);
+    return t.done || GetCapture() != t.owner || GetActiveWindow() == 0;
 }
 
 // The result is the command chosen, 0 for none.
@@ -294,7 +285,7 @@ std::uintptr_t track(MenuRun& t, void (*open)(MenuRun&, const void*), const void
     if (IsWindow(t.owner)) {
         SetCapture(t.owner);
         open(t, context);
-        run(t);
+        modal_loop(t.owner, take, over, &t);
     }
     close_from(t, 0);
     t.bar_item = no_item;

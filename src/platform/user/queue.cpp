@@ -473,7 +473,7 @@ bool queue_is_idle() {
            !q.quit && !(display_open() && injected_events_waiting());
 }
 
-bool modal_loop(HWND owner, bool (*done)(void*), void* context) {
+bool modal_loop(HWND owner, bool (*take)(MSG&, void*), bool (*done)(void*), void* context) {
     MSG message;
     while (!done(context)) {
         if (owner != HWND{} && find(owner) == nullptr) return false;
@@ -485,6 +485,7 @@ bool modal_loop(HWND owner, bool (*done)(void*), void* context) {
             PostQuitMessage(static_cast<std::int32_t>(message.wParam));
             return false;
         }
+        if (take != nullptr && take(message, context)) continue;
         TranslateMessage(message);
         DispatchMessageA(message);
     }

@@ -130,8 +130,9 @@ LRESULT DefWindowProcW(HWND hwnd, UINT message, WPARAM wparam, LPARAM lparam);
 LRESULT CallWindowProcA(WNDPROC procedure, HWND hwnd, UINT message, WPARAM wparam, LPARAM lparam);
 bool IsDialogMessageA(HWND dialog, MSG& message);
 // Runs messages, timers and paints until `done(context)`, or until `owner`'s window (0: none) dies
-// (the answer is then false). Menus, drags and dialogs wait here.
-bool modal_loop(HWND owner, bool (*done)(void*), void* context);
+// or the program is told to end (the answer is then false). Menus, drags and dialogs wait here.
+// `take` (null: none) sees each message first; one that it takes goes no further.
+bool modal_loop(HWND owner, bool (*take)(MSG&, void*), bool (*done)(void*), void* context);
 // What a wait that can never end does on a headless display (no script, no timers): set by the
 // room that knows how the process ends. It is told what was waited for.
 extern void (*unanswered_wait)(const char* what);

@@ -43,7 +43,6 @@ struct Top {
     bool settled = true;         // window_settled was told, or needn't be
     bool placed = false;         // somebody chose its place
     bool size_owed = false;      // WM_SIZE and WM_MOVE wait for the first showing
-    bool caret_here = false;     // the last present had a caret
     bool accepts_files = false;  // it or a window in it once did
     CursorShape cursor = CursorShape::arrow;
     WindowState state = WindowState::normal;

@@ -5,8 +5,6 @@
 #include <utility>
 #include <xcb/xfixes.h>
 
-#include "platform/x11/png.h"
-
 namespace tarn::x11 {
 namespace {
 
@@ -126,19 +124,9 @@ void Selections::offer_text(const Connection& connection, bool primary, std::str
     own(connection, primary);
 }
 
-void Selections::offer_image(const Connection& connection, const platform::Surface& picture) {
+void Selections::offer_image(const Connection& connection, std::string_view png) {
     offers_[0] = {};
-    Offer& offer = offers_[0];
-    if (picture.pixels && picture.width > 0 && picture.height > 0) {
-        offer.width = static_cast<std::uint32_t>(picture.width);
-        offer.height = static_cast<std::uint32_t>(picture.height);
-        offer.pixels.reserve(std::size_t{offer.width} * offer.height);
-        for (std::int32_t y = 0; y < picture.height; ++y) {
-            const std::uint32_t* row =
-                picture.pixels + static_cast<std::ptrdiff_t>(y) * picture.stride;
-            offer.pixels.insert(offer.pixels.end(), row, row + picture.width);
-        }
-    }
+    offers_[0].png = png;
     own(connection, false);
 }
 
@@ -154,7 +142,7 @@ bool Selections::convert(const Connection& connection, const Offer& offer, xcb_w
     if (target == connection[Atom::targets]) {
         std::vector<std::uint32_t> forms{connection[Atom::targets], connection[Atom::timestamp],
                                          connection[Atom::multiple]};
-        if (offer.width != 0) {
+        if (!offer.png.empty()) {
             forms.push_back(connection[Atom::image_png]);
         } else {
             forms.insert(forms.end(),
@@ -168,9 +156,9 @@ bool Selections::convert(const Connection& connection, const Offer& offer, xcb_w
         set_words(connection, to, property, XCB_ATOM_INTEGER, &offer.since, 1);
         return true;
     }
-    if (offer.width != 0) {
+    if (!offer.png.empty()) {
         if (target != connection[Atom::image_png]) return false;
-        send(connection, to, property, target, png_bytes(offer.pixels, offer.width, offer.height));
+        send(connection, to, property, target, offer.png);
         return true;
     }
     if (!is_text(connection, target)) return false;
@@ -308,7 +296,7 @@ void Selections::receive_piece(const Connection& connection) {
 bool Selections::hand_over(const Connection& connection) {
     constexpr std::size_t small = std::size_t{1} << 20;
     const Offer& offer = offers_[0];
-    if (!offer.owned || offer.width != 0 || offer.text.empty() || offer.text.size() > small)
+    if (!offer.owned || !offer.png.empty() || offer.text.empty() || offer.text.size() > small)
         return false;
     Reply<xcb_get_selection_owner_reply_t> manager(xcb_get_selection_owner_reply(
         connection.xcb,

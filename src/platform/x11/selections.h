@@ -25,9 +25,9 @@ class Selections {
     void start(const Connection& connection);
 
     void offer_text(const Connection& connection, bool primary, std::string_view utf8);
-    void offer_image(const Connection& connection, const platform::Surface& picture);
+    void offer_image(const Connection& connection, std::string_view png);
     bool owned(bool primary) const { return offers_[primary].owned; }
-    bool has_image(bool primary) const { return offers_[primary].width != 0; }
+    bool has_image(bool primary) const { return !offers_[primary].png.empty(); }
     const std::string& text(bool primary) const { return offers_[primary].text; }
 
     // Asks the owner of a selection; the answer comes with events.
@@ -61,8 +61,7 @@ class Selections {
         xcb_timestamp_t since = XCB_CURRENT_TIME;
         unsigned claim = 0;  // number of the request that made us the owner
         std::string text;
-        std::vector<std::uint32_t> pixels;
-        std::uint32_t width = 0, height = 0;
+        std::string png;  // a picture in place of a text
     };
     // A long content on its way to another program.
     struct Transfer {

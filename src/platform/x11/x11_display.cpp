@@ -312,8 +312,8 @@ void X11Display::offer_text(bool primary, std::string_view utf8) {
     xcb_flush(connection_.xcb);
 }
 
-void X11Display::offer_image(const Surface& picture) {
-    selections_.offer_image(connection_, picture);
+void X11Display::offer_image(std::string_view png) {
+    selections_.offer_image(connection_, png);
     xcb_flush(connection_.xcb);
 }
 

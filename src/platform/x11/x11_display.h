@@ -99,7 +99,7 @@ class X11Display final : public Display {
 
     void offer_text(bool primary, std::string_view utf8) override;
     bool request_text(bool primary, std::string& utf8) override;
-    void offer_image(const Surface& picture) override;
+    void offer_image(std::string_view png) override;
     bool has_text(bool primary) override;
 
     bool next_event(Event& event, std::int32_t timeout) override;

@@ -200,7 +200,7 @@ TEST_F(MemoryDisplayTest, SelectionsAreApart) {
     EXPECT_EQ(text, "cut");
     EXPECT_TRUE(screen.request_text(true, text));
     EXPECT_EQ(text, "");
-    screen.offer_image({});
+    screen.offer_image("a picture");
     EXPECT_FALSE(screen.has_text(false));
 }
 

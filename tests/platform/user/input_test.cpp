@@ -354,17 +354,17 @@ TEST_F(Waits, AModalLoopEndsWithItsWindowOrWithTheProgram) {
     static const auto never = [](void*) { return false; };
     handlers()[WM_USER] = [](const Sent& s, LRESULT&) { return DestroyWindow(s.hwnd); };
     PostMessageA(w, WM_USER, 0, 0);
-    EXPECT_FALSE(modal_loop(w, never, nullptr));
+    EXPECT_FALSE(modal_loop(w, nullptr, never, nullptr));
     const HWND v = top();
     PostQuitMessage(3);
-    EXPECT_FALSE(modal_loop(v, never, nullptr));
+    EXPECT_FALSE(modal_loop(v, nullptr, never, nullptr));
     MSG m;
     ASSERT_TRUE(PeekMessageA(m, HWND{}, 0, 0, PM_REMOVE));
     EXPECT_EQ(m.message, UINT{WM_QUIT});
     EXPECT_EQ(m.wParam, WPARAM{3});
     bool done = true;
     EXPECT_TRUE(modal_loop(
-        v, [](void* flag) { return *static_cast<bool*>(flag); }, &done));
+        v, nullptr, [](void* flag) { return *static_cast<bool*>(flag); }, &done));
 }
 
 TEST_F(Waits, NobodyToAnswerEndsTheProgram) {

@@ -54,6 +54,7 @@ program internal_files
     print *, e//'|'
     write (e(5:12), '(A)') 'inside'
     print *, e//'|'
+    c = ' '
     write (c, '(A)', iostat=ios) 'much too long'
     print *, ios, c
     write (c, *, iostat=ios) 'much too long'

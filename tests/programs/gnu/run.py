@@ -65,7 +65,7 @@ class Side:
     """A build of the program and what came of its runs."""
 
     def __init__(self, source, words, work, name, library, sanitize):
-        self.words, self.library, self.sanitize = words, library, sanitize
+        self.words, self.sanitize = words, sanitize
         self.bin = os.path.join(work, name, "bin")
         self.runs = os.path.join(work, name, "run")
         os.makedirs(self.bin)
@@ -178,12 +178,12 @@ def check(source, library, options):
 def main():
     parser = argparse.ArgumentParser(description=__doc__.split("\n")[0])
     parser.add_argument("--build", default="build", help="folder in which the library was built")
-    parser.add_argument("--library", help="the library under test")
+    parser.add_argument("--library", dest="tested", help="the library under test")
     parser.add_argument("--sanitize", action="store_true", help="it was built with sanitizers")
     parser.add_argument("--verbose", type=int, default=0, help="show so much of what is expected")
     parser.add_argument("programs", nargs="+")
     options = parser.parse_args()
-    library = os.path.abspath(options.library or os.path.join(options.build, "libtarnlibc.so"))
+    library = os.path.abspath(options.tested or os.path.join(options.build, "libtarnlibc.so"))
     if not shutil.which("gfortran"):
         sys.exit("gfortran is missing: there is nothing to compare with")
     results = [check(program, library, options) for program in options.programs]

@@ -9,6 +9,7 @@
 #include "winio/common_dialog.h"
 #include "winio/options.h"
 #include "winio/report.h"
+#include "winio/scanner.h"
 
 namespace tarn::winio {
 namespace {
@@ -19,6 +20,10 @@ common_dialog* block_of_call() {
     builder_state& state = building();
     if (state.preloaded_block && state.preloaded_type == control_type::line_end) {
         return static_cast<common_dialog*>(state.preloaded_block);
+    }
+    if (state.preloaded_block) {  // of a button or a plot that never came
+        quillpan_error("?%%bo/%%eo error: Invalid sequence.");
+        drop_preloaded_block();
     }
     auto* fresh = new common_dialog{};
     fresh->flags = start_flags;

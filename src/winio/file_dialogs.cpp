@@ -121,6 +121,9 @@ std::int32_t action_choose_file() {
     const HWND handle = callbacks().call_handle;
     const fancy_window* const window = current_window();
     const std::int32_t number = window ? window->second_number : 0;
+    const auto gone = [&] {
+        return window && (!fancy_window_exists(window) || window->second_number != number);
+    };
     auto* variable = reinterpret_cast<char*>(given.a);
     platform::OPENFILENAME request;
     request.hwndOwner = window ? window->hwnd : HWND{};
@@ -133,7 +136,7 @@ std::int32_t action_choose_file() {
     request.Flags = platform::OFN_HIDEREADONLY | platform::OFN_PATHMUSTEXIST;
     if (!saving) request.Flags |= platform::OFN_FILEMUSTEXIST;
     if (!ask(request, saving)) return 1;
-    if (!fancy_window_exists(window) || window->second_number != number) return 1;
+    if (gone()) return 1;
     if (!fits(variable, given.length, given.fortran, request.files[0])) {
         refuse_length(saving ? "FILE_OPENW" : "FILE_OPENR");
         return 1;
@@ -143,7 +146,7 @@ std::int32_t action_choose_file() {
         window_update_f(variable);
     else
         window_update(variable);
-    if (!fancy_window_exists(window) || window->second_number != number) return 1;
+    if (gone()) return 1;
     return call_function(given.further, "FILE_OPEN", handle, false, false);
 }
 

@@ -72,6 +72,7 @@ TEST(Scanner, ReportsWhatAFormatHasWrong) {
         {"%eo", "%eo error:Matching %bo is missing."},
         {"%bo%bo", "%bo error:%bo repeated without matching %eo."},
         {"%bo%nl", "%bo/%eo does not currently support this format code."},
+        {"%bo%bn[a]%eo%cd[saving]", "%bo/%eo error: Invalid sequence."},
         {"x%sy[3d]", "%SY must come before any controls are created"},
         {"%sy", "%SY must be followed by [style(s)]"},
         {"%qd[name]", "%Q* requires %WI or %WR"},

@@ -427,7 +427,7 @@ std::string first_folder(const OPENFILENAME& request) {
     const std::string given = folder_of(request.lpstrFile);
     for (const std::string& wanted : {given, request.lpstrInitialDir, state().last_folder}) {
         if (wanted.empty()) continue;
-        const std::string path = absolute_path(here, wanted);
+        std::string path = absolute_path(here, wanted);
         if (is_folder(path) && access(path.c_str(), R_OK | X_OK) == 0) return path;
     }
     return access(here.c_str(), R_OK | X_OK) == 0 ? here : "/";

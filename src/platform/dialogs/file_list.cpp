@@ -124,7 +124,8 @@ void FileList::draw(const DRAWITEMSTRUCT& item, bool focused) {
         text = muted = focused ? look.selection_text : readable(look.text, back);
     }
     const auto x = static_cast<float>(row.left + icon_left);
-    const auto y = static_cast<float>(row.top + (row.height() - icon_size) / 2);
+    const std::int32_t icon_top = row.top + (row.height() - icon_size) / 2;
+    const auto y = static_cast<float>(icon_top);
     (entry.folder ? draw_folder : draw_sheet)(item.hDC, x, y);
     SetBkMode(item.hDC, TRANSPARENT);
     SetTextColor(item.hDC, text);

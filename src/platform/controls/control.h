@@ -104,6 +104,22 @@ T* record_of(HWND hwnd) {
     return reinterpret_cast<T*>(GetWindowLong(hwnd, 0));
 }
 
+// A message at work in a control, whose record outlives it: also when an exception of the program
+// ends the message.
+template <class T>
+class MessageAtWork {
+  public:
+    explicit MessageAtWork(T* control) : control_(control) { ++control_->depth; }
+    ~MessageAtWork() {
+        if (--control_->depth == 0 && control_->dead) delete control_;
+    }
+    MessageAtWork(const MessageAtWork&) = delete;
+    MessageAtWork& operator=(const MessageAtWork&) = delete;
+
+  private:
+    T* control_;
+};
+
 template <class T>
 LRESULT control_procedure(HWND hwnd, UINT message, WPARAM wparam, LPARAM lparam) {
     T* control = record_of<T>(hwnd);
@@ -113,13 +129,12 @@ LRESULT control_procedure(HWND hwnd, UINT message, WPARAM wparam, LPARAM lparam)
         control->hwnd = hwnd;
         SetWindowLong(hwnd, 0, reinterpret_cast<LPARAM>(control));
     }
-    ++control->depth;
+    const MessageAtWork<T> work(control);
     const LRESULT result = control->handle(message, wparam, lparam);
     if (message == WM_NCDESTROY) {
         control->dead = true;
         SetWindowLong(hwnd, 0, 0);
     }
-    if (--control->depth == 0 && control->dead) delete control;
     return result;
 }
 

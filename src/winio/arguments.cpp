@@ -30,6 +30,8 @@ const char* token_end(const char* at) {
 }
 
 // Says what the argument should have been, and steps over what it is.
+// Where checking goes on, a reader gives null: in a variable of another type nothing may be read or
+// stored.
 void refuse(const char* fortran_text, const char* c_text) {
     report_argument_error(fortran_text, c_text);
     if (const char*& at = descriptor(); at) at = token_end(at);
@@ -133,8 +135,9 @@ Value* pointer_argument(argument_source& arguments, char letter, const char* for
     if (!begin_reader(arguments)) return nullptr;
     auto* value = reinterpret_cast<Value*>(arguments.next());
     const char token[3] = {'*', letter, 0};
-    if (!accept_token(token) && !accept_null(value)) refuse(fortran_text, c_text);
-    return value;
+    if (accept_token(token) || accept_null(value)) return value;
+    refuse(fortran_text, c_text);
+    return nullptr;
 }
 
 }  // namespace
@@ -316,8 +319,9 @@ double* user_float_pointer(argument_source& arguments) {
 char** user_char_star_star_pointer(argument_source& arguments) {
     if (!begin_reader(arguments)) return nullptr;
     auto* value = reinterpret_cast<char**>(arguments.next());
-    if (!accept_token("**C") && !accept_null(value)) refuse("a char**", "a char**");
-    return value;
+    if (accept_token("**C") || accept_null(value)) return value;
+    refuse("a char**", "a char**");
+    return nullptr;
 }
 
 void** user_void_star_star_pointer(argument_source& arguments) {
@@ -329,6 +333,7 @@ void** user_void_star_star_pointer(argument_source& arguments) {
         at = token_end(at);
     } else if (!accept_null(value)) {
         refuse("a void**", "a void**");
+        return nullptr;
     }
     return value;
 }
@@ -338,16 +343,18 @@ void* user_struct_pointer(argument_source& arguments, bool allow_j) {
     auto* value = reinterpret_cast<void*>(arguments.next());
     const bool right = accept_token(in_fortran() ? "*I" : "*S") ||
                        (allow_j && accept_token("*J")) || accept_null(value);
-    if (!right) refuse("an integer array", "a pointer to a structure");
-    return value;
+    if (right) return value;
+    refuse("an integer array", "a pointer to a structure");
+    return nullptr;
 }
 
 void* user_struct_star_star_pointer(argument_source& arguments) {
     if (!begin_reader(arguments)) return nullptr;
     auto* value = reinterpret_cast<void*>(arguments.next());
     const bool right = accept_token("**S") || (!value && accept_token("I")) || accept_null(value);
-    if (!right) refuse("a ** pointer to a structure", "a ** pointer to a structure");
-    return value;
+    if (right) return value;
+    refuse("a ** pointer to a structure", "a ** pointer to a structure");
+    return nullptr;
 }
 
 // ---- Texts -------------------------------------------------------------------------------------
@@ -357,7 +364,10 @@ char* user_char_pointer(argument_source& arguments) {
     // A null pointer in C may have been written as a plain 0.
     const bool right =
         accept_token("*C") || (!in_fortran() && !value && accept_token("I")) || accept_null(value);
-    if (!right) refuse("a character variable", "a char*");
+    if (!right) {
+        refuse("a character variable", "a char*");
+        value = nullptr;
+    }
     // Only a text brings a length.
     note_string(value, in_fortran() && right ? take_length(arguments) : 0);
     return value;

@@ -233,7 +233,7 @@ std::int32_t add_menu_item(HMENU menu, const char* text, std::int32_t* grey, std
         AppendMenuAW(menu, MF_SEPARATOR, 0, nullptr);
     } else {
         item->text = strdup(text);
-        discard_with_garbage(item->text, nullptr);
+        discard_with_window(window, item->text, nullptr);
         item->id = get_id();
         AppendMenuAW(menu, MF_STRING, static_cast<std::uintptr_t>(item->id), text);
     }
@@ -284,9 +284,10 @@ void set_caption(menu_info* item, const char* text) {
             add_menu_key(item->window, code, item->id);
         caption += "\t" + key;
     }
-    item->text = strdup(caption.c_str());
-    if (item->text == nullptr) heap_exhausted();
-    discard_with_garbage(item->text, nullptr);
+    char* kept = strdup(caption.c_str());
+    if (kept == nullptr) heap_exhausted();
+    discard_with_window(item->window, kept, nullptr);
+    item->text = kept;
 }
 
 }  // namespace

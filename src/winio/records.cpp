@@ -189,6 +189,10 @@ void discard_with_window(void* storage, void* old) {
     discard_with(current_window(), storage, old);
 }
 
+void discard_with_window(fancy_window* window, void* storage, void* old) {
+    discard_with(window, storage, old);
+}
+
 void discard_with_window(window_control* control, void* storage, void* old) {
     discard_with(control->window, storage, old);
 }

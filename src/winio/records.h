@@ -548,6 +548,7 @@ void confirm(const void* pointer, const char* where);
 void confirm_handle(std::int32_t handle, const char* where);
 [[noreturn]] void heap_exhausted();
 void discard_with_window(void* storage, void* old);
+void discard_with_window(fancy_window* window, void* storage, void* old);
 void discard_with_window(window_control* control, void* storage, void* old);
 void* discard_with_garbage(void* fresh, void* old);
 // A copy that dies with the current window.

@@ -144,7 +144,7 @@ void set_transfer_words(DataBlock& block) {
 
 void begin_native_transfer(DataBlock& block, bool reading) {
     enter();
-    native_road() = {native_transfer, native_done};
+    native_road() = {native_transfer, native_refuse_derived, native_done};
     block.part().owner = Owner::native;
     beginIO(action_of(block, reading));
     set_outcome_words(common_part(block));
@@ -420,6 +420,11 @@ bool native_transfer(void* block, ItemType type, void* item, int kind, std::size
     const bool go_on = transfer_formatted(io, type, item, kind, length);
     conclude(go_on);
     return go_on;
+}
+
+void native_refuse_derived(void*) {
+    if (items_are_ignored()) return;
+    conclude(IO_not_available("Input and output by procedures of derived types is not available"));
 }
 
 void native_done(void* block) {

@@ -11,6 +11,8 @@ namespace tarn::gcc {
 
 // One item; false: the statement has failed, and what follows is ignored.
 bool native_transfer(void* block, fio::ItemType type, void* item, int kind, std::size_t length);
+// An item with a procedure of its own: the dialect has none of that.
+void native_refuse_derived(void* block);
 void native_done(void* block);
 
 }  // namespace tarn::gcc

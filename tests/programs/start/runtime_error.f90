@@ -22,7 +22,7 @@
 !> status: 1
 !> err: *** Error  408, ALLOCATE was unable to obtain sufficient storage
 !> err:     Error allocating 140737488355328 bytes: Cannot allocate memory
-!> err:     In file 'runtime_error.f90', around line 55
+!> err:     In file 'runtime_error.f90', around line 56
 !> run:
 !> args: overflow
 !> status: 1

@@ -54,8 +54,11 @@ std::string command_line() {
 bool whole_number(std::string_view text, std::int32_t& value) {
     if (text.size() > 1 && text.front() == '+' && text[1] != '-') text.remove_prefix(1);
     const char* end = text.data() + text.size();
-    const auto [stop, error] = std::from_chars(text.data(), end, value);
-    return error == std::errc() && stop == end;
+    std::int32_t read = 0;
+    const auto [stop, error] = std::from_chars(text.data(), end, read);
+    if (error != std::errc() || stop != end) return false;
+    value = read;
+    return true;
 }
 
 bool find_variable(std::string_view given, std::string_view& value) {

@@ -18,7 +18,7 @@ void restart_arguments();
 // The whole command line. Arguments with blanks stand in quotation marks.
 std::string command_line();
 
-// A text that is a number and nothing else.
+// A text that is a number and nothing else; otherwise the value stays as it was.
 bool whole_number(std::string_view text, std::int32_t& value);
 
 // False: there is no such variable. An empty one is there.

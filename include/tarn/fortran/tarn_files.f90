@@ -200,6 +200,8 @@ module tarn_files
     end function
 
     ! ---- Other programs ---------------------------------------------------------------------
+    ! What this program has written is on its way before they start; but not what a unit holds
+    ! in whose PRINT or WRITE one of these functions stands: take its result into a variable.
     ! Runs a command by the shell and waits. What the command says by its status is no error.
     subroutine cissue@(command, error)
       character(*), intent(in) :: command

@@ -13,7 +13,8 @@
  * for reading, a directory), 6 no such handle (also: a read on a handle for writing), 32 the file
  * is in use, 87 a negative count, 109 nobody reads the pipe any more, 112 the disk is full, 123 a
  * name with a zero byte in it, 131 a position before the file's start, 206 a name that is too long.
- * The handle stays usable after any of them. The one fatal case is failure 116: no number is left.
+ * The handle stays usable after any of them; only a close closes it all the same. The one fatal
+ * case is failure 116: no number is left.
  *
  * Names are paths of the system: case counts, a backslash is a character as any other. White space
  * behind a name is cut.

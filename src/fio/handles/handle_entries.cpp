@@ -1,5 +1,4 @@
 // The entries of Fortran handles.
-#include <algorithm>
 #include <cstring>
 
 #include "fio/handles/handles.h"

@@ -1,8 +1,6 @@
 #include "fio/handles/table.h"
 
-#include <algorithm>
 #include <cerrno>
-#include <cstdlib>
 #include <fcntl.h>
 #include <mutex>
 #include <new>

@@ -1,5 +1,4 @@
 // The entries of the command line and the environment.
-#include <cerrno>
 
 #include "frame/console_lines.h"
 #include "frame/link_name.h"

@@ -1,6 +1,4 @@
 // The entries of files and processes.
-#include <cerrno>
-#include <cstring>
 
 #include "frame/console_lines.h"
 #include "frame/link_name.h"

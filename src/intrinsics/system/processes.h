@@ -1,8 +1,8 @@
 // Other programs.
 //
 // Whatever the program at hand has written, to units, handles and C's standard output, is on its
-// way before another one starts: it may read it, and its own output comes behind. Only a unit in the
-// middle of a statement keeps what it holds.
+// way before another one starts: it may read it, and its own output comes behind. Only a unit in
+// the middle of a statement keeps what it holds.
 #pragma once
 
 #include <string>

@@ -164,7 +164,8 @@ std::string next_temporary_name() {
 std::string sys_createTempFilename(int& err) {
     const std::string& folder = temporary_folder();
     for (std::string name = next_temporary_name(); !name.empty(); name = next_temporary_name()) {
-        const std::string path = folder == "." ? name : folder + "/" + name;
+        std::string path = folder == "." ? std::string() : folder + "/";
+        path.append(name);
         const int flags = O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC;
         const int descriptor = ::open(path.c_str(), flags, 0600);
         if (descriptor >= 0) {

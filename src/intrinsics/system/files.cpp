@@ -145,7 +145,7 @@ std::string new_temporary_name(Place place, int& error) {
     }
     for (std::string name = fio::next_temporary_name(); !name.empty();
          name = fio::next_temporary_name()) {
-        const std::string path = folder + name;
+        std::string path = folder + name;
         // A link that leads nowhere has the name, too.
         struct stat about;
         if (::lstat(path.c_str(), &about) == 0) continue;

@@ -5,8 +5,8 @@
 namespace tarn::traceback {
 namespace {
 
-// Routines count, not lines and copies: a routine that calls itself from two places, or was put into
-// itself by the compiler, is one recursion.
+// Routines count, not lines and copies: a routine that calls itself from two places, or was put
+// into itself by the compiler, is one recursion.
 bool same_routine(const Location& one, const Location& other) {
     if (one.routine.empty() || other.routine.empty()) return one.start == other.start;
     return one.routine == other.routine && one.module == other.module;
@@ -89,12 +89,16 @@ void collect(const Registers& registers, bool interrupted, Callers& callers) {
     constexpr std::size_t most_held = 8;
     Location held[most_held];
     std::size_t held_count = 0;
+    std::string_view rest;  // the routine whose beginning is still to come
     do {
         const std::uintptr_t place = walk.place();
         if (is_own_code(place)) continue;
         const std::size_t count = locate(place, found);
         for (std::size_t i = 0; i < count; ++i) {
             if (found[i].hidden) continue;
+            const bool beginning = found[i].inlined && found[i].routine == rest;
+            rest = found[i].is_rest ? found[i].routine : std::string_view{};
+            if (beginning) continue;
             if (is_system_module(found[i].module)) {
                 if (held_count < most_held) held[held_count++] = found[i];
                 continue;

@@ -61,7 +61,8 @@ void add_callers(TextBuffer& text, const Callers& callers) {
     }
     if (callers.lacks_lines())
         text.add(
-            "    (for files and lines, compile with -g1 and link with tarnfc, tarncc or tarnc++)\n");
+            "    (for files and lines, compile with -g1 and link with tarnfc, tarncc or "
+            "tarnc++)\n");
 }
 
 }  // namespace tarn::traceback

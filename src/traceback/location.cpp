@@ -46,6 +46,7 @@ std::size_t from_map(const LoadedFile& file, std::uintptr_t address,
     found[count].line = number;
     found[count].start = file.module.bias + file.map.start_of(*routine);
     found[count].is_main = (routine->flags & routine_is_main) != 0;
+    found[count].is_rest = (routine->flags & routine_is_rest) != 0;
     found[count].hidden = (routine->flags & routine_hidden) != 0;
     return count + 1;
 }

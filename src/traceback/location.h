@@ -16,6 +16,7 @@ struct Location {
     std::uintptr_t start = 0;    // of the routine, or of what was inlined
     bool inlined = false;        // the compiler put this routine in place of the call
     bool is_main = false;        // callers end here
+    bool is_rest = false;        // of a routine whose beginning was inlined into its caller
     bool hidden = false;         // the compiler's own, or the run-time library's
     bool has_map = false;        // lines could be known
 };

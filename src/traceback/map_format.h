@@ -45,6 +45,9 @@ static_assert(sizeof(MapRoutine) == 16);
 inline constexpr std::uint32_t routine_hidden = 1;
 // The main program, where callers end.
 inline constexpr std::uint32_t routine_is_main = 2;
+// The rest of a routine whose beginning the compiler put in place of its calls: the two are one
+// call.
+inline constexpr std::uint32_t routine_is_rest = 4;
 
 // Code of another routine that was put in place of a call.
 struct [[gnu::packed]] MapInline {

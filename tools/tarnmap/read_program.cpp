@@ -265,6 +265,8 @@ void Reader::read_routine(const Unit& unit, Dwarf_Die* die) {
             routine.flags = traceback::routine_is_main;
             if (routine.name == "MAIN__" || routine.name.empty()) routine.name = "main program";
         }
+        if (symbol != symbols_.end() && symbol->second.find(".part.") != std::string::npos)
+            routine.flags |= traceback::routine_is_rest;
         routine.start = each.start;
         routine.end = each.end;
         map_.routines.push_back(routine);
@@ -276,6 +278,12 @@ void Reader::read_inlined(const Unit& unit, Dwarf_Die* die, int depth) {
     call.name = name_of(unit, die);
     call.depth = static_cast<std::uint32_t>(depth);
     call.call_line = static_cast<std::uint32_t>(attribute_number(die, DW_AT_call_line));
+    // A routine that the compiler split in two and put together again calls itself from its own
+    // first line.
+    int own_line = 0;
+    if (dwarf_decl_line(die, &own_line) == 0 &&
+        call.call_line == static_cast<std::uint32_t>(own_line))
+        return;
     const std::uint64_t file = attribute_number(die, DW_AT_call_file);
     if (unit.files != nullptr)
         call.call_file = shown_path(unit, dwarf_filesrc(unit.files, file, nullptr, nullptr));

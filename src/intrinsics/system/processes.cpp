@@ -120,10 +120,33 @@ int spawn(Wait wait, std::string_view program, std::string_view arguments) {
 }
 
 int run_command(std::string_view given) {
+    return run_by_shell(given) != -1 ? 0 : errno;
+}
+
+int run_by_shell(std::string_view given) {
     std::string command;
-    if (!fio::clean_name(given, command)) return EINVAL;
+    if (!fio::clean_name(given, command)) {
+        errno = EINVAL;
+        return -1;
+    }
     write_out_everything();
-    return std::system(command.c_str()) != -1 ? 0 : errno;
+    return std::system(command.c_str());
+}
+
+bool start_by_shell(std::string_view given) {
+    std::string command;
+    if (!fio::clean_name(given, command)) {
+        errno = EINVAL;
+        return false;
+    }
+    write_out_everything();
+    const char* const words[] = {"sh", "-c", command.c_str(), nullptr};
+    pid_t process = 0;
+    errno = ::posix_spawn(&process, "/bin/sh", nullptr, nullptr, const_cast<char* const*>(words),
+                          environ);
+    if (errno != 0) return false;
+    remember(process);
+    return true;
 }
 
 }  // namespace tarn::intrinsics

@@ -26,5 +26,9 @@ std::vector<std::string> split_words(std::string_view text);
 int spawn(Wait wait, std::string_view program, std::string_view arguments);
 // Runs a command by the shell: 0, or errno where that couldn't be.
 int run_command(std::string_view command);
+// The same, but the shell's status as wait() gives it; -1 with errno where it couldn't be.
+int run_by_shell(std::string_view command);
+// Starts one by the shell and doesn't wait. False, with errno: it couldn't be.
+bool start_by_shell(std::string_view command);
 
 }  // namespace tarn::intrinsics

@@ -42,10 +42,14 @@ void get_environment_variable(const char* name, char* value, Integer* length, In
 // Blank, with an error, where the name is too long.
 int current_folder(char* text, std::size_t length) {
     char* path = ::getcwd(nullptr, 0);
-    const int error = path == nullptr ? errno : std::strlen(path) > length ? ERANGE : 0;
-    store_text(error == 0 ? path : "", text, length);
+    if (path == nullptr) {
+        store_text("", text, length);
+        return errno;
+    }
+    const bool fits = std::strlen(path) <= length;
+    store_text(fits ? path : "", text, length);
     std::free(path);
-    return error != 0 ? errno = error : 0;
+    return fits ? 0 : errno = ERANGE;
 }
 
 int enter_folder(const char* name, std::size_t length) {

@@ -3,6 +3,8 @@
 ! program.
 module tarn
   use tarn_characters
+  use tarn_dates
+  use tarn_random
   use tarn_windows
   implicit none
   public

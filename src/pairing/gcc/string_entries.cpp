@@ -222,7 +222,7 @@ TARN_EXPORT void _gfortran_string_minmax_char4(std::size_t* length, Wide** resul
     va_end(arguments);
 }
 
-// ---- From one kind to the other; characters that kind 1 doesn't have become `?` ----
+// ---- From one kind to the other; of a character that kind 1 doesn't have, the low byte stays ----
 
 TARN_EXPORT void _gfortran_convert_char1_to_char4(Wide** result, std::size_t length,
                                                   const Narrow* text) {
@@ -233,6 +233,6 @@ TARN_EXPORT void _gfortran_convert_char4_to_char1(Narrow** result, std::size_t l
                                                   const Wide* text) {
     *result = storage_for<Narrow>(length);
     std::transform(text, text + length, *result,
-                   [](Wide c) { return static_cast<Narrow>(c > 0xFF ? '?' : c); });
+                   [](Wide c) { return static_cast<Narrow>(c); });
 }
 }

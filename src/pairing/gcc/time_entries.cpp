@@ -225,11 +225,11 @@ float usage_since_last(const ArrayDescriptor& array) {
 // Seconds since midnight, less the argument, which counts modulo a day.
 float seconds_of_day_since(float reference) {
     const LocalTime now = intrinsics::local_time_now();
-    const double seconds =
-        now.hour * 3600.0 + now.minute * 60.0 + now.second + now.millisecond * 0.001;
-    double since = std::fmod(reference, 86400.0);
-    if (seconds < since) since -= 86400.0;
-    return static_cast<float>(seconds - since);
+    // In single precision throughout: a moment less itself must not come out below zero.
+    const auto seconds = static_cast<float>(now.hour * 3600.0 + now.minute * 60.0 + now.second +
+                                            now.millisecond * 0.001);
+    const float since = std::fmod(reference, 86400.0F);
+    return seconds - (seconds < since ? since - 86400.0F : since);
 }
 
 }  // namespace

@@ -41,26 +41,44 @@ int compare_common(const Char* one, const Char* two, std::size_t length) {
 
 // ---- Short values: most of what programs have ----
 
-constexpr std::uint64_t eight_blanks = 0x2020202020202020;
-// How much of a text is looked at by words before the vectors take over.
-constexpr std::size_t short_bytes = 32;
+// How much of a text is looked at here before the general search is called.
+constexpr std::size_t short_bytes = 128;
+// So few characters are looked at one by one.
+constexpr std::size_t loop_limit = 4;
+
+template <class Char>
+std::uint32_t nonblank_bits(typename vectors::Vector<Char>::Value value) {
+    return vectors::bits_of(value != vectors::Vector<Char>::filled(blank<Char>));
+}
 
 // The first character that is no blank.
 template <class Char>
 std::size_t first_nonblank(const Char* text, std::size_t length) {
+    using V = vectors::Vector<Char>;
+    constexpr std::size_t lanes = V::lanes;
+    if (length <= loop_limit) {
+        for (std::size_t at = 0; at < length; ++at)
+            if (text[at] != blank<Char>) return at;
+        return none;
+    }
+    if (length < lanes) {
+        const std::uint32_t valid = (1U << (length * sizeof(Char))) - 1;
+        const std::uint32_t bits = nonblank_bits<Char>(vectors::load_short(text, length)) & valid;
+        return bits == 0 ? none : vectors::first_lane<Char>(bits);
+    }
     const std::size_t few = std::min(length, short_bytes / sizeof(Char));
     std::size_t at = 0;
-    if constexpr (sizeof(Char) == 1) {
-        for (; at + 8 <= few; at += 8) {
-            const std::uint64_t rest = vectors::load_word<std::uint64_t>(text + at) ^ eight_blanks;
-            if (rest != 0) return at + static_cast<unsigned>(__builtin_ctzll(rest)) / 8;
-        }
+    for (; at + lanes <= few; at += lanes) {
+        const std::uint32_t bits = nonblank_bits<Char>(V::load(text + at));
+        if (bits != 0) return at + vectors::first_lane<Char>(bits);
     }
-    for (; at < few; ++at)
-        if (text[at] != blank<Char>) return at;
-    if (few == length) return none;
-    const std::size_t rest = other_than(text + few, length - few, blank<Char>, From::start);
-    return rest == none ? none : few + rest;
+    if (at == length) return none;
+    if (few == length) {
+        const std::uint32_t bits = nonblank_bits<Char>(V::load(text + length - lanes));
+        return bits == 0 ? none : length - lanes + vectors::first_lane<Char>(bits);
+    }
+    const std::size_t rest = other_than(text + at, length - at, blank<Char>, From::start);
+    return rest == none ? none : at + rest;
 }
 
 // How the rest of the longer value compares with blanks.
@@ -107,18 +125,28 @@ std::size_t other_than(const Char* text, std::size_t length, Char c, From from) 
 
 template <class Char>
 std::size_t trimmed_behind_blank(const Char* text, std::size_t length) {
-    std::size_t end = length;
-    const std::size_t few = length - std::min(length, short_bytes / sizeof(Char));
-    if constexpr (sizeof(Char) == 1) {
-        for (; end >= few + 8; end -= 8) {
-            const std::uint64_t rest =
-                vectors::load_word<std::uint64_t>(text + end - 8) ^ eight_blanks;
-            if (rest != 0) return end - static_cast<unsigned>(__builtin_clzll(rest)) / 8;
-        }
+    using V = vectors::Vector<Char>;
+    constexpr std::size_t lanes = V::lanes;
+    if (length <= loop_limit) {
+        while (length > 0 && text[length - 1] == blank<Char>) --length;
+        return length;
     }
-    for (; end > few; --end)
-        if (text[end - 1] != blank<Char>) return end;
-    if (end == 0) return 0;
+    if (length < lanes) {
+        const std::uint32_t valid = (1U << (length * sizeof(Char))) - 1;
+        const std::uint32_t bits = nonblank_bits<Char>(vectors::load_short(text, length)) & valid;
+        return bits == 0 ? 0 : vectors::last_lane<Char>(bits) + 1;
+    }
+    const std::size_t limit = length - std::min(length, short_bytes / sizeof(Char));
+    std::size_t end = length;
+    for (; end >= limit + lanes; end -= lanes) {
+        const std::uint32_t bits = nonblank_bits<Char>(V::load(text + end - lanes));
+        if (bits != 0) return end - lanes + vectors::last_lane<Char>(bits) + 1;
+    }
+    if (limit == 0) {
+        // What is left over, and something behind it that is blank.
+        const std::uint32_t bits = nonblank_bits<Char>(V::load(text));
+        return bits == 0 ? 0 : vectors::last_lane<Char>(bits) + 1;
+    }
     return other_than(text, end, blank<Char>, From::end) + 1;  // none + 1 is 0
 }
 

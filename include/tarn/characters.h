@@ -15,10 +15,10 @@
 extern "C" {
 #endif
 
-typedef struct {
+struct tarn_characters {
     char* address;
     intptr_t length;
-} tarn_characters;
+};
 
 /* ---- Assignment. The forms differ in what they do about an overlap. ---- */
 
@@ -46,8 +46,8 @@ void tarn_concat_u(intptr_t count, char* destination, intptr_t destination_lengt
     TARN_LINK_NAME("__CONCAT_U");
 /* `values` is the destination and then the pieces. A piece that overlaps the destination is
  * failure 38; NCK_CONCAT doesn't look. */
-void CONCAT_h(intptr_t count, const tarn_characters* values) TARN_LINK_NAME("CONCAT#");
-void NCK_CONCAT_h(intptr_t count, const tarn_characters* values) TARN_LINK_NAME("NCK_CONCAT#");
+void CONCAT_h(intptr_t count, const struct tarn_characters* values) TARN_LINK_NAME("CONCAT#");
+void NCK_CONCAT_h(intptr_t count, const struct tarn_characters* values) TARN_LINK_NAME("NCK_CONCAT#");
 
 /* ---- Comparison. ---- */
 

@@ -70,7 +70,8 @@ void system_clock(Integer* count, Integer* rate, Integer* maximum, std::int64_t 
 // In the units of 100 nanoseconds that the platform counts in.
 template <class Real>
 void cpu_time(Real* time) {
-    *time = static_cast<Real>(static_cast<double>(processor_nanoseconds() / 100) / 10000000.0);
+    const std::int64_t units = processor_nanoseconds() / 100;
+    *time = static_cast<Real>(static_cast<double>(units) / 10000000.0);
 }
 
 }  // namespace

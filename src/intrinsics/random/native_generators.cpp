@@ -107,7 +107,7 @@ void Twister::fill(std::uint32_t* values, std::size_t count) {
 
 template <class Real, Bits bits>
 Real random_real(Twister& twister) {
-    std::uint32_t words[2];
+    std::uint32_t words[2] = {};
     for (std::size_t i = 0; i < words_each<Real, bits>; ++i) words[i] = twister.next();
     return real_of_words<Real, bits>(words);
 }

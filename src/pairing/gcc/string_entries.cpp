@@ -64,6 +64,7 @@ void extreme(std::size_t* length, Char** result, int sign, int count, va_list ar
     std::size_t best_length = 0;
     *length = 0;
     for (int i = 0; i < count; ++i) {
+        // NOLINTNEXTLINE(clang-analyzer-valist.Uninitialized): the caller has started it
         const std::size_t next_length = va_arg(arguments, std::size_t);
         const Char* const next = va_arg(arguments, const Char*);
         if (next == nullptr) continue;

@@ -3,7 +3,6 @@
 #include <atomic>
 #include <cmath>
 #include <cstdlib>
-#include <cstring>
 #include <ctime>
 #include <limits>
 #include <string>
@@ -63,15 +62,15 @@ void put_moment_text(char* result, std::size_t length, std::time_t moment) {
     char text[100];
     const std::size_t count = moment_in_words(text, sizeof text, moment);
     const std::size_t copied = count <= length ? count : 0;
-    if (copied != 0) std::memcpy(result, text, copied);
-    if (length > copied) std::memset(result + copied, ' ', length - copied);
+    std::copy_n(text, copied, result);
+    std::fill_n(result + copied, length - copied, ' ');
 }
 
 // Digits into a CHARACTER variable that may be shorter or longer.
 void put_figures(char* result, std::size_t length, const std::string& text) {
     const std::size_t count = std::min(length, text.size());
-    std::memcpy(result, text.data(), count);
-    std::memset(result + count, ' ', length - count);
+    std::copy_n(text.begin(), count, result);
+    std::fill_n(result + count, length - count, ' ');
 }
 
 std::string figures(const char* format, int first, int second, int third, int fourth) {

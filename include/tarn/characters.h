@@ -47,7 +47,8 @@ void tarn_concat_u(intptr_t count, char* destination, intptr_t destination_lengt
 /* `values` is the destination and then the pieces. A piece that overlaps the destination is
  * failure 38; NCK_CONCAT doesn't look. */
 void CONCAT_h(intptr_t count, const struct tarn_characters* values) TARN_LINK_NAME("CONCAT#");
-void NCK_CONCAT_h(intptr_t count, const struct tarn_characters* values) TARN_LINK_NAME("NCK_CONCAT#");
+void NCK_CONCAT_h(intptr_t count, const struct tarn_characters* values)
+    TARN_LINK_NAME("NCK_CONCAT#");
 
 /* ---- Comparison. ---- */
 

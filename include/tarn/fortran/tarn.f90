@@ -4,6 +4,8 @@
 module tarn
   use tarn_characters
   use tarn_dates
+  use tarn_files
+  use tarn_handles
   use tarn_random
   use tarn_windows
   implicit none

@@ -233,7 +233,6 @@ TARN_EXPORT void _gfortran_convert_char1_to_char4(Wide** result, std::size_t len
 TARN_EXPORT void _gfortran_convert_char4_to_char1(Narrow** result, std::size_t length,
                                                   const Wide* text) {
     *result = storage_for<Narrow>(length);
-    std::transform(text, text + length, *result,
-                   [](Wide c) { return static_cast<Narrow>(c); });
+    std::transform(text, text + length, *result, [](Wide c) { return static_cast<Narrow>(c); });
 }
 }

@@ -13,6 +13,9 @@ import subprocess
 import sys
 import tempfile
 
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent.parent))
+from callers import without_callers  # noqa: E402
+
 DRIVERS = {".f90": ["tarnfc"], ".f": ["tarnfc"], ".c": ["tarncc"], ".cpp": ["tarnc++", "-std=c++20"]}
 
 
@@ -37,7 +40,7 @@ def main():
         build_program(build, source, folder)
         run = subprocess.run(["./program"], cwd=folder, env=environment(source), timeout=120,
                              stdin=subprocess.DEVNULL, capture_output=True, check=False)
-    shown = run.stdout.decode() + f"status {run.returncode}\n"
+    shown = without_callers(run.stdout.decode()) + f"status {run.returncode}\n"
     expected = source.with_suffix(".expected")
     if "--accept" in sys.argv:
         expected.write_text(shown)

@@ -16,6 +16,7 @@ contains
       case (1)  ! compare-padded
         if (b(:half) > b) found = found + 1
       case (2)  ! compare-equal
+        a(1:1) = c(1:1)
         if (a > c) found = found + 1
       case (3)  ! index
         found = found + index(c, 'queenX')

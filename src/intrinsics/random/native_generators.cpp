@@ -38,6 +38,7 @@ Real real_of_words(const std::uint32_t* words) {
         const auto low = static_cast<Real>(static_cast<std::int32_t>(words[1] >> 5));
         return (low + high * Real(0x1p27)) * Real(0x1p-53);
     } else {
+        // NOLINTNEXTLINE(clang-analyzer-core.UndefinedBinaryOperatorResult): Twister::fill wrote it
         return static_cast<Real>(std::uint64_t{words[1]} << 32 | words[0]) * Real(0x1p-64L);
     }
 }

@@ -163,6 +163,7 @@ bool close_window(fancy_window* window) {
     if (!focus_let_go(window)) return false;
     if (handed_to_host(window)) return false;
     if (!window->flags.closing && !close_agreed(window)) return false;
+    hide_tool_help();
     HWND target = IsWindow(window->focus_before) ? window->focus_before : HWND{};
     if (window->disable_window) EnableWindow(to_hwnd(window->disable_window), true);
     HWND first = enable_the_others(window);
@@ -175,6 +176,7 @@ bool close_window(fancy_window* window) {
 void window_destroyed(fancy_window* window) {
     if (!window->flags.open) return;
     HWND hwnd = window->hwnd;
+    forget_tool_help(window);
     window->open_combo = nullptr;
     window->flags.ready = false;
     if (window->drop_callback) DragAcceptFiles(hwnd, false);

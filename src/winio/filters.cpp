@@ -96,8 +96,11 @@ std::int32_t upper(std::int32_t character) {
 }
 
 void note_input(const MSG& message) {
-    if (is_press(message.message) || is_key_message(message.message))
+    if (is_press(message.message) || is_key_message(message.message)) {
         procedures().input_seen = true;
+        if (message.message != WM_KEYUP && message.message != WM_SYSKEYUP) hide_tool_help();
+    }
+    follow_pointer_for_help(message);
     if (message.message == WM_KEYUP || message.message == WM_LBUTTONUP)
         adjust_grey_of(our_window(message.hwnd));
 }

@@ -46,6 +46,8 @@ platform::LRESULT text_array_procedure(platform::HWND hwnd, platform::UINT messa
                                        platform::WPARAM wparam, platform::LPARAM lparam);
 platform::LRESULT spin_control_procedure(platform::HWND hwnd, platform::UINT message,
                                          platform::WPARAM wparam, platform::LPARAM lparam);
+platform::LRESULT bubble_help_procedure(platform::HWND hwnd, platform::UINT message,
+                                        platform::WPARAM wparam, platform::LPARAM lparam);
 platform::LRESULT shadow_procedure(platform::HWND hwnd, platform::UINT message,
                                    platform::WPARAM wparam, platform::LPARAM lparam);
 // Part of the first use of the library: filters and hooks of the message pump, the end of the

@@ -9,6 +9,7 @@
 #include "textwin/textwin.h"
 #include "winio/procedures.h"
 #include "winio/text_layer.h"
+#include "winio/winproc.h"
 
 namespace tarn::winio {
 namespace {
@@ -109,6 +110,8 @@ void update_window(fancy_window* window, const void* variable) {
         return;
     }
     if (window->caption == variable || window->caption_variable == variable) redraw_caption(window);
+    tool_help_updated(variable);
+    if (!still_open(window, number)) return;
     for (window_control* c = window->first_control; c; c = c->next) {
         if (c->scrolls && !c->flags.update_source) update_scrolls(c, variable);
         if (!shows(c, variable) || c->flags.update_source) continue;

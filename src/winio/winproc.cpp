@@ -161,6 +161,7 @@ served position_changing(fancy_window* window, LPARAM lparam) {
 
 void activation_changed(fancy_window* window, WPARAM wparam) {
     if (LOWORD(wparam) != WA_INACTIVE) return;
+    hide_tool_help();
     HWND focus = GetFocus();
     if (focus && IsChild(window->hwnd, focus)) window->focus_kept = focus;
     HWND capture = GetCapture();
@@ -472,6 +473,8 @@ served serve(fancy_window* window, HWND hwnd, UINT message, WPARAM wparam, LPARA
         case WM_NOTIFY:
             split_arrow(window, lparam);
             return {};
+        case WM_HELP:
+            return help_requested(window) ? served{true, 1} : to_default;
         case WM_MENUSELECT:
             menu_selected(window, wparam, lparam);
             return {};

@@ -25,6 +25,21 @@ struct monitor_list {
     bool empty() const { return count == 0; }
 };
 
+// A control with help, or one button of a %ib.
+struct help_target {
+    fancy_window* window = nullptr;
+    window_control* control = nullptr;
+    std::int32_t cell = -1;
+
+    bool operator==(const help_target&) const = default;
+};
+struct tool_help_state {
+    help_target over;  // under the pointer; a window alone: nothing with help is
+    platform::HWND tip;
+    std::uintptr_t timer;        // until the tip comes, or goes
+    platform::DWORD gone_since;  // when a tip went because the pointer moved on; 0: long ago
+};
+
 struct procedures_state {
     bool installed;
     bool input_seen;    // since quillpan_idle ran last
@@ -39,7 +54,8 @@ struct procedures_state {
     monitor_list idle, cursor, focus, keyboard;
     platform::HWND cursor_window, focus_window;  // as the monitors were told last
     platform::LRESULT message_result;            // __set_mg_return_value
-    struct text_exchange *sending, *exchange;    // text messages: on its way, being answered
+    tool_help_state tool_help;
+    struct text_exchange *sending, *exchange;  // text messages: on its way, being answered
 };
 procedures_state& procedures();
 
@@ -109,6 +125,14 @@ std::int32_t button_value(const window_control* control);
 window_control* IsAlert(fancy_window* window, platform::HWND mark);
 void draw_alert(const window_control* owner, const platform::DRAWITEMSTRUCT& item);
 void keep_alert_with(window_control* control);  // the box moved
+
+// ---- Help of controls (tool_help.cpp)
+void follow_pointer_for_help(const platform::MSG& message);
+void hide_tool_help();
+bool help_requested(fancy_window* window);  // F1; false: the control with the focus has no help
+void tool_help_updated(const void* variable);
+void forget_tool_help(const fancy_window* window);
+platform::HWND tool_help_window(const fancy_window* window);
 
 // ---- Text messages between programs (text_messages.cpp)
 void text_message_arrived(fancy_window* window, platform::LPARAM exchange);

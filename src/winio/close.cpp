@@ -87,8 +87,9 @@ void remove_from_frame(fancy_window* window) {
             *link = window->next_sibling;
             break;
         }
+    if (!host->first_child) return change_topmost_mdi_child(host);
     if (host->top_child == window) host->top_child = nullptr;
-    if (host->hwnd && host->first_child) PostMessageA(host->hwnd, msg_topmost_mdi, 0, 0);
+    if (host->hwnd) PostMessageA(host->hwnd, msg_topmost_mdi, 0, 0);
 }
 
 void forget_controls(fancy_window* window) {
@@ -169,6 +170,7 @@ bool close_window(fancy_window* window) {
     HWND first = enable_the_others(window);
     if (watch.gone()) return false;
     if (!target) target = first;
+    if (HWND next = window->flags.mdi_child ? mdi_child_below(window) : HWND{}) target = next;
     if (target && focus_within(hwnd)) SetFocus(target);
     return !watch.gone();
 }

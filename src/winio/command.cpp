@@ -171,6 +171,7 @@ void window_command(fancy_window* window, WPARAM wparam, LPARAM lparam) {
     if (window->flags.busy && !window->flags.permit && !callbacks().clipboard_refresh) return;
     window_watch watch(window);
     command what{LOWORD(wparam), static_cast<std::int32_t>(HIWORD(wparam)), to_hwnd(lparam)};
+    if (!what.sender && mdi_menu_command(window, what.id)) return;
     if (menu_served(window, what) || watch.gone()) return;
     for (window_control* control = window->first_control; control; control = control->next) {
         if (window->flags.closing) return;

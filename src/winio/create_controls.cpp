@@ -141,6 +141,7 @@ control_look look_of(const fancy_window* window, const window_control* control) 
 }
 
 void hand_out(window_control* control) {
+    if (control->type == control_type::mdi_frame) return;  // it is told its topmost child
     std::int32_t handle = static_cast<std::int32_t>(control->hwnd);
     if (control->hwnd_var) *control->hwnd_var = handle;
     if (control->hwnd_var_wide) *control->hwnd_var_wide = handle;
@@ -165,6 +166,10 @@ void create_child(fancy_window* window, window_control* control, std::int32_t id
 }
 
 void tell_images(window_control* control) {
+    if (control->type == control_type::bitmap && control->flags.native) {
+        SendMessageA(control->hwnd, STM_SETIMAGE, IMAGE_BITMAP, control->data);
+        return;
+    }
     if (control->type != control_type::option_button || drawn_button(control)) return;
     const auto* button = static_cast<const Xbutton*>(control->block);
     if (!button) return;

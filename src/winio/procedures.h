@@ -72,9 +72,6 @@ void re_size_scroll_bars(window_control* control);
 // Text and class of the control's real window, by its type.
 void create_control_window(fancy_window* window, window_control* control, std::int32_t child_id);
 
-// Fits the bars of %hx and %vx to a control that has moved.
-void re_size_scroll_bars(window_control* control);
-
 bool pre_message_loop_filter(platform::MSG& message);
 void post_message_loop_filter(const platform::MSG& message);
 void quillpan_idle();

@@ -265,6 +265,9 @@ void do_format_code(code_call& call) {
         state.call = outer;
         return;
     }
+    // %ty belongs right behind its %tx; a %tc between them gives a pair its text colour.
+    if (call.code != code_of('T', 'Y') && call.code != code_of('T', 'C'))
+        pending().text_array_seen = false;
     fancy_window* window = current_window();
     window_control* const before = window ? window->last_control : nullptr;
     if (!add_preloaded_options(call)) handler(call);

@@ -100,11 +100,22 @@ void window_scrolled(fancy_window* window, bool vertical, platform::WPARAM wpara
 bool wheel_scrolled(fancy_window* window, std::int32_t turn);
 void set_window_scroll_bars(fancy_window* window);
 void create_scroll_bars(window_control* control, std::int32_t& next_id);
+void show_scroll_bars(window_control* control);  // as its variables say
 void window_timer(fancy_window* window, std::uintptr_t id);
 void start_timers(fancy_window* window);
 void set_timer(platform::HWND hwnd, double seconds, call_back function);
 void kill_timer(platform::HWND hwnd, call_back function);
 void change_timer_interval(platform::HWND hwnd, double seconds);
+
+// ---- MDI (winproc_mdi.cpp)
+inline constexpr std::int32_t mdi_restore = 0xF00, mdi_minimise = 0xF01;  // commands of the menu
+void mdi_child_made(fancy_window* child);
+void mdi_child_sized(fancy_window* child, platform::WPARAM kind);
+void change_topmost_mdi_child(fancy_window* host);
+platform::HWND mdi_child_below(const fancy_window* child);  // that is next when it goes; 0: none
+void mdi_page_turned(const fancy_window* host);
+bool mdi_menu_command(fancy_window* host, std::int32_t id);
+void next_mdi_child(fancy_window* host, bool back);
 
 // ---- Closing (close.cpp)
 // True when the window may be destroyed now.

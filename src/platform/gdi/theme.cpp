@@ -125,7 +125,7 @@ constexpr COLORREF Theme::*system_colours[] = {
     &Theme::caption_text,           // COLOR_CAPTIONTEXT
     &Theme::border,                 // COLOR_ACTIVEBORDER
     &Theme::border,                 // COLOR_INACTIVEBORDER
-    &Theme::face,                   // COLOR_APPWORKSPACE
+    &Theme::border,                 // COLOR_APPWORKSPACE
     &Theme::selection,              // COLOR_HIGHLIGHT
     &Theme::selection_text,         // COLOR_HIGHLIGHTTEXT
     &Theme::face,                   // COLOR_BTNFACE

@@ -12,7 +12,6 @@ using namespace platform;
 
 namespace {
 
-constexpr std::int32_t first_child_id = 300;
 constexpr const char* place_holder_class = "TarnickPlaceholder";
 
 struct control_look {
@@ -273,11 +272,30 @@ void create_control_window(fancy_window* window, window_control* control, std::i
     hand_out(control);
 }
 
+// A child tells its control by its number: messages of a window with many controls find it at once.
+void make_room_for_numbers(fancy_window* window) {
+    std::int32_t count = 0;
+    for (const window_control* control = window->first_control; control; control = control->next)
+        count += control->scrolls ? 3 : 1;  // its bars have numbers of their own
+    if (count == 0) return;
+    auto* table = static_cast<window_control**>(
+        allocate_zeroed(static_cast<std::size_t>(count) * sizeof(window_control*)));
+    fancy_window* before = current_window();
+    current_window() = window;
+    discard_with_window(table, nullptr);
+    current_window() = before;
+    window->controls_by_id = table;
+    window->controls_by_id_count = count;
+}
+
 void create_controls(fancy_window* window) {
     window_watch watch(window);
+    make_room_for_numbers(window);
     bool named = window->first_focus != nullptr;
     std::int32_t id = first_child_id;
     for (window_control* control = window->first_control; control; control = control->next) {
+        if (id - first_child_id < window->controls_by_id_count)
+            window->controls_by_id[id - first_child_id] = control;
         create_control_window(window, control, id++);
         if (watch.gone()) return;
         offer_focus(window, control, named);

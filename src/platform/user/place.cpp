@@ -62,6 +62,7 @@ void set_window_rect(Window& window, const RECT& rect, UINT flags, bool from_dis
     const bool resized = rect.width() != old.width() || rect.height() != old.height();
     const bool shifted = rect.left != old.left || rect.top != old.top;
     w->rect = rect;
+    children_changed(w->parent);
     if (resized || (flags & SWP_FRAMECHANGED) != 0) update_client(*w);
     if (!w.alive()) return;
     const bool client_resized = w->client_size() != old_client;
@@ -147,6 +148,7 @@ void hide_window(Window& window) {
     if (!w.alive()) return;
     const bool was_shown = is_visible(*w);
     w->style &= ~WS_VISIBLE;
+    children_changed(w->parent);
     forget_updates(*w);
     if (w->top) {
         if (w->top->shown) display().show(display_id(*w), false, false);
@@ -300,6 +302,7 @@ bool ShowWindow(HWND hwnd, std::int32_t how) {
     call(*window, WM_SHOWWINDOW, 1, 0);
     if (!window.alive() || window->dying) return false;
     window->style |= WS_VISIBLE;
+    children_changed(window->parent);
     if (window->top)
         show_top(*window, !quiet && (window->style & WS_MINIMIZE) == 0);
     else

@@ -15,8 +15,8 @@ struct ArrayWalk {
     int rank = 0;
     Dimension dimension[15];  // the first `rank` of them are filled
 
-    void add(std::int64_t extent, std::int64_t stride, std::int64_t index = 0) {
-        dimension[rank++] = {extent, stride, index};
+    void add(std::int64_t extent, std::int64_t stride) {
+        dimension[rank++] = {extent, stride, 0};
     }
     std::int64_t count() const {
         std::int64_t elements = 1;

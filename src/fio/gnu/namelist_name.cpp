@@ -222,13 +222,13 @@ bool apply_subscripts(NamelistReader& r, const NamelistItem& item, const Triplet
                          joined({"two parts of the name are arrays: ", item.path}));
 }
 
-// A single element of an array begins a list that may go on to the end of the array.
+// A single element of an array begins a list that may go on to the end of each dimension.
 void stretch(const NamelistGroup& group, const NamelistItem& item, const Triplet* triplets,
              ArrayWalk& walk) {
     const NamelistDimension* dimension = group.dimensions_of(item);
     for (int i = 0; i < item.rank; ++i, ++dimension) {
-        walk.add(dimension->extent(), dimension->stride * static_cast<std::int64_t>(item.size),
-                 triplets[i].first - dimension->lower);
+        walk.add(dimension->upper - triplets[i].first + 1,
+                 dimension->stride * static_cast<std::int64_t>(item.size));
     }
 }
 

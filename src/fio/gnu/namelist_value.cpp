@@ -171,8 +171,12 @@ bool read_complex(NamelistReader& r, const NamelistItem& item, char* target) {
         read_complex_mark(r, item, '(', open_missing) && read_complex_part(r, item, value) &&
         read_complex_mark(r, item, r.comma ? ';' : ',', namelist_bad_value) &&
         read_complex_part(r, item, value + part) && read_complex_mark(r, item, ')', close_missing);
-    if (read) std::memcpy(target, value, 2 * part);
-    return read;
+    if (!read) return false;
+    // The bytes that fill up a REAL(10) stay as they are.
+    const std::size_t bytes = item.kind == 10 ? 10 : part;
+    std::memcpy(target, value, bytes);
+    std::memcpy(target + part, value + part, bytes);
+    return true;
 }
 
 // Whether text of a value is over at the cursor.
@@ -217,12 +221,14 @@ Next look_at_word(NamelistReader& r, const NamelistItem& item, bool unquoted) {
     const Statement& s = r.s;
     const char* at = s.cursor;
     while (at < s.limit && is_name_character(*at)) ++at;
-    const bool subscripts = at < s.limit && (*at == '(' || *at == '%');
     const std::string_view text = text_at(s);
     const bool value = is_value_word(item, text);
+    // NAN(...) is a value.
+    const bool subscripts =
+        at < s.limit && (*at == '(' || *at == '%') && !(value && item.type == ItemType::real);
     while (at < s.limit && is_list_blank(*at)) ++at;
     const bool over = at == s.limit || *at == '!' || *at == '\n';
-    if (!over && (*at == '=' || (subscripts && !value))) return Next::nothing;
+    if (!over && (*at == '=' || subscripts)) return Next::nothing;
     if (value) return over ? Next::word : Next::value;
     if (unquoted && item.type == ItemType::character) return Next::value;
     if (over) return Next::nothing;

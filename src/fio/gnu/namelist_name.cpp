@@ -258,30 +258,43 @@ bool step_into(NamelistReader& r, NamelistSelection& selection) {
     return true;
 }
 
+// An array, and the brackets at the cursor.
+[[gnu::noinline]] bool read_subscripted(NamelistReader& r, NamelistSelection& selection) {
+    Statement& s = r.s;
+    const NamelistItem& item = r.group.items[selection.item];
+    Triplet triplets[namelist_max_rank];
+    if (!read_subscripts(r, selection.item, triplets)) return false;
+    const bool was_array = selection.walk.rank > 0;
+    if (!apply_subscripts(r, item, triplets, selection)) return false;
+    skip_line_blanks(s);
+    const bool single = !was_array && selection.walk.rank == 0;
+    if (single && !stands(s, '%')) stretch(r.group, item, triplets, selection.walk);
+    return true;
+}
+
+bool read_bracket(NamelistReader& r, NamelistSelection& selection) {
+    const NamelistItem& item = r.group.items[selection.item];
+    if (item.derived || item.type != ItemType::character) {
+        return fail_namelist(
+            r, namelist_subscript_count, r.s.cursor,
+            joined({item.path, item.rank > 0 ? " has subscripts already" : " is no array"}));
+    }
+    if (!read_substring(r, selection)) return false;
+    skip_line_blanks(r.s);
+    return true;
+}
+
 // One part of the name, whose item is the selection's, with what stands in brackets behind it.
 bool read_part(NamelistReader& r, NamelistSelection& selection) {
     Statement& s = r.s;
     const NamelistItem& item = r.group.items[selection.item];
-    Triplet triplets[namelist_max_rank];
     skip_line_blanks(s);
-    const bool subscripted = item.rank > 0 && stands(s, '(');
-    if (subscripted && !read_subscripts(r, selection.item, triplets)) return false;
-    const bool was_array = selection.walk.rank > 0;
-    if (!apply_subscripts(r, item, subscripted ? triplets : nullptr, selection)) return false;
-    if (subscripted) skip_line_blanks(s);
-    if (stands(s, '(')) {
-        if (item.derived || item.type != ItemType::character) {
-            return fail_namelist(
-                r, namelist_subscript_count, s.cursor,
-                joined({path_of(r, selection.item),
-                        item.rank > 0 ? " has subscripts already" : " is no array"}));
-        }
-        if (!read_substring(r, selection)) return false;
-        skip_line_blanks(s);
+    if (item.rank > 0 && stands(s, '(')) {
+        if (!read_subscripted(r, selection)) return false;
+    } else if (item.rank > 0 && !apply_subscripts(r, item, nullptr, selection)) {
+        return false;
     }
-    const bool single = subscripted && !was_array && selection.walk.rank == 0;
-    if (single && !stands(s, '%')) stretch(r.group, item, triplets, selection.walk);
-    return true;
+    return !stands(s, '(') || read_bracket(r, selection);
 }
 
 }  // namespace

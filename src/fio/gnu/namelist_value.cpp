@@ -1,5 +1,6 @@
 // The values behind an equals sign: as many as there are, up to the next name or the group's end.
 #include <algorithm>
+#include <array>
 #include <cstring>
 
 #include "fio/gnu/edit_in.h"
@@ -23,12 +24,22 @@ constexpr std::int32_t greatest_repeat = 200000000;
 // What stands where a value may stand.
 enum class Next : unsigned char { value, word, null, nothing, failed };
 
+constexpr std::array<bool, 256> make_value_ends() {
+    std::array<bool, 256> ends{};
+    for (const char c : {' ', '\t', '\r', '\n', ',', ';', '/', '!', '&', '$'}) {
+        ends[static_cast<unsigned char>(c)] = true;
+    }
+    return ends;
+}
+constexpr std::array<bool, 256> value_ends = make_value_ends();
+
+constexpr bool ends_text(char c) {
+    return value_ends[static_cast<unsigned char>(c)];
+}
+
 // Where the value that begins at `at` ends. `mark`: a decimal comma, which is part of a number.
 const char* value_end(const char* at, const char* end, char mark) {
-    while (at < end && (*at == mark || !is_list_separator(*at)) && *at != '!' && *at != '&' &&
-           *at != '$') {
-        ++at;
-    }
+    while (at < end && (!ends_text(*at) || *at == mark)) ++at;
     return at;
 }
 
@@ -181,8 +192,7 @@ bool read_complex(NamelistReader& r, const NamelistItem& item, char* target) {
 
 // Whether text of a value is over at the cursor.
 bool at_value_end(const Statement& s) {
-    return s.cursor == s.limit || is_list_separator(*s.cursor) || *s.cursor == '!' ||
-           *s.cursor == '&' || *s.cursor == '$';
+    return s.cursor == s.limit || ends_text(*s.cursor);
 }
 
 bool read_characters(NamelistReader& r, const NamelistItem& item, char* target, std::size_t length,

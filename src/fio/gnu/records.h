@@ -64,6 +64,8 @@ void finish_open_record(Unit& unit, int& err);
 
 // Whether a record of the unit is seen by others as soon as it is complete.
 bool leaves_at_once(const Unit& unit);
+// A direct record has been written.
+void tell_record(Unit& unit, std::int64_t number);
 // A sequential WRITE makes its record the last one of the file.
 void cut_behind(Statement& statement);
 

@@ -57,6 +57,7 @@ struct ListState {
 // without markers.
 struct UnformattedState {
     bool open = false;       // a part is at hand
+    bool native = false;     // the records have the frames of the native layout
     bool swapped = false;    // the file has the other byte order
     bool continued = false;  // input: another part follows
     bool preceded = false;   // output: another part precedes
@@ -66,7 +67,9 @@ struct UnformattedState {
     std::size_t lead = 0;    // output: bytes of a marker right before `begin`
     std::int64_t marker_position = 0;  // output: of the part's first marker in the file
     std::int64_t record_position = 0;  // output: of the record's first byte in the file
-    std::int64_t part_done = 0;        // output: bytes of the part before `begin`
+    std::int64_t part_done = 0;        // output: bytes of the part before `begin`; input: of the
+                                       // whole record, in the native layout
+    std::int64_t guess = 0;            // output: what the part's first marker says in the file
     std::int64_t part_left = 0;        // bytes of the part from `begin` on
     std::int64_t record_left = 0;      // the same of the record, as RECL= allows
 };

@@ -7,8 +7,6 @@
 namespace tarn::fio {
 namespace {
 
-constexpr Fault not_there{156, iostat_internal};
-
 // Items that don't lie one behind the other, or have the other byte order, pass through here.
 constexpr std::size_t chunk_size = 4096;
 
@@ -134,11 +132,9 @@ void read_scattered(Statement& s, char* items, const Layout& layout, bool turn,
 }  // namespace
 
 void begin_unformatted(Statement& s) {
-    const Unit& unit = *s.unit;
-    if (unit.dialect != &gnu_dialect) {
-        return fail(s, not_there, "the unit's records are of another kind");
-    }
-    s.raw.swapped = unit.gnu.endian == Endian::swap;
+    const GnuConnection& gnu = s.unit->gnu;
+    s.raw.native = gnu.native_records;
+    s.raw.swapped = gnu.endian == Endian::swap;
     if (s.reading) return begin_raw_input(s);
     begin_raw_output(s);
 }

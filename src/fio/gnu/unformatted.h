@@ -21,6 +21,11 @@ void transfer_unformatted(Statement& statement, ItemType type, char* items, int 
                           std::size_t size, std::ptrdiff_t stride, std::size_t count);
 void end_unformatted(Statement& statement);
 
+// The first and the last of them for a caller that holds the unit itself and has found that the
+// statement may run on it. `place`: REC= or POS=, 0 where it isn't given.
+Statement* begin_unformatted_on(Unit& unit, Caller& caller, bool reading, std::int64_t place);
+void end_unformatted_on(Statement* statement);
+
 // Below: the record of the statement as bytes.
 
 void begin_raw_output(Statement& statement);

@@ -89,9 +89,7 @@ void gnu_row(DataBlock& block, ItemType type, char* items, int kind, std::size_t
 
 void native_row(DataBlock& block, ItemType type, char* items, int kind, std::size_t size,
                 std::int64_t stride, std::int64_t count) {
-    for (; count > 0; --count, items += stride) {
-        if (!native_road().transfer(&block, type, items, kind, size)) return;
-    }
+    native_road().row(&block, type, items, kind, size, stride, count);
 }
 
 // Steps through the array, one innermost row at a time; rows that follow each other in memory go

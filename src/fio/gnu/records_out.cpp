@@ -179,10 +179,6 @@ void go_on_behind_scalar(Statement& s) {
 
 }  // namespace
 
-bool leaves_at_once(const Unit& unit) {
-    return unit.gnu.unbuffered || unit.file.terminal || unit.file.shared;
-}
-
 void cut_behind(Statement& s) {
     Unit& unit = *s.unit;
     if (unit.gnu.last_was_write) return;

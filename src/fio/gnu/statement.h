@@ -62,6 +62,7 @@ struct UnformattedState {
     bool continued = false;  // input: another part follows
     bool preceded = false;   // output: another part precedes
     bool held = false;       // output: a part stays in the buffer until its length is known
+    bool whole = false;      // input: the buffer has all of the record and its last marker
     bool ended = false;      // input: the file ended inside the last record of a direct file
     std::size_t marker = 0;  // bytes of a marker; 0: none
     std::size_t lead = 0;    // output: bytes of a marker right before `begin`
@@ -204,6 +205,8 @@ struct TransferSpecifiers {
 // unit isn't one that simply goes on: `begin_transfer` does it then.
 Statement* begin_usual_transfer(Caller& caller, bool reading, const char* format,
                                 std::size_t format_length);
+// The same without a format.
+Statement* begin_usual_records(Caller& caller, bool reading);
 // Opens a READ or WRITE. The statement is valid in any case; a fault is in its caller's outcome.
 Statement* begin_transfer(Caller& caller, const TransferSpecifiers& specifiers);
 // A statement that has failed before it began: its items are ignored.

@@ -59,6 +59,13 @@ inline void put_raw(Statement& s, const char* bytes, std::size_t count) {
     s.cursor += count;
 }
 
+// Items as they lie in memory, one at a time: the roads of most statements.
+inline std::size_t raw_size(ItemType type, int kind, std::size_t size) {
+    return type == ItemType::character ? size * static_cast<std::size_t>(kind) : size;
+}
+void put_raw_item(Statement& statement, ItemType type, void* item, int kind, std::size_t size);
+void take_raw_item(Statement& statement, ItemType type, void* item, int kind, std::size_t size);
+
 // Takes bytes of the record; fewer than asked for when the statement meets its end there.
 inline std::size_t take_raw(Statement& s, char* bytes, std::size_t count) {
     if (static_cast<std::size_t>(s.limit - s.cursor) < count) {

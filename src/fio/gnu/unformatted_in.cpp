@@ -40,6 +40,7 @@ void release_bytes(Statement& s) {
     consume(s.unit->file, count);
     count_bytes(s.raw, count);
     s.begin = s.cursor = s.limit = nullptr;
+    s.raw.whole = false;
 }
 
 // The end of the file instead of a record. A record before it may have claimed more bytes than
@@ -56,6 +57,9 @@ void meet_end(Statement& s) {
 const char* find_marker(Statement& s, bool first) {
     const UnformattedState& raw = s.raw;
     File& file = s.unit->file;
+    if (!file.dirty && file.data_count - file.read_index >= raw.marker) {
+        return file.buffer + file.read_index;
+    }
     int err = 0;
     char* bytes = nullptr;
     const std::size_t got = peek_bytes(file, raw.marker, bytes, err);
@@ -167,6 +171,41 @@ void meet_gap(Statement& s) {
 
 }  // namespace
 
+namespace {
+
+// What the buffer has of the part is at hand for the items.
+void take_buffered(Statement& s) {
+    const UnformattedState& raw = s.raw;
+    const File& file = s.unit->file;
+    const std::size_t there = file.dirty ? 0 : file.data_count - file.read_index;
+    const std::int64_t left = std::min(raw.part_left, raw.record_left);
+    s.begin = s.cursor = file.buffer + file.read_index;
+    s.limit = s.begin + std::min<std::uint64_t>(there, static_cast<std::uint64_t>(left));
+}
+
+// The usual record, with markers of four bytes: all of it is in the buffer.
+bool open_whole_record(Statement& s) {
+    constexpr std::size_t usual_marker = 4;
+    UnformattedState& raw = s.raw;
+    File& file = s.unit->file;
+    const std::size_t there = file.dirty ? 0 : file.data_count - file.read_index;
+    if (raw.native || raw.swapped || raw.marker != usual_marker || there < 2 * usual_marker) {
+        return false;
+    }
+    char* const begin = file.buffer + file.read_index + usual_marker;
+    const std::int64_t length = load_marker(begin - usual_marker, usual_marker, false);
+    if (length < 0 || length > static_cast<std::int64_t>(there - 2 * usual_marker)) return false;
+    if (length > raw.record_left) return false;
+    consume(file, usual_marker);
+    raw.part_left = length;
+    raw.open = raw.whole = true;
+    s.begin = s.cursor = begin;
+    s.limit = begin + length;
+    return true;
+}
+
+}  // namespace
+
 void begin_raw_input(Statement& s) {
     UnformattedState& raw = s.raw;
     const Unit& unit = *s.unit;
@@ -179,7 +218,7 @@ void begin_raw_input(Statement& s) {
     }
     if (unit.status.fixed_record_length) raw.record_left = unit.recl;
     if (!raw.native) raw.marker = marker_size();
-    open_part(s, true);
+    if (!open_whole_record(s) && open_part(s, true)) take_buffered(s);
 }
 
 std::size_t take_raw_slowly(Statement& s, char* bytes, std::size_t count) {
@@ -236,6 +275,11 @@ std::size_t take_raw_slowly(Statement& s, char* bytes, std::size_t count) {
 void end_raw_input(Statement& s) {
     UnformattedState& raw = s.raw;
     Unit& unit = *s.unit;
+    if (raw.whole) {
+        consume(unit.file, static_cast<std::size_t>(raw.part_left) + raw.marker);
+        ++unit.current_record;
+        return;
+    }
     if (s.begin != nullptr) release_bytes(s);
     if (!raw.open) return;
     if (s.direct) unit.gnu.record_number = s.record_number;

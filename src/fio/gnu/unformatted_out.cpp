@@ -173,6 +173,33 @@ void fill_direct(Statement& s, int& err) {
 
 }  // namespace
 
+namespace {
+
+// The usual end: the whole record, between markers of four bytes, lies in the buffer.
+bool end_at_hand(Statement& s) {
+    constexpr std::size_t usual_marker = 4;
+    UnformattedState& raw = s.raw;
+    if (raw.lead != usual_marker || raw.preceded || raw.native || raw.swapped ||
+        s.room_end - s.cursor < static_cast<std::ptrdiff_t>(usual_marker)) {
+        return false;
+    }
+    Unit& unit = *s.unit;
+    const std::int64_t length = used(s);
+    store_marker(s.begin - usual_marker, usual_marker, false, length);
+    store_marker(s.cursor, usual_marker, false, length);
+    int err = 0;
+    end_record(unit.file, static_cast<std::size_t>(length) + 2 * usual_marker, leaves_at_once(unit),
+               err);
+    if (err == 0) {
+        ++unit.current_record;
+    } else {
+        give_up(s, err);
+    }
+    return true;
+}
+
+}  // namespace
+
 void begin_raw_output(Statement& s) {
     UnformattedState& raw = s.raw;
     const Unit& unit = *s.unit;
@@ -194,20 +221,18 @@ void put_raw_slowly(Statement& s, const char* bytes, std::size_t count) {
         return fail(s, s.direct ? too_big_for_direct : too_big);
     }
     int err = 0;
+    if (raw.native && raw.marker == short_frame) lengthen_frame(s);
     while (count > 0 && err == 0) {
+        const std::int64_t left = raw.part_left - used(s);
+        const bool is_long = static_cast<std::int64_t>(count) >= long_run && left >= long_run;
         const auto piece = std::min(count, static_cast<std::size_t>(s.limit - s.cursor));
-        if (piece > 0) {
+        if (piece > 0 && (raw.held || !is_long)) {
             std::memcpy(s.cursor, bytes, piece);
             s.cursor += piece;
             bytes += piece;
             count -= piece;
             continue;
         }
-        if (raw.native && raw.marker == short_frame) {
-            lengthen_frame(s);
-            continue;
-        }
-        const std::int64_t left = raw.part_left - used(s);
         if (left == 0 && raw.native) return fail(s, too_big);
         if (left == 0) {
             end_part(s, true, false, err);
@@ -215,7 +240,7 @@ void put_raw_slowly(Statement& s, const char* bytes, std::size_t count) {
             continue;
         }
         const std::size_t run = std::min<std::uint64_t>(count, static_cast<std::uint64_t>(left));
-        if (raw.held || static_cast<std::int64_t>(run) < long_run) {
+        if (raw.held || !is_long) {
             make_raw_room(s, run, err);
             continue;
         }
@@ -239,6 +264,10 @@ void end_raw_output(Statement& s) {
     UnformattedState& raw = s.raw;
     if (!raw.open) return;
     Unit& unit = *s.unit;
+    if (end_at_hand(s)) {
+        if (!unit.gnu.last_was_write) cut_behind(s);
+        return;
+    }
     const bool now = leaves_at_once(unit);
     int err = 0;
     if (raw.marker > 0) {

@@ -96,6 +96,12 @@ void native_row(DataBlock& block, ItemType type, char* items, int kind, std::siz
 // as one.
 void walk(DataBlock& block, const ArrayDescriptor& array, ItemType type, int kind, std::size_t size,
           ItemRow row) {
+    if (array.rank == 1) {
+        const Dimension& only = array.dimension[0];
+        const std::int64_t count = only.extent();
+        if (count > 0) row(block, type, array.base, kind, size, only.stride * array.unit(), count);
+        return;
+    }
     std::int64_t extent[15];
     std::int64_t stride[15];
     int rank = 0;
@@ -174,10 +180,11 @@ void begin_data_transfer(DataBlock& block, bool reading) {
     part.owner = Owner::gnu;
     fill_caller(block, part.caller);
     const std::uint32_t flags = block.flags;
-    if ((flags & (reading ? unusual_in_read : unusual_in_write)) == 0 &&
-        (flags & (has_format | list_directed)) != 0) {
-        part.statement =
-            fio::begin_usual_transfer(part.caller, reading, format_of(block), block.format_length);
+    if ((flags & (reading ? unusual_in_read : unusual_in_write)) == 0) {
+        part.statement = (flags & (has_format | list_directed)) != 0
+                             ? fio::begin_usual_transfer(part.caller, reading, format_of(block),
+                                                         block.format_length)
+                             : fio::begin_usual_records(part.caller, reading);
         if (part.statement != nullptr) return;
     }
     part.statement = begin_any(block, reading);

@@ -7,9 +7,9 @@
 #include "intrinsics/matmul/multiply.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cstdlib>
 #include <cstring>
-#include <memory>
 #include <type_traits>
 
 #include "intrinsics/arrays/cpu.h"
@@ -34,19 +34,43 @@ struct WorkingOf<std::uint8_t> {
 template <class T>
 using Working = typename WorkingOf<T>::Type;
 
-struct Free {
-    void operator()(void* storage) const { std::free(storage); }
-};
-template <class T>
-using Storage = std::unique_ptr<T, Free>;
+// Room for copies. The last one given back is kept for the next product, since new pages from the
+// system cost as much as a product of middling size.
+class Workspace {
+  public:
+    explicit Workspace(Index bytes) {
+        kept_ = waiting().exchange(nullptr, std::memory_order_acquire);
+        if (kept_ != nullptr && kept_->bytes >= bytes) return;
+        std::free(kept_);
+        const auto size = static_cast<std::size_t>(bytes + 2 * line) / line * line;
+        kept_ = static_cast<Header*>(std::aligned_alloc(line, size));
+        if (kept_ != nullptr) kept_->bytes = bytes;
+    }
+    ~Workspace() {
+        if (kept_ != nullptr && kept_->bytes <= most_kept)
+            kept_ = waiting().exchange(kept_, std::memory_order_acq_rel);
+        std::free(kept_);
+    }
+    Workspace(const Workspace&) = delete;
+    Workspace& operator=(const Workspace&) = delete;
 
-template <class T>
-Storage<T> make_storage(Index count) {
-    constexpr std::size_t line = 64;
-    const std::size_t bytes =
-        (static_cast<std::size_t>(count) * sizeof(T) + line - 1) / line * line;
-    return Storage<T>(static_cast<T*>(std::aligned_alloc(line, bytes + line)));
-}
+    // Null: there is no storage.
+    std::byte* bytes() const {
+        return kept_ != nullptr ? reinterpret_cast<std::byte*>(kept_) + line : nullptr;
+    }
+
+  private:
+    static constexpr Index line = 64;
+    static constexpr Index most_kept = Index{16} << 20;
+    struct Header {
+        Index bytes;
+    };
+    static std::atomic<Header*>& waiting() {
+        static constinit std::atomic<Header*> storage{nullptr};
+        return storage;
+    }
+    Header* kept_;
+};
 
 template <class T>
 void clear(const Matrix<T>& c) {
@@ -156,9 +180,10 @@ bool multiply_in_blocks(const Matrix<const T>& a, const Matrix<const T>& b, cons
     const Index k_block = std::min(inner_block, a.columns);
     const Index m_block = std::min(row_block, round_up(c.rows, tile_rows));
     const Index n_block = std::min(column_block, round_up(c.columns, tile_columns));
-    const auto a_panels = make_storage<W>(m_block * k_block);
-    const auto b_panels = make_storage<W>(round_up(n_block, tile_columns) * k_block);
-    if (a_panels == nullptr || b_panels == nullptr) return false;
+    const Workspace workspace((m_block + n_block) * k_block * static_cast<Index>(sizeof(W)));
+    if (workspace.bytes() == nullptr) return false;
+    W* const a_panels = reinterpret_cast<W*>(workspace.bytes());
+    W* const b_panels = a_panels + m_block * k_block;
     alignas(64) W tile[tile_rows * tile_columns];
 
     for (Index j0 = 0; j0 < c.columns; j0 += n_block) {
@@ -166,28 +191,27 @@ bool multiply_in_blocks(const Matrix<const T>& a, const Matrix<const T>& b, cons
         for (Index p0 = 0; p0 < a.columns; p0 += k_block) {
             const Index k = std::min(k_block, a.columns - p0);
             const bool add = p0 > 0;
-            pack_panels(b_panels.get(), block_of(b, p0, k, j0, n).transposed(), tile_columns);
+            pack_panels(b_panels, block_of(b, p0, k, j0, n).transposed(), tile_columns);
             for (Index i0 = 0; i0 < c.rows; i0 += m_block) {
                 const Index m = std::min(m_block, c.rows - i0);
-                pack_panels(a_panels.get(), block_of(a, i0, m, p0, k), tile_rows);
+                pack_panels(a_panels, block_of(a, i0, m, p0, k), tile_rows);
                 for (Index j = 0; j < n; j += tile_columns) {
-                    const W* const b_panel = b_panels.get() + j * k;
+                    const W* const b_panel = b_panels + j * k;
                     const Index columns = std::min(tile_columns, n - j);
                     for (Index i = 0; i < m; i += tile_rows) {
-                        const W* const a_panel = a_panels.get() + i * k;
+                        const W* const a_panel = a_panels + i * k;
                         const Index rows = std::min(tile_rows, m - i);
-                        const Index* const packed = nullptr;
                         if constexpr (std::is_same_v<T, W>) {
                             if (rows == tile_rows && columns == tile_columns && c.row_step == 1) {
                                 T* const to = c.base + (i0 + i) + (j0 + j) * c.column_step;
                                 Level::template run<Kernel>(k, a_panel, tile_rows, b_panel,
-                                                            Index{0}, packed, to, c.column_step,
+                                                            Index{0}, Index{0}, to, c.column_step,
                                                             add);
                                 continue;
                             }
                         }
                         Level::template run<Kernel>(k, a_panel, tile_rows, b_panel, Index{0},
-                                                    packed, tile + 0, tile_rows, false);
+                                                    Index{0}, tile + 0, tile_rows, false);
                         store_tile(tile, tile_rows, c, i0 + i, rows, j0 + j, columns, add);
                     }
                 }
@@ -197,39 +221,38 @@ bool multiply_in_blocks(const Matrix<const T>& a, const Matrix<const T>& b, cons
     return true;
 }
 
+// How a complex product is cut up.
+template <class Kernel>
+struct ComplexBlocks {
+    static constexpr Index tile_rows = Kernel::rows;
+    static constexpr Index tile_columns = Kernel::columns;
+    static constexpr Index bytes = 2 * sizeof(typename Kernel::Element);
+    static constexpr Index row_block =
+        row_block_bytes / (inner_block * bytes) / tile_rows * tile_rows;
+    Index k, m, n;
+
+    ComplexBlocks(Index rows, Index inner, Index columns)
+        : k(std::min(inner_block, inner)),
+          m(std::min(row_block, round_up(rows, tile_rows))),
+          n(std::min(column_block, round_up(columns, tile_columns))) {}
+};
+
 template <class Level, class Kernel, class T>
-bool multiply_complex_in_blocks(const Matrix<const Complex<T>>& a,
-                                const Matrix<const Complex<T>>& b, const Matrix<Complex<T>>& c) {
+bool multiply_complex_panels(const Matrix<const Complex<T>>& a, const Matrix<const Complex<T>>& b,
+                             const Matrix<Complex<T>>& c, T* a_panels, T* b_panels) {
     constexpr Index tile_rows = Kernel::rows;
     constexpr Index tile_columns = Kernel::columns;
-    constexpr Index row_block =
-        row_block_bytes / (inner_block * static_cast<Index>(2 * sizeof(T))) / tile_rows * tile_rows;
-    const Index k_block = std::min(inner_block, a.columns);
-    const Index m_block = std::min(row_block, round_up(c.rows, tile_rows));
-    const Index n_block = std::min(column_block, round_up(c.columns, tile_columns));
-    // Small products find room on the stack.
-    constexpr Index stack_room = 4096;
-    alignas(64) T near[stack_room];
-    const Index a_room = 2 * m_block * k_block;
-    const Index b_room = 2 * n_block * k_block;
-    Storage<T> far;
-    T* a_panels = near;
-    if (a_room + b_room > stack_room) {
-        far = make_storage<T>(a_room + b_room);
-        if (far == nullptr) return false;
-        a_panels = far.get();
-    }
-    T* const b_panels = a_panels + a_room;
+    const ComplexBlocks<Kernel> block(c.rows, a.columns, c.columns);
     alignas(64) T tile[2 * tile_rows * tile_columns];
 
-    for (Index j0 = 0; j0 < c.columns; j0 += n_block) {
-        const Index n = std::min(n_block, c.columns - j0);
-        for (Index p0 = 0; p0 < a.columns; p0 += k_block) {
-            const Index k = std::min(k_block, a.columns - p0);
+    for (Index j0 = 0; j0 < c.columns; j0 += block.n) {
+        const Index n = std::min(block.n, c.columns - j0);
+        for (Index p0 = 0; p0 < a.columns; p0 += block.k) {
+            const Index k = std::min(block.k, a.columns - p0);
             pack_complex_panels(b_panels, block_of(b, p0, k, j0, n).transposed(), tile_columns,
                                 false);
-            for (Index i0 = 0; i0 < c.rows; i0 += m_block) {
-                const Index m = std::min(m_block, c.rows - i0);
+            for (Index i0 = 0; i0 < c.rows; i0 += block.m) {
+                const Index m = std::min(block.m, c.rows - i0);
                 pack_complex_panels(a_panels, block_of(a, i0, m, p0, k), tile_rows, true);
                 for (Index j = 0; j < n; j += tile_columns) {
                     const Index columns = std::min(tile_columns, n - j);
@@ -256,16 +279,44 @@ bool multiply_complex_in_blocks(const Matrix<const Complex<T>>& a,
     return true;
 }
 
+template <class Level, class Kernel, class T>
+bool multiply_complex_in_blocks(const Matrix<const Complex<T>>& a,
+                                const Matrix<const Complex<T>>& b, const Matrix<Complex<T>>& c) {
+    const ComplexBlocks<Kernel> block(c.rows, a.columns, c.columns);
+    // Small products find room on the stack.
+    constexpr Index stack_room = 4096;
+    alignas(64) T near[stack_room];
+    const Index a_room = 2 * block.m * block.k;
+    const Index b_room = 2 * block.n * block.k;
+    if (a_room + b_room <= stack_room)
+        return multiply_complex_panels<Level, Kernel>(a, b, c, near, near + a_room);
+    const Workspace workspace((a_room + b_room) * static_cast<Index>(sizeof(T)));
+    auto* const far = reinterpret_cast<T*>(workspace.bytes());
+    if (far == nullptr) return false;
+    return multiply_complex_panels<Level, Kernel>(a, b, c, far, far + a_room);
+}
+
 // ---- Small products: no copies but of rows that fill no tile ----
 
 constexpr Index small_inner = 64;
 
+// Tiles of so many vectors high that read b where it is, four columns wide or one.
+template <class T, int bytes, int height>
+struct SmallTile {
+    using Wide = Tile<T, bytes, height, 4, false>;
+    using Narrow = Tile<T, bytes, height, 1, false>;
+    static constexpr Index rows = Wide::rows;
+};
+
+// Rows from `row` on, as many as a tile has or there are.
 template <class Level, class Kernel, class T>
 void small_rows(const Matrix<const T>& a, const Matrix<const T>& b, const Matrix<T>& c, Index row) {
-    constexpr Index tile_rows = Kernel::rows;
-    constexpr Index tile_columns = Kernel::columns;
-    const Index rows = std::min(tile_rows, c.rows - row);
+    constexpr Index tile_rows = Kernel::Wide::rows;
+    constexpr Index tile_columns = Kernel::Wide::columns;
     const Index k = a.columns;
+    // A last tile that would stand out is put back over its neighbour: what both compute is equal.
+    if (c.rows >= tile_rows) row = std::min(row, c.rows - tile_rows);
+    const Index rows = std::min(tile_rows, c.rows - row);
     alignas(64) T panel[small_inner * tile_rows];
     alignas(64) T tile[tile_rows * tile_columns];
     const T* from = a.base + row * a.row_step;
@@ -275,28 +326,30 @@ void small_rows(const Matrix<const T>& a, const Matrix<const T>& b, const Matrix
         from = panel;
         a_step = tile_rows;
     }
-    for (Index j = 0; j < c.columns; j += tile_columns) {
-        const Index columns = std::min(tile_columns, c.columns - j);
-        // Columns beyond the last repeat it; nobody reads what comes of them.
-        Index offsets[tile_columns];
-        for (Index y = 0; y < tile_columns; ++y)
-            offsets[y] = (j + std::min(y, columns - 1)) * b.column_step;
-        const Index* const columns_of_b = offsets;
-        if (rows == tile_rows && columns == tile_columns && c.row_step == 1) {
-            Level::template run<Kernel>(k, from, a_step, b.base, b.row_step, columns_of_b,
-                                        c.base + row + j * c.column_step, c.column_step, false);
+    const auto fill = [&]<class Shape>(Index j) {
+        const T* const columns = b.base + j * b.column_step;
+        if (rows == tile_rows && c.row_step == 1) {
+            Level::template run<Shape>(k, from, a_step, columns, b.row_step, b.column_step,
+                                       c.base + row + j * c.column_step, c.column_step, false);
         } else {
-            Level::template run<Kernel>(k, from, a_step, b.base, b.row_step, columns_of_b, tile + 0,
-                                        tile_rows, false);
-            store_tile(tile, tile_rows, c, row, rows, j, columns, false);
+            Level::template run<Shape>(k, from, a_step, columns, b.row_step, b.column_step,
+                                       tile + 0, tile_rows, false);
+            store_tile(tile, tile_rows, c, row, rows, j, Index{Shape::columns}, false);
         }
+    };
+    if (c.columns < tile_columns) {
+        for (Index j = 0; j < c.columns; ++j) fill.template operator()<typename Kernel::Narrow>(j);
+        return;
     }
+    for (Index j = 0; j < c.columns; j += tile_columns)
+        fill.template operator()<typename Kernel::Wide>(std::min(j, c.columns - tile_columns));
 }
 
 template <class Level, class Low, class High, class T>
 void multiply_small(const Matrix<const T>& a, const Matrix<const T>& b, const Matrix<T>& c) {
     for (Index row = 0; row < c.rows;) {
-        if (c.rows - row <= Low::rows) {
+        const Index left = c.rows - row;
+        if (left <= Low::rows || c.rows < High::rows) {
             small_rows<Level, Low>(a, b, c, row);
             row += Low::rows;
         } else {
@@ -386,22 +439,22 @@ void multiply_real(const Matrix<const T>& a, const Matrix<const T>& b, const Mat
             switch (cpu_level()) {
                 case CpuLevel::avx512:
                 case CpuLevel::avx2:
-                    return multiply_small<Avx2, Tile<T, 32, 1, 4>, Tile<T, 32, 2, 4>>(a, b, c);
+                    return multiply_small<Avx2, SmallTile<T, 32, 1>, SmallTile<T, 32, 2>>(a, b, c);
                 default:
-                    return multiply_small<Sse2, Tile<T, 16, 1, 4>, Tile<T, 16, 2, 4>>(a, b, c);
+                    return multiply_small<Sse2, SmallTile<T, 16, 1>, SmallTile<T, 16, 2>>(a, b, c);
             }
         }
     }
     bool done = false;
     switch (cpu_level()) {
         case CpuLevel::avx512:
-            done = multiply_in_blocks<Avx512, Tile<W, 64, 3, 8>>(a, b, c);
+            done = multiply_in_blocks<Avx512, Tile<W, 64, 3, 8, true>>(a, b, c);
             break;
         case CpuLevel::avx2:
-            done = multiply_in_blocks<Avx2, Tile<W, 32, 2, 6>>(a, b, c);
+            done = multiply_in_blocks<Avx2, Tile<W, 32, 2, 6, true>>(a, b, c);
             break;
         default:
-            done = multiply_in_blocks<Sse2, Tile<W, 16, 2, 4>>(a, b, c);
+            done = multiply_in_blocks<Sse2, Tile<W, 16, 2, 4, true>>(a, b, c);
     }
     if (!done) multiply_plainly(a, b, c);
 }

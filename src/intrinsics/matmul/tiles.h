@@ -11,9 +11,10 @@
 namespace tarn::matmul {
 
 // c(0:rows-1, 0:columns-1) of a tile, column after column, c_step apart, gets the product of `k`
-// steps added, or takes it. `a` has a column of the tile at each step, a_step apart; `b` has its
-// values for the columns side by side.
-template <class T, int bytes, int height, int width>
+// steps added, or takes it. `a` has a column of the tile at each step, a_step apart. A packed b has
+// its values for the columns side by side, another one has them column_step apart and the next
+// step's row_step further.
+template <class T, int bytes, int height, int width, bool packed>
 struct Tile {
     using Element = T;
     using Vector [[gnu::vector_size(bytes)]] = T;
@@ -22,25 +23,29 @@ struct Tile {
     static constexpr int columns = width;
 
     [[gnu::always_inline]] static inline void run(Index k, const T* a, Index a_step, const T* b,
-                                                  Index b_row_step, const Index* b_columns, T* c,
+                                                  Index row_step, Index column_step, T* c,
                                                   Index c_step, bool add) {
         Vector sum[width][height];
         for (int j = 0; j < width; ++j)
             for (int i = 0; i < height; ++i) sum[j][i] = Vector{};
-        const T* column[width];
-        if (b_columns != nullptr)
-            for (int j = 0; j < width; ++j) column[j] = b + b_columns[j];
+        if constexpr (packed) {
+            // The tile of c comes from memory while the sums are made.
+            for (int j = 0; j < width; ++j) {
+                __builtin_prefetch(c + j * c_step, 1);
+                __builtin_prefetch(c + j * c_step + rows - 1, 1);
+            }
+        }
+#pragma GCC unroll 4
         for (Index p = 0; p < k; ++p) {
             Vector left[height];
             for (int i = 0; i < height; ++i)
                 __builtin_memcpy(&left[i], a + i * lanes, sizeof(Vector));
             for (int j = 0; j < width; ++j) {
-                const T value = b_columns != nullptr ? column[j][p * b_row_step] : b[j];
-                const Vector right = value - Vector{};
+                const Vector right = b[packed ? j : j * column_step] - Vector{};
                 for (int i = 0; i < height; ++i) sum[j][i] += left[i] * right;
             }
             a += a_step;
-            b += width;
+            b += packed ? width : row_step;
         }
         for (int j = 0; j < width; ++j) {
             for (int i = 0; i < height; ++i) {

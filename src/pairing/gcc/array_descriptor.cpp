@@ -52,26 +52,31 @@ View result_for(ArrayDescriptor& result, const View& shape, Index element, const
         check_shape(given, shape, "result", intrinsic);
         return given;
     }
-    View made = shape;
-    made.element = element;
-    make_contiguous(made);
+    Index extents[arrays::max_rank];
+    for (int d = 0; d < shape.rank; ++d) extents[d] = shape.dims[d].extent;
+    allocate_result(result, shape.rank, extents, element, intrinsic);
+    return view_of(result, element);
+}
+
+void allocate_result(ArrayDescriptor& result, int rank, const Index* extents, Index element,
+                     const char* intrinsic) {
     Index elements = 1;
-    for (int d = 0; d < shape.rank; ++d) {
-        result.dimension[d] = {elements, 0, shape.dims[d].extent - 1};
-        if (__builtin_mul_overflow(elements, shape.dims[d].extent, &elements)) elements = -1;
+    bool fits = true;
+    for (int d = 0; d < rank; ++d) {
+        result.dimension[d] = {elements, 0, extents[d] - 1};
+        fits &= !__builtin_mul_overflow(elements, extents[d], &elements);
     }
-    result.rank = static_cast<std::int8_t>(shape.rank);
+    result.rank = static_cast<std::int8_t>(rank);
     result.offset = 0;
     Index bytes = 0;
-    if (elements < 0 || __builtin_mul_overflow(elements, element, &bytes)) bytes = -1;
+    fits &= !__builtin_mul_overflow(elements, element, &bytes);
     constexpr int out_of_storage = 408;
+    // Empty results are allocated too.
     void* const storage =
-        bytes < 0 ? nullptr : std::malloc(bytes > 0 ? static_cast<std::size_t>(bytes) : 1);
+        fits ? std::malloc(bytes > 0 ? static_cast<std::size_t>(bytes) : 1) : nullptr;
     if (storage == nullptr)
         array_failure(out_of_storage, "There is no storage for the result of %s", intrinsic);
     result.base = static_cast<char*>(storage);
-    made.base = static_cast<std::byte*>(storage);
-    return made;
 }
 
 View reduced_result_for(ArrayDescriptor& result, const View& array, int dim, Index element,

@@ -36,7 +36,11 @@ int dim_of(Index dim, int rank, const char* intrinsic);
 // checks.
 View result_for(ArrayDescriptor& result, const View& shape, Index element, const char* intrinsic);
 
-// The same for a reduction of `array` along `dim`. Its result has an oddity when it is empty: the
+// Storage for a result that has none; extents from 0 up.
+void allocate_result(ArrayDescriptor& result, int rank, const Index* extents, Index element,
+                     const char* intrinsic);
+
+// `result_for` a reduction of `array` along `dim`. Its result has an oddity when it is empty: the
 // first extent of storage that is made is 0 then, whatever it should be.
 View reduced_result_for(ArrayDescriptor& result, const View& array, int dim, Index element,
                         const char* intrinsic);

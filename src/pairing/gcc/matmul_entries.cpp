@@ -12,75 +12,88 @@ namespace {
 using matmul::LogicalMatrix;
 using matmul::Matrix;
 
-// The two factors as matrices: a vector on the left is a row, one on the right a column.
-struct Factors {
-    View a;
-    View b;
-    View shape;  // of the result
-    bool a_is_row;
-    bool b_is_column;
+// A factor or the result as a matrix, steps in elements. Small products are common, so that nothing
+// bigger is made of a descriptor on the way.
+struct Plane {
+    char* base;
+    Index rows;
+    Index columns;
+    Index row_step;
+    Index column_step;
 };
 
-void insert_dimension(View& view, int at) {
-    if (at == 0) view.dims[1] = view.dims[0];
-    view.dims[at] = {1, view.element};
-    view.rank = 2;
-}
-
-Factors factors_of(const ArrayDescriptor& left, const ArrayDescriptor& right, Index a_element,
-                   Index b_element) {
-    constexpr int shapes_differ = 417;
-    Factors found{
-        view_of(left, a_element), view_of(right, b_element), {}, left.rank == 1, right.rank == 1};
-    if (found.a_is_row) insert_dimension(found.a, 0);
-    if (found.b_is_column) insert_dimension(found.b, 1);
-    if (found.a.dims[1].extent != found.b.dims[0].extent)
-        array_failure(shapes_differ, "The factors of MATMUL have %td columns and %td rows",
-                      found.a.dims[1].extent, found.b.dims[0].extent);
-    if (!found.a_is_row) found.shape.dims[found.shape.rank++] = found.a.dims[0];
-    if (!found.b_is_column) found.shape.dims[found.shape.rank++] = found.b.dims[1];
-    return found;
-}
-
-// The result as a matrix.
-View result_of(ArrayDescriptor& to, const Factors& factors, Index element) {
-    View result = result_for(to, factors.shape, element, "MATMUL");
-    if (factors.a_is_row) {
-        insert_dimension(result, 0);
-    } else if (factors.b_is_column) {
-        insert_dimension(result, 1);
+// A vector is a row or a column of a matrix.
+Plane plane_of(const ArrayDescriptor& array, bool vector_is_row) {
+    const Dimension& first = array.dimension[0];
+    if (array.rank == 1) {
+        if (vector_is_row) return {array.base, 1, first.extent(), 1, first.stride};
+        return {array.base, first.extent(), 1, first.stride, 1};
     }
-    return result;
+    const Dimension& second = array.dimension[1];
+    return {array.base, first.extent(), second.extent(), first.stride, second.stride};
+}
+
+struct Product {
+    Plane a;
+    Plane b;
+    Plane c;
+};
+
+Product product_of(ArrayDescriptor& to, const ArrayDescriptor& left, const ArrayDescriptor& right,
+                   Index element) {
+    constexpr int shapes_differ = 417;
+    Product product;
+    product.a = plane_of(left, true);
+    product.b = plane_of(right, false);
+    if (product.a.columns != product.b.rows)
+        array_failure(shapes_differ, "The factors of MATMUL have %td columns and %td rows",
+                      product.a.columns, product.b.rows);
+    Index extents[2];
+    int rank = 0;
+    if (left.rank == 2) extents[rank++] = product.a.rows;
+    if (right.rank == 2) extents[rank++] = product.b.columns;
+    if (to.base == nullptr) {
+        allocate_result(to, rank, extents, element, "MATMUL");
+    } else if (checks_bounds()) {
+        View shape;
+        shape.rank = rank;
+        for (int d = 0; d < rank; ++d) shape.dims[d].extent = extents[d];
+        check_shape(view_of(to, element), shape, "result", "MATMUL");
+    }
+    product.c = plane_of(to, left.rank == 1);
+    return product;
 }
 
 template <class T>
-Matrix<T> matrix_of(const View& view) {
-    constexpr auto size = static_cast<Index>(sizeof(T));
-    return {reinterpret_cast<T*>(view.base), view.dims[0].extent, view.dims[1].extent,
-            view.dims[0].stride / size, view.dims[1].stride / size};
+Matrix<T> matrix_of(const Plane& plane) {
+    return {reinterpret_cast<T*>(plane.base), plane.rows, plane.columns, plane.row_step,
+            plane.column_step};
 }
 
 template <class Type>
 void multiply_entry(ArrayDescriptor& to, const ArrayDescriptor& left,
                     const ArrayDescriptor& right) {
     using T = arrays::Wrapping<Type>;
-    const Factors factors = factors_of(left, right, sizeof(T), sizeof(T));
-    const View result = result_of(to, factors, sizeof(T));
-    matmul::multiply<T>(matrix_of<const T>(factors.a), matrix_of<const T>(factors.b),
-                        matrix_of<T>(result));
+    const Product product = product_of(to, left, right, sizeof(T));
+    matmul::multiply<T>(matrix_of<const T>(product.a), matrix_of<const T>(product.b),
+                        matrix_of<T>(product.c));
 }
 
-LogicalMatrix logical_of(const View& view) {
-    return {view.base,           view.element,        view.dims[0].extent,
-            view.dims[1].extent, view.dims[0].stride, view.dims[1].stride};
+LogicalMatrix logical_of(const Plane& plane, Index element) {
+    return {reinterpret_cast<std::byte*>(plane.base),
+            element,
+            plane.rows,
+            plane.columns,
+            plane.row_step * element,
+            plane.column_step * element};
 }
 
 void multiply_logical_entry(ArrayDescriptor& to, const ArrayDescriptor& left,
                             const ArrayDescriptor& right, Index size) {
-    const Factors factors = factors_of(left, right, static_cast<Index>(left.element_length),
-                                       static_cast<Index>(right.element_length));
-    const View result = result_of(to, factors, size);
-    multiply_logical(logical_of(factors.a), logical_of(factors.b), logical_of(result));
+    const Product product = product_of(to, left, right, size);
+    multiply_logical(logical_of(product.a, static_cast<Index>(left.element_length)),
+                     logical_of(product.b, static_cast<Index>(right.element_length)),
+                     logical_of(product.c, size));
 }
 
 }  // namespace

@@ -7,7 +7,7 @@
 #pragma once
 
 #include "intrinsics/arrays/along.h"
-#include "intrinsics/arrays/cpu.h"
+#include "intrinsics/arrays/dispatch.h"
 #include "intrinsics/arrays/elements.h"
 #include "intrinsics/arrays/loops.h"
 

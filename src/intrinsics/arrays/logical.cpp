@@ -1,7 +1,7 @@
 #include "intrinsics/arrays/logical.h"
 
 #include "intrinsics/arrays/along.h"
-#include "intrinsics/arrays/cpu.h"
+#include "intrinsics/arrays/dispatch.h"
 
 namespace tarn::arrays {
 namespace {

@@ -1,14 +1,14 @@
 #include "intrinsics/arrays/native_call.h"
 
-#include "frame/hooks.h"
-#include "frame/state.h"
+#include "frame/link_name.h"
+
+extern "C" [[noreturn]] void FAIL_h(const std::int16_t* number) LINK_NAME("FAIL#");
 
 namespace tarn::arrays {
 
 void native_fail(int number) {
-    frame::attach();
-    if (frame::hooks().fortran_fail != nullptr) frame::hooks().fortran_fail(number);
-    __builtin_trap();
+    const auto given = static_cast<std::int16_t>(number);
+    FAIL_h(&given);
 }
 
 View native_view(const void* base, Index element, Index rank, const std::int32_t* extents) {

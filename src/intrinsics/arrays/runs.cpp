@@ -6,7 +6,7 @@
 #include <cstring>
 #include <immintrin.h>
 
-#include "intrinsics/arrays/cpu.h"
+#include "intrinsics/arrays/dispatch.h"
 
 namespace tarn::arrays {
 namespace {
@@ -253,7 +253,7 @@ Index count_true(const std::byte* mask, Index stride, Index n, Index size, Truth
 
 Index compact(std::byte* to, Index room, const std::byte* from, const Flag* flags, Index n,
               Index element) {
-    if (cpu_level() >= CpuLevel::avx2) {
+    if (platform::vector_level() >= platform::VectorLevel::avx2) {
         if (element == 4) return compact_avx2<4>(to, room, from, flags, n);
         if (element == 8) return compact_avx2<8>(to, room, from, flags, n);
     }

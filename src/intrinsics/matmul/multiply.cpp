@@ -12,15 +12,12 @@
 #include <cstring>
 #include <type_traits>
 
-#include "intrinsics/arrays/cpu.h"
+#include "intrinsics/arrays/dispatch.h"
 #include "intrinsics/arrays/runs.h"
 #include "intrinsics/matmul/tiles.h"
 
 namespace tarn::matmul {
 namespace {
-
-using arrays::cpu_level;
-using arrays::CpuLevel;
 
 // What an element is while it is multiplied. There are no products of bytes in vectors.
 template <class T>
@@ -436,9 +433,9 @@ void multiply_real(const Matrix<const T>& a, const Matrix<const T>& b, const Mat
         if (c.columns == 1 && multiply_vector(a, b, c)) return;
         if (c.rows == 1 && multiply_vector(b.transposed(), a.transposed(), c.transposed())) return;
         if (a.columns <= small_inner && c.rows * c.columns * a.columns <= small_size) {
-            switch (cpu_level()) {
-                case CpuLevel::avx512:
-                case CpuLevel::avx2:
+            switch (platform::vector_level()) {
+                case platform::VectorLevel::avx512:
+                case platform::VectorLevel::avx2:
                     return multiply_small<Avx2, SmallTile<T, 32, 1>, SmallTile<T, 32, 2>>(a, b, c);
                 default:
                     return multiply_small<Sse2, SmallTile<T, 16, 1>, SmallTile<T, 16, 2>>(a, b, c);
@@ -446,11 +443,11 @@ void multiply_real(const Matrix<const T>& a, const Matrix<const T>& b, const Mat
         }
     }
     bool done = false;
-    switch (cpu_level()) {
-        case CpuLevel::avx512:
+    switch (platform::vector_level()) {
+        case platform::VectorLevel::avx512:
             done = multiply_in_blocks<Avx512, Tile<W, 64, 3, 8, true>>(a, b, c);
             break;
-        case CpuLevel::avx2:
+        case platform::VectorLevel::avx2:
             done = multiply_in_blocks<Avx2, Tile<W, 32, 2, 6, true>>(a, b, c);
             break;
         default:
@@ -463,11 +460,11 @@ template <class T>
 void multiply_complex(const Matrix<const Complex<T>>& a, const Matrix<const Complex<T>>& b,
                       const Matrix<Complex<T>>& c) {
     bool done = false;
-    switch (cpu_level()) {
-        case CpuLevel::avx512:
+    switch (platform::vector_level()) {
+        case platform::VectorLevel::avx512:
             done = multiply_complex_in_blocks<Avx512, ComplexTile<T, 64, 2, 6>>(a, b, c);
             break;
-        case CpuLevel::avx2:
+        case platform::VectorLevel::avx2:
             done = multiply_complex_in_blocks<Avx2, ComplexTile<T, 32, 1, 6>>(a, b, c);
             break;
         default:

@@ -1,12 +1,9 @@
-// Which instructions the processor offers, asked once.
+// Loops compiled for several levels of the processor.
 #pragma once
 
+#include "platform/kernel/cpu.h"
+
 namespace tarn::arrays {
-
-enum class CpuLevel { unknown, sse2, avx2, avx512 };
-
-// At most what TARN_CPU names ("sse2", "avx2"), so that every road can be tried on one machine.
-CpuLevel cpu_level();
 
 // Runs Kernel::run(arguments) compiled for the best instructions there are. The body is written
 // once, for any processor, and must be always_inline. No fused multiply-add: what these kernels
@@ -22,8 +19,9 @@ template <class Kernel, class... Arguments>
 template <class Kernel, class... Arguments>
 auto dispatch(Arguments... arguments) {
     if constexpr (!Kernel::has_vectors) return Kernel::run(arguments...);
-    return cpu_level() >= CpuLevel::avx2 ? run_with_avx2<Kernel>(arguments...)
-                                         : run_with_sse2<Kernel>(arguments...);
+    return platform::vector_level() >= platform::VectorLevel::avx2
+               ? run_with_avx2<Kernel>(arguments...)
+               : run_with_sse2<Kernel>(arguments...);
 }
 
 }  // namespace tarn::arrays

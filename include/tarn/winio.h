@@ -73,7 +73,8 @@
  *     %dl F,C timer; %mg I,C message; %dr C files dropped; %rm C text from a program; %ew C
  *     %hs %vs I,I,I* its scroll bars; %hx %vx I*,I*,I* the next control's; %cu %dc cursors
  *     %mi T icon; %nc T class; %wp T wallpaper; %ti T,T,C; %th %bh tool help; %he %sb; %if focus
- *     %nr %nd %nw H %zc %wt %sv %ns %gd %dg I,I %de H %ss T,I* %fs T %ft T,T
+ *     %ss T,I* what later boxes hold is kept under that key from run to run, while the int isn't 0
+ *     %nr %nd %nw H %zc %wt %sv %ns %gd %dg I,I %de H %fs T %ft T,T
  *   Text window, drawing, documents
  *     %cw            n columns, m rows; C: the address of a stream; Fortran: a unit
  *     %gr I,I  %dw  %og I,I  %pl I,I..  %ht T  %eb B  %wb T  %eq T,I,I

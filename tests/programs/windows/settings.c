@@ -13,6 +13,8 @@ int main(void) {
         int button = __winio("%ca[Form]%ss[Test\\Form]%il&", &keep, 0, 20);
         button = __winio("Count %rd\nRate %rf\nName %rs\nNotes %20.2re\n%rb[Bold]\n%bt[OK]", &count,
                          &rate, name, 40, notes, 80, &bold);
+        for (char* p = notes; *p; ++p)
+            if (*p == '\r' || *p == '\n') *p = '|';
         printf("%d: %d %g '%s' '%s' %d\n", button, count, rate, name, notes, bold);
     }
     return 0;

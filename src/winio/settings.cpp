@@ -86,7 +86,8 @@ std::string text_of(const window_control* control) {
         return {variable, strnlen(variable, static_cast<std::size_t>(control->high))};
     std::string text(static_cast<std::size_t>(control->string_length) + 1, '\0');
     copy_from_fstring(text.data(), variable, control->string_length);
-    return text.c_str();
+    text.resize(std::strlen(text.c_str()));
+    return text;
 }
 
 std::string value_of(const window_control* control) {

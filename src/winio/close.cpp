@@ -179,6 +179,8 @@ void window_destroyed(fancy_window* window) {
     if (!window->flags.open) return;
     HWND hwnd = window->hwnd;
     forget_tool_help(window);
+    // At the end of the program the variables may be gone.
+    if (!records().at_exit) save_settings(window);
     window->open_combo = nullptr;
     window->flags.ready = false;
     if (window->drop_callback) DragAcceptFiles(hwnd, false);

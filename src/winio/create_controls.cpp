@@ -29,7 +29,10 @@ control_look static_look(const fancy_window* window, const window_control* contr
     if (control->flags.right) style |= SS_RIGHT;
     if (window->text_control) style |= SS_NOTIFY;
     if (control->flags.no_prefix) style |= SS_NOPREFIX;
-    return {"static", style, 0, control->text ? control->text : ""};
+    // A subscript or superscript reaches into its neighbour lines.
+    const bool over = control->type == control_type::text && control->baseline_shift != 0;
+    return {"static", style, over ? DWORD{WS_EX_TRANSPARENT} : 0,
+            control->text ? control->text : ""};
 }
 
 control_look number_look(const window_control* control, DWORD style) {

@@ -189,6 +189,7 @@ LRESULT window_created(fancy_window* window, HWND hwnd) {
     if (window->disable_window) EnableWindow(to_hwnd(window->disable_window), false);
     if (window->flags.modal && !window->flags.child) disable_the_others(window);
 
+    restore_settings(window);
     create_controls(window);
     if (watch.gone()) return -1;
     send_group_boxes_down(window);

@@ -1,6 +1,8 @@
 // The window procedure of format windows: what each message means.
 #include "winio/winproc.h"
 
+#include <algorithm>
+
 #include "winio/callbacks.h"
 #include "winio/layout.h"
 #include "winio/menus.h"
@@ -123,9 +125,37 @@ void window_moved(fancy_window* window) {
     defer(window, window->move_callback, "WINDOW_MOVEMENT");
 }
 
+// By how much the window can get smaller than it was made until a control that shrinks with it is
+// too small to be used.
+POINT room_to_shrink(const fancy_window* window) {
+    constexpr std::int32_t least_width = 48, least_height = 24, any = 100000;
+    POINT room{any, any};
+    const auto limit = [](std::int32_t& most, std::int32_t size, std::int32_t least, double part) {
+        if (part > 0.0) most = std::min(most, static_cast<std::int32_t>((size - least) / part));
+    };
+    for (const window_control* c = window->first_control; c; c = c->next) {
+        const RECT at = creation_rectangle(c);
+        limit(room.x, at.width() + 1, std::min(at.width() + 1, least_width), c->grow_x - c->move_x);
+        limit(room.y, at.height() + 1, std::min(at.height() + 1, least_height),
+              c->grow_y - c->move_y);
+    }
+    if (room.x == any) room.x = -1;
+    if (room.y == any) room.y = -1;
+    return room;
+}
+
 LRESULT minimum_size(const fancy_window* window, LPARAM lparam) {
     auto* limits = reinterpret_cast<MINMAXINFO*>(lparam);
     if (!limits) return 0;
+    RECT outer, client;
+    if (window->flags.ready && GetWindowRect(window->hwnd, outer) &&
+        GetClientRect(window->hwnd, client)) {
+        const POINT room = room_to_shrink(window);
+        const std::int32_t frame_x = outer.width() - client.width();
+        const std::int32_t frame_y = outer.height() - client.height();
+        if (room.x >= 0) limits->ptMinTrackSize.x = window->base_width + frame_x - room.x;
+        if (room.y >= 0) limits->ptMinTrackSize.y = window->base_height + frame_y - room.y;
+    }
     if (window->min_width > 0) limits->ptMinTrackSize.x = window->min_width;
     if (window->min_height > 0) limits->ptMinTrackSize.y = window->min_height;
     return 0;

@@ -145,6 +145,10 @@ void tool_help_updated(const void* variable);
 void forget_tool_help(const fancy_window* window);
 platform::HWND tool_help_window(const fancy_window* window);
 
+// ---- Settings of %ss (settings.cpp)
+void restore_settings(const fancy_window* window);  // into the variables
+void save_settings(const fancy_window* window);
+
 // ---- Text messages between programs (text_messages.cpp)
 void text_message_arrived(fancy_window* window, platform::LPARAM exchange);
 bool send_text_message(const char* class_name, const char* text, char* reply);

@@ -14,6 +14,12 @@ using namespace platform;
 
 namespace {
 
+// A subscript reaches into the line below, and a superscript into the one above: they leave what
+// stands there as it is.
+bool reaches_over(const window_control* control) {
+    return control->type == control_type::text && control->baseline_shift != 0;
+}
+
 bool drawn_on_wallpaper(const fancy_window* window, const window_control* control) {
     return window->flags.transparent_on_wallpaper && window->wallpaper &&
            (control->type == control_type::text || control->type == control_type::static_string);
@@ -27,7 +33,8 @@ COLORREF text_colour_on(const window_control* control, COLORREF background) {
 }
 
 bool is_child_area(const fancy_window* window, const window_control* control) {
-    if (!control->hwnd || drawn_on_wallpaper(window, control)) return false;
+    if (!control->hwnd || reaches_over(control) || drawn_on_wallpaper(window, control))
+        return false;
     return (type_properties(control->type) & reports_position) != 0 ||
            control->type == control_type::graphics || control->type == control_type::edit_box ||
            control->type == control_type::mdi_frame;
@@ -120,7 +127,7 @@ LRESULT control_colours(fancy_window* window, HDC dc, HWND child) {
     if (control->font) SelectObject(dc, control->font);
     SetBkColor(dc, background);
     SetTextColor(dc, text_colour_on(control, background));
-    if (drawn_on_wallpaper(window, control)) {
+    if (reaches_over(control) || drawn_on_wallpaper(window, control)) {
         SetBkMode(dc, TRANSPARENT);
         return static_cast<LRESULT>(GetStockObject(NULL_BRUSH));
     }

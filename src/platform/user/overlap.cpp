@@ -41,7 +41,7 @@ class Cells {
         return {place(from), place(std::max(to - 1, from))};
     }
     std::vector<const Window*>& cell(std::int32_t x, std::int32_t y) {
-        return cells_[static_cast<std::size_t>(y * count + x)];
+        return cells_[static_cast<std::size_t>(y) * count + static_cast<std::size_t>(x)];
     }
 
     std::array<std::vector<const Window*>, std::size_t{count} * count> cells_;

@@ -107,6 +107,7 @@ void create_mdi_child(fancy_window* window) {
     if (!window_listed(window) || !window->flags.open) return;
     BringWindowToTop(hwnd);
     SetFocus(hwnd);
+    if (window_listed(window) && window->flags.open) mdi_child_made(window);
 }
 
 // A modal window takes the input of every other top-level window that nobody else has taken.

@@ -113,6 +113,9 @@ LRESULT control_procedure(HWND hwnd, UINT message, WPARAM wparam, LPARAM lparam)
         control->hwnd = hwnd;
         SetWindowLong(hwnd, 0, reinterpret_cast<LPARAM>(control));
     }
+    // Help is the same everywhere, also in controls that keep all other keys.
+    if (message == WM_KEYDOWN && wparam == VK_F1)
+        return DefWindowProcA(hwnd, message, wparam, lparam);
     ++control->depth;
     const LRESULT result = control->handle(message, wparam, lparam);
     if (message == WM_NCDESTROY) {

@@ -49,7 +49,8 @@ LRESULT Edit::get_selection(WPARAM start, LPARAM end) const {
     return static_cast<LRESULT>(from | to << 16);
 }
 
-// A start of -1 takes the selection away; an end of -1 is the end of the text.
+// A start of -1 takes the selection away; an end of -1 is the end of the text. Everything selected,
+// as a box is when it gets the focus, leaves the view where it is: on the beginning, mostly.
 void Edit::select_by_message(WPARAM start, LPARAM end) {
     const auto from = static_cast<std::int32_t>(start);
     const auto to = static_cast<std::int32_t>(end);
@@ -63,7 +64,7 @@ void Edit::select_by_message(WPARAM start, LPARAM end) {
         };
         select(place(from), place(to));
     }
-    show_caret(!multi_line);
+    show_caret(!multi_line && (from != 0 || to >= 0));
 }
 
 LRESULT Edit::dialog_code(LPARAM lparam) const {

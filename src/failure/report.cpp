@@ -14,6 +14,7 @@
 #include "platform/kernel/debug_output.h"
 #include "platform/kernel/float_unit.h"
 #include "platform/kernel/message_box.h"
+#include "traceback/traceback.h"
 
 namespace tarn::failure {
 namespace {
@@ -28,6 +29,7 @@ struct Reporter {
     pthread_t thread{};
     std::atomic<bool> printed{false};
     std::string_view text;
+    std::string_view callers;
 };
 constinit Reporter reporter;
 
@@ -39,7 +41,9 @@ void print(std::string_view text) {
 }
 
 void print_once() {
-    if (!reporter.printed.exchange(true)) print(reporter.text);
+    if (reporter.printed.exchange(true)) return;
+    print(reporter.text);
+    print(reporter.callers);
 }
 
 // A C program's standard output is flushed too, unless another thread is inside it: the report
@@ -107,6 +111,7 @@ std::string report_text(int number, std::string_view free, const char* routine,
 }
 
 void report(int number, std::string_view text) {
+    const traceback::Registers here = traceback::registers_here();
     frame::ensure_up();  // the options say where a report goes
     if (reporter.taken.exchange(true)) fail_again(text);
     // The reports of the room above and of the system's library compute with floating-point
@@ -118,6 +123,8 @@ void report(int number, std::string_view text) {
     if (__debugged) send_to_debugger(std::string(text));
     if (the_hooks.flush_everything) the_hooks.flush_everything();
     flush_c_output();
+    if ((frame::traceback_flags() & frame::tb_no_traceback) == 0)
+        reporter.callers = traceback::console_text(here, false);
     bool console = (frame::traceback_flags() & frame::tb_kill_dialogbox) != 0;
     bool shown = !console && the_hooks.report_dialog && the_hooks.report_dialog(text);
     if (shown) {

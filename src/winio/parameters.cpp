@@ -4,6 +4,7 @@
 #include <cstring>
 #include <string>
 
+#include "platform/dialogs/file_dialog.h"
 #include "platform/gdi/gdi.h"
 #include "platform/user/user.h"
 #include "winio/callbacks.h"
@@ -317,8 +318,8 @@ word system_font_height() {
     return size.cy;
 }
 
-// Edit boxes, drawing surfaces, tool tips and file dialogs of their own bring their values along
-// when they are built.
+// Edit boxes, drawing surfaces and tool tips of their own bring their values along when they are
+// built.
 word compute(computation which) {
     switch (which) {
         case computation::user_window_data:
@@ -327,6 +328,8 @@ word compute(computation which) {
             return focused_format_window();
         case computation::system_font_height:
             return system_font_height();
+        case computation::extended_error:
+            return static_cast<word>(CommDlgExtendedError());
         case computation::opengl_device_context:
             quillpan_error("No OpenGL buffers are open");
             return 0;
@@ -336,7 +339,6 @@ word compute(computation which) {
             return current_window() ? static_cast<word>(tool_help_window(current_window())) : 0;
         case computation::edit_key:
         case computation::opengl_alive:
-        case computation::extended_error:
             return 0;
         case computation::url_name:
             break;

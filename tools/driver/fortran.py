@@ -21,8 +21,8 @@ import tempfile
 import calls
 import paths
 from command import (FORTRAN_FIXED, FORTRAN_FREE, PREPROCESSED, CommandLine, UserError,
-                     compiler_of, include_arguments, link_arguments, main_of, missing,
-                     replace_process, take_choice, version_text)  # fmt: skip
+                     add_map, compiler_of, debug_arguments, include_arguments, link_arguments,
+                     main_of, missing, run_compiler, take_choice, take_strip, version_text)  # fmt: skip
 from rewrite import Form, mentions_names, read, rewrite
 
 VARIABLE = "TARN_FC"
@@ -44,6 +44,9 @@ of the library's own routines may be written as they are, with their `@`.
   --float=native         all of them but the inexact one trap, as the library's own compilers start
   --version              the versions of driver and compiler
   --help                 this text
+
+A source that calls winio@ is compiled without -flto, so that the arguments of its calls can be
+checked.
 
 Environment: TARN_FC names another gfortran, TARN_OBJCOPY another objcopy.
 """
@@ -166,22 +169,25 @@ class Build:
         return done and (not self.native or not output or self.make_native(output, mode))
 
     def has_open_lists(self, names):
-        """Calls whose arguments the library must know. (A link-time compilation has none yet.)"""
-        return any(name + "_" in calls.ROUTINES for name in names) and not any(
-            option.startswith("-flto") for option in self.options
-        )
+        """Calls whose arguments the library must know."""
+        return any(name + "_" in calls.ROUTINES for name in names)
 
     def compile_with_calls(self, arguments, names, output, mode):
         """By way of the assembly, into which go the records of calls.py."""
         raw, placed, assembly = (self.temporary(suffix) for suffix in (".raw", ".lines", ".s"))
         arguments = [word for word in arguments if word not in ("-c", "-S")] + ["-S"]
         arguments += ["-fallow-argument-mismatch", "-fno-optimize-sibling-calls"]
+        # Code that is made when the program is linked would have no records.
+        arguments.append("-fno-lto")
         if not any(re.fullmatch(r"-g(|[1-3]|gdb[1-3]?|dwarf.*)", option) for option in self.options):
-            arguments.append("-g1")  # the places of the calls, and what a traceback needs
+            arguments.append("-g1")  # the places of the calls
         if self.run(arguments + ["-fdump-tree-original-lineno=" + placed, "-o", assembly], names):
             return False
         # The second look is for its dump alone: what it has to say was said.
-        quiet = ["-w", "-O0", "-fdump-tree-original-raw=" + raw, "-o", os.devnull]
+        # Of the two ways in which the compiler keeps `.and.` and `.or.`, the raw dump shows the
+        # operands of only one: the one of the front end's own optimization.
+        quiet = ["-w", "-O0", "-ffrontend-optimize", "-fdump-tree-original-raw=" + raw]
+        quiet += ["-o", os.devnull]
         subprocess.run(self.compiler + arguments + quiet, stderr=subprocess.DEVNULL, check=False)
         if os.path.isfile(raw) and os.path.isfile(placed):
             text = calls.annotate(read(assembly), calls.records(read(raw), read(placed)))
@@ -268,7 +274,9 @@ def run(arguments):
     command = CommandLine(arguments)
     if native and any(w[0].startswith("-flto") for k, w, _ in command.items if k == "option"):
         raise UserError("--dialect=native does not go with -flto: it works on finished objects")
+    strip = take_strip(command)
     added = include_arguments([paths.INCLUDE, paths.MODULES])
+    command.items = [("option", [word], None) for word in debug_arguments(command)] + command.items
     command.items += [("option", [word], None) for word in added]
     linked = link_arguments(command, "fortran", float_rules)
 
@@ -285,14 +293,17 @@ def run(arguments):
         or (only and command.output and len(inputs) > 1)  # gfortran has the words for that
     )
     if plain or not needs_work(sources, native, command):
-        return replace_process(compiler, command.arguments() + linked, VARIABLE)
+        return run_compiler(compiler, command.arguments() + linked, command, strip, VARIABLE)
     if not shutil.which(compiler[0]):
         raise missing(compiler, VARIABLE)
     with tempfile.TemporaryDirectory(prefix="tarnfc-") as folder:
         build = Build(compiler, command, native, folder)
         if only:
             return build.compile_only(sources, only)
-        return build.compile_and_link(sources, linked)
+        status = build.compile_and_link(sources, linked)
+        if status == 0:
+            add_map(command, strip)
+        return status
 
 
 def main():

@@ -29,10 +29,6 @@ struct Hooks {
     bool (*unformatted_write_end)() = nullptr;                   // WSU2__
     bool (*unformatted_direct_write_end)() = nullptr;            // WDU2__
 
-    // Namelist statements.
-    bool (*namelist_read)() = nullptr;   // RNML__
-    bool (*namelist_write)() = nullptr;  // WNML__
-
     // An attached debugger that takes the W32STREAM_ results.
     void (*debugger_result)(const char* text) = nullptr;
     void (*debugger_status)(const std::uint32_t (&words)[4]) = nullptr;

@@ -6,6 +6,7 @@
 #include "failure/failure.h"
 #include "fio/native/connect.h"
 #include "fio/native/hooks.h"
+#include "fio/native/namelist.h"
 
 namespace tarn::fio::native {
 namespace {
@@ -85,8 +86,8 @@ bool run_unformatted(bool (*body)()) {
     return body != nullptr ? body() : IO_not_available("Unformatted transfer is not available");
 }
 
+// The statement is over when its body returns.
 bool run_namelist(bool (*body)()) {
-    if (body == nullptr) return IO_not_available("Namelist transfer is not available");
     if (!body()) return false;
     release_record();
     return true;
@@ -102,9 +103,9 @@ bool run_transfer(IO_type& io) {
         case ActionCode::write_direct_unformatted:
             return run_unformatted(hooks().unformatted_direct_begin);
         case ActionCode::read_namelist:
-            return run_namelist(hooks().namelist_read);
+            return run_namelist(RNML__);
         case ActionCode::write_namelist:
-            return run_namelist(hooks().namelist_write);
+            return run_namelist(WNML__);
         default:
             return RSF1__(advance.address, advance.given, advance.length);
     }

@@ -9,6 +9,7 @@
 #include "frame/state.h"
 #include "platform/kernel/console.h"
 #include "platform/kernel/float_unit.h"
+#include "traceback/traceback.h"
 
 namespace tarn::gcc {
 namespace {
@@ -38,6 +39,14 @@ std::string note() {
         if (!text.empty()) say(text);
     }
     std::exit(status);
+}
+
+// An error's stop tells where the program stood, as a failure does.
+[[noreturn, gnu::noinline]] void error_stop(std::string words, int status, bool quiet) {
+    frame::ensure_up();
+    if (!quiet && (frame::traceback_flags() & frame::tb_no_traceback) == 0)
+        words.append(traceback::console_text(traceback::registers_here(), false));
+    stop(words, status, quiet);
 }
 
 std::string line(std::string_view keyword, const char* text, std::size_t length) {
@@ -94,11 +103,11 @@ extern "C" {
     stop(text ? line("STOP", text, length) : std::string(), 0, quiet);
 }
 [[noreturn]] TARN_EXPORT void _gfortran_error_stop_numeric(std::int32_t code, bool quiet) {
-    stop("ERROR STOP " + std::to_string(code) + "\n", code, quiet);
+    error_stop("ERROR STOP " + std::to_string(code) + "\n", code, quiet);
 }
 [[noreturn]] TARN_EXPORT void _gfortran_error_stop_string(const char* text, std::size_t length,
                                                           bool quiet) {
-    stop(line("ERROR STOP", text, length), 1, quiet);
+    error_stop(line("ERROR STOP", text, length), 1, quiet);
 }
 
 TARN_EXPORT void _gfortran_pause_numeric(std::int32_t code) {

@@ -160,13 +160,14 @@ void turn(Statement& s) {
 
 bool apply_record_number(Statement& s, std::int64_t rec) {
     Unit& unit = *s.unit;
-    if (rec <= 0 || rec > INT64_MAX / unit.recl) {
+    const std::int64_t stride = direct_stride(unit);
+    if (rec <= 0 || rec > INT64_MAX / stride) {
         fail(s, bad_record_number);
         return false;
     }
     s.record_number = rec;
     int err = 0;
-    move_to(unit.file, (rec - 1) * unit.recl, err);
+    move_to(unit.file, (rec - 1) * stride, err);
     if (s.reading) {
         char* at = nullptr;
         if (err == 0 && peek_bytes(unit.file, 1, at, err) == 0 && err == 0) {
@@ -268,7 +269,8 @@ bool begin_on_unit(Statement& s, const TransferSpecifiers& specs) {
         return false;
     }
     s.direct = unit.status.direct;
-    s.stream = unit.status.stream;
+    // A unit for which the native dialect knows no records is a stream here.
+    s.stream = unit.status.stream || (unit.status.transparent && !unit.status.formatted);
     take_modes(s, unit);
     return true;
 }
@@ -304,6 +306,16 @@ bool goes_on(const Unit& unit, bool reading) {
     const IOStatus& status = unit.status;
     const GnuConnection& connection = unit.gnu;
     return status.connected && status.formatted && !status.direct && !status.stream &&
+           (reading ? status.may_read : status.may_write) && unit.statements == 1 &&
+           connection.end != EndState::after && connection.last_was_write != reading &&
+           !connection.record_open;
+}
+
+// The same of an unformatted one.
+bool records_go_on(const Unit& unit, bool reading) {
+    const IOStatus& status = unit.status;
+    const GnuConnection& connection = unit.gnu;
+    return status.connected && !status.formatted && !status.direct && !status.transparent &&
            (reading ? status.may_read : status.may_write) && unit.statements == 1 &&
            connection.end != EndState::after && connection.last_was_write != reading &&
            !connection.record_open;
@@ -351,6 +363,25 @@ Statement* begin_usual_transfer(Caller& caller, bool reading, const char* format
     return statement;
 }
 
+Statement* begin_usual_records(Caller& caller, bool reading) {
+    Unit* unit = acquire_unit(caller.unit);
+    if (unit == nullptr) return nullptr;
+    if (!records_go_on(*unit, reading)) {
+        release_unit(unit);
+        return nullptr;
+    }
+    Statement* statement = take_statement();
+    Statement& s = *statement;
+    s.caller = &caller;
+    caller.has_unit = true;
+    s.unit = unit;
+    s.reading = reading;
+    s.unformatted = true;
+    s.raw = UnformattedState{};
+    begin_unformatted(s);
+    return statement;
+}
+
 Statement* begin_transfer(Caller& caller, const TransferSpecifiers& specs) {
     Statement* statement = take_statement();
     Statement& s = *statement;
@@ -366,6 +397,30 @@ Statement* begin_transfer(Caller& caller, const TransferSpecifiers& specs) {
         begin_formatted(s);
     }
     return statement;
+}
+
+Statement* begin_unformatted_on(Unit& unit, Caller& caller, bool reading, std::int64_t place) {
+    Statement* statement = take_statement();
+    Statement& s = *statement;
+    s.caller = &caller;
+    s.unit = &unit;
+    s.reading = reading;
+    s.unformatted = true;
+    s.raw = UnformattedState{};
+    s.direct = unit.status.direct;
+    s.stream = unit.status.stream;
+    if (!check_end(s)) return statement;
+    turn(s);
+    if (s.failed) return statement;
+    if (s.direct && !apply_record_number(s, place)) return statement;
+    if (s.stream && place > 0 && !apply_stream_position(s, place)) return statement;
+    begin_unformatted(s);
+    return statement;
+}
+
+void end_unformatted_on(Statement* statement) {
+    end_unformatted(*statement);
+    give_back(statement);
 }
 
 Statement* refuse_transfer(Caller& caller) {

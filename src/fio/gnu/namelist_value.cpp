@@ -242,7 +242,8 @@ Next look_at_word(NamelistReader& r, const NamelistItem& item, bool unquoted) {
     if (value) return over ? Next::word : Next::value;
     if (unquoted && item.type == ItemType::character) return Next::value;
     if (over) return Next::nothing;
-    return fail_value(r, item, s.cursor, text) ? Next::value : Next::failed;
+    fail_value(r, item, s.cursor, text);
+    return Next::failed;
 }
 
 // A word is the last thing in its record: what comes behind it tells whether it is a name.
@@ -281,10 +282,8 @@ Next take_repeat(NamelistReader& r, const NamelistItem& item) {
         count = count * 10 + (*at - '0');
     }
     if (count == 0 || count > greatest_repeat) {
-        return fail_namelist(r, bad_repeat_count, s.cursor,
-                             joined({"\"", text.substr(0, 60), "\""}))
-                   ? Next::value
-                   : Next::failed;
+        fail_namelist(r, bad_repeat_count, s.cursor, joined({"\"", text.substr(0, 60), "\""}));
+        return Next::failed;
     }
     s.list.repeat = count;
     pass(s, text.size());

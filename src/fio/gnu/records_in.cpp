@@ -48,7 +48,7 @@ bool direct_record(Statement& s) {
     Unit& unit = *s.unit;
     int err = 0;
     char* begin = nullptr;
-    move_to(unit.file, (s.record_number - 1) * unit.recl, err);
+    move_to(unit.file, (s.record_number - 1) * direct_stride(unit), err);
     const std::size_t length =
         peek_bytes(unit.file, static_cast<std::size_t>(unit.recl), begin, err);
     if (err != 0) {

@@ -75,15 +75,19 @@ void gnu_row(DataBlock& block, ItemType type, char* items, int kind, std::size_t
 
 void native_row(DataBlock& block, ItemType type, char* items, int kind, std::size_t size,
                 std::int64_t stride, std::int64_t count) {
-    for (; count > 0; --count, items += stride) {
-        if (!native_road().transfer(&block, type, items, kind, size)) return;
-    }
+    native_road().row(&block, type, items, kind, size, stride, count);
 }
 
 // Steps through the array, one innermost row at a time; rows that follow each other in memory go
 // as one.
 void walk(DataBlock& block, const ArrayDescriptor& array, ItemType type, int kind, std::size_t size,
           ItemRow row) {
+    if (array.rank == 1) {
+        const Dimension& only = array.dimension[0];
+        const std::int64_t count = only.extent();
+        if (count > 0) row(block, type, array.base, kind, size, only.stride * array.unit(), count);
+        return;
+    }
     std::int64_t extent[15];
     std::int64_t stride[15];
     int rank = 0;
@@ -177,10 +181,11 @@ void begin_data_transfer(DataBlock& block, bool reading) {
     part.owner = Owner::gnu;
     fill_caller(block, part.caller);
     const std::uint32_t flags = block.flags;
-    if ((flags & (reading ? unusual_in_read : unusual_in_write)) == 0 &&
-        (flags & (has_format | list_directed)) != 0) {
-        part.statement =
-            fio::begin_usual_transfer(part.caller, reading, format_of(block), block.format_length);
+    if ((flags & (reading ? unusual_in_read : unusual_in_write)) == 0) {
+        part.statement = (flags & (has_format | list_directed)) != 0
+                             ? fio::begin_usual_transfer(part.caller, reading, format_of(block),
+                                                         block.format_length)
+                             : fio::begin_usual_records(part.caller, reading);
         if (part.statement != nullptr) return;
     }
     part.statement = begin_any(block, reading);

@@ -29,6 +29,9 @@ void refuse_derived(DataBlock& block);
 struct NativeRoad {
     bool (*transfer)(void* block, fio::ItemType type, void* item, int kind,
                      std::size_t length) = nullptr;
+    // `count` items `stride` bytes apart.
+    void (*row)(void* block, fio::ItemType type, void* items, int kind, std::size_t size,
+                std::int64_t stride, std::int64_t count) = nullptr;
     void (*done)(void* block) = nullptr;
 };
 NativeRoad& native_road();

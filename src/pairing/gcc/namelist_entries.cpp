@@ -18,7 +18,7 @@ void add_variable(DataBlock& block, void* address, const char* path, std::int32_
     variable.kind = kind;
     variable.size = type.element_length;
     variable.length = length;
-    variable.rank = type.rank;
+    variable.rank = static_cast<unsigned char>(type.rank);
     variable.procedure = procedure;
     variable.type_table = type_table;
     group_of(block).add(variable);

@@ -161,7 +161,7 @@ void run_namelist(DataBlock& block) {
 
 void begin_native_transfer(DataBlock& block, bool reading) {
     enter();
-    native_road() = {native_transfer, native_done};
+    native_road() = {native_transfer, native_row, native_done};
     block.part().owner = Owner::native;
     beginIO(action_of(block, reading));
     set_outcome_words(common_part(block));
@@ -214,6 +214,20 @@ bool transfer_formatted(IO_type& io, ItemType type, void* item, int kind, std::s
     if (road.size == 0) return refuse_kind(type, kind);
     io.item_size = road.size;
     return reading ? road.read(item, 1) : road.write(item, 1);
+}
+
+// The parts of `count` items that are a number, or a character, each.
+bool transfer_bytes(ItemType type, void* items, int kind, std::size_t size, std::int64_t count) {
+    auto element = static_cast<std::int32_t>(size);
+    if (type == ItemType::character) {
+        element = kind;
+        count *= static_cast<std::int64_t>(size);
+    } else if (type == ItemType::complex) {
+        element /= 2;
+        count *= 2;
+    }
+    transfer_unformatted(items, count, -element, 0);
+    return !items_are_ignored();
 }
 
 bool is_formatted(ActionCode action) {
@@ -428,16 +442,25 @@ bool native_transfer(void* block, ItemType type, void* item, int kind, std::size
     (void)block;
     if (items_are_ignored()) return false;
     IO_type& io = current();
-    if (!is_formatted(io.action)) {
-        // CHARACTER goes by its length; every other item is its bytes.
-        const bool text = type == ItemType::character;
-        transfer_unformatted(item, 1, text ? 1 : -static_cast<std::int32_t>(length),
-                             static_cast<std::ptrdiff_t>(length) * kind);
-        return !items_are_ignored();
-    }
+    if (!is_formatted(io.action)) return transfer_bytes(type, item, kind, length, 1);
     const bool go_on = transfer_formatted(io, type, item, kind, length);
     conclude(go_on);
     return go_on;
+}
+
+void native_row(void* block, ItemType type, void* items, int kind, std::size_t size,
+                std::int64_t stride, std::int64_t count) {
+    const std::size_t bytes =
+        type == ItemType::character ? size * static_cast<std::size_t>(kind) : size;
+    const bool dense = stride == static_cast<std::int64_t>(bytes);
+    if (dense && !items_are_ignored() && !is_formatted(current().action)) {
+        transfer_bytes(type, items, kind, size, count);
+        return;
+    }
+    auto* item = static_cast<char*>(items);
+    for (; count > 0; --count, item += stride) {
+        if (!native_transfer(block, type, item, kind, size)) return;
+    }
 }
 
 void native_done(void* block) {

@@ -11,25 +11,25 @@ using fio::native::NamelistTableBuilder;
 using fio::native::NamelistType;
 
 struct KnownType {
-    ItemType type;
     int kind;
+    ItemType type;
     NamelistType code;
 };
 constexpr KnownType known_types[] = {
-    {ItemType::integer, 1, NamelistType::integer1},
-    {ItemType::integer, 2, NamelistType::integer2},
-    {ItemType::integer, 4, NamelistType::integer4},
-    {ItemType::integer, 8, NamelistType::integer8},
-    {ItemType::logical, 1, NamelistType::logical1},
-    {ItemType::logical, 2, NamelistType::logical2},
-    {ItemType::logical, 4, NamelistType::logical4},
-    {ItemType::real, 4, NamelistType::real4},
-    {ItemType::real, 8, NamelistType::real8},
-    {ItemType::real, 10, NamelistType::real10},
-    {ItemType::complex, 4, NamelistType::complex8},
-    {ItemType::complex, 8, NamelistType::complex16},
-    {ItemType::complex, 10, NamelistType::complex20},
-    {ItemType::character, 1, NamelistType::character},
+    {1, ItemType::integer, NamelistType::integer1},
+    {2, ItemType::integer, NamelistType::integer2},
+    {4, ItemType::integer, NamelistType::integer4},
+    {8, ItemType::integer, NamelistType::integer8},
+    {1, ItemType::logical, NamelistType::logical1},
+    {2, ItemType::logical, NamelistType::logical2},
+    {4, ItemType::logical, NamelistType::logical4},
+    {4, ItemType::real, NamelistType::real4},
+    {8, ItemType::real, NamelistType::real8},
+    {10, ItemType::real, NamelistType::real10},
+    {4, ItemType::complex, NamelistType::complex8},
+    {8, ItemType::complex, NamelistType::complex16},
+    {10, ItemType::complex, NamelistType::complex20},
+    {1, ItemType::character, NamelistType::character},
 };
 
 bool find_type(const NamelistItem& item, NamelistType& code) {

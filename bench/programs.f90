@@ -1,7 +1,7 @@
 ! The work that `bench/run` times: `programs WHAT COUNT PLACE`. COUNT records of three values go to
 ! or come from the file `bench.WHAT`, or with PLACE `pipe` to standard output. The values are made
 ! before and each kind of work has its own loop, so that little but the statements takes time.
-! The unformatted ones know their files by themselves.
+! The groups of a NAMELIST are a tenth of COUNT; the unformatted programs know their files by themselves.
 program programs
     implicit none
     integer, parameter :: kept = 4096
@@ -9,6 +9,11 @@ program programs
     integer :: count, unit, i, j, k, total = 0, n(3, kept), m(3)
     integer(8) :: r = 1
     real(8) :: x(3, kept), y(3), sum = 0
+    integer :: steps = 1000, grid(8) = [(i, i=1, 8)]
+    real(8) :: step_length = 0.125d0, levels(6) = [(i*1.37d0, i=1, 6)], limit = 1d-9
+    logical :: verbose = .true.
+    character(24) :: title = 'a run of the model'
+    namelist /setup/ steps, grid, step_length, levels, limit, verbose, title
     real(8), allocatable :: big(:)
     call get_command_argument(1, what)
     if (what == 'start') stop
@@ -69,6 +74,16 @@ program programs
         do i = 1, count
             j = iand(i, kept - 1) + 1
             write (unit, '(3I10)') n(1, j), n(2, j), n(3, j)
+        end do
+    case ('write-namelist')
+        do i = 1, count/10
+            steps = i
+            write (unit, nml=setup)
+        end do
+    case ('read-namelist')
+        do i = 1, count/10
+            read (unit, nml=setup)
+            total = ieor(total, steps)
         end do
     case ('read-e24.16')
         do i = 1, count

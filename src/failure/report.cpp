@@ -126,12 +126,8 @@ void report(int number, std::string_view text) {
     if ((frame::traceback_flags() & frame::tb_no_traceback) == 0)
         reporter.callers = traceback::console_text(here, false);
     bool console = (frame::traceback_flags() & frame::tb_kill_dialogbox) != 0;
-    bool shown = !console && the_hooks.report_dialog && the_hooks.report_dialog(text);
-    if (shown) {
-        reporter.printed = true;
-    } else {
-        print_once();
-    }
+    print_once();
+    if (!console && the_hooks.report_dialog) the_hooks.report_dialog(text, reporter.callers);
     _exit(1);
 }
 

@@ -7,6 +7,7 @@
 #include "fio/gnu/internal_file.h"
 #include "fio/gnu/items.h"
 #include "fio/gnu/keyword.h"
+#include "fio/gnu/namelist.h"
 #include "fio/gnu/options.h"
 #include "fio/gnu/records.h"
 #include "fio/gnu/thread_state.h"
@@ -29,7 +30,6 @@ constexpr Fault bad_record_number{95, iostat_bad_option};
 constexpr Fault bad_position{450, iostat_bad_option};
 constexpr Fault past_end_marker{104, iostat_option_conflict};
 constexpr Fault same_unit{433, iostat_option_conflict};
-constexpr Fault not_there{156, iostat_internal};
 
 // The specifiers of one statement that change modes of the connection. False: a word of none.
 bool apply_modes(Statement& s, const ModeSpecifiers& specs) {
@@ -217,6 +217,15 @@ bool apply_stream_position(Statement& s, std::int64_t pos) {
     return true;
 }
 
+// CHARACTER values of a group stand in quotes unless the program says how: they couldn't be read
+// otherwise.
+void choose_namelist(Statement& s, const TransferSpecifiers& specs) {
+    if (s.reading) s.list = ListState{};
+    if (s.unit != nullptr && s.unit->gnu.delim_given) return;
+    if (specs.modes == nullptr || specs.modes->delim.data() == nullptr)
+        s.modes.delim = Delim::quote;
+}
+
 bool begin_on_internal(Statement& s, const TransferSpecifiers& specs) {
     s.internal = true;
     s.caller->internal = true;
@@ -243,7 +252,7 @@ void take_modes(Statement& s, const Unit& unit) {
 bool begin_on_unit(Statement& s, const TransferSpecifiers& specs) {
     Caller& caller = *s.caller;
     caller.has_unit = true;
-    const Form form = specs.format != nullptr || specs.list_directed || specs.is_namelist
+    const Form form = specs.format != nullptr || specs.list_directed || specs.namelist != nullptr
                           ? Form::formatted
                           : Form::unformatted;
     const Access access = specs.has_rec ? Access::direct : Access::sequential;
@@ -269,14 +278,15 @@ bool begin_on_unit(Statement& s, const TransferSpecifiers& specs) {
 bool open_statement(Statement& s, const TransferSpecifiers& specs) {
     if (specs.internal != nullptr ? !begin_on_internal(s, specs) : !begin_on_unit(s, specs))
         return false;
-    if (specs.is_namelist) {
-        fail(s, not_there, "NAMELIST is not there yet");
-        return false;
-    }
-    s.unformatted = specs.format == nullptr && !specs.list_directed;
+    s.namelist = specs.namelist;
+    s.unformatted = specs.format == nullptr && !specs.list_directed && s.namelist == nullptr;
     if (s.unformatted) s.raw = UnformattedState{};
     if (!s.internal && !check_action(s)) return false;
-    if (!s.unformatted && !choose_format(s, specs.format, specs.format_length)) return false;
+    if (s.namelist != nullptr) {
+        choose_namelist(s, specs);
+    } else if (!s.unformatted && !choose_format(s, specs.format, specs.format_length)) {
+        return false;
+    }
     if (!s.internal && (!check_access(s, specs) || !check_end(s))) return false;
     if (specs.modes != nullptr &&
         (!apply_modes(s, *specs.modes) || !apply_asynchronous(s, *specs.modes))) {
@@ -318,6 +328,17 @@ void begin_formatted(Statement& s) {
     } else {
         begin_output(s);
         s.transfer_item = s.list_directed ? write_list_item : write_item;
+    }
+}
+
+// All of the transfer happens as the statement begins.
+void run_namelist(Statement& s) {
+    if (s.reading) {
+        begin_input(s);
+        if (!s.failed) read_namelist(s);
+    } else {
+        begin_output(s);
+        if (!s.failed) write_namelist(s);
     }
 }
 
@@ -370,6 +391,8 @@ Statement* begin_transfer(Caller& caller, const TransferSpecifiers& specs) {
     if (!open_statement(s, specs)) return statement;
     if (s.unformatted) {
         begin_unformatted(s);
+    } else if (s.namelist != nullptr) {
+        run_namelist(s);
     } else {
         begin_formatted(s);
     }

@@ -19,6 +19,7 @@ namespace tarn::fio {
 
 struct Unit;
 struct CachedFormat;
+struct NamelistGroup;
 
 // An internal file: `count` records of `length` characters of `char_kind` bytes each, `stride`
 // bytes apart in the innermost dimension and then as the array lies.
@@ -112,6 +113,8 @@ struct StatementState {
     const FormatNode* next = nullptr;       // node to run
     const FormatNode* data_edit = nullptr;  // in force
 
+    NamelistGroup* namelist = nullptr;
+
     std::int64_t* size = nullptr;  // SIZE=
     std::int64_t size_count = 0;   // characters read, for SIZE=
     std::int64_t* iolength = nullptr;
@@ -185,13 +188,13 @@ struct ModeSpecifiers {
 struct TransferSpecifiers {
     bool reading = false;
     bool list_directed = false;
-    bool is_namelist = false;
     bool has_rec = false;
     bool has_pos = false;
     bool has_end = false;
     bool has_eor = false;
     const char* format = nullptr;  // null: none
     std::size_t format_length = 0;
+    NamelistGroup* namelist = nullptr;  // null: none
     std::int64_t rec = 0;
     std::int64_t pos = 0;
     std::int64_t* size = nullptr;

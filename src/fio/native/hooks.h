@@ -21,9 +21,6 @@ struct Hooks {
     void (*print_html_string)(std::int32_t unit, const char* text, std::size_t count) = nullptr;
     void (*print_html_close)(std::int32_t unit) = nullptr;
 
-    // Namelist statements.
-    bool (*namelist_read)() = nullptr;   // RNML__
-    bool (*namelist_write)() = nullptr;  // WNML__
 
     // An attached debugger that takes the W32STREAM_ results.
     void (*debugger_result)(const char* text) = nullptr;

@@ -6,6 +6,7 @@
 #include "failure/failure.h"
 #include "fio/native/connect.h"
 #include "fio/native/hooks.h"
+#include "fio/native/namelist.h"
 
 namespace tarn::fio::native {
 namespace {
@@ -81,8 +82,8 @@ bool run_control(ActionCode action) {
     }
 }
 
+// The statement is over when its body returns.
 bool run_namelist(bool (*body)()) {
-    if (body == nullptr) return IO_not_available("Namelist transfer is not available");
     if (!body()) return false;
     release_record();
     return true;
@@ -98,9 +99,9 @@ bool run_transfer(IO_type& io) {
         case ActionCode::write_direct_unformatted:
             return RDU1__();
         case ActionCode::read_namelist:
-            return run_namelist(hooks().namelist_read);
+            return run_namelist(RNML__);
         case ActionCode::write_namelist:
-            return run_namelist(hooks().namelist_write);
+            return run_namelist(WNML__);
         default:
             return RSF1__(advance.address, advance.given, advance.length);
     }

@@ -1,6 +1,7 @@
 #include "pairing/gcc/data_transfer.h"
 
 #include "fio/gnu/items.h"
+#include "pairing/gcc/namelist.h"
 
 namespace tarn::gcc {
 
@@ -61,21 +62,6 @@ void fill_internal(const DataBlock& block, fio::InternalFile& file) {
 
 Statement& statement_of(DataBlock& block) {
     return *static_cast<Statement*>(block.part().statement);
-}
-
-ItemType item_type(std::int8_t type) {
-    switch (type) {
-        case 1:
-            return ItemType::integer;
-        case 2:
-            return ItemType::logical;
-        case 3:
-            return ItemType::real;
-        case 4:
-            return ItemType::complex;
-        default:
-            return ItemType::character;
-    }
 }
 
 using ItemRow = void (*)(DataBlock& block, ItemType type, char* items, int kind, std::size_t size,
@@ -147,7 +133,7 @@ const char* format_of(const DataBlock& block) {
     specs.list_directed = (flags & list_directed) != 0;
     specs.format = format_of(block);
     specs.format_length = specs.format != nullptr ? block.format_length : 0;
-    specs.is_namelist = (flags & has_namelist) != 0;
+    if ((flags & has_namelist) != 0) specs.namelist = &group_of(block);
     specs.has_rec = (flags & has_rec) != 0;
     specs.rec = specs.has_rec ? block.rec : 0;
     specs.has_pos = (flags & has_pos) != 0;
@@ -169,6 +155,21 @@ const char* format_of(const DataBlock& block) {
 }
 
 }  // namespace
+
+ItemType item_type(std::int8_t type) {
+    switch (type) {
+        case 1:
+            return ItemType::integer;
+        case 2:
+            return ItemType::logical;
+        case 3:
+            return ItemType::real;
+        case 4:
+            return ItemType::complex;
+        default:
+            return ItemType::character;
+    }
+}
 
 NativeRoad& native_road() {
     static NativeRoad road;
@@ -201,9 +202,13 @@ void begin_measuring(DataBlock& block) {
 
 void end_data_transfer(DataBlock& block) {
     PrivatePart& part = block.part();
-    if (part.owner == Owner::native) return native_road().done(&block);
+    if (part.owner == Owner::native) {
+        native_road().done(&block);
+        return release_group(block);
+    }
     end_transfer(static_cast<Statement*>(part.statement));
     part.owner = Owner::none;
+    release_group(block);
     block.flags |= static_cast<std::uint32_t>(part.caller.outcome);
 }
 

@@ -18,6 +18,9 @@ void transfer_complex(DataBlock& block, void* item, int kind);
 void transfer_array(DataBlock& block, const ArrayDescriptor& array, int kind,
                     std::size_t character_length);
 
+// By the number of a descriptor.
+fio::ItemType item_type(std::int8_t type);
+
 // An item that goes through a procedure of its type.
 void refuse_derived(DataBlock& block);
 

@@ -9,6 +9,8 @@
 #include "fio/unit.h"
 #include "frame/link_name.h"
 #include "pairing/gcc/data_transfer.h"
+#include "pairing/gcc/namelist.h"
+#include "pairing/gcc/native_namelist.h"
 #include "pairing/gcc/unit_blocks.h"
 
 namespace tarn::gcc {
@@ -91,7 +93,8 @@ std::int64_t contiguous_records(const ArrayDescriptor& array) {
 // What the statement asks for and the dialect doesn't have; empty: nothing.
 std::string_view missing_feature(const DataBlock& block) {
     const std::uint32_t flags = block.flags;
-    if ((flags & has_namelist) != 0) return "Namelist transfer is not available";
+    if ((flags & has_namelist) != 0 && (flags & has_internal_unit) != 0)
+        return "NAMELIST on an internal file is not available in the native dialect";
     const struct {
         std::uint32_t flag;
         const char* text;
@@ -142,6 +145,20 @@ void set_transfer_words(DataBlock& block) {
     if ((flags & has_id) != 0) *block.id = 0;  // transfers are over when they return
 }
 
+// The whole of it: a namelist statement has no items, and its end finds nothing left to do.
+void run_namelist(DataBlock& block) {
+    const fio::NamelistGroup& group = group_of(block);
+    NamelistTableBuilder builder(upper_name(group.name));
+    std::string missing(missing_feature(block));
+    if (missing.empty()) missing = describe_group(group, builder);
+    setOption(IOCode::namelist, TypeCode::none, const_cast<void*>(builder.table()), -1);
+    fio::Outcome& outcome = block.part().caller.outcome;
+    outcome = fio::Outcome::ok;
+    if (missing.empty() ? doIO() : IO_not_available(missing)) return;
+    outcome = static_cast<fio::Outcome>(current().taken_road);
+    leave_statement();
+}
+
 void begin_native_transfer(DataBlock& block, bool reading) {
     enter();
     native_road() = {native_transfer, native_row, native_done};
@@ -149,6 +166,7 @@ void begin_native_transfer(DataBlock& block, bool reading) {
     beginIO(action_of(block, reading));
     set_outcome_words(common_part(block));
     set_transfer_words(block);
+    if ((block.flags & has_namelist) != 0) return run_namelist(block);
     const std::string_view missing = missing_feature(block);
     conclude(missing.empty() ? doIO() : IO_not_available(missing));
 }
@@ -447,9 +465,11 @@ void native_row(void* block, ItemType type, void* items, int kind, std::size_t s
 
 void native_done(void* block) {
     auto& data = *static_cast<DataBlock*>(block);
-    const Road road = end_native_transfer(current().action);
+    const bool over = (data.flags & has_namelist) != 0;
+    const auto road = over ? static_cast<std::uint32_t>(data.part().caller.outcome)
+                           : static_cast<std::uint32_t>(end_native_transfer(current().action));
     data.part().owner = Owner::none;
-    data.flags |= static_cast<std::uint32_t>(road);
+    data.flags |= road;
     leave();
 }
 

@@ -10,6 +10,7 @@ namespace tarn::frame {
 struct Hooks {
     // Start, in the order of __initialise_cpplib.
     void (*initialise_storage)() = nullptr;
+    void (*watch_faults)() = nullptr;
     void (*set_window_defaults)() = nullptr;
     void (*start_clock)() = nullptr;         // the baseline of DCLOCK#
     void (*initialise_console)() = nullptr;  // __InitialiseConsole

@@ -16,6 +16,9 @@ bool raise_low_memory() {
 void install() {
     frame::hooks().watch_faults = watch;
     storage::state().hooks.raise_low_memory = raise_low_memory;
+    frame::hooks().trapped_float = [] {
+        return state().context != nullptr ? &state().context->floating : nullptr;
+    };
     frame::hooks().exception_title = [] {
         return state().title[0] != 0 ? static_cast<const char*>(state().title) : nullptr;
     };

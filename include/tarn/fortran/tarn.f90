@@ -2,7 +2,9 @@
 ! of them, and each family has a module of its own. A name that ends in `@` may be written so in a
 ! program.
 module tarn
+  use tarn_exceptions
   use tarn_files
+  use tarn_float
   use tarn_handles
   use tarn_windows
   implicit none

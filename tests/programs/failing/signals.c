@@ -7,7 +7,7 @@
 //> jump: in code at 0x123
 //> jump: called by jump, signals.c:40
 //> constant: The instruction at address * attempted to write to location *
-//> constant: (read-only data of the program: perhaps a constant was passed to a routine that
+//> constant: (read-only data of the program: *)
 //changes it) > constant: in write_there, signals.c:54 > heap: Abnormal termination: the program
 //called abort > heap: in smash, signals.c:48 > smashed: The instruction at address * attempted to
 //write to location * > smashed: in write_there, signals.c:54 > outside: Quit (SIGQUIT), sent by

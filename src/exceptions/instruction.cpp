@@ -139,14 +139,20 @@ std::size_t read_code(std::uint64_t address, std::uint8_t (&code)[longest_instru
     return count;
 }
 
-bool read_instruction(const Context& context, Instruction& instruction) {
-    std::uint8_t bytes[longest_instruction];
-    if (read_code(context.instruction, bytes) == 0) return false;
+void decode(const std::uint8_t (&bytes)[longest_instruction], const Context& context,
+            Instruction& instruction) {
     Cursor code{bytes, bytes + longest_instruction};
     Extension extension;
     read_prefixes(code, instruction);
     read_opcode(code, instruction, extension);
     read_operands(code, context, extension, instruction);
+    instruction.length = static_cast<std::size_t>(code.at - bytes);
+}
+
+bool read_instruction(const Context& context, Instruction& instruction) {
+    std::uint8_t bytes[longest_instruction];
+    if (read_code(context.instruction, bytes) == 0) return false;
+    decode(bytes, context, instruction);
     return true;
 }
 

@@ -19,10 +19,13 @@ struct Instruction {
     std::uint8_t opcode = 0;
     std::uint8_t mod = 0, reg = 0, rm = 0;
     std::uint64_t address = 0;  // of the operand in memory, where mod isn't 3
+    std::size_t length = 0;     // up to here; some have a number behind their operands
 };
 
 // The bytes that are there behind `address`; the rest is zero.
 std::size_t read_code(std::uint64_t address, std::uint8_t (&code)[longest_instruction]);
+void decode(const std::uint8_t (&code)[longest_instruction], const Context& context,
+            Instruction& instruction);
 // False where the bytes can't be read.
 bool read_instruction(const Context& context, Instruction& instruction);
 

@@ -1,9 +1,7 @@
 #include "exceptions/report.h"
 
-#include <cstdio>
-#include <cstdlib>
-
 #include "exceptions/attempt.h"
+#include "exceptions/report_file.h"
 #include "failure/failure.h"
 #include "failure/reporter.h"
 #include "frame/state.h"
@@ -31,6 +29,15 @@ traceback::Registers registers_of(const Context& context) {
     return all;
 }
 
+void write_files(const Cause& cause) {
+    const Exception& exception = *cause.exception;
+    const bool is_signal = exception.record.code == 0;
+    const std::int64_t number =
+        is_signal ? exception.fault->signal : std::int64_t{exception.record.code};
+    write_report_files({is_signal ? "signal" : "exception", cause.title, cause.text, number,
+                        registers_of(exception.context), &exception.context});
+}
+
 void tell(const Cause& cause) {
     failure::set_report(cause.text);
     failure::set_report_callers({});
@@ -46,6 +53,7 @@ void tell(const Cause& cause) {
                 [&] { failure::set_report_callers(traceback::console_text(registers, place)); });
     }
     failure::print_report();
+    attempt(file_patience, [&] { write_files(cause); });
 }
 
 }  // namespace

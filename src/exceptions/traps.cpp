@@ -1,4 +1,7 @@
+#include "exceptions/attempt.h"
 #include "exceptions/exceptions.h"
+#include "exceptions/report_file.h"
+#include "failure/failure.h"
 #include "frame/hooks.h"
 #include "storage/storage.h"
 
@@ -13,7 +16,17 @@ bool raise_low_memory() {
     return true;
 }
 
+// A failure's first line says what it is.
+void write_failure(int number, std::string_view text, const traceback::Registers& registers) {
+    std::string_view cause = text.substr(0, text.find('\n'));
+    constexpr unsigned patience = 10;
+    attempt(patience, [&] {
+        write_report_files({"failure", cause, text, number, registers, nullptr});
+    });
+}
+
 void install() {
+    failure::hooks().write_report = write_failure;
     frame::hooks().watch_faults = watch;
     storage::state().hooks.raise_low_memory = raise_low_memory;
     frame::hooks().trapped_float = [] {

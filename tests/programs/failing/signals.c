@@ -1,4 +1,4 @@
-//> runs: illegal privileged jump constant heap smashed outside limit kept broken
+//> runs: illegal privileged jump constant heap smashed outside limit kept broken blocked
 //> illegal: Attempt to execute illegal instruction at address *
 //> illegal: in illegal, signals.c:30
 //> privileged: Attempt to execute privileged instruction at address *
@@ -8,14 +8,14 @@
 //> jump: called by jump, signals.c:40
 //> constant: The instruction at address * attempted to write to location *
 //> constant: (read-only data of the program: *)
-//changes it) > constant: in write_there, signals.c:54 > heap: Abnormal termination: the program
-//called abort > heap: in smash, signals.c:48 > smashed: The instruction at address * attempted to
-//write to location * > smashed: in write_there, signals.c:54 > outside: Quit (SIGQUIT), sent by
-//process * > outside: in wait_for_it, signals.c:* > limit: CPU time limit exceeded (SIGXCPU), sent
-//by the system > limit: in spin, signals.c:* > kept: our own handler > broken: Access violation: >
-//broken: in write_there, signals.c:54 > illegal: called by main, signals.c:* > jump: called by
-//main, signals.c:* > heap: called by main, signals.c:* > smashed: called by main, signals.c:* >
-//outside: called by main, signals.c:* > broken: called by main, signals.c:* > not: tarnlibc
+// changes it) > constant: in write_there, signals.c:54 > heap: Abnormal termination: the program
+// called abort > heap: in smash, signals.c:48 > smashed: The instruction at address * attempted to
+// write to location * > smashed: in write_there, signals.c:54 > outside: Quit (SIGQUIT), sent by
+// process * > outside: in wait_for_it, signals.c:* > limit: CPU time limit exceeded (SIGXCPU), sent
+// by the system > limit: in spin, signals.c:* > kept: our own handler > broken: Access violation: >
+// broken: in write_there, signals.c:54 > illegal: called by main, signals.c:* > jump: called by
+// main, signals.c:* > heap: called by main, signals.c:* > smashed: called by main, signals.c:* >
+// outside: called by main, signals.c:* > broken: called by main, signals.c:* > not: tarnlibc
 #include <signal.h>
 #include <stdio.h>
 #include <stdlib.h>
@@ -101,6 +101,16 @@ int main(int count, char** words) {
     if (strcmp(word, "broken") == 0) {
         stdout->_IO_write_base = (char*)8;
         stdout->_IO_write_ptr = (char*)80;
+        write_there((char*)24);
+    }
+    if (strcmp(word, "blocked") == 0) {
+        // What is written out first goes to a pipe that nobody reads.
+        static char much[1 << 17];
+        int ends[2];
+        memset(much, '-', sizeof much);
+        if (pipe(ends) != 0 || dup2(ends[1], 1) < 0) return 0;
+        setvbuf(stdout, malloc(sizeof much), _IOFBF, sizeof much);
+        fwrite(much, 1, sizeof much - 1, stdout);
         write_there((char*)24);
     }
     return 0;

@@ -26,8 +26,8 @@ bool ends_with(std::string_view text, std::string_view end) {
 bool is_system_module(std::string_view path) {
     if (path.empty()) return false;
     const std::string_view file = path.substr(path.rfind('/') + 1);
-    for (std::string_view name :
-         {"libc.so", "ld-linux", "libgomp.so", "libpthread.so", "linux-vdso"}) {
+    for (std::string_view name : {"libc.so", "ld-linux", "libgomp.so", "libpthread.so",
+                                  "linux-vdso", "libstdc++.so", "libgcc_s.so"}) {
         if (file.substr(0, name.size()) == name) return true;
     }
     return ends_with(file, ".so.6") && file.substr(0, 5) == "libc.";

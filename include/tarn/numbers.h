@@ -432,6 +432,68 @@ int32_t SELECTED_REAL_KIND2_h(const int32_t* precision, const int32_t* range)
 int32_t SELECTED_REAL_KINDA_h(const int32_t* precision, const int32_t* range)
     TARN_LINK_NAME("SELECTED_REAL_KINDA#");
 
+/* ---- Special functions. ----------------------------------------------------------------------
+ * For REAL*8 (D) and REAL*10 (X); results are REAL*10, in the range of the argument's type. The `$`
+ * entries fail by the numbers below, those in `#` by 357 with the routine's name. How close results
+ * are is told in docs/accuracy.md. No failure of the catalogue that speaks of lost precision can
+ * happen, since none is lost.
+ *
+ * GAMMA        469 at 0, 470 at negative integers, 472 overflow, 473 underflow
+ * LOG_GAMMA    476 for 0 and below (`#` has values there, and fails at 0 and negative integers),
+ *              477 overflow
+ * BESSEL_Y0    491 for 0 and below;  BESSEL_Y1 492, and 493 overflow
+ * BESSEL_JN    489 for an order or argument below 0
+ * BESSEL_YN    483 the same, 484 at 0, 485 overflow
+ * ACOSH        495 below 1;  ATANH 496 from a magnitude of 1 up
+ *
+ * Rows: name, the function of `$`, the function of `#`. */
+#define TARN_SPECIAL_FUNCTIONS(ENTRY)                                                            \
+    ENTRY(ERF, error_function, error_function)                                                   \
+    ENTRY(ERFC, complementary_error_function, complementary_error_function)                      \
+    ENTRY(ERFC_SCALED, scaled_complementary_error_function, scaled_complementary_error_function) \
+    ENTRY(GAMMA, gamma_function, gamma_function)                                                 \
+    ENTRY(LOG_GAMMA, logarithm_of_gamma, logarithm_of_gamma_magnitude)                           \
+    ENTRY(BESSEL_J0, bessel_j0, bessel_j0)                                                       \
+    ENTRY(BESSEL_J1, bessel_j1, bessel_j1)                                                       \
+    ENTRY(BESSEL_Y0, bessel_y0, bessel_y0)                                                       \
+    ENTRY(BESSEL_Y1, bessel_y1, bessel_y1)                                                       \
+    ENTRY(ASINH, inverse_hyperbolic_sine, inverse_hyperbolic_sine)                               \
+    ENTRY(ACOSH, inverse_hyperbolic_cosine, inverse_hyperbolic_cosine)                           \
+    ENTRY(ATANH, inverse_hyperbolic_tangent, inverse_hyperbolic_tangent)
+#define TARN_DECLARE_SPECIAL(name, by_number, as_library)                        \
+    long double D##name##_d(const double* x) TARN_LINK_NAME("D" #name "$");      \
+    long double X##name##_d(const long double* x) TARN_LINK_NAME("X" #name "$"); \
+    long double D##name##_h(const double* x) TARN_LINK_NAME("D" #name "#");
+TARN_SPECIAL_FUNCTIONS(TARN_DECLARE_SPECIAL)
+#undef TARN_DECLARE_SPECIAL
+
+/* The inverse hyperbolic functions of REAL*4, with the failures of `$` and `#`. */
+#define TARN_SPECIAL_FUNCTIONS_OF_REAL4(ENTRY) \
+    ENTRY(ASINH, inverse_hyperbolic_sine)      \
+    ENTRY(ACOSH, inverse_hyperbolic_cosine)    \
+    ENTRY(ATANH, inverse_hyperbolic_tangent)
+#define TARN_DECLARE_SPECIAL(name, function)                          \
+    long double name##_dd(const float* x) TARN_LINK_NAME(#name "$$"); \
+    long double name##_h(const float* x) TARN_LINK_NAME(#name "#");
+TARN_SPECIAL_FUNCTIONS_OF_REAL4(TARN_DECLARE_SPECIAL)
+#undef TARN_DECLARE_SPECIAL
+
+/* Bessel functions of an order; the forms in X store those of all orders from `first` to `last`. */
+#define TARN_BESSEL_FUNCTIONS(ENTRY) \
+    ENTRY(BESSEL_JN, bessel_jn)      \
+    ENTRY(BESSEL_YN, bessel_yn)
+#define TARN_DECLARE_BESSEL(name, function)                                                        \
+    long double D##name##_d(const int32_t* order, const double* x) TARN_LINK_NAME("D" #name "$");  \
+    long double X##name##_d(const int32_t* order, const long double* x)                            \
+        TARN_LINK_NAME("X" #name "$");                                                             \
+    long double D##name##_h(const int32_t* order, const double* x) TARN_LINK_NAME("D" #name "#");  \
+    void D##name##X_d(const int32_t* first, const int32_t* last, const double* x, double* results) \
+        TARN_LINK_NAME("D" #name "X$");                                                            \
+    void X##name##X_d(const int32_t* first, const int32_t* last, const long double* x,             \
+                      long double* results) TARN_LINK_NAME("X" #name "X$");
+TARN_BESSEL_FUNCTIONS(TARN_DECLARE_BESSEL)
+#undef TARN_DECLARE_BESSEL
+
 #ifdef __cplusplus
 }
 #endif

@@ -44,7 +44,7 @@ long double worked(Function function, Real x) {
 // A Bessel function oscillates above its order, below an envelope that falls with the root of x;
 // where it is much smaller, 80 bits have lost what cancels.
 bool lost_bits(long double value, std::int32_t order, long double x) {
-    if (!(x > order && x > 1)) return false;
+    if (!(x > order && x > 0.5L)) return false;
     constexpr long double much_smaller = 0x1p-7L;
     return value * value * x < much_smaller * much_smaller;
 }

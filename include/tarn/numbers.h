@@ -19,9 +19,11 @@ extern "C" {
 #endif
 
 /* COMPLEX*8, *16 and *20; REAL*10 is long double. */
+/* NOLINTBEGIN(modernize-use-using): this header is C. */
 typedef __complex__ float tarn_complex8;
 typedef __complex__ double tarn_complex16;
 typedef __complex__ long double tarn_complex20;
+/* NOLINTEND(modernize-use-using) */
 
 /* ---- Powers. ---------------------------------------------------------------------------------
  * XX, a letter for the base, one for the exponent: H INTEGER*1, I INTEGER*2, J INTEGER*4,

@@ -6,6 +6,29 @@
 #include <limits>
 #include <type_traits>
 
+// Not every compiler finds them declared in <cmath>.
+extern "C" {
+__float128 fabsf128(__float128) noexcept;
+__float128 expf128(__float128) noexcept;
+__float128 sinf128(__float128) noexcept;
+__float128 cosf128(__float128) noexcept;
+__float128 tanf128(__float128) noexcept;
+__float128 erff128(__float128) noexcept;
+__float128 erfcf128(__float128) noexcept;
+__float128 tgammaf128(__float128) noexcept;
+__float128 asinhf128(__float128) noexcept;
+__float128 acoshf128(__float128) noexcept;
+__float128 atanhf128(__float128) noexcept;
+__float128 j0f128(__float128) noexcept;
+__float128 j1f128(__float128) noexcept;
+__float128 y0f128(__float128) noexcept;
+__float128 y1f128(__float128) noexcept;
+__float128 fmodf128(__float128, __float128) noexcept;
+__float128 lgammaf128_r(__float128, int*) noexcept;
+__float128 jnf128(int, __float128) noexcept;
+__float128 ynf128(int, __float128) noexcept;
+}
+
 namespace tarn::intrinsics::numbers {
 
 using Real10 = long double;

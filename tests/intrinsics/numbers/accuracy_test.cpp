@@ -11,6 +11,17 @@
 
 #include "tarn/numbers.h"
 
+extern "C" {
+double _gfortran_sind_r8(double);
+double _gfortran_cosd_r8(double);
+double _gfortran_tand_r8(double);
+double _gfortran_erfc_scaled_r8(double);
+long double _gfortran_sind_r10(long double);
+long double _gfortran_cosd_r10(long double);
+long double _gfortran_tand_r10(long double);
+long double _gfortran_erfc_scaled_r10(long double);
+}
+
 namespace {
 
 struct Reference {
@@ -206,12 +217,32 @@ void expect_bounds(const std::map<std::string, Row>& rows) {
         testing::Test::RecordProperty(name, std::to_string(error));
 }
 
+// gfortran's functions, called by value.
+template <class Real>
+std::map<std::string, Row> gnu_functions(Real (*sine)(Real), Real (*cosine)(Real),
+                                         Real (*tangent)(Real), Real (*scaled_erfc)(Real)) {
+    const auto by_value = [](Real (*function)(Real)) {
+        return Row{[=](double x, double) { return function(x); }, 0.51};
+    };
+    return {{"sind", by_value(sine)},
+            {"cosd", by_value(cosine)},
+            {"tand", by_value(tangent)},
+            {"erfc_scaled", by_value(scaled_erfc)}};
+}
+
 TEST(NumberAccuracy, OfReal8) {
     expect_bounds<double>(real8_functions());
 }
 
 TEST(NumberAccuracy, OfReal10) {
     expect_bounds<long double>(real10_functions());
+}
+
+TEST(NumberAccuracy, OfGfortransFunctions) {
+    expect_bounds<double>(gnu_functions(_gfortran_sind_r8, _gfortran_cosd_r8, _gfortran_tand_r8,
+                                        _gfortran_erfc_scaled_r8));
+    expect_bounds<long double>(gnu_functions(_gfortran_sind_r10, _gfortran_cosd_r10,
+                                             _gfortran_tand_r10, _gfortran_erfc_scaled_r10));
 }
 
 }  // namespace

@@ -38,7 +38,8 @@ void warn(std::string_view text);
 struct Hooks {
     void (*flush_everything)() = nullptr;               // every dirty unit and handle buffer
     std::int32_t (*current_io_unit)() = nullptr;        // unit of the statement in progress, or 0
-    bool (*report_dialog)(std::string_view) = nullptr;  // shows a report in a window; false: can't
+    // Shows a report, and who called, in a window; false: there is nobody to see it.
+    bool (*report_dialog)(std::string_view text, std::string_view callers) = nullptr;
     // Writes the report's file, where the user asked for one.
     void (*write_report)(int number, std::string_view text,
                          const traceback::Registers& registers) = nullptr;

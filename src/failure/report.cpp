@@ -89,12 +89,8 @@ void report(int number, std::string_view text) {
         set_report_callers(traceback::console_text(here, traceback::Place::call));
     if (the_hooks.write_report) the_hooks.write_report(number, text, here);
     bool console = (frame::traceback_flags() & frame::tb_kill_dialogbox) != 0;
-    bool shown = !console && the_hooks.report_dialog && the_hooks.report_dialog(text);
-    if (shown) {
-        mark_report_printed();
-    } else {
-        print_report();
-    }
+    print_report();
+    if (!console && the_hooks.report_dialog) the_hooks.report_dialog(text, report_callers());
     _exit(1);
 }
 

@@ -66,8 +66,8 @@ void print_report() {
     print_line(reporter.callers);
 }
 
-void mark_report_printed() {
-    reporter.printed = true;
+std::string_view report_callers() {
+    return reporter.callers;
 }
 
 void flush_for_report() {

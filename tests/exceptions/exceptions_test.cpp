@@ -3,6 +3,7 @@
 #include <cerrno>
 #include <cfloat>
 #include <cmath>
+#include <csetjmp>
 #include <cstring>
 #include <gtest/gtest.h>
 #include <sys/mman.h>
@@ -104,6 +105,20 @@ TEST_F(Traps, ClassesOutOfRangeAreRefused) {
     }
     EXPECT_EQ(__set_exception_trap(16, open_region), nullptr);
     EXPECT_EQ(__set_exception_trap(16, nullptr), open_region);
+}
+
+sigjmp_buf back;
+TEST_F(Traps, MayBeLeftByAJump) {
+    calls = 0;
+    __set_exception_trap(0, [] {
+        ++calls;
+        siglongjmp(back, 1);
+        return 0;
+    });
+    for (volatile int i = 0; i < 3; i = i + 1) {
+        if (sigsetjmp(back, 1) == 0) *const_cast<volatile char*>(region) = 1;
+    }
+    EXPECT_EQ(calls, 3);
 }
 
 TEST_F(Traps, ThatDeclineOrEnd) {

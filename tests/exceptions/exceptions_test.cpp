@@ -4,6 +4,7 @@
 #include <cfloat>
 #include <cmath>
 #include <csetjmp>
+#include <csignal>
 #include <cstring>
 #include <gtest/gtest.h>
 #include <sys/mman.h>
@@ -115,7 +116,7 @@ TEST_F(Traps, MayBeLeftByAJump) {
         siglongjmp(back, 1);
         return 0;
     });
-    for (volatile int i = 0; i < 3; i = i + 1) {
+    while (calls < 3) {
         if (sigsetjmp(back, 1) == 0) *const_cast<volatile char*>(region) = 1;
     }
     EXPECT_EQ(calls, 3);
@@ -321,6 +322,22 @@ TEST(Signals, AreCalledOnceAndThenAtTheirDefault) {
     errno = 0;
     EXPECT_EQ(reinterpret_cast<std::intptr_t>(tarn_signal(200, listen)), -2);
     EXPECT_EQ(errno, -1008);
+}
+
+TEST(Signals, BreakKeysComeToTheirRoutine) {
+    heard = 0;
+    EXPECT_EQ(tarn_signal(100, [](int number, int) { heard = number; }), nullptr);
+    for (int key : {SIGQUIT, SIGINT}) {
+        heard = 0;
+        raise(key);
+        EXPECT_EQ(heard, 100);
+        tarn_signal(100, [](int number, int) { heard = number; });
+    }
+    tarn_signal(100, TARN_SIGNAL_IGNORE);
+    raise(SIGINT);
+    tarn_signal(100, TARN_SIGNAL_DEFAULT);
+    EXPECT_EXIT(raise(SIGQUIT), testing::KilledBySignal(SIGQUIT), "");
+    EXPECT_EXIT(tarn_raise(100), testing::KilledBySignal(SIGINT), "");
 }
 
 TEST(Attempt, IsLeftWhenItFaultsOrHangs) {

@@ -85,12 +85,14 @@ void report(int number, std::string_view text) {
     the_state.last_failure = number;
     if (__debugged) send_to_debugger(std::string(text));
     flush_for_report();
+    std::string_view callers;
     if ((frame::traceback_flags() & frame::tb_no_traceback) == 0)
-        set_report_callers(traceback::console_text(here, traceback::Place::call));
+        callers = traceback::console_text(here, traceback::Place::call);
+    set_report_callers(callers);
     if (the_hooks.write_report) the_hooks.write_report(number, text, here);
     bool console = (frame::traceback_flags() & frame::tb_kill_dialogbox) != 0;
     print_report();
-    if (!console && the_hooks.report_dialog) the_hooks.report_dialog(text, report_callers());
+    if (!console && the_hooks.report_dialog) the_hooks.report_dialog(text, callers);
     _exit(1);
 }
 

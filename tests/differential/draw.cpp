@@ -366,7 +366,10 @@ int print_sequence(int most) {
                 connection.access + " " + connection.form + " " +
                 pick({"readwrite", "readwrite", "readwrite", "readwrite", "read", "write"}) + " " +
                 (direct ? "asis" : pick({"asis", "asis", "asis", "append", "rewind"})) + " " +
-                num(recl) + " " + (connection.utf8 ? "utf-8" : "default"));
+                num(recl) + " " +
+                (connection.form == "unformatted" ? pick({"native", "native", "big_endian", "swap"})
+                 : connection.utf8                ? "utf-8"
+                                                  : "default"));
             open = true;
         } else if (chance(4)) {
             say("c " + u + " " + pick({"keep", "keep", "delete"}));

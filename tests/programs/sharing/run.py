@@ -19,22 +19,25 @@ def lines(data):
 
 
 def gnu_records(data):
-    while data:
-        length, = struct.unpack_from("<i", data)
-        assert struct.unpack_from("<i", data, 4 + length) == (length,)
-        yield data[4:4 + length]
-        data = data[8 + length:]
+    at = 0
+    while at < len(data):
+        length, = struct.unpack_from("<i", data, at)
+        assert struct.unpack_from("<i", data, at + 4 + length) == (length,)
+        yield data[at + 4:at + 4 + length]
+        at += 8 + length
 
 
 def native_records(data):
-    while data:
-        long = data[0] == 255
-        length = struct.unpack_from("<I", data, 1)[0] if long else data[0]
+    at = 0
+    while at < len(data):
+        long = data[at] == 255
+        length = struct.unpack_from("<I", data, at + 1)[0] if long else data[at]
         frame = 5 if long else 1
-        behind = data[frame + length:2 * frame + length]
-        assert behind == (data[1:5] + b"\xff" if long else data[:1])
-        yield data[frame:frame + length]
-        data = data[2 * frame + length:]
+        end = at + frame + length
+        front = data[at + 1:at + 5] + b"\xff" if long else data[at:at + 1]
+        assert data[end:end + frame] == front
+        yield data[at + frame:end]
+        at = end + frame
 
 
 def fields(records):

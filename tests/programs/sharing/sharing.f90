@@ -23,7 +23,8 @@ program sharing
         else
             write (10) who, i, length, text(1:length)
         end if
-        k = 21 + mod(i, 3)
+        if (mod(i, 16) /= 0) cycle
+        k = 21 + mod(i/16, 3)
         rewind (k)
         write (k) who*100000 + i
         rewind (k)

@@ -14,11 +14,12 @@ struct MatchAcross {
                                                   const Flag* flags, Index n, Index k) {
         const auto here = static_cast<Place>(k);
         if (flags == nullptr) {
-            for (Index i = 0; i < n; ++i) place[i] = match(x[i]) & (place[i] < 0) ? here : place[i];
+            for (Index i = 0; i < n; ++i)
+                place[i] = (match(x[i]) & (place[i] < 0)) ? here : place[i];
             return;
         }
         for (Index i = 0; i < n; ++i)
-            place[i] = match(x[i]) & (place[i] < 0) & (flags[i] != 0) ? here : place[i];
+            place[i] = (match(x[i]) & (place[i] < 0) & (flags[i] != 0)) ? here : place[i];
     }
 };
 

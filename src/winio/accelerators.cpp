@@ -181,17 +181,28 @@ bool apply_accelerator(fancy_window* window, MSG& message) {
     return false;
 }
 
-bool add_accelerator(HWND handle, const char* name, call_back callback) {
+void add_menu_key(fancy_window* window, std::int32_t key, std::int32_t id) {
+    push_key(window, WM_COMMAND, key, 0, id);
+}
+
+bool add_accelerator(HWND handle, std::int32_t key, call_back callback) {
     fancy_window* window = our_window(handle);
     if (window == nullptr) {
         quillpan_error("Invalid window");
         return false;
     }
-    const std::int32_t key = char_from_name(name, true);
     if (key == 0) return false;
     remove_key(window, key);
     if (callback != nullptr) push_key(window, msg_accelerator, key, as_word(callback), key);
     return true;
+}
+
+bool add_accelerator(HWND handle, const char* name, call_back callback) {
+    if (our_window(handle) == nullptr) {
+        quillpan_error("Invalid window");
+        return false;
+    }
+    return add_accelerator(handle, char_from_name(name, true), callback);
 }
 
 bool remove_accelerator(HWND handle, const char* name) {

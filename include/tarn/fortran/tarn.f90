@@ -4,7 +4,9 @@
 module tarn
   use tarn_characters
   use tarn_dates
+  use tarn_exceptions
   use tarn_files
+  use tarn_float
   use tarn_handles
   use tarn_random
   use tarn_windows

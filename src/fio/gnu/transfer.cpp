@@ -84,10 +84,13 @@ void end_transfer(Statement* statement) {
         if (s.iolength != nullptr) *s.iolength = s.length_count;
         return give_back(statement);
     }
-    finish_format(s);
     if (s.unformatted) {
         end_unformatted(s);
-    } else if (s.reading) {
+        if (s.unit != nullptr) release_unit(s.unit);
+        return give_back(statement);
+    }
+    finish_format(s);
+    if (s.reading) {
         finish_input(s);
         if (s.size != nullptr) *s.size = s.size_count;
     } else if (!s.failed) {

@@ -45,7 +45,7 @@ std::string note() {
 [[noreturn, gnu::noinline]] void error_stop(std::string words, int status, bool quiet) {
     frame::ensure_up();
     if (!quiet && (frame::traceback_flags() & frame::tb_no_traceback) == 0)
-        words.append(traceback::console_text(traceback::registers_here(), false));
+        words.append(traceback::console_text(traceback::registers_here(), traceback::Place::call));
     stop(words, status, quiet);
 }
 

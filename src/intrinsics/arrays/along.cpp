@@ -27,6 +27,9 @@ void reduce_block(const Reduction& reduction, const Run& run, Index step, Index 
             load_flags(flags, mask, mask_step, n, run.mask_size, run.truth);
             mask += run.mask_stride;
         }
+        constexpr Index steps_between_looks = 8;
+        if (k % steps_between_looks == steps_between_looks - 1 && reduction.decided(block, n))
+            break;
         reduction.step(block, x, run.mask != nullptr ? flags : nullptr, n, k);
         at += run.stride;
     }

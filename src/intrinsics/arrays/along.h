@@ -117,6 +117,8 @@ class Reduction {
     virtual void begin(Block& /*block*/, Index /*n*/) const {}
     virtual void step(Block& /*block*/, const std::byte* /*x*/, const Flag* /*flags*/, Index /*n*/,
                       Index /*k*/) const {}
+    // Whether no further step can change a result.
+    virtual bool decided(Block& /*block*/, Index /*n*/) const { return false; }
     virtual void end(Block& /*block*/, Index /*n*/, Run /*run*/, Index /*step*/,
                      Index /*mask_step*/, std::byte* /*to*/, Index /*to_step*/) const {}
 

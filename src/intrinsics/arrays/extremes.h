@@ -10,6 +10,7 @@
 #include "intrinsics/arrays/dispatch.h"
 #include "intrinsics/arrays/elements.h"
 #include "intrinsics/arrays/loops.h"
+#include "intrinsics/arrays/match.h"
 
 namespace tarn::arrays {
 
@@ -39,21 +40,22 @@ struct BestOf {
     static constexpr bool has_vectors = vectors_help<T>;
     [[gnu::always_inline]] static inline T run(T best, const T* x, Index n) {
         constexpr Index lanes = sizeof(T) >= 10 ? 1 : 128 / sizeof(T);
-        Index i = 0;
-        if constexpr (lanes > 1) {
-            if (n >= lanes) {
-                T lane[lanes];
-                for (Index l = 0; l < lanes; ++l) lane[l] = best;
-                for (; i + lanes <= n; i += lanes) {
-                    for (Index l = 0; l < lanes; ++l)
-                        lane[l] = beats<largest>(x[i + l], lane[l]) ? x[i + l] : lane[l];
-                }
-                for (Index l = 0; l < lanes; ++l)
-                    best = beats<largest>(lane[l], best) ? lane[l] : best;
-            }
+        if (lanes == 1 || n < lanes) {
+            for (Index i = 0; i < n; ++i) best = beats<largest>(x[i], best) ? x[i] : best;
+            return best;
         }
-        for (; i < n; ++i) best = beats<largest>(x[i], best) ? x[i] : best;
-        return best;
+        T lane[lanes];
+        for (Index l = 0; l < lanes; ++l) lane[l] = best;
+        const auto join = [&](const T* from) {
+            for (Index l = 0; l < lanes; ++l)
+                lane[l] = beats<largest>(from[l], lane[l]) ? from[l] : lane[l];
+        };
+        for (Index i = 0; i + lanes <= n; i += lanes) join(x + i);
+        join(x + n - lanes);  // some of them twice, which changes nothing
+        for (Index half = lanes / 2; half > 0; half /= 2)
+            for (Index l = 0; l < half; ++l)
+                lane[l] = beats<largest>(lane[l + half], lane[l]) ? lane[l + half] : lane[l];
+        return lane[0];
     }
 };
 
@@ -215,6 +217,10 @@ class PlaceSearch {
     // False: nothing beat the start, so that every element must be looked at.
     bool decided() const { return best_ != start_; }
     Index found() const {
+        if (!back_ && piece_.mask == nullptr && piece_.stride == static_cast<Index>(sizeof(T)))
+            return piece_first_ + dispatch<FirstMatch<Equal<T>>>(
+                                      Equal<T>{best_}, reinterpret_cast<const T*>(piece_.at),
+                                      static_cast<const Flag*>(nullptr), piece_.n);
         for (Index i = 0; i < piece_.n; ++i) {
             const Index k = back_ ? piece_.n - 1 - i : i;
             if (element_at<T>(piece_, k) == best_ && piece_.counts(k)) return piece_first_ + k;

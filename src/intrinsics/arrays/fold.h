@@ -95,8 +95,16 @@ struct FoldAcross {
             for (Index i = 0; i < n; ++i) accumulated[i] = Step::join(accumulated[i], x[i]);
             return;
         }
-        for (Index i = 0; i < n; ++i)
-            accumulated[i] = flags[i] != 0 ? Step::join(accumulated[i], x[i]) : accumulated[i];
+        if constexpr (is_complex<T>) {
+            for (Index i = 0; i < n; ++i)
+                if (flags[i] != 0) accumulated[i] = Step::join(accumulated[i], x[i]);
+        } else {
+            // What isn't counted joins as something that changes nothing: no branch, and no
+            // floating-point exception for an element that the mask hides.
+            constexpr T neutral = start_of<Step, T>();
+            for (Index i = 0; i < n; ++i)
+                accumulated[i] = Step::join(accumulated[i], flags[i] != 0 ? x[i] : neutral);
+        }
     }
 };
 

@@ -61,6 +61,16 @@ struct Logical final : Reduction {
         dispatch<CountAcross>(block.as<State>().count + 0, flags, n);
         ++block.as<State>().length;
     }
+    bool decided(Block& block, Index n) const override {
+        const State& state = block.as<State>();
+        if (what != LogicalReduction::any && what != LogicalReduction::all) return false;
+        // Runs that may still change: without a true element, or without a false one.
+        const auto open_at =
+            static_cast<std::uint32_t>(what == LogicalReduction::any ? 0 : state.length);
+        Index open = 0;
+        for (Index i = 0; i < n; ++i) open += state.count[i] == open_at;
+        return open == 0;
+    }
     void end(Block& block, Index n, Run, Index, Index, std::byte* to,
              Index to_step) const override {
         const State& state = block.as<State>();

@@ -202,6 +202,8 @@ Complex<T> whole(const void* array, const std::int32_t* count, const void* mask,
 
 using namespace tarn::arrays;
 
+// Types and parameters can't stand in parentheses.
+// NOLINTBEGIN(bugprone-macro-parentheses)
 extern "C" {
 
 // Declares an entry with its link name and starts its definition.
@@ -301,3 +303,4 @@ TARN_ENTRY(Word, IPACKED_SIZE_h, "IPACKED_SIZE#", void) {
 #undef TARN_COMPLEX_WHOLE
 #undef TARN_WIDE_WHOLE
 }
+// NOLINTEND(bugprone-macro-parentheses)

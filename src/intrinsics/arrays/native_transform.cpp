@@ -48,10 +48,8 @@ Order read_order(const NativeCall& call, int rank) {
     constexpr int order_must_be_vector = 401;
     constexpr int order_has_wrong_size = 394;
     Order order;
-    if (!call.has(12)) {
-        for (int d = 0; d < rank; ++d) order.of[d] = d;
-        return order;
-    }
+    for (int d = 0; d < max_native_rank; ++d) order.of[d] = d;
+    if (!call.has(12)) return order;
     if (call.integer(11) != 1) native_fail(order_must_be_vector);
     if (*call.address<std::int32_t>(13) != rank) native_fail(order_has_wrong_size);
     if (rank < 1 || rank > max_native_rank) native_fail(fail_rank);

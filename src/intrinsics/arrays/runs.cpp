@@ -7,6 +7,7 @@
 #include <immintrin.h>
 
 #include "intrinsics/arrays/dispatch.h"
+#include "intrinsics/arrays/sizes.h"
 
 namespace tarn::arrays {
 namespace {
@@ -14,30 +15,6 @@ namespace {
 template <Index size>
 [[gnu::always_inline]] inline void move(std::byte* to, const std::byte* from) {
     __builtin_memcpy(to, from, size);
-}
-
-// Calls work.operator()<size>() for the sizes that elements mostly have; false for another.
-template <class Work>
-[[gnu::always_inline]] inline bool with_size(Index element, Work&& work) {
-    switch (element) {
-        case 1:
-            work.template operator()<1>();
-            return true;
-        case 2:
-            work.template operator()<2>();
-            return true;
-        case 4:
-            work.template operator()<4>();
-            return true;
-        case 8:
-            work.template operator()<8>();
-            return true;
-        case 16:
-            work.template operator()<16>();
-            return true;
-        default:
-            return false;
-    }
 }
 
 // ---- Flags ----
@@ -66,6 +43,79 @@ struct DenseFlags {
         }
     }
 };
+
+// How many of n words are true, with no flags in between; every word counts, or every second.
+template <class Word, Index step>
+struct DenseCount {
+    static constexpr bool has_vectors = true;
+    [[gnu::always_inline]] static inline Index run(const std::byte* mask, Index n, Word low,
+                                                   bool exactly_one) {
+        Index total = 0;
+        while (n > 0) {
+            const Index part = std::min<Index>(n, sizeof(Word) == 1 ? 255 : 1 << 15);
+            Word sum = 0;
+            if (exactly_one) {
+                for (Index i = 0; i < part; ++i) sum += (word(mask, i) & low) == 1;
+            } else {
+                for (Index i = 0; i < part; ++i) sum += (word(mask, i) & low) != 0;
+            }
+            total += static_cast<Index>(sum);
+            mask += part * step * static_cast<Index>(sizeof(Word));
+            n -= part;
+        }
+        return total;
+    }
+    [[gnu::always_inline]] static inline Word word(const std::byte* mask, Index i) {
+        Word w;
+        __builtin_memcpy(&w, mask + i * step * static_cast<Index>(sizeof(Word)), sizeof w);
+        return w;
+    }
+};
+
+template <class Word>
+Index count_dense(const std::byte* mask, Index stride, Index n, Truth truth) {
+    const Word low = truth == Truth::whole ? static_cast<Word>(~Word{0}) : Word{0xFF};
+    const bool exactly_one = truth == Truth::byte_is_one;
+    if (stride == static_cast<Index>(sizeof(Word)))
+        return dispatch<DenseCount<Word, 1>>(mask, n, low, exactly_one);
+    return dispatch<DenseCount<Word, 2>>(mask, n, low, exactly_one);
+}
+
+// Every second word, as sections with a stride of 2 have them.
+template <class Word>
+struct EverySecond {
+    static constexpr bool has_vectors = true;
+    using Aliased [[gnu::may_alias, gnu::aligned(1)]] = Word;
+    [[gnu::always_inline]] static inline void run(std::byte* to, const std::byte* from, Index n) {
+        auto* const t = reinterpret_cast<Aliased*>(to);
+        const auto* const f = reinterpret_cast<const Aliased*>(from);
+        for (Index i = 0; i < n; ++i) t[i] = f[2 * i];
+    }
+};
+
+bool copy_every_second(std::byte* to, const std::byte* from, Index n, Index element) {
+    // The last element alone: the word behind it may not be there to be read.
+    if (n < 2) return false;
+    switch (element) {
+        case 1:
+            dispatch<EverySecond<std::uint8_t>>(to, from, n - 1);
+            break;
+        case 2:
+            dispatch<EverySecond<std::uint16_t>>(to, from, n - 1);
+            break;
+        case 4:
+            dispatch<EverySecond<std::uint32_t>>(to, from, n - 1);
+            break;
+        case 8:
+            dispatch<EverySecond<std::uint64_t>>(to, from, n - 1);
+            break;
+        default:
+            return false;
+    }
+    std::memcpy(to + (n - 1) * element, from + 2 * (n - 1) * element,
+                static_cast<std::size_t>(element));
+    return true;
+}
 
 struct FlagSum {
     static constexpr bool has_vectors = true;
@@ -162,6 +212,9 @@ void copy_run(std::byte* to, Index to_stride, const std::byte* from, Index from_
         std::memcpy(to, from, static_cast<std::size_t>(n * element));
         return;
     }
+    if (to_stride == element && from_stride == 2 * element &&
+        copy_every_second(to, from, n, element))
+        return;
     const bool done = with_size(element, [&]<Index size>() {
         if (to_stride == size) {
             for (Index i = 0; i < n; ++i) move<size>(to + i * size, from + i * from_stride);
@@ -194,6 +247,47 @@ void fill_run(std::byte* to, Index to_stride, const std::byte* value, Index n, I
         std::memcpy(to + i * to_stride, value, static_cast<std::size_t>(element));
 }
 
+namespace {
+
+template <Index size, Index copies>
+void repeat_few(std::byte* to, Index to_stride, Index copy_stride, const std::byte* from,
+                Index from_stride, Index n) {
+    struct Element {
+        std::byte bytes[size];
+    };
+    for (Index i = 0; i < n; ++i) {
+        Element one;
+        __builtin_memcpy(&one, from + i * from_stride, size);
+        for (Index c = 0; c < copies; ++c)
+            __builtin_memcpy(to + i * to_stride + c * copy_stride, &one, size);
+    }
+}
+
+}  // namespace
+
+void repeat_run(std::byte* to, Index to_stride, Index copy_stride, Index copies,
+                const std::byte* from, Index from_stride, Index n, Index element) {
+    const bool done = with_size(element, [&]<Index size>() {
+        if (copies == 2)
+            return repeat_few<size, 2>(to, to_stride, copy_stride, from, from_stride, n);
+        if (copies == 3)
+            return repeat_few<size, 3>(to, to_stride, copy_stride, from, from_stride, n);
+        struct Element {
+            std::byte bytes[size];
+        } one;
+        for (Index i = 0; i < n; ++i) {
+            __builtin_memcpy(&one, from + i * from_stride, size);
+            std::byte* const at = to + i * to_stride;
+            for (Index c = 0; c < copies; ++c) __builtin_memcpy(at + c * copy_stride, &one, size);
+        }
+    });
+    if (done) return;
+    for (Index i = 0; i < n; ++i)
+        for (Index c = 0; c < copies; ++c)
+            std::memcpy(to + i * to_stride + c * copy_stride, from + i * from_stride,
+                        static_cast<std::size_t>(element));
+}
+
 bool is_true(const std::byte* mask, Index size, Truth truth) {
     Flag flag = 0;
     load_flags(&flag, mask, size, 1, size, truth);
@@ -220,6 +314,16 @@ void load_flags(Flag* flags, const std::byte* mask, Index stride, Index n, Index
                 break;
         }
     }
+    if (stride == 2 * size && size <= 8) {
+        constexpr Index chunk = 256;
+        std::byte dense[chunk * 8];
+        for (Index first = 0; first < n; first += chunk) {
+            const Index m = std::min(chunk, n - first);
+            copy_run(dense, size, mask + first * stride, stride, m, size);
+            load_flags(flags + first, dense, size, m, size, truth);
+        }
+        return;
+    }
     if (truth == Truth::whole && size > 1) {
         for (Index i = 0; i < n; ++i) {
             unsigned any = 0;
@@ -240,7 +344,21 @@ Index sum_of(const Flag* flags, Index n) {
 }
 
 Index count_true(const std::byte* mask, Index stride, Index n, Index size, Truth truth) {
-    constexpr Index chunk = 4096;
+    if (stride == size || stride == 2 * size) {
+        switch (size) {
+            case 1:
+                return count_dense<std::uint8_t>(mask, stride, n, truth);
+            case 2:
+                return count_dense<std::uint16_t>(mask, stride, n, truth);
+            case 4:
+                return count_dense<std::uint32_t>(mask, stride, n, truth);
+            case 8:
+                return count_dense<std::uint64_t>(mask, stride, n, truth);
+            default:
+                break;
+        }
+    }
+    constexpr Index chunk = 1024;
     Flag flags[chunk];
     Index total = 0;
     for (Index first = 0; first < n; first += chunk) {

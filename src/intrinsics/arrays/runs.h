@@ -13,6 +13,10 @@ void copy_run(std::byte* to, Index to_stride, const std::byte* from, Index from_
 // n copies of one element.
 void fill_run(std::byte* to, Index to_stride, const std::byte* value, Index n, Index element);
 
+// n elements, each so many times; copies of one lie copy_stride apart.
+void repeat_run(std::byte* to, Index to_stride, Index copy_stride, Index copies,
+                const std::byte* from, Index from_stride, Index n, Index element);
+
 // The truth of n mask elements of `size` bytes.
 void load_flags(Flag* flags, const std::byte* mask, Index stride, Index n, Index size, Truth truth);
 bool is_true(const std::byte* mask, Index size, Truth truth);

@@ -6,6 +6,7 @@
 
 #include "intrinsics/arrays/loops.h"
 #include "intrinsics/arrays/runs.h"
+#include "intrinsics/arrays/sizes.h"
 
 namespace tarn::arrays {
 namespace {
@@ -37,26 +38,11 @@ void copy_turned(std::byte* to, const std::byte* from, const Index (&a)[2], Inde
             const Index an = std::min(tile, a_count - ao);
             std::byte* const t = to + ao * a[0] + bo * b[0];
             const std::byte* const f = from + ao * a[1] + bo * b[1];
-            switch (element) {
-                case 1:
-                    copy_tile<1>(t, f, b, bn, a, an);
-                    break;
-                case 2:
-                    copy_tile<2>(t, f, b, bn, a, an);
-                    break;
-                case 4:
-                    copy_tile<4>(t, f, b, bn, a, an);
-                    break;
-                case 8:
-                    copy_tile<8>(t, f, b, bn, a, an);
-                    break;
-                case 16:
-                    copy_tile<16>(t, f, b, bn, a, an);
-                    break;
-                default:
-                    for (Index i = 0; i < bn; ++i)
-                        copy_run(t + i * b[0], a[0], f + i * b[1], a[1], an, element);
-            }
+            const bool done =
+                with_size(element, [&]<Index size>() { copy_tile<size>(t, f, b, bn, a, an); });
+            if (done) continue;
+            for (Index i = 0; i < bn; ++i)
+                copy_run(t + i * b[0], a[0], f + i * b[1], a[1], an, element);
         }
     }
 }
@@ -131,24 +117,41 @@ bool is_contiguous(const View& view) {
     return true;
 }
 
-// One vector turned by `shift`, which is from 0 to n - 1.
-void turn_vector(std::byte* to, Index to_stride, const std::byte* from, Index stride, Index n,
-                 Index shift, Index element) {
-    copy_run(to, to_stride, from + shift * stride, stride, n - shift, element);
-    copy_run(to + (n - shift) * to_stride, to_stride, from, stride, shift, element);
+// Vectors side by side, of which each has a shift of its own, are taken in tiles that the cache
+// holds: a part of each vector, then the next part.
+constexpr Index tile_vectors = 64;
+constexpr Index tile_length = 64;
+
+// Elements k to k + m - 1 of a vector that begins with element `shift` of its source.
+void turn_part(std::byte* to, Index to_stride, const std::byte* from, Index stride, Index n,
+               Index shift, Index k, Index m, Index element) {
+    const Index place = shift + k < n ? shift + k : shift + k - n;
+    const Index before_end = std::min(m, n - place);
+    copy_run(to + k * to_stride, to_stride, from + place * stride, stride, before_end, element);
+    copy_run(to + (k + before_end) * to_stride, to_stride, from, stride, m - before_end, element);
 }
 
-void push_vector(std::byte* to, Index to_stride, const std::byte* from, Index stride, Index n,
-                 Index shift, const std::byte* boundary, Index element) {
-    if (shift > 0) {
-        const Index kept = n - std::min(shift, n);
-        copy_run(to, to_stride, from + (n - kept) * stride, stride, kept, element);
-        fill_run(to + kept * to_stride, to_stride, boundary, n - kept, element);
-    } else {
-        const Index kept = shift < -n ? 0 : n + shift;
-        fill_run(to, to_stride, boundary, n - kept, element);
-        copy_run(to + (n - kept) * to_stride, to_stride, from, stride, kept, element);
-    }
+// The same where what lies outside of the source is the boundary; -n <= shift <= n.
+void push_part(std::byte* to, Index to_stride, const std::byte* from, Index stride, Index n,
+               Index shift, const std::byte* boundary, Index k, Index m, Index element) {
+    const Index first = std::clamp<Index>(-shift, k, k + m);
+    const Index last = std::clamp<Index>(n - shift, first, k + m);
+    fill_run(to + k * to_stride, to_stride, boundary, first - k, element);
+    copy_run(to + first * to_stride, to_stride, from + (first + shift) * stride, stride,
+             last - first, element);
+    fill_run(to + last * to_stride, to_stride, boundary, k + m - last, element);
+}
+
+// Calls work(vector, k, m) for parts of so many vectors of n elements. When the vectors lie one
+// behind the other (`apart`), each is one part.
+template <class Work>
+void for_parts(Index vectors, Index n, bool apart, Work&& work) {
+    const Index length = apart ? n : tile_length;
+    const Index together = apart ? 1 : tile_vectors;
+    for (Index first = 0; first < vectors; first += together)
+        for (Index k = 0; k < n; k += length)
+            for (Index i = first; i < std::min(vectors, first + together); ++i)
+                work(i, k, std::min(length, n - k));
 }
 
 Index into_range(Index shift, Index n) {
@@ -264,9 +267,11 @@ const std::byte* unpack_run(std::byte* to, Index to_stride, const std::byte* vec
                             Index n) {
     for (Index i = 0; i < n; ++i) {
         // A choice of addresses, not of roads: masks are mostly unforeseeable.
-        const std::byte* const from = flags[i] != 0 ? vector : field;
-        __builtin_memcpy(to, from, size);
-        vector += flags[i] != 0 ? stride : 0;
+        const auto chosen = -static_cast<std::uintptr_t>(flags[i]);
+        const auto address = (reinterpret_cast<std::uintptr_t>(vector) & chosen) |
+                             (reinterpret_cast<std::uintptr_t>(field) & ~chosen);
+        __builtin_memcpy(to, reinterpret_cast<const std::byte*>(address), size);
+        vector += stride & static_cast<Index>(chosen);
         field += field_stride;
         to += to_stride;
     }
@@ -297,35 +302,16 @@ bool unpack(const View& to, const std::byte* vector, Index stride, Index n, cons
                  left -= taken;
                  std::byte* target = at[0] + first * step[0];
                  const std::byte* other = at[2] + first * step[2];
-                 switch (element) {
-                     case 1:
-                         vector = unpack_run<1>(target, step[0], vector, stride, other, step[2],
-                                                flags, m);
-                         break;
-                     case 2:
-                         vector = unpack_run<2>(target, step[0], vector, stride, other, step[2],
-                                                flags, m);
-                         break;
-                     case 4:
-                         vector = unpack_run<4>(target, step[0], vector, stride, other, step[2],
-                                                flags, m);
-                         break;
-                     case 8:
-                         vector = unpack_run<8>(target, step[0], vector, stride, other, step[2],
-                                                flags, m);
-                         break;
-                     case 16:
-                         vector = unpack_run<16>(target, step[0], vector, stride, other, step[2],
-                                                 flags, m);
-                         break;
-                     default:
-                         for (Index i = 0; i < m; ++i) {
-                             std::memcpy(target, flags[i] != 0 ? vector : other,
-                                         static_cast<std::size_t>(element));
-                             if (flags[i] != 0) vector += stride;
-                             other += step[2];
-                             target += step[0];
-                         }
+                 const bool done = with_size(element, [&]<Index size>() {
+                     vector = unpack_run<size>(target, step[0], vector, stride, other, step[2],
+                                               flags, m);
+                 });
+                 for (Index i = 0; i < m && !done; ++i) {
+                     std::memcpy(target, flags[i] != 0 ? vector : other,
+                                 static_cast<std::size_t>(element));
+                     if (flags[i] != 0) vector += stride;
+                     other += step[2];
+                     target += step[0];
                  }
              }
              return true;
@@ -347,9 +333,7 @@ void spread(const View& to, const View& source, int dim) {
     const Index piece = std::max<Index>(1, 16384 / std::max<Index>(element, 1));
     walk(loops, {one.base, source.base}, [&](const std::array<std::byte*, 2>& at, Index n) {
         if (side_by_side) {
-            for (Index i = 0; i < n; ++i)
-                fill_run(at[0] + i * to_step, copies.stride, at[1] + i * step, copies.extent,
-                         element);
+            repeat_run(at[0], to_step, copies.stride, copies.extent, at[1], step, n, element);
             return;
         }
         for (Index first = 0; first < n; first += piece) {
@@ -394,6 +378,18 @@ void circular_shift(const View& to, const View& from, int dim, Index shift) {
     const Index n = from.dims[dim].extent;
     if (n <= 0) return;
     const Index s = into_range(shift, n);
+    const Index stride = from.dims[dim].stride;
+    if (to.dims[dim].stride == to.element && stride == to.element) {
+        // Both parts of a vector while it is near.
+        const Loops<2> loops = loops_over(without(to, dim), without(from, dim));
+        const Index* const step = loops.stride[0];
+        walk(loops, {to.base, from.base}, [&](const std::array<std::byte*, 2>& at, Index count) {
+            for (Index i = 0; i < count; ++i)
+                turn_part(at[0] + i * step[0], stride, at[1] + i * step[1], stride, n, s, 0, n,
+                          to.element);
+        });
+        return;
+    }
     copy(part(to, dim, 0, n - s), part(from, dim, s, n - s));
     copy(part(to, dim, n - s, s), part(from, dim, 0, s));
 }
@@ -401,17 +397,17 @@ void circular_shift(const View& to, const View& from, int dim, Index shift) {
 void circular_shifts(const View& to, const View& from, int dim, const View& shifts) {
     const Index n = from.dims[dim].extent;
     if (n <= 0) return;
-    const View outer_to = without(to, dim);
-    const View outer_from = without(from, dim);
-    const Loops<3> loops = loops_over(outer_to, outer_from, shifts);
+    const Index to_stride = to.dims[dim].stride;
+    const Loops<3> loops = loops_over(without(to, dim), without(from, dim), shifts);
     const Index* const step = loops.stride[0];
+    const bool apart = std::abs(step[0]) >= std::abs(to_stride);
     walk(loops, {to.base, from.base, shifts.base},
          [&](const std::array<std::byte*, 3>& at, Index count) {
-             for (Index i = 0; i < count; ++i) {
+             for_parts(count, n, apart, [&](Index i, Index k, Index m) {
                  const Index s = into_range(load_integer(at[2] + i * step[2], shifts.element), n);
-                 turn_vector(at[0] + i * step[0], to.dims[dim].stride, at[1] + i * step[1],
-                             from.dims[dim].stride, n, s, to.element);
-             }
+                 turn_part(at[0] + i * step[0], to_stride, at[1] + i * step[1],
+                           from.dims[dim].stride, n, s, k, m, to.element);
+             });
          });
 }
 
@@ -430,15 +426,18 @@ void end_off_shifts(const View& to, const View& from, int dim, const View& shift
                     const View& boundary) {
     const Index n = from.dims[dim].extent;
     if (n <= 0) return;
+    const Index to_stride = to.dims[dim].stride;
     const Loops<4> loops = loops_over(without(to, dim), without(from, dim), shifts, boundary);
     const Index* const step = loops.stride[0];
+    const bool apart = std::abs(step[0]) >= std::abs(to_stride);
     walk(loops, {to.base, from.base, shifts.base, boundary.base},
          [&](const std::array<std::byte*, 4>& at, Index count) {
-             for (Index i = 0; i < count; ++i)
-                 push_vector(at[0] + i * step[0], to.dims[dim].stride, at[1] + i * step[1],
-                             from.dims[dim].stride, n,
-                             load_integer(at[2] + i * step[2], shifts.element), at[3] + i * step[3],
-                             to.element);
+             for_parts(count, n, apart, [&](Index i, Index k, Index m) {
+                 const Index s =
+                     std::clamp(load_integer(at[2] + i * step[2], shifts.element), -n, n);
+                 push_part(at[0] + i * step[0], to_stride, at[1] + i * step[1],
+                           from.dims[dim].stride, n, s, at[3] + i * step[3], k, m, to.element);
+             });
          });
 }
 

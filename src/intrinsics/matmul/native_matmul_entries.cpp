@@ -99,6 +99,8 @@ using tarn::arrays::Complex;
 using tarn::arrays::Real10;
 using tarn::arrays::Word;
 
+// Types and parameters can't stand in parentheses.
+// NOLINTBEGIN(bugprone-macro-parentheses)
 extern "C" {
 
 #define TARN_MATMUL(type, T)                                                                 \
@@ -117,3 +119,4 @@ TARN_MATMUL(CD, Complex<double>)
 TARN_MATMUL(CX, Complex<Real10>)
 #undef TARN_MATMUL
 }
+// NOLINTEND(bugprone-macro-parentheses)

@@ -14,7 +14,7 @@ View view_of(const ArrayDescriptor& array, Index element) {
     View view;
     view.base = reinterpret_cast<std::byte*>(array.base);
     view.element = element;
-    view.rank = array.rank;
+    view.rank = static_cast<unsigned char>(array.rank);
     for (int d = 0; d < view.rank; ++d)
         view.dims[d] = {array.dimension[d].extent(), array.dimension[d].stride * element};
     return view;

@@ -36,6 +36,8 @@ struct Location {
 
 using namespace tarn::gcc;
 
+// Types and parameters can't stand in parentheses.
+// NOLINTBEGIN(bugprone-macro-parentheses)
 extern "C" {
 
 #define TARN_LOCATION(entry, size, type, T, largest)                                              \
@@ -85,3 +87,4 @@ extern "C" {
     TARN_LOCATION(minloc, 16, type, T, false)
 TARN_GNU_ORDERED(TARN_LOCATIONS)
 }
+// NOLINTEND(bugprone-macro-parentheses)

@@ -34,6 +34,8 @@ template <class T>
 
 using namespace tarn::gcc;
 
+// Types and parameters can't stand in parentheses.
+// NOLINTBEGIN(bugprone-macro-parentheses)
 extern "C" {
 
 #define TARN_FINDLOC(type, T)                                                                     \
@@ -68,3 +70,4 @@ extern "C" {
     }
 TARN_GNU_NUMBERS(TARN_FINDLOC)
 }
+// NOLINTEND(bugprone-macro-parentheses)

@@ -5,8 +5,8 @@
 
 namespace tarn::gcc {
 
-// BACK= of MAXLOC and MINLOC by value. The compiler passes the address of a KIND= before it, so that
-// what stands in its place is BACK= only if it is 0 or 1; no address ends in such a word.
+// BACK= of MAXLOC and MINLOC by value. The compiler passes the address of a KIND= before it, so
+// that what stands in its place is BACK= only if it is 0 or 1; no address ends in such a word.
 struct Back {
     bool set;
     bool behind_kind;

@@ -69,6 +69,8 @@ void reduce_logical_entry(LogicalReduction what, ArrayDescriptor& to, const Arra
 using namespace tarn::gcc;
 using namespace tarn::arrays;
 
+// Types and parameters can't stand in parentheses.
+// NOLINTBEGIN(bugprone-macro-parentheses)
 extern "C" {
 
 // Each in three forms: without a mask, with an array and with a scalar for it.
@@ -126,3 +128,4 @@ TARN_LOGICALS(4)
 TARN_LOGICALS(8)
 TARN_LOGICALS(16)
 }
+// NOLINTEND(bugprone-macro-parentheses)

@@ -76,6 +76,8 @@ void find_along(ArrayDescriptor& to, const View& array, const Character* value, 
 using namespace tarn::gcc;
 using namespace tarn::arrays;
 
+// Types and parameters can't stand in parentheses.
+// NOLINTBEGIN(bugprone-macro-parentheses)
 extern "C" {
 
 // BACK= and the length of the texts, which a KIND= may push one place further (`back_of`).
@@ -244,3 +246,4 @@ extern "C" {
 TARN_TEXTS(s1, std::uint8_t)
 TARN_TEXTS(s4, std::uint32_t)
 }
+// NOLINTEND(bugprone-macro-parentheses)

@@ -248,6 +248,8 @@ void eoshift(ArrayDescriptor& to, const ArrayDescriptor& from, Index element, co
 using namespace tarn::gcc;
 using namespace tarn::arrays;
 
+// Types and parameters can't stand in parentheses.
+// NOLINTBEGIN(bugprone-macro-parentheses)
 extern "C" {
 
 TARN_EXPORT void _gfortran_pack(ArrayDescriptor* to, const ArrayDescriptor* from,
@@ -461,3 +463,4 @@ TARN_EXPORT void _gfortran_internal_unpack(ArrayDescriptor* to, const void* from
     copy(array, made);
 }
 }
+// NOLINTEND(bugprone-macro-parentheses)

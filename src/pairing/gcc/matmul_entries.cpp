@@ -101,6 +101,8 @@ void multiply_logical_entry(ArrayDescriptor& to, const ArrayDescriptor& left,
 
 using namespace tarn::gcc;
 
+// Types and parameters can't stand in parentheses.
+// NOLINTBEGIN(bugprone-macro-parentheses)
 extern "C" {
 
 #define TARN_MATMUL(type, T)                                                                   \
@@ -119,3 +121,4 @@ TARN_LOGICAL_MATMUL(4)
 TARN_LOGICAL_MATMUL(8)
 TARN_LOGICAL_MATMUL(16)
 }
+// NOLINTEND(bugprone-macro-parentheses)

@@ -132,6 +132,19 @@ void __new_sleep_at(const float* seconds);
 /* A bitmap from the image of a BMP file in storage, whose header tells its length; 0 when it can't be
  * read. Without the "BM" at its start it ends the program. */
 int32_t __create_bitmap(const void* file_image);
+/* A cursor and an icon from the images of their files, which tell their lengths too. Without the
+ * mark of a cursor file at its start the first ends the program; 0 is no picture that can be read. */
+int32_t __create_cursor(const void* file_image);
+int32_t __create_icon(const void* file_image);
+
+/* A menu, or a dialog, that the program carries as a resource (a name, or a number below 65536 in
+ * its place). Programs can't carry any yet: both report that, and the dialog's result is -1. */
+void __attach_menu(int32_t window, const char* resource,
+                   int32_t (*function)(int32_t, int32_t, uintptr_t, intptr_t));
+void __attach_fortran_menu(int32_t window, const char* resource,
+                           int32_t (*function)(int32_t*, int32_t*, uintptr_t*, intptr_t*));
+intptr_t __make_dialog_box(int32_t owner, const char* resource,
+                           intptr_t (*procedure)(int32_t, uint32_t, uintptr_t, intptr_t));
 
 /* 0x740306. */
 int32_t __quillpan_version(void);

@@ -73,7 +73,18 @@
  *     %dl F,C timer; %mg I,C message; %dr C files dropped; %rm C text from a program; %ew C
  *     %hs %vs I,I,I* its scroll bars; %hx %vx I*,I*,I* the next control's; %cu %dc cursors
  *     %mi T icon; %nc T class; %wp T wallpaper; %ti T,T,C; %th %bh tool help; %he %sb; %if focus
- *     %nr %nd %nw H %zc %wt %sv %ns %gd %dg I,I %de H %ss T,I* %fs T %ft T,T
+ *     %ss T,I* what later boxes hold is kept under that key from run to run, while the int isn't 0
+ *     %nr %nd %nw H %zc %wt %sv %ns %gd %dg I,I %de H
+ *   Files
+ *     %fs T          where FILE_OPENR and FILE_OPENW begin ("data/" "*.dat"); %ft T,T a filter: its
+ *                    name and patterns ("*.dat;*.txt"). Both count for the codes behind them.
+ *     "FILE_OPENR" "FILE_OPENW", "FILE_OPENR[Title]"   B, C: the dialog; a name that the user
+ *                    chooses goes into B, and C runs with the reason FILE_OPEN
+ *     %cd opts       the dialog by itself, one call or several; 1: chosen. Its words read: file,
+ *                    shortfile, rootdir a char array (no length: 260 bytes, file 260 * maxfiles),
+ *                    initialdir S, flags I, maxfiles I (before file), filter_item_selected I*,
+ *                    hwndowner H. Of several files, file gets the folder and the names, a zero
+ *                    behind each and one more behind all.
  *   Text window, drawing, documents
  *     %cw            n columns, m rows; C: the address of a stream; Fortran: a unit
  *     %gr I,I  %dw  %og I,I  %pl I,I..  %ht T  %eb B  %wb T  %eq T,I,I

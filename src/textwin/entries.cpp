@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
+#include <string>
 #include <utility>
 
 #include "frame/link_name.h"
@@ -80,6 +81,22 @@ void add_callback(std::int32_t window, UINT message, message_callback function,
     if (entry == nullptr) return;
     *entry = {found->callbacks, message, function, by_reference};
     found->callbacks = entry;
+}
+
+constexpr std::uint32_t icon_file = 0x10000, cursor_file = 0x20000;
+
+std::uint32_t first_word(const unsigned char* bytes) {
+    std::uint32_t word;
+    std::memcpy(&word, bytes, sizeof word);
+    return word;
+}
+
+// A resource is named by a text, or by a number in the place of its address.
+void no_resource(const char* kind, const char* name) {
+    constexpr std::uintptr_t numbers = 0x10000;
+    const auto number = reinterpret_cast<std::uintptr_t>(name);
+    const std::string shown = number < numbers ? std::to_string(number) : name;
+    report_error((kind + (" resource " + shown) + " is not available").c_str(), true);
 }
 
 }  // namespace
@@ -306,6 +323,43 @@ TARN_EXPORT std::int32_t __create_bitmap(const void* file_image) {
     std::memcpy(&length, bytes + 2, sizeof length);
     constexpr std::uint32_t largest = 1U << 28;
     return length <= largest ? tarn::platform::CreateDIBitmap(bytes, length) : 0;
+}
+
+// A cursor file begins with its kind, and tells its own length too.
+TARN_EXPORT std::int32_t __create_cursor(const void* file_image) {
+    const auto* bytes = static_cast<const unsigned char*>(file_image);
+    if (bytes == nullptr || first_word(bytes) != cursor_file) {
+        report_error("Invalid cursor passed to create_cursor", false);
+        return 0;
+    }
+    tarn::platform::POINT hot;
+    return tarn::platform::CreateIconFromFile(bytes, tarn::platform::icon_file_length(bytes), true,
+                                              hot);
+}
+TARN_EXPORT std::int32_t __create_icon(const void* file_image) {
+    const auto* bytes = static_cast<const unsigned char*>(file_image);
+    if (bytes == nullptr || first_word(bytes) != icon_file) return 0;
+    tarn::platform::POINT hot;
+    return tarn::platform::CreateIconFromFile(bytes, tarn::platform::icon_file_length(bytes), false,
+                                              hot);
+}
+
+// Programs carry no menus and dialogs as resources yet: what asks for one hears of it.
+TARN_EXPORT void __attach_menu(std::int32_t, const char* resource,
+                               std::int32_t (*)(std::int32_t, std::int32_t, std::uintptr_t,
+                                                std::intptr_t)) {
+    no_resource("Menu", resource);
+}
+TARN_EXPORT void __attach_fortran_menu(std::int32_t, const char* resource,
+                                       std::int32_t (*)(std::int32_t*, std::int32_t*,
+                                                        std::uintptr_t*, std::intptr_t*)) {
+    no_resource("Menu", resource);
+}
+TARN_EXPORT std::intptr_t __make_dialog_box(std::int32_t, const char* resource,
+                                            std::intptr_t (*)(std::int32_t, std::uint32_t,
+                                                              std::uintptr_t, std::intptr_t)) {
+    no_resource("Dialog", resource);
+    return -1;
 }
 
 }  // extern "C"

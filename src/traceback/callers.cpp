@@ -26,8 +26,8 @@ bool ends_with(std::string_view text, std::string_view end) {
 bool is_system_module(std::string_view path) {
     if (path.empty()) return false;
     const std::string_view file = path.substr(path.rfind('/') + 1);
-    for (std::string_view name :
-         {"libc.so", "ld-linux", "libgomp.so", "libpthread.so", "linux-vdso"}) {
+    for (std::string_view name : {"libc.so", "ld-linux", "libgomp.so", "libpthread.so",
+                                  "linux-vdso", "libstdc++.so", "libgcc_s.so"}) {
         if (file.substr(0, name.size()) == name) return true;
     }
     return ends_with(file, ".so.6") && file.substr(0, 5) == "libc.";
@@ -72,7 +72,7 @@ bool Callers::fold() {
 
 void Callers::add(const Location& location) {
     ++total_;
-    if (!location.has_map && location.module.empty()) lacks_lines_ = true;
+    if (location.is_code && !location.has_map && location.module.empty()) lacks_lines_ = true;
     if (total_last_ == 0 && first_count_ < most_first) {
         first_[first_count_++] = {location, 0, 0};
         fold();
@@ -81,9 +81,9 @@ void Callers::add(const Location& location) {
     last_[total_last_++ % most_last] = {location, 0, 0};
 }
 
-void collect(const Registers& registers, bool interrupted, Callers& callers) {
+void collect(const Registers& registers, Place kind, Callers& callers) {
     callers.clear();
-    Walk walk(registers, interrupted);
+    Walk walk(registers, kind != Place::call);
     Location found[most_inlined + 1];
     // Frames of the system's are held back until one of the program's comes behind them.
     constexpr std::size_t most_held = 8;
@@ -92,7 +92,11 @@ void collect(const Registers& registers, bool interrupted, Callers& callers) {
     std::string_view rest;  // the routine whose beginning is still to come
     do {
         const std::uintptr_t place = walk.place();
-        if (is_own_code(place)) continue;
+        if (is_own_code(place)) {
+            // What the library calls is as little of interest as the library.
+            if (callers.total() == 0) held_count = 0;
+            continue;
+        }
         const std::size_t count = locate(place, found);
         for (std::size_t i = 0; i < count; ++i) {
             if (found[i].hidden) continue;
@@ -100,6 +104,7 @@ void collect(const Registers& registers, bool interrupted, Callers& callers) {
             rest = found[i].is_rest ? found[i].routine : std::string_view{};
             if (beginning) continue;
             if (is_system_module(found[i].module)) {
+                if (kind == Place::signal && callers.total() == 0) continue;
                 if (held_count < most_held) held[held_count++] = found[i];
                 continue;
             }

@@ -50,7 +50,11 @@ class Callers {
     bool lacks_lines_ = false;
 };
 
+// What stood at a place: a call of ours, an instruction that faulted, or a routine of the system's
+// that the program called to end itself, whose own calls are of no interest.
+enum class Place : std::uint8_t { call, fault, signal };
+
 // Fills the list from a signal's or a call's registers.
-void collect(const Registers& registers, bool interrupted, Callers& callers);
+void collect(const Registers& registers, Place place, Callers& callers);
 
 }  // namespace tarn::traceback

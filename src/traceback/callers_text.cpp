@@ -34,13 +34,19 @@ void add_repeats(TextBuffer& text, const CallerLine& line) {
 
 }  // namespace
 
-void add_location(TextBuffer& text, const Location& location) {
-    if (location.routine.empty()) {
-        text.add("code at 0x").hexadecimal(location.address, 1);
-    } else if (location.has_map) {
+void add_routine(TextBuffer& text, const Location& location) {
+    if (location.has_map) {
         text.add(location.routine);
     } else {
         add_symbol(text, location.routine);
+    }
+}
+
+void add_location(TextBuffer& text, const Location& location) {
+    if (location.routine.empty()) {
+        text.add("code at 0x").hexadecimal(location.address, 1);
+    } else {
+        add_routine(text, location);
     }
     if (location.line != 0) {
         text.add(", ").add(location.file).add(":").decimal(location.line);

@@ -75,6 +75,7 @@ std::size_t locate(std::uintptr_t address, Location (&found)[most_inlined + 1]) 
         found[i].address = address;
         if (found[i].start == 0) found[i].start = address;
         if (file != nullptr) {
+            found[i].is_code = true;
             found[i].module = file->module.path;
             found[i].has_map = file->has_map;
         }

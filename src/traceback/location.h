@@ -18,6 +18,7 @@ struct Location {
     bool is_main = false;        // callers end here
     bool is_rest = false;        // of a routine whose beginning was inlined into its caller
     bool hidden = false;         // the compiler's own, or the run-time library's
+    bool is_code = false;        // of a loaded file
     bool has_map = false;        // lines could be known
 };
 

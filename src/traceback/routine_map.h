@@ -39,6 +39,8 @@ class RoutineMap {
                            const MapInline** found, std::size_t most) const;
     std::string_view name(std::uint32_t offset) const { return names_.text(offset); }
     std::string_view file(std::uint32_t index) const;
+    std::uint32_t routine_count() const { return header_->routine_count; }
+    const MapRoutine* routine(std::uint32_t index) const { return &routines_[index]; }
     std::uint64_t start_of(const MapRoutine& routine) const { return header_->low + routine.start; }
 
   private:

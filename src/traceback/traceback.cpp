@@ -18,8 +18,8 @@ Callers& callers() {
     return room.callers;
 }
 
-std::string_view console_text(const Registers& registers, bool interrupted) {
-    collect(registers, interrupted, room.callers);
+std::string_view console_text(const Registers& registers, Place place) {
+    collect(registers, place, room.callers);
     TextBuffer text(room.text, sizeof room.text);
     add_callers(text, room.callers);
     return text.text();

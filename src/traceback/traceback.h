@@ -12,6 +12,6 @@ Callers& callers();
 
 // Collects the chain from a place and puts it into lines, in storage of its own that the next call
 // reuses. Empty where there is nothing to tell.
-std::string_view console_text(const Registers& registers, bool interrupted);
+std::string_view console_text(const Registers& registers, Place place);
 
 }  // namespace tarn::traceback

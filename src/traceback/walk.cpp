@@ -112,6 +112,7 @@ bool Walk::by_frame_pointer() {
 bool Walk::next() {
     const bool first = first_;
     first_ = false;
+    if (first && only_frame_) return by_frame_pointer();
     const FrameRules* rules = rules_for(place());
     if (rules != nullptr) {
         // A thread's first routine says that it has no caller.

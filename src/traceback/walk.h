@@ -17,6 +17,16 @@ class Walk {
     Walk(const Registers& registers, bool interrupted)
         : registers_(registers), interrupted_(interrupted) {}
 
+    // From a place whose frame pointer is all that is known of its registers.
+    static Walk from_frame(std::uintptr_t place, std::uintptr_t frame) {
+        Registers registers;
+        registers[return_address] = place;
+        registers[rbp] = registers[rsp] = frame;
+        Walk walk(registers, true);
+        walk.only_frame_ = true;
+        return walk;
+    }
+
     // An address within the instruction that is being carried out: the fault, or the call.
     std::uintptr_t place() const { return registers_.place() - (interrupted_ ? 0 : 1); }
     const Registers& registers() const { return registers_; }
@@ -41,6 +51,7 @@ class Walk {
     Registers registers_;
     bool interrupted_;
     bool first_ = true;
+    bool only_frame_ = false;
     CarefulMemory memory_;
     FrameRules kept_[kept_rules];
 };

@@ -60,6 +60,7 @@ std::int32_t action_help();
 std::int32_t action_previous_text();
 std::int32_t action_text_history();
 std::int32_t action_copy_text();
+std::int32_t action_choose_file();  // FILE_OPENR, FILE_OPENW
 std::int32_t action_print_abort();
 std::int32_t action_absent();  // its room isn't built yet: says so
 

@@ -108,6 +108,15 @@ bool needs_thunk(const standard_action& action) {
            action.function == action_absent;
 }
 
+void keep_file_settings(thunk& into) {
+    const fancy_window& window = *current_window();
+    if (window.file_spec)
+        into.file_spec = window_text_copy(window.file_spec, std::strlen(window.file_spec));
+    if (!window.filters) return;
+    into.filter_bytes = window.filter_bytes;
+    into.filters = window_text_copy(window.filters, static_cast<std::size_t>(window.filter_bytes));
+}
+
 call_back make_thunk(const standard_action& action, std::string_view options,
                      argument_source& arguments, const char* message) {
     thunk fresh{};
@@ -119,6 +128,7 @@ call_back make_thunk(const standard_action& action, std::string_view options,
     thunk_reader reader{arguments, message, fresh};
     for (const char* kind = action.arguments; *kind; ++kind) reader.read(*kind);
     if (records().passive) return action.function;
+    if (action.function == action_choose_file) keep_file_settings(fresh);
     if (!options.empty()) fresh.options = window_text_copy(options.data(), options.size());
     thunk* kept = new_record<thunk>();
     discard_with_window(kept, nullptr);

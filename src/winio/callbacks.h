@@ -19,6 +19,10 @@ struct thunk {
     bool fortran;
     const char* name;  // of the action
     char* options;     // what stood in brackets behind the action's name
+    // %fs and %ft as they were: of the actions that choose files.
+    const char* file_spec;
+    const char* filters;
+    std::int32_t filter_bytes;
     call_back further;
     call_back second;  // of "+"
 };

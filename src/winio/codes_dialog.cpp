@@ -1,7 +1,9 @@
 // %cd: the options of a file dialog.
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 
+#include "platform/dialogs/file_dialog.h"
 #include "platform/user/user.h"
 #include "winio/codes.h"
 #include "winio/common_dialog.h"
@@ -11,13 +13,7 @@
 namespace tarn::winio {
 namespace {
 
-enum : std::uint32_t {
-    overwrite_prompt = 2,
-    hide_read_only = 4,
-    multiple = 0x200,
-    file_must_exist = 0x1000,
-    start_flags = 0x81004,
-};
+constexpr std::uint32_t start_flags = 0x81004;
 
 common_dialog* block_of_call() {
     builder_state& state = building();
@@ -30,10 +26,13 @@ common_dialog* block_of_call() {
     return fresh;
 }
 
-char* character_variable(code_call& call, const char* what, std::int32_t& length) {
+// In C a variable has room for one path of the longest kind, or as many as are asked for.
+constexpr std::int32_t path_room = 260, most_paths = 10000;
+
+char* character_variable(code_call& call, const char* what, std::int32_t paths,
+                         std::int32_t& length) {
     char* variable = user_char_pointer(call.arguments);
-    length = building().last_length;
-    if (!building().fortran_call) length = user_integer(call.arguments);
+    length = building().fortran_call ? building().last_length : path_room * paths;
     if (!variable && !records().check_mode) quillpan_error("?Error reading %%cd[%s].", what);
     return variable;
 }
@@ -58,6 +57,7 @@ void add_filter(common_dialog& dialog) {
 }
 
 void apply_word(code_call& call, const option_reader& words, common_dialog& dialog) {
+    dialog.fortran = building().fortran_call;
     if (words.is("hwndowner")) {
         const auto owner = static_cast<HWND>(user_thing(call.arguments, true));
         if (!records().check_mode && platform::IsWindow(owner)) dialog.owner = owner;
@@ -65,14 +65,15 @@ void apply_word(code_call& call, const option_reader& words, common_dialog& dial
     if (words.is("title=")) dialog.title = option_value();
     if (words.is("filter=")) add_filter(dialog);
     if (words.is("file")) {
-        dialog.file = character_variable(call, "file", dialog.file_length);
+        dialog.file = character_variable(call, "file", std::clamp(dialog.most_files, 1, most_paths),
+                                         dialog.file_length);
         dialog.file_read = true;
     }
     if (words.is("shortfile")) {
-        dialog.short_file = character_variable(call, "fileTitle", dialog.short_file_length);
+        dialog.short_file = character_variable(call, "fileTitle", 1, dialog.short_file_length);
     }
     if (words.is("rootdir")) {
-        dialog.root_folder = character_variable(call, "rootDir", dialog.root_length);
+        dialog.root_folder = character_variable(call, "rootDir", 1, dialog.root_length);
     }
     if (words.is("initialdir")) {
         const char* folder = user_string(call.arguments);
@@ -83,15 +84,16 @@ void apply_word(code_call& call, const option_reader& words, common_dialog& dial
     }
     if (words.is("saving")) {
         dialog.saving = true;
-        dialog.flags = (dialog.flags & ~file_must_exist) | overwrite_prompt;
+        dialog.flags =
+            (dialog.flags & ~platform::OFN_FILEMUSTEXIST) | platform::OFN_OVERWRITEPROMPT;
     }
     if (words.is("maxfiles")) {
         dialog.most_files = user_integer(call.arguments);
         if (dialog.file_read) quillpan_error("?[maxFiles] must precede [file] for %%cd");
-        if (dialog.most_files > 1) dialog.flags |= multiple;
+        if (dialog.most_files > 1) dialog.flags |= platform::OFN_ALLOWMULTISELECT;
     }
-    if (words.is("showreadonly")) dialog.flags &= ~hide_read_only;
-    if (words.is("no_overwrite_prompt")) dialog.flags &= ~overwrite_prompt;
+    if (words.is("showreadonly")) dialog.flags &= ~platform::OFN_HIDEREADONLY;
+    if (words.is("no_overwrite_prompt")) dialog.flags &= ~platform::OFN_OVERWRITEPROMPT;
     if (words.is("filter_item_selected")) {
         dialog.item_selected = user_int_pointer(call.arguments);
     }
@@ -110,12 +112,6 @@ std::int32_t continued_dialog(std::int32_t otherwise) {
     if (!state.preloaded_block || state.preloaded_type != control_type::line_end) return otherwise;
     return static_cast<std::int32_t>(
         static_cast<const common_dialog*>(state.preloaded_block)->flags);
-}
-
-std::int32_t CallCommonDialog(common_dialog* dialog) {
-    if (!records().check_mode) quillpan_error("?File dialogs are not available.");
-    delete dialog;
-    return 0;
 }
 
 }  // namespace tarn::winio

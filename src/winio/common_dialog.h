@@ -20,8 +20,9 @@ struct common_dialog {
     std::int32_t most_files;
     std::int32_t* item_selected;
     bool saving, file_read;
+    bool fortran;  // the variables are CHARACTER, of those lengths
 };
-// Shows the dialog and frees the block. 0: nothing was chosen.
+// Shows the dialog and frees the block. 1: a file was chosen, 0: none.
 std::int32_t CallCommonDialog(common_dialog* dialog);
 // The result of a call that goes on: the options of a dialog that is being described.
 std::int32_t continued_dialog(std::int32_t otherwise);

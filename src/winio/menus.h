@@ -39,7 +39,10 @@ bool display_popup_menu1(fancy_window* window, HWND hwnd, platform::LPARAM place
 std::int32_t char_from_name(const char* text, bool report);
 // The mnemonic of a text, upper case, 0 for none; with `peek` nothing is recorded.
 std::int32_t seek_accelerators(const char* text, fancy_window* window, bool fold, bool peek);
+void check_mnemonics(const char* text);
 void new_accelerator(std::uint32_t message, std::int32_t key, word lparam, word wparam);
+// The key of a menu command of an open window.
+void add_menu_key(fancy_window* window, std::int32_t key, std::int32_t id);
 // A selected menu command; false: not of this window.
 bool menu_command(fancy_window* window, std::int32_t id);
 void menu_selected(fancy_window* window, platform::WPARAM wparam, platform::LPARAM lparam);
@@ -64,7 +67,9 @@ std::int32_t add_menu_item(HMENU menu, const char* text, std::int32_t* grey, std
                            call_back callback);
 bool remove_menu_item(std::int32_t id);
 void delete_menu_item(std::int32_t resource_id, std::int32_t mode);
+void insert_menu_item(const char* text, std::int32_t resource_id, std::int32_t before_id);
 bool add_accelerator(HWND handle, const char* name, call_back callback);
+bool add_accelerator(HWND handle, std::int32_t key, call_back callback);
 bool remove_accelerator(HWND handle, const char* name);
 bool send_accelerator(const char* name);
 std::uint32_t& popup_alignment();  // __align_popup_menu

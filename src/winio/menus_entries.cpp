@@ -20,6 +20,9 @@ TARN_EXPORT void __remove_menu_item(std::int32_t item) {
 TARN_EXPORT void __delete_menu_item(std::int32_t resource_id, std::int32_t mode) {
     delete_menu_item(resource_id, mode);
 }
+TARN_EXPORT void __insert_menu_item(const char* text, std::int32_t id, std::int32_t before_id) {
+    insert_menu_item(text, id, before_id);
+}
 TARN_EXPORT void __replace_enhanced_menu(std::int32_t window, const char* text) {
     replace_enhanced_menu(window, text);
 }
@@ -35,6 +38,10 @@ TARN_EXPORT void __align_popup_menu(std::int32_t flags) {
 TARN_EXPORT void __add_accelerator(std::int32_t window, const char* name,
                                    std::int32_t (*callback)()) {
     add_accelerator(HWND{window}, name, callback);
+}
+TARN_EXPORT void __add_accelerator1(std::int32_t window, std::int32_t key,
+                                    std::int32_t (*callback)()) {
+    add_accelerator(HWND{window}, key, callback);
 }
 TARN_EXPORT void __remove_accelerator(std::int32_t window, const char* name) {
     remove_accelerator(HWND{window}, name);

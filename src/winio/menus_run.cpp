@@ -1,4 +1,5 @@
 // Menus of open windows: selections, help, pop-ups, and items that come and go.
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 #include <string>
@@ -113,7 +114,11 @@ bool menu_command(fancy_window* window, std::int32_t id) {
     const menu_info* item = item_of_id(window, id);
     if (item == nullptr) return false;
     // The key of a grey item does nothing, as a click on it.
+    const std::int32_t number = window->second_number;
     adjust_grey_controls(1);
+    if (!fancy_window_exists(window) || window->second_number != number) return true;
+    item = item_of_id(window, id);
+    if (item == nullptr) return true;
     const UINT state = GetMenuState(item->menu, static_cast<UINT>(id), 0);
     if (state != UINT(-1) && (state & (MF_GRAYED | MF_DISABLED)) != 0) return true;
     run_item(window, item->callback, std::string(item->text).c_str());
@@ -238,6 +243,82 @@ std::int32_t add_menu_item(HMENU menu, const char* text, std::int32_t* grey, std
     adjust_grey_controls(1);
     current_window() = before;
     return item->id;
+}
+
+namespace {
+
+menu_info* item_of_resource(std::int32_t resource_id) {
+    for (fancy_window* window = records().windows; window != nullptr; window = window->next)
+        for (menu_info* item = window->menu_items; item != nullptr; item = item->next)
+            if (item->resource_id == resource_id && item->menu != 0) return item;
+    return nullptr;
+}
+
+// An item of a resource has the resource's number as its command. %rc may have given that command
+// its call-back already, with no item yet.
+menu_info* record_of_command(fancy_window* window, std::int32_t id) {
+    menu_info* item = id != 0 ? item_of_id(window, id) : nullptr;
+    if (item != nullptr) return item;
+    item = static_cast<menu_info*>(std::calloc(1, sizeof(menu_info)));
+    if (item == nullptr) heap_exhausted();
+    item->window = window;
+    item->kind = 2;
+    item->grey_state = -1;
+    item->id = id;
+    item->next = window->menu_items;
+    window->menu_items = item;
+    return item;
+}
+
+void set_caption(menu_info* item, const char* text) {
+    constexpr std::size_t longest_caption = 80;
+    std::string caption = text;
+    const std::size_t tab = caption.find('\t');
+    const std::string key = tab == std::string::npos ? "" : caption.substr(tab + 1);
+    caption.resize(std::min({tab, caption.size(), longest_caption}));
+    if (!key.empty()) {
+        const std::int32_t code = char_from_name(key.c_str(), false);
+        if (code == 0)
+            quillpan_error("Invalid accelerator key [%s] in INSERT_MENU_ITEM@", key.c_str());
+        else
+            add_menu_key(item->window, code, item->id);
+        caption += "\t" + key;
+    }
+    item->text = strdup(caption.c_str());
+    if (item->text == nullptr) heap_exhausted();
+    discard_with_garbage(item->text, nullptr);
+}
+
+}  // namespace
+
+void insert_menu_item(const char* text, std::int32_t resource_id, std::int32_t before_id) {
+    menu_info* before = item_of_resource(before_id);
+    if (before == nullptr) return;
+    fancy_window* window = before->window;
+    const HMENU menu = before->menu;
+    const auto at = static_cast<UINT>(before->position);
+    if (resource_id == before_id) {
+        set_caption(before, text != nullptr ? text : "");
+        ModifyMenuA(menu, at, MF_BYPOSITION | MF_STRING, static_cast<std::uintptr_t>(before->id),
+                    before->text);
+    } else {
+        for (menu_info* other = window->menu_items; other != nullptr; other = other->next)
+            if (other->menu == menu && other->position >= before->position && other != before)
+                ++other->position;
+        ++before->position;
+        menu_info* item = record_of_command(window, resource_id);
+        item->menu = menu;
+        item->resource_id = resource_id;
+        item->position = static_cast<std::int32_t>(at);
+        if (resource_id == 0) {
+            InsertMenuAW(menu, at, MF_BYPOSITION | MF_SEPARATOR, 0, nullptr);
+        } else {
+            set_caption(item, text != nullptr ? text : "");
+            InsertMenuAW(menu, at, MF_BYPOSITION | MF_STRING,
+                         static_cast<std::uintptr_t>(resource_id), item->text);
+        }
+    }
+    DrawMenuBar(window->hwnd);
 }
 
 bool remove_menu_item(std::int32_t id) {

@@ -4,10 +4,12 @@
 #include <cstring>
 #include <string>
 
+#include "platform/dialogs/file_dialog.h"
 #include "platform/gdi/gdi.h"
 #include "platform/user/user.h"
 #include "winio/callbacks.h"
 #include "winio/report.h"
+#include "winio/winproc.h"
 
 namespace tarn::winio {
 namespace {
@@ -316,8 +318,8 @@ word system_font_height() {
     return size.cy;
 }
 
-// Edit boxes, drawing surfaces, tool tips and file dialogs of their own bring their values along
-// when they are built.
+// Edit boxes, drawing surfaces and tool tips of their own bring their values along when they are
+// built.
 word compute(computation which) {
     switch (which) {
         case computation::user_window_data:
@@ -326,15 +328,17 @@ word compute(computation which) {
             return focused_format_window();
         case computation::system_font_height:
             return system_font_height();
+        case computation::extended_error:
+            return static_cast<word>(CommDlgExtendedError());
         case computation::opengl_device_context:
             quillpan_error("No OpenGL buffers are open");
             return 0;
         case computation::graphics_hdc:
         case computation::active_edit_box:
+        case computation::tooltip_hwnd:
+            return current_window() ? static_cast<word>(tool_help_window(current_window())) : 0;
         case computation::edit_key:
         case computation::opengl_alive:
-        case computation::tooltip_hwnd:
-        case computation::extended_error:
             return 0;
         case computation::url_name:
             break;

@@ -278,8 +278,8 @@ def places_of_dump(text):
 
 
 def records(raw_dump, placed_dump):
-    """The calls of each place. The raw dump leaves out what stands inside logical expressions: such
-    calls get no record, and the library makes do without."""
+    """The calls of each place. One that the raw dump doesn't show gets no record, and the library
+    makes do without."""
     out = {}
     places = iter(places_of_dump(placed_dump))
     for call in calls_of_raw_dump(raw_dump):

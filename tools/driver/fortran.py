@@ -45,6 +45,9 @@ of the library's own routines may be written as they are, with their `@`.
   --version              the versions of driver and compiler
   --help                 this text
 
+A source that calls winio@ is compiled without -flto, so that the arguments of its calls can be
+checked.
+
 Environment: TARN_FC names another gfortran, TARN_OBJCOPY another objcopy.
 """
 
@@ -166,22 +169,25 @@ class Build:
         return done and (not self.native or not output or self.make_native(output, mode))
 
     def has_open_lists(self, names):
-        """Calls whose arguments the library must know. (A link-time compilation has none yet.)"""
-        return any(name + "_" in calls.ROUTINES for name in names) and not any(
-            option.startswith("-flto") for option in self.options
-        )
+        """Calls whose arguments the library must know."""
+        return any(name + "_" in calls.ROUTINES for name in names)
 
     def compile_with_calls(self, arguments, names, output, mode):
         """By way of the assembly, into which go the records of calls.py."""
         raw, placed, assembly = (self.temporary(suffix) for suffix in (".raw", ".lines", ".s"))
         arguments = [word for word in arguments if word not in ("-c", "-S")] + ["-S"]
         arguments += ["-fallow-argument-mismatch", "-fno-optimize-sibling-calls"]
+        # Code that is made when the program is linked would have no records.
+        arguments.append("-fno-lto")
         if not any(re.fullmatch(r"-g(|[1-3]|gdb[1-3]?|dwarf.*)", option) for option in self.options):
             arguments.append("-g1")  # the places of the calls
         if self.run(arguments + ["-fdump-tree-original-lineno=" + placed, "-o", assembly], names):
             return False
         # The second look is for its dump alone: what it has to say was said.
-        quiet = ["-w", "-O0", "-fdump-tree-original-raw=" + raw, "-o", os.devnull]
+        # Of the two ways in which the compiler keeps `.and.` and `.or.`, the raw dump shows the
+        # operands of only one: the one of the front end's own optimization.
+        quiet = ["-w", "-O0", "-ffrontend-optimize", "-fdump-tree-original-raw=" + raw]
+        quiet += ["-o", os.devnull]
         subprocess.run(self.compiler + arguments + quiet, stderr=subprocess.DEVNULL, check=False)
         if os.path.isfile(raw) and os.path.isfile(placed):
             text = calls.annotate(read(assembly), calls.records(read(raw), read(placed)))

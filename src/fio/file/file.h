@@ -33,6 +33,7 @@ struct File {
     std::int64_t logical_position = 0;
     std::int64_t real_position = 0;
     std::int64_t buffer_position = 0;  // file offset of the buffer's first byte
+    std::int64_t next_fill = 0;        // where reading on would fill the buffer next
     std::int64_t size = 0;             // largest end of file known
     std::size_t read_index = 0;        // next byte of the buffer to read
     std::size_t write_index = 0;       // next byte of the buffer to write

@@ -124,6 +124,7 @@ void end_by_closed_pipe() {
 }  // namespace
 
 void raise_fault(Caller& caller, Fault fault, std::string_view detail) {
+    if (caller.outcome == Outcome::ok) caller.fault_number = fault.number;
     const std::string message = sentence(failure::plain_text(fault.number), detail);
     if (deliver(caller, fault.iostat, message)) return;
     failure::fail_sentence(fault.number, message, place_of(caller));
@@ -131,6 +132,7 @@ void raise_fault(Caller& caller, Fault fault, std::string_view detail) {
 
 void raise_system_fault(Caller& caller, int errno_value, std::string_view detail) {
     const int number = sentence_of_errno(errno_value);
+    if (caller.outcome == Outcome::ok) caller.system_error = errno_value;
     const std::string message =
         sentence(number != 0 ? failure::plain_text(number) : std::strerror(errno_value), detail);
     if (deliver(caller, errno_value, message)) return;

@@ -57,6 +57,8 @@ struct Caller {
     bool has_unit = false;  // an external unit: named in the report
     bool internal = false;  // an internal file: said in the report
     Outcome outcome = Outcome::ok;
+    std::int32_t fault_number = 0;  // of the first fault, in the catalogue
+    int system_error = 0;           // errno, where it came from the system
 };
 
 // Reports a fault. Returns when the program catches it, with the outcome and IOSTAT= and IOMSG=

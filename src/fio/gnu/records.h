@@ -4,10 +4,9 @@
 #include <cstddef>
 
 #include "fio/gnu/statement.h"
+#include "fio/unit.h"
 
 namespace tarn::fio {
-
-struct Unit;
 
 // Output. The first record of a statement; then one after another.
 void begin_output(Statement& statement);
@@ -69,7 +68,11 @@ inline void meet_carriage_return(Statement& statement, std::size_t width) {
 void finish_open_record(Unit& unit, int& err);
 
 // Whether a record of the unit is seen by others as soon as it is complete.
-bool leaves_at_once(const Unit& unit);
+inline bool leaves_at_once(const Unit& unit) {
+    return unit.gnu.unbuffered || unit.file.terminal || unit.file.shared;
+}
+// A direct record has been written.
+void tell_record(Unit& unit, std::int64_t number);
 // A sequential WRITE makes its record the last one of the file.
 void cut_behind(Statement& statement);
 

@@ -49,7 +49,7 @@ bool direct_record(Statement& s) {
     Unit& unit = *s.unit;
     int err = 0;
     char* begin = nullptr;
-    move_to(unit.file, (s.record_number - 1) * unit.recl, err);
+    move_to(unit.file, (s.record_number - 1) * direct_stride(unit), err);
     const std::size_t length =
         peek_bytes(unit.file, static_cast<std::size_t>(unit.recl), begin, err);
     if (err != 0) {
@@ -106,9 +106,10 @@ void drop_record(Statement& s) {
 namespace {
 
 // No record is left. A non-advancing statement hears of it with its first item, one on a stream
-// when it has filled its items from an empty record, any other at once.
+// when it has filled its items from an empty record, a NAMELIST when it looks for its group, any
+// other at once.
 void begin_behind_end(Statement& s) {
-    if (s.failed || s.non_advancing) return;
+    if (s.failed || s.non_advancing || s.namelist != nullptr) return;
     if (!s.stream || s.list_directed) return fail_end_of_file(s);
     char* empty = scratch_room(s, 1);
     if (empty == nullptr) return;

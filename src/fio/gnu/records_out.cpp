@@ -55,8 +55,9 @@ void begin_internal(Statement& s) {
 void begin_direct(Statement& s) {
     Unit& unit = *s.unit;
     int err = 0;
-    move_to(unit.file, (s.record_number - 1) * unit.recl, err);
-    const OutputRoom at = begin_record(unit.file, static_cast<std::size_t>(unit.recl), err);
+    const std::int64_t stride = direct_stride(unit);
+    move_to(unit.file, (s.record_number - 1) * stride, err);
+    const OutputRoom at = begin_record(unit.file, static_cast<std::size_t>(stride), err);
     if (err != 0) fail_system(s, err);
     if (at.begin == nullptr) return;
     s.record_end = at.begin + unit.recl;
@@ -153,9 +154,12 @@ void finish_direct(Statement& s) {
     Unit& unit = *s.unit;
     if (s.begin == nullptr) return;
     blank(s, s.high, s.record_end);
+    const auto stride = static_cast<std::size_t>(direct_stride(unit));
+    const std::size_t behind = stride - static_cast<std::size_t>(unit.recl);
+    std::memcpy(s.record_end, unit.dialect->line_end.data(), behind);
     int err = 0;
-    end_record(unit.file, static_cast<std::size_t>(unit.recl), leaves_at_once(unit), err);
-    unit.gnu.record_number = s.record_number;
+    end_record(unit.file, stride, leaves_at_once(unit), err);
+    tell_record(unit, s.record_number);
     if (err != 0) fail_system(s, err);
 }
 
@@ -173,10 +177,6 @@ void go_on_behind_blank(Statement& s) {
 }
 
 }  // namespace
-
-bool leaves_at_once(const Unit& unit) {
-    return unit.gnu.unbuffered || unit.file.terminal || unit.file.shared;
-}
 
 void cut_behind(Statement& s) {
     Unit& unit = *s.unit;
@@ -282,6 +282,11 @@ void fill_wide(Statement& s, const char* end) {
         put_wide(s.cursor, static_cast<unsigned char>(*from));
     }
     if (s.cursor > s.high) s.high = s.cursor;
+}
+
+void tell_record(Unit& unit, std::int64_t number) {
+    unit.gnu.record_number = number;
+    unit.highest_record = std::max(unit.highest_record, number);
 }
 
 void finish_open_record(Unit& unit, int& err) {

@@ -19,6 +19,7 @@ namespace tarn::fio {
 
 struct Unit;
 struct CachedFormat;
+struct NamelistGroup;
 
 // An internal file: `count` records of `length` characters of `char_kind` bytes each, `stride`
 // bytes apart in the innermost dimension and then as the array lies.
@@ -57,16 +58,20 @@ struct ListState {
 // without markers.
 struct UnformattedState {
     bool open = false;       // a part is at hand
+    bool native = false;     // the records have the frames of the native layout
     bool swapped = false;    // the file has the other byte order
     bool continued = false;  // input: another part follows
     bool preceded = false;   // output: another part precedes
     bool held = false;       // output: a part stays in the buffer until its length is known
+    bool whole = false;      // input: the buffer has all of the record and its last marker
     bool ended = false;      // input: the file ended inside the last record of a direct file
     std::size_t marker = 0;  // bytes of a marker; 0: none
     std::size_t lead = 0;    // output: bytes of a marker right before `begin`
     std::int64_t marker_position = 0;  // output: of the part's first marker in the file
     std::int64_t record_position = 0;  // output: of the record's first byte in the file
-    std::int64_t part_done = 0;        // output: bytes of the part before `begin`
+    std::int64_t part_done = 0;        // output: bytes of the part before `begin`; input: of the
+                                       // whole record, in the native layout
+    std::int64_t guess = 0;            // output: what the part's first marker says in the file
     std::int64_t part_left = 0;        // bytes of the part from `begin` on
     std::int64_t record_left = 0;      // the same of the record, as RECL= allows
 };
@@ -108,6 +113,7 @@ struct StatementState {
     const FormatNode* next = nullptr;       // node to run
     const FormatNode* data_edit = nullptr;  // in force
 
+    NamelistGroup* namelist = nullptr;
     // A statement whose item has a procedure of its own, and the child statements of that.
     Statement* parent = nullptr;        // of a child
     Statement* parent_below = nullptr;  // of those that run a procedure in this thread
@@ -189,13 +195,13 @@ struct ModeSpecifiers {
 struct TransferSpecifiers {
     bool reading = false;
     bool list_directed = false;
-    bool is_namelist = false;
     bool has_rec = false;
     bool has_pos = false;
     bool has_end = false;
     bool has_eor = false;
     const char* format = nullptr;  // null: none
     std::size_t format_length = 0;
+    NamelistGroup* namelist = nullptr;  // null: none
     std::int64_t rec = 0;
     std::int64_t pos = 0;
     std::int64_t* size = nullptr;
@@ -209,6 +215,8 @@ struct TransferSpecifiers {
 // unit isn't one that simply goes on: `begin_transfer` does it then.
 Statement* begin_usual_transfer(Caller& caller, bool reading, const char* format,
                                 std::size_t format_length);
+// The same without a format.
+Statement* begin_usual_records(Caller& caller, bool reading);
 // Opens a READ or WRITE. The statement is valid in any case; a fault is in its caller's outcome.
 Statement* begin_transfer(Caller& caller, const TransferSpecifiers& specifiers);
 // A statement that has failed before it began: its items are ignored.

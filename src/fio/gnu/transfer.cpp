@@ -101,10 +101,13 @@ void end_transfer(Statement* statement) {
         end_child(s);
         return give_back(statement);
     }
-    finish_format(s);
     if (s.unformatted) {
         end_unformatted(s);
-    } else if (s.reading) {
+        if (s.unit != nullptr) release_unit(s.unit);
+        return give_back(statement);
+    }
+    finish_format(s);
+    if (s.reading) {
         finish_input(s);
         if (s.size != nullptr) *s.size = s.size_count;
     } else if (!s.failed || s.internal) {

@@ -19,6 +19,9 @@ void transfer_complex(DataBlock& block, void* item, int kind);
 void transfer_array(DataBlock& block, const ArrayDescriptor& array, int kind,
                     std::size_t character_length);
 
+// By the number of a descriptor.
+fio::ItemType item_type(std::int8_t type);
+
 // An item that goes through a procedure of its type. `object` is the compiled program's class
 // container, of which only the procedure knows more.
 void transfer_derived(DataBlock& block, void* object, void* routine);
@@ -31,6 +34,9 @@ fio::ItemProcedure item_procedure(void* object, void* routine);
 struct NativeRoad {
     bool (*transfer)(void* block, fio::ItemType type, void* item, int kind,
                      std::size_t length) = nullptr;
+    // `count` items `stride` bytes apart.
+    void (*row)(void* block, fio::ItemType type, void* items, int kind, std::size_t size,
+                std::int64_t stride, std::int64_t count) = nullptr;
     void (*refuse_derived)(void* block) = nullptr;
     void (*done)(void* block) = nullptr;
 };

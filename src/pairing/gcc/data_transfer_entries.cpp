@@ -88,13 +88,4 @@ TARN_EXPORT void _gfortran_transfer_derived(DataBlock* block, void* object, void
     tarn::gcc::transfer_derived(*block, object, routine);
 }
 
-// The variables of a namelist group, told after the statement has been opened. It has failed with
-// a message by then.
-TARN_EXPORT void _gfortran_st_set_nml_var(DataBlock*, void*, char*, std::int32_t, std::size_t,
-                                          std::int64_t) {}
-TARN_EXPORT void _gfortran_st_set_nml_dtio_var(DataBlock*, void*, char*, std::int32_t, std::size_t,
-                                               std::int64_t, void*, void*) {}
-TARN_EXPORT void _gfortran_st_set_nml_var_dim(DataBlock*, std::int32_t, std::int64_t, std::int64_t,
-                                              std::int64_t) {}
-
 }  // extern "C"

@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <array>
 #include <bit>
+#include <cstdlib>
 #include <optional>
+#include <vector>
 
 #include "platform/gdi/objects.h"
 
@@ -233,7 +235,117 @@ class RunReader {
     std::int32_t x_ = 0, y_ = 0;
 };
 
+// ---- Icons and cursors: a picture, and below it a mask of what lies outside its shape
+// ------------
+constexpr std::int32_t largest_icon_side = 1024;
+constexpr std::size_t directory_header = 6, directory_entry = 16;
+
+struct DirectoryEntry {
+    std::int32_t width, height;
+    POINT hot;
+    std::uint32_t colours;  // bits of a pixel
+    std::size_t length, offset;
+};
+
+DirectoryEntry read_entry(const Bytes& file, std::uint32_t index) {
+    const std::size_t at = directory_header + index * directory_entry;
+    const auto side = [&](std::size_t offset) {
+        const std::uint32_t size = file.u8(offset);
+        return size == 0 ? 256 : static_cast<std::int32_t>(size);
+    };
+    return {
+        side(at),
+        side(at + 1),
+        {static_cast<std::int32_t>(file.u16(at + 4)), static_cast<std::int32_t>(file.u16(at + 6))},
+        file.u16(at + 6),
+        file.u32(at + 8),
+        file.u32(at + 12)};
+}
+
+// The picture whose size is nearest to the usual one, and of those the one with most colours. What
+// a cursor has in the place of its colours is its hot spot.
+std::optional<DirectoryEntry> best_entry(const Bytes& file, bool cursor) {
+    constexpr std::int32_t usual = 32;
+    std::optional<DirectoryEntry> best;
+    for (std::uint32_t i = 0; i < file.u16(4); ++i) {
+        const DirectoryEntry entry = read_entry(file, i);
+        if (entry.offset > file.size() || entry.length > file.size() - entry.offset) continue;
+        const auto off = [](const DirectoryEntry& e) { return std::abs(e.width - usual); };
+        const bool nearer = !best || off(entry) < off(*best);
+        const bool richer = best && off(entry) == off(*best) && entry.colours > best->colours;
+        if (nearer || (!cursor && richer)) best = entry;
+    }
+    return best;
+}
+
+struct ShapeMask {
+    const Bytes& file;
+    std::size_t data, stride;
+    bool outside(std::int32_t x, std::int32_t y) const {
+        const auto column = static_cast<std::size_t>(x);
+        const std::size_t at = data + stride * static_cast<std::size_t>(y) + column / 8;
+        return (file.u8(at) >> (7 - column % 8) & 1) != 0;
+    }
+};
+
+// Pixels of 32 bits may bring their own opacity; where none does, the mask tells the shape.
+void give_shape(const Header& header, const Bytes& file, const Surface& surface) {
+    const std::size_t stride = (std::size_t(header.width) * header.bits + 31) / 32 * 4;
+    const std::size_t rows = std::size_t(header.height);
+    const ShapeMask mask{file, header.data + stride * rows,
+                         (std::size_t(header.width) + 31) / 32 * 4};
+    const auto opacity = [&](std::int32_t x, std::int32_t y) {
+        return file.u8(header.data + stride * std::size_t(y) + 4 * std::size_t(x) + 3);
+    };
+    bool own = false;
+    for (std::int32_t y = 0; header.bits == 32 && y < header.height && !own; ++y)
+        for (std::int32_t x = 0; x < header.width && !own; ++x) own = opacity(x, y) != 0;
+    for (std::int32_t y = 0; y < header.height; ++y) {
+        std::uint32_t* row = row_of(header, surface, y);
+        for (std::int32_t x = 0; x < header.width; ++x) {
+            const std::uint32_t alpha = own ? opacity(x, y) : mask.outside(x, y) ? 0 : 255;
+            row[x] = (row[x] & 0xFFFFFF) | alpha << 24;
+        }
+    }
+}
+
 }  // namespace
+
+HICON CreateIconFromFile(const unsigned char* bytes, std::size_t length, bool cursor, POINT& hot) {
+    const Bytes directory(bytes, bytes == nullptr ? 0 : length);
+    const std::optional<DirectoryEntry> entry = best_entry(directory, cursor);
+    if (!entry) return HICON{};
+    const Bytes file(bytes + entry->offset, entry->length);
+    if (file.u8(0) == 'B') return HICON{};
+    std::optional<Header> header = read_header(file);
+    if (!header || header->compression != plain || header->from_top ||
+        header->width > largest_icon_side || header->height > 2 * largest_icon_side)
+        return HICON{};
+    header->height /= 2;
+    if (header->height == 0) return HICON{};
+    std::vector<std::uint32_t> pixels(std::size_t(header->width) * std::size_t(header->height));
+    Surface picture{};
+    picture.pixels = pixels.data();
+    picture.stride = header->width;
+    if (!read_rows(*header, file, picture)) return HICON{};
+    give_shape(*header, file, picture);
+    hot = entry->hot;
+    return CreateIconFromPixels(header->width, header->height, pixels.data());
+}
+
+std::size_t icon_file_length(const unsigned char* bytes) {
+    const std::uint32_t count = bytes[4] | static_cast<std::uint32_t>(bytes[5]) << 8;
+    constexpr std::uint32_t most_pictures = 64;
+    if (count > most_pictures) return 0;
+    std::size_t end = directory_header + count * directory_entry;
+    const Bytes directory(bytes, end);
+    for (std::uint32_t i = 0; i < count; ++i) {
+        const DirectoryEntry entry = read_entry(directory, i);
+        end = std::max(end, entry.offset + entry.length);
+    }
+    constexpr std::size_t largest = std::size_t{1} << 24;
+    return end <= largest ? end : 0;
+}
 
 HBITMAP CreateDIBitmap(const unsigned char* bytes, std::size_t length) {
     if (bytes == nullptr) return HBITMAP{};

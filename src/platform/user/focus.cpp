@@ -97,10 +97,10 @@ void give_focus(Window* window) {
     if (!can_have_focus(*window) || window->handle == state().input.focus) return;
     Pinned w(window);
     Pinned top(&top_of(*w));
-    if (state().input.active != top->handle && can_be_active(*top)) {
-        // The window to be active finds its focus chosen already.
+    if (state().input.active != top->handle) {
+        // The window that becomes active, now or when it is shown, finds its focus chosen already.
         top->top->last_focus = w->handle;
-        activate(top.get(), WA_ACTIVE);
+        if (can_be_active(*top)) activate(top.get(), WA_ACTIVE);
     }
     if (w.alive()) set_focus_record(w.get());
 }

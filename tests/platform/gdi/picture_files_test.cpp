@@ -188,5 +188,73 @@ TEST(PngFiles, FailureHasItsReason) {
     EXPECT_EQ(errno, EINVAL);
 }
 
+// ---- Icons and cursors
+// An icon file of one picture: its rows, then those of its mask.
+Bytes icon_file(BitmapFile picture, const Bytes& mask, bool cursor) {
+    const std::int32_t side = picture.width;
+    picture.height *= 2;
+    picture.rows.insert(picture.rows.end(), mask.begin(), mask.end());
+    Bytes dib = encoded(picture);
+    dib.erase(dib.begin(), dib.begin() + 14);
+    Bytes bytes;
+    put(bytes, cursor ? 0x20000 : 0x10000, 4);
+    put(bytes, 1, 2);
+    put(bytes, static_cast<std::uint32_t>(side), 1);
+    put(bytes, static_cast<std::uint32_t>(picture.height / 2), 1);
+    put(bytes, 0, 2);
+    put(bytes, 3, 2);  // of a cursor: its hot spot
+    put(bytes, cursor ? 4 : picture.bits, 2);
+    put(bytes, static_cast<std::uint32_t>(dib.size()), 4);
+    put(bytes, 22, 4);
+    bytes.insert(bytes.end(), dib.begin(), dib.end());
+    return bytes;
+}
+
+std::vector<std::uint32_t> pixels_of(const Bytes& bytes, bool cursor, POINT& hot) {
+    const HICON icon = CreateIconFromFile(bytes.data(), bytes.size(), cursor, hot);
+    SIZE size;
+    if (!GetIconSize(icon, size)) return {};
+    std::vector<std::uint32_t> pixels(static_cast<std::size_t>(size.cx * size.cy));
+    EXPECT_TRUE(GetIconPixels(icon, size.cx, size.cy, pixels.data()));
+    EXPECT_TRUE(DestroyIcon(icon));
+    return pixels;
+}
+
+TEST(IconFiles, MasksAndOpacity) {
+    const BitmapFile indexed = {2, 2, 1, 0, {0xFFFFFF, 0xFF0000}, {0x40, 0, 0, 0, 0x80, 0, 0, 0}};
+    const Bytes mask = {0x80, 0, 0, 0, 0, 0, 0, 0};  // the lower left one lies outside
+    POINT hot;
+    const Bytes icon = icon_file(indexed, mask, false);
+    EXPECT_EQ(icon_file_length(icon.data()), icon.size());
+    EXPECT_EQ(pixels_of(icon, false, hot),
+              (std::vector<std::uint32_t>{0xFFFF0000, 0xFFFFFFFF, 0x00FFFFFF, 0xFFFF0000}));
+    pixels_of(icon_file(indexed, mask, true), true, hot);
+    EXPECT_EQ(hot, (POINT{3, 4}));
+    // With an opacity of their own the mask doesn't count; where no pixel has any, it does.
+    const BitmapFile own = {2, 1, 32, 0, {}, {1, 2, 3, 0, 4, 5, 6, 0x80}};
+    EXPECT_EQ(pixels_of(icon_file(own, {0x80, 0, 0, 0}, false), false, hot),
+              (std::vector<std::uint32_t>{0x00030201, 0x80060504}));
+    const BitmapFile none = {2, 1, 32, 0, {}, {1, 2, 3, 0, 4, 5, 6, 0}};
+    EXPECT_EQ(pixels_of(icon_file(none, {0x80, 0, 0, 0}, false), false, hot),
+              (std::vector<std::uint32_t>{0x00030201, 0xFF060504}));
+}
+
+TEST(IconFiles, BrokenOnesAreSurvived) {
+    const BitmapFile indexed = {2, 2, 1, 0, {0xFFFFFF, 0xFF0000}, {0x40, 0, 0, 0, 0x80, 0, 0, 0}};
+    const Bytes icon = icon_file(indexed, {0, 0, 0, 0, 0, 0, 0, 0}, false);
+    POINT hot;
+    for (std::size_t length = 0; length < icon.size(); ++length) {
+        const Bytes part(icon.begin(), icon.begin() + static_cast<std::ptrdiff_t>(length));
+        EXPECT_EQ(CreateIconFromFile(part.data(), part.size(), false, hot), HICON{}) << length;
+    }
+    for (std::size_t i = 4; i < icon.size(); ++i) {
+        for (const int value : {0, 1, 0x7F, 0x80, 0xFF}) {
+            Bytes changed = icon;
+            changed[i] = static_cast<unsigned char>(value);
+            DestroyIcon(CreateIconFromFile(changed.data(), changed.size(), false, hot));
+        }
+    }
+}
+
 }  // namespace
 }  // namespace tarn::platform

@@ -8,6 +8,8 @@ The head of the program tells, in comment lines that begin with //> or !>:
     report: TEXT        a line that standard error must have, in this order, leading blanks aside
     WORD: TEXT          the same, for the run of that word only
     not: TEXT           what no line may hold
+    options: WORD...    more of the compiler's options
+A `*` in a line's text stands for anything.
 """
 import os
 import pathlib
@@ -21,25 +23,32 @@ BUILDS = [["-O0"], ["-O2"], ["-O2", "-no-pie"], ["-O1", "-s"]]
 
 
 def read_head(source):
-    words, lines, never = [], [], []
+    words, lines, never, options = [], [], [], []
     for line in source.read_text().splitlines():
         match = re.match(r"(?://|!)> (\w+): (.*)$", line)
         if match is None:
             continue
         if match[1] == "runs":
             words = match[2].split()
+        elif match[1] == "options":
+            options = match[2].split()
         elif match[1] == "not":
             never.append(match[2])
         else:
             lines.append((match[1], match[2]))
-    return words or [""], lines, never
+    return words or [""], lines, never, options
+
+
+def is_like(line, text):
+    pattern = ".*".join(re.escape(part) for part in text.split("*"))
+    return re.fullmatch(pattern, line) is not None
 
 
 def faults_of(report, wanted, never):
     shown = [line.strip() for line in report.splitlines()]
     at = 0
     for text in wanted:
-        while at < len(shown) and shown[at] != text:
+        while at < len(shown) and not is_like(shown[at], text):
             at += 1
         if at == len(shown):
             yield f"no line (behind the others) is: {text}"
@@ -52,7 +61,7 @@ def faults_of(report, wanted, never):
 
 def main():
     build, source = pathlib.Path(sys.argv[1]).resolve(), pathlib.Path(sys.argv[2]).resolve()
-    words, lines, never = read_head(source)
+    words, lines, never, more = read_head(source)
     environment = {k: v for k, v in os.environ.items() if not k.startswith(("GFORTRAN_", "TARN"))}
     failed = False
     with tempfile.TemporaryDirectory() as folder:
@@ -60,7 +69,7 @@ def main():
         (pathlib.Path(folder) / source.name).write_text(source.read_text())
         for options in BUILDS:
             driver = build / "bin" / DRIVERS[source.suffix]
-            command = [driver, "-w", *options, source.name, "-o", "program"]
+            command = [driver, "-w", *options, *more, source.name, "-o", "program"]
             subprocess.run(command, cwd=folder, check=True)
             for word in words:
                 run = subprocess.run(["./program"] + [word] * (word != ""), cwd=folder, timeout=60,

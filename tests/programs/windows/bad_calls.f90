@@ -12,7 +12,7 @@ program bad_calls
   real8 = 1.5d0
   call get_command_argument(1, which)
   if (which == ' ') then
-    do k = 1, 9
+    do k = 1, 11
       write (which, '(i0)') k
       call execute_command_line('./program ' // trim(which) // ' 2>&1 | sed "/^$/,\$d"')
     end do
@@ -39,5 +39,9 @@ program bad_calls
   case (9)
     i = winio@('%rd&', number)
     i = winio@('%ob%^nl%rf&', number)
+  case (10)
+    if (number == 3 .and. winio@('%rd&', real8) == -1) print *, 'and'
+  case (11)
+    if (number == 4 .or. .not. (winio@('%rf&', number) /= -1 .and. number == 3)) print *, 'or'
   end select
 end program

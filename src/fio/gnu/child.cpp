@@ -7,6 +7,7 @@
 #include "fio/gnu/connection.h"
 #include "fio/gnu/format_run.h"
 #include "fio/gnu/items.h"
+#include "fio/gnu/list_scan.h"
 #include "fio/gnu/records.h"
 #include "fio/gnu/thread_state.h"
 #include "fio/unit.h"
@@ -102,6 +103,16 @@ void transfer_derived(Statement& s, const ItemProcedure& procedure) {
     } else {
         transfer_by_format(s, procedure);
     }
+}
+
+void transfer_in_namelist(Statement& s, const ItemProcedure& procedure) {
+    if (s.reading && s.record_at_hand) skip_list_blanks(s);
+    run_procedure(s, "NAMELIST", nullptr, 0, procedure);
+    if (!s.reading || s.failed || !has_input_record(s)) return;
+    skip_list_blanks(s);
+    if (s.cursor == s.limit) return;
+    const char separator = s.modes.decimal == DecimalMark::comma ? ';' : ',';
+    if (*s.cursor == separator) ++s.cursor;
 }
 
 void run_procedure(Statement& s, std::string_view iotype, const std::int32_t* values,
@@ -214,6 +225,9 @@ void give_record_back(Statement& child) {
     std::swap(parent->scratch, child.scratch);
     std::swap(parent->scratch_capacity, child.scratch_capacity);
     parent->child_running = false;
+    // The slash that ended a child's input ends the group too.
+    const bool slash = child.list_directed && child.reading && child.list.input_complete;
+    if (slash && parent->namelist != nullptr && parent->cursor > parent->begin) --parent->cursor;
 }
 
 void end_parent(Statement& s) {

@@ -37,6 +37,9 @@ struct ItemProcedure {
 // One item through its procedure, as the statement's kind and format have it.
 void transfer_derived(Statement& statement, const ItemProcedure& procedure);
 
+// One value of a namelist group, at the cursor; on input the separator behind it goes by.
+void transfer_in_namelist(Statement& statement, const ItemProcedure& procedure);
+
 // Calls the procedure for an item of the statement at the place where the statement's record
 // stands. A fault that comes back is the statement's outcome; the items that follow are still
 // transferred.

@@ -366,18 +366,34 @@ bool read_element(NamelistReader& r, const NamelistItem& item, char* target, std
 
 bool read_item(NamelistReader& r, std::uint32_t index, char* first);
 
+// Whether the values of a variable end here: at the group's end, or where the next name stands.
+bool at_values_end(const NamelistReader& r) {
+    const Statement& s = r.s;
+    const char* at = s.cursor;
+    if (*at == '/' || *at == '&' || *at == '$') return true;
+    if (!begins_name(*at)) return false;
+    while (at < s.limit && is_name_character(*at)) ++at;
+    if (at < s.limit && (*at == '(' || *at == '%')) return true;
+    while (at < s.limit && is_list_blank(*at)) ++at;
+    return at < s.limit && *at == '=';
+}
+
+// An element whose type has a procedure: what its value looks like, that alone knows.
+bool read_by_procedure(NamelistReader& r, const NamelistItem& item, char* element) {
+    const auto read = namelist_procedures().read;
+    if (read == nullptr) {
+        return fail_namelist(r, namelist_no_procedure, r.s.cursor,
+                             joined({"NAMELIST with a procedure of the type of ", item.path}));
+    }
+    if (!find_text(r) || at_values_end(r)) return false;
+    read(r.s, item, element);
+    return !r.s.failed;
+}
+
 // One element of an item of any type.
 bool read_any(NamelistReader& r, std::uint32_t index, char* element, std::size_t length) {
     const NamelistItem& item = r.group.items[index];
-    if (item.procedure != nullptr) {
-        const auto read = namelist_procedures().read;
-        if (read == nullptr) {
-            return fail_namelist(r, namelist_no_procedure, r.s.cursor,
-                                 joined({"NAMELIST with a procedure of the type of ", item.path}));
-        }
-        read(r.s, item, element);
-        return !r.s.failed;
-    }
+    if (item.procedure != nullptr) return read_by_procedure(r, item, element);
     if (!item.derived) return read_element(r, item, element, length);
     for (std::uint32_t i = index + 1; i < item.end; i = r.group.items[i].end) {
         if (!read_item(r, i, element + r.group.items[i].place)) return false;

@@ -26,6 +26,9 @@ fio::ItemType item_type(std::int8_t type);
 // container, of which only the procedure knows more.
 void transfer_derived(DataBlock& block, void* object, void* routine);
 
+// Gives the engine the way to the procedures of variables in namelist groups.
+void transfer_namelists_by_procedures();
+
 // The procedure with that item as the engine calls it.
 fio::ItemProcedure item_procedure(void* object, void* routine);
 

@@ -1,4 +1,5 @@
 // Items of derived types whose program has procedures for their input and output.
+#include "fio/gnu/namelist.h"
 #include "pairing/gcc/data_transfer.h"
 
 namespace tarn::gcc {
@@ -38,7 +39,23 @@ void call(const fio::ItemProcedure& procedure, fio::ProcedureArguments& a) {
             a.iomsg_length);
 }
 
+// A class container as compiled code makes one for a variable that isn't polymorphic.
+struct ClassObject {
+    void* data;
+    const void* type_table;
+};
+
+void transfer_namelist_element(fio::Statement& statement, const fio::NamelistItem& item,
+                               char* element) {
+    ClassObject object{element, item.type_table};
+    fio::transfer_in_namelist(statement, item_procedure(&object, item.procedure));
+}
+
 }  // namespace
+
+void transfer_namelists_by_procedures() {
+    fio::namelist_procedures() = {transfer_namelist_element, transfer_namelist_element};
+}
 
 fio::ItemProcedure item_procedure(void* object, void* routine) {
     return {call, routine, object};

@@ -20,6 +20,7 @@ void add_variable(DataBlock& block, void* address, const char* path, std::int32_
     variable.length = length;
     variable.rank = static_cast<unsigned char>(type.rank);
     variable.procedure = procedure;
+    if (procedure != nullptr) transfer_namelists_by_procedures();
     variable.type_table = type_table;
     group_of(block).add(variable);
 }

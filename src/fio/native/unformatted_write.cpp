@@ -33,11 +33,16 @@ bool report_write(const IO_type& io, int err) {
 
 // A record that can't be completed is taken out of the file again.
 void drop_started_record(IO_type& io) {
-    if (!io.multi_block) return;
+    // A direct record that was there keeps what was written over it; a new one goes.
+    const bool new_direct =
+        is_direct(io.action) && io.record_no > io.unit->highest_record && !is_driver(*io.unit);
+    if (!io.multi_block && !new_direct) return;
     io.multi_block = false;
     std::int64_t position = 0;
     int err = 0;
-    sys_fileSeek(*io.unit, io.next_block_position, position, err);
+    const std::int64_t start =
+        new_direct ? (io.record_no - 1) * io.unit->recl : io.next_block_position;
+    sys_fileSeek(*io.unit, start, position, err);
     if (err == 0) sys_truncateFile(*io.unit, false, err);
 }
 

@@ -22,7 +22,7 @@ set(package_folder ${CMAKE_INSTALL_LIBDIR}/cmake/tarnlibc)
 install(EXPORT tarnlibcTargets NAMESPACE tarn:: DESTINATION ${package_folder})
 
 configure_package_config_file(cmake/tarnlibcConfig.cmake.in ${PROJECT_BINARY_DIR}/install/tarnlibcConfig.cmake
-  INSTALL_DESTINATION ${package_folder} PATH_VARS CMAKE_INSTALL_LIBDIR)
+  INSTALL_DESTINATION ${package_folder} PATH_VARS CMAKE_INSTALL_LIBDIR CMAKE_INSTALL_BINDIR)
 write_basic_package_version_file(${PROJECT_BINARY_DIR}/install/tarnlibcConfigVersion.cmake
   COMPATIBILITY SameMinorVersion)
 install(FILES ${PROJECT_BINARY_DIR}/install/tarnlibcConfig.cmake

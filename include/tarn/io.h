@@ -113,7 +113,8 @@ enum tarn_specifier {
 
 /* A routine of the program that stands in for a file (TARN_DRIVER). `*operation`: 1 read a record
  * into `buffer` and give its length, 2 write the record, 3 ENDFILE, 4 REWIND, 5 BACKSPACE, 6 OPEN,
- * 7 CLOSE, 8 INQUIRE. A status other than 0 is failure 155. */
+ * 7 CLOSE, 8 INQUIRE; without a format 9 read, 10 write, 13 read and 14 write a direct record. A
+ * status other than 0 is failure 155. */
 typedef void (*tarn_device_driver)(char* buffer, int32_t* capacity, int32_t* length,
                                    int32_t* operation, int16_t* status, size_t buffer_length);
 
@@ -125,6 +126,11 @@ void WSF1_hh(const int16_t* words, ...) TARN_LINK_NAME("WSF1##");
 /* The same with REC=. */
 void RDF1_hh(const int16_t* words, ...) TARN_LINK_NAME("RDF1##");
 void WDF1_hh(const int16_t* words, ...) TARN_LINK_NAME("WDF1##");
+/* Without a format: sequential, or of a stream with TARN_REC as POS=, and with REC=. */
+void RSU1_hh(const int16_t* words, ...) TARN_LINK_NAME("RSU1##");
+void WSU1_hh(const int16_t* words, ...) TARN_LINK_NAME("WSU1##");
+void RDU1_hh(const int16_t* words, ...) TARN_LINK_NAME("RDU1##");
+void WDU1_hh(const int16_t* words, ...) TARN_LINK_NAME("WDU1##");
 /* Whole statements. */
 void OPEN_hh(const int16_t* words, ...) TARN_LINK_NAME("OPEN##");
 void CLOS_hh(const int16_t* words, ...) TARN_LINK_NAME("CLOS##");
@@ -158,9 +164,21 @@ void C8_h_RSF(void* item, const int32_t* count) TARN_LINK_NAME("C8#RSF");
 void CD_h_RSF(void* item, const int32_t* count) TARN_LINK_NAME("CD#RSF");
 void CH_h_RSF(char* item, const int32_t* count, intptr_t length) TARN_LINK_NAME("CH#RSF");
 
-/* ---- The end of a formatted or list-directed READ or WRITE. ---- */
+/* An item of an unformatted statement, `*count` elements one behind the other. `*size`: the bytes
+ * of an element, with either sign; 1 stands for CHARACTER elements of `length` bytes (-1 for
+ * numbers of one byte). More than the record has is failure 158, or 68 on direct access. */
+void XSUX_h(void* item, const int32_t* count, const int16_t* size, intptr_t length)
+    TARN_LINK_NAME("XSUX#");
 
+/* ---- Ends. ---- */
+
+/* Of a formatted or list-directed READ or WRITE. */
 void WSF2_h(void) TARN_LINK_NAME("WSF2#");
+/* Of an unformatted READ, sequential WRITE, direct WRITE. What the list leaves of a direct record
+ * becomes zero. */
+void END_RU_h(void) TARN_LINK_NAME("END_RU#");
+void WSU2_h(void) TARN_LINK_NAME("WSU2#");
+void WDU2_h(void) TARN_LINK_NAME("WDU2#");
 
 #ifdef __cplusplus
 }

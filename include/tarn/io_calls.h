@@ -62,7 +62,16 @@ TARN_SPECIFIER_CALL(_IniRdSeqUnf)
 TARN_TEXT_SPECIFIER_CALL(_IniRdSeqUnfC)
 TARN_SPECIFIER_CALL(_IniRdDirUnf)
 TARN_TEXT_SPECIFIER_CALL(_IniRdDirUnfC)
-/* Namelist: over when the last specifier call returns. */
+/* Namelist: over when the last specifier call returns. Specifier 41 is the address of the group's
+   table, packed bytes without padding: signed 32 number of items; byte L = length of the group's
+   name + 1; the name, upper case; then the items. An item: byte, its whole length; byte M = length
+   of its name + 1; the name, upper case; byte type; pointer to the variable; unsigned 32 length in
+   bytes of a CHARACTER or structure; byte rank; for each dimension signed 32 lower and upper bound.
+   Types: INTEGER*1 10, *2 1, *4 2, *8 19; REAL*4 3, *8 4, *10 21; COMPLEX*8 5, *16 6, *20 22;
+   LOGICAL*1 11, *2 7, *4 8; CHARACTER 9; structure 14. A structure has in place of the pointer
+   signed 16 number of components and signed 16 length of the item with them, and nothing in the
+   rest; a component is an item without its first bytes and name, whose signed 16 length stands
+   between rank and bounds. */
 TARN_SPECIFIER_CALL(_IniWrNml)
 TARN_SPECIFIER_CALL(_IniRdNml)
 #undef TARN_SPECIFIER_CALL

@@ -73,7 +73,8 @@
  *     %dl F,C timer; %mg I,C message; %dr C files dropped; %rm C text from a program; %ew C
  *     %hs %vs I,I,I* its scroll bars; %hx %vx I*,I*,I* the next control's; %cu %dc cursors
  *     %mi T icon; %nc T class; %wp T wallpaper; %ti T,T,C; %th %bh tool help; %he %sb; %if focus
- *     %nr %nd %nw H %zc %wt %sv %ns %gd %dg I,I %de H %ss T,I*
+ *     %ss T,I* what later boxes hold is kept under that key from run to run, while the int isn't 0
+ *     %nr %nd %nw H %zc %wt %sv %ns %gd %dg I,I %de H
  *   Files
  *     %fs T          where FILE_OPENR and FILE_OPENW begin ("data/" "*.dat"); %ft T,T a filter: its
  *                    name and patterns ("*.dat;*.txt"). Both count for the codes behind them.

@@ -29,22 +29,25 @@ void WINDOW_UPDATE_h(void* variable) TARN_LINK_NAME("WINDOW_UPDATE#");
 void __control_update(void* variable);
 void CONTROL_UPDATE_h(void* variable) TARN_LINK_NAME("CONTROL_UPDATE#");
 
-/* While a call-back runs its window takes no commands. This lets one more be entered, in the current
- * window or in the window with that handle. */
+/* While a call-back runs its window takes no commands. This lets one more be entered, in the
+ * current window or in the window with that handle. */
 void __permit_another_callback(void);
 void __permit_callback_in_window(int32_t handle);
 
 /* Named parameters, without regard to case: "CALL_BACK_REASON", "CURRENT_CONTROL",
  * "GRAPHICS_MOUSE_X" ... In the call-back of a box, a list or a switch, "THIS" is its value. A name
- * that isn't known, or of another kind, is reported. */
+ * that isn't known, or of another kind, is reported.
+ * The overall call-back of a %ib is called once before its window is made, with the reason
+ * "SIZE_ADJUST": "IB_WIDTHS" and "IB_HEIGHTS" are then the addresses of the "IB_COLUMNS" widths and
+ * the "IB_ROWS" heights, ints in pixels, and may be changed. */
 intptr_t __quillpan_info(const char* name);
 double __quillpan_float(const char* name);
 /* Never null. The text stays until the parameter gets another one. */
 const char* __quillpan_string(const char* name);
 /* Copies it, cut to size - 1 bytes, and terminates it. */
 void __quillpan_string1(char* buffer, const char* name, int32_t size);
-/* A new name makes a parameter of the program's own. "RF_EXP_LIMIT", a float, is the magnitude below
- * which boxes show numbers with an exponent. */
+/* A new name makes a parameter of the program's own. "RF_EXP_LIMIT", a float, is the magnitude
+ * below which boxes show numbers with an exponent. */
 void __set_quillpan_info(const char* name, intptr_t value);
 void __set_quillpan_float(const char* name, double value);
 void __set_quillpan_string(const char* name, const char* text);

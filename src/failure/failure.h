@@ -9,6 +9,10 @@
 #include <cstdint>
 #include <string_view>
 
+namespace tarn::traceback {
+struct Registers;
+}
+
 namespace tarn::failure {
 
 inline constexpr int catalogue_size = 498;
@@ -24,8 +28,7 @@ std::string_view plain_text(int number);
 // Each line ends in a line feed.
 [[noreturn]] void fail(int number, std::string_view more_lines);
 // The same with a sentence that says more than the catalogue's: "*** Error %4d, %s\n" with it.
-[[noreturn]] void fail_sentence(int number, std::string_view sentence,
-                                std::string_view more_lines);
+[[noreturn]] void fail_sentence(int number, std::string_view sentence, std::string_view more_lines);
 // Free text in place of a numbered sentence.
 [[noreturn]] void fail_text(std::string_view text);
 // "*** Warning: %s\n" on standard error; the program goes on.
@@ -35,7 +38,11 @@ void warn(std::string_view text);
 struct Hooks {
     void (*flush_everything)() = nullptr;               // every dirty unit and handle buffer
     std::int32_t (*current_io_unit)() = nullptr;        // unit of the statement in progress, or 0
-    bool (*report_dialog)(std::string_view) = nullptr;  // shows a report in a window; false: can't
+    // Shows a report, and who called, in a window; false: there is nobody to see it.
+    bool (*report_dialog)(std::string_view text, std::string_view callers) = nullptr;
+    // Writes the report's file, where the user asked for one.
+    void (*write_report)(int number, std::string_view text,
+                         const traceback::Registers& registers) = nullptr;
 };
 Hooks& hooks();
 

@@ -52,6 +52,6 @@ extern "C" TARN_EXPORT void tarnick_error_report(const char* origin, const char*
     ManagedReport report = managed_report(given(origin), given(message), given(stack_text));
     std::string text(report.title);
     text.append("\n").append(report.heading).append("\n\n").append(report.stack);
-    if (hooks().report_dialog && hooks().report_dialog(text)) return;
+    if (hooks().report_dialog && hooks().report_dialog(text, {})) return;
     tarn::platform::write_error_output(text);
 }

@@ -1,11 +1,10 @@
 #include "failure/report.h"
 
-#include <atomic>
 #include <cstdio>
-#include <pthread.h>
 #include <unistd.h>
 
 #include "failure/failure.h"
+#include "failure/reporter.h"
 #include "frame/console_lines.h"
 #include "frame/end.h"
 #include "frame/hooks.h"
@@ -14,6 +13,7 @@
 #include "platform/kernel/debug_output.h"
 #include "platform/kernel/float_unit.h"
 #include "platform/kernel/message_box.h"
+#include "traceback/traceback.h"
 
 namespace tarn::failure {
 namespace {
@@ -21,44 +21,10 @@ namespace {
 constinit State the_state;
 constinit Hooks the_hooks;
 
-// Who is reporting. A second failure finds it taken: on the same thread it struck while the first
-// was writing the program's files out, on another one at the same moment.
-struct Reporter {
-    std::atomic<bool> taken{false};
-    pthread_t thread{};
-    std::atomic<bool> printed{false};
-    std::string_view text;
-};
-constinit Reporter reporter;
-
-constexpr unsigned other_thread_patience = 10;  // seconds
-
-void print(std::string_view text) {
-    bool to_output = (frame::traceback_flags() & frame::tb_kill_dialogbox) != 0;
-    platform::write_descriptor(to_output ? STDOUT_FILENO : STDERR_FILENO, text);
-}
-
-void print_once() {
-    if (!reporter.printed.exchange(true)) print(reporter.text);
-}
-
-// A C program's standard output is flushed too, unless another thread is inside it: the report
-// must come out in any case.
-void flush_c_output() {
-    if (ftrylockfile(stdout) != 0) return;
-    fflush_unlocked(stdout);
-    funlockfile(stdout);
-}
-
+// A second failure strikes while the first writes the program's files out.
 [[noreturn]] void fail_again(std::string_view text) {
-    if (pthread_equal(reporter.thread, pthread_self())) {
-        print_once();
-        print(text);
-    } else {
-        // The first one ends the process. Should it hang, this one does.
-        sleep(other_thread_patience);
-        print_once();
-    }
+    print_report();
+    print_line(text);
     _exit(1);
 }
 
@@ -107,24 +73,26 @@ std::string report_text(int number, std::string_view free, const char* routine,
 }
 
 void report(int number, std::string_view text) {
+    const traceback::Registers here = traceback::registers_here();
     frame::ensure_up();  // the options say where a report goes
-    if (reporter.taken.exchange(true)) fail_again(text);
+    const Claim claim = claim_report();
+    if (claim == Claim::other) wait_for_other_report();
+    if (claim == Claim::again) fail_again(text);
     // The reports of the room above and of the system's library compute with floating-point
     // numbers too; a trap in here would hide what went wrong.
     platform::MaskedFloat masked;
-    reporter.thread = pthread_self();
-    reporter.text = text;
+    set_report(text);
     the_state.last_failure = number;
     if (__debugged) send_to_debugger(std::string(text));
-    if (the_hooks.flush_everything) the_hooks.flush_everything();
-    flush_c_output();
+    flush_for_report();
+    std::string_view callers;
+    if ((frame::traceback_flags() & frame::tb_no_traceback) == 0)
+        callers = traceback::console_text(here, traceback::Place::call);
+    set_report_callers(callers);
+    if (the_hooks.write_report) the_hooks.write_report(number, text, here);
     bool console = (frame::traceback_flags() & frame::tb_kill_dialogbox) != 0;
-    bool shown = !console && the_hooks.report_dialog && the_hooks.report_dialog(text);
-    if (shown) {
-        reporter.printed = true;
-    } else {
-        print_once();
-    }
+    print_report();
+    if (!console && the_hooks.report_dialog) the_hooks.report_dialog(text, callers);
     _exit(1);
 }
 

@@ -70,6 +70,7 @@ struct GnuConnection {
     EditModes modes;  // BLANK=, DECIMAL=, ROUND=, SIGN=, DELIM=, PAD= of the OPEN
     Encoding encoding = Encoding::standard;
     Endian endian = Endian::native;
+    bool native_records = false;  // unformatted records have the frames of the native layout
     CarriageControl carriage = CarriageControl::list;
     bool asynchronous = false;
     bool delim_given = false;   // INQUIRE tells an unset DELIM= from NONE
@@ -145,6 +146,13 @@ struct Unit {
     std::atomic<bool> listed{false};
     References references;
 };
+
+// Bytes from one record of a direct file to the next: the native dialect ends formatted records
+// with a line end, the gnu dialect doesn't.
+inline std::int64_t direct_stride(const Unit& unit) {
+    const bool has_line_ends = unit.status.formatted && unit.dialect == &native_dialect;
+    return unit.recl + (has_line_ends ? 2 : 0);
+}
 
 // `buffered`: the unit gets a file buffer at once.
 Unit* Unit_create(std::int32_t number, bool buffered);

@@ -3,8 +3,11 @@
 
 #include "frame/debug_info.h"
 #include "frame/float_control.h"
+#include "frame/hooks.h"
 #include "frame/link_name.h"
+#include "frame/state.h"
 #include "platform/kernel/float_unit.h"
+#include "tarn/exceptions.h"
 
 using namespace tarn::frame;
 namespace platform = tarn::platform;
@@ -12,6 +15,12 @@ namespace platform = tarn::platform;
 namespace {
 
 constexpr std::uint16_t underflow = platform::fp_underflow | platform::fp_denormal;
+
+constexpr std::uint16_t cleared_status = 0x80FF;  // by fnclex
+
+tarn_float_area* trapped_float() {
+    return hooks().trapped_float ? hooks().trapped_float() : nullptr;
+}
 
 // Zero and denormals have an exponent field of 0; both become +0.
 template <typename Real, typename Bits>
@@ -130,24 +139,29 @@ std::int32_t UNDERFLOW_COUNT_h(std::int32_t* count) {
     return *count = state().underflow_count;
 }
 
-// These look at the state of a trap while one is being handled. Until the exception room handles
-// traps there is none.
-TARN_EXPORT std::int32_t clear_flt_underflow() {
-    return 0;
-}
-TARN_EXPORT std::int32_t CLEAR_FLT_UNDERFLOW_h() LINK_NAME("CLEAR_FLT_UNDERFLOW#")
-    TARN_ALIAS(clear_flt_underflow);
+// In a trap these look at the state that the program goes on with.
 TARN_EXPORT std::uint32_t _clear87() {
+    if (tarn_float_area* area = trapped_float()) {
+        area->status &= static_cast<std::uint16_t>(~cleared_status);
+        area->sse_control &= ~std::uint32_t{platform::fp_all};
+    }
     std::uint32_t status = platform::status_word();
     platform::clear_exceptions();
     return status;
 }
 TARN_EXPORT std::uint32_t _status87() {
-    return platform::status_word();
+    const tarn_float_area* area = trapped_float();
+    if (area == nullptr) return platform::status_word();
+    return area->status | (area->sse_control & platform::fp_all);
 }
 TARN_EXPORT void _fpreset() {
     platform::reset_unit();
     platform::load_control_word(state().control_words[0]);
+    if (tarn_float_area* area = trapped_float()) {
+        area->status = platform::status_word();
+        area->sse_control &= ~std::uint32_t{platform::fp_all};
+        area->tags = 0;  // no register is in use
+    }
 }
 
 TARN_EXPORT float FTZ_h(const float* value) LINK_NAME("FTZ#");

@@ -5,11 +5,14 @@
 #include <cstdint>
 #include <string_view>
 
+struct tarn_float_area;
+
 namespace tarn::frame {
 
 struct Hooks {
     // Start, in the order of __initialise_cpplib.
     void (*initialise_storage)() = nullptr;
+    void (*watch_faults)() = nullptr;
     void (*set_window_defaults)() = nullptr;
     void (*start_clock)() = nullptr;         // the baseline of DCLOCK#
     void (*initialise_console)() = nullptr;  // __InitialiseConsole
@@ -35,6 +38,8 @@ struct Hooks {
     void (*fail)(int number) = nullptr;
     void (*fortran_fail)(int number) = nullptr;
     void (*fail_with_text)(int number, const char* text) = nullptr;
+    // The units' state in a trap that runs, which the program goes on with; null: none runs.
+    tarn_float_area* (*trapped_float)() = nullptr;
     const char* (*exception_title)() = nullptr;  // null result: none is set
     // Opens a format window and waits for its end; false: there are no windows.
     bool (*show_window)(const char* format) = nullptr;

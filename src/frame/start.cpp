@@ -119,6 +119,7 @@ void initialise_library() {
     s.format_check = -1;
     call(hooks().initialise_storage);
     initialise_file_numbers();
+    call(hooks().watch_faults);
     call(hooks().set_window_defaults);
     reset_float_unit();
     s.general_shared = {1, &__throw_temporary_ptr, &exception_machine};

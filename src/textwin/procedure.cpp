@@ -123,8 +123,12 @@ LRESULT main_windows_procedure(HWND hwnd, UINT message, WPARAM wparam, LPARAM lp
             return 0;
         case WM_MOUSEMOVE:
         case WM_LBUTTONUP:
+        case WM_CAPTURECHANGED:
             mouse_selection(window, message, wparam, at);
             return 0;
+        case WM_TIMER:
+            mouse_selection(window, message, wparam, at);
+            break;
         case WM_RBUTTONDOWN:
             if (window.popup != 0) show_popup(window, lparam);
             return 0;

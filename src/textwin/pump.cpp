@@ -104,6 +104,10 @@ UINT upper_limit() {
 
 }  // namespace
 
+bool pump_started() {
+    return pump().started;
+}
+
 void start_pump() {
     if (pump().started) return;
     pump().started = true;

@@ -13,6 +13,8 @@ using namespace platform;
 namespace {
 
 constexpr std::int32_t scroll_zone = 10;  // pixels at the top and bottom that scroll during a drag
+constexpr std::uintptr_t scroll_timer = 0x5C;
+constexpr UINT scroll_period = 50;  // milliseconds a line while the pointer rests there
 
 void set_selection(window_info& window, window_line* line, const char* character, bool behind) {
     window.selected_first = behind ? window.anchor_line : line;
@@ -53,6 +55,30 @@ void begin_drag(window_info& window, POINT at) {
     InvalidateRect(window.hwnd, nullptr, true);
 }
 
+// Near the top and bottom, and beyond them, the text comes along.
+void scroll_and_drag(window_info& window, POINT at) {
+    const bool down = at.y > window.height - scroll_zone, up = at.y < scroll_zone;
+    if (window.vertical_bar && (down || up)) {
+        scrollv(window, down ? 1 : -1, 1, false);
+        SetTimer(window.hwnd, scroll_timer, scroll_period, nullptr);
+    } else {
+        KillTimer(window.hwnd, scroll_timer);
+    }
+    drag_to(window, at);
+}
+
+void end_drag(window_info& window) {
+    state().selection_phase = 2;
+    KillTimer(window.hwnd, scroll_timer);
+    if (GetCapture() == window.hwnd) ReleaseCapture();
+    if (window.selected_first != nullptr) {
+        char* text = selected_text(window.hwnd, false);
+        if (text != nullptr) set_primary_text(window.utf8 ? text : utf8_from_page(text));
+        std::free(text);
+    }
+    InvalidateRect(window.hwnd, nullptr, false);
+}
+
 std::string plain(const window_info& window, const char* text) {
     std::string result;
     while (*text != 0) {
@@ -89,22 +115,17 @@ void mouse_selection(window_info& window, UINT message, WPARAM wparam, POINT at)
             break;
         case WM_MOUSEMOVE:
             if ((wparam & MK_LBUTTON) == 0 || state().selection_phase != 1) break;
-            if (window.vertical_bar && at.y > window.height - scroll_zone)
-                scrollv(window, 1, 1, false);
-            else if (window.vertical_bar && at.y < scroll_zone)
-                scrollv(window, -1, 1, false);
-            drag_to(window, at);
+            scroll_and_drag(window, at);
+            break;
+        case WM_TIMER:
+            if (wparam != scroll_timer || state().selection_phase != 1) break;
+            GetCursorPos(at);
+            ScreenToClient(window.hwnd, at);
+            scroll_and_drag(window, at);
             break;
         case WM_LBUTTONUP:
-            if (state().selection_phase != 1) break;
-            state().selection_phase = 2;
-            ReleaseCapture();
-            if (window.selected_first != nullptr) {
-                char* text = selected_text(window.hwnd, false);
-                if (text != nullptr) set_primary_text(window.utf8 ? text : utf8_from_page(text));
-                std::free(text);
-            }
-            InvalidateRect(window.hwnd, nullptr, false);
+        case WM_CAPTURECHANGED:
+            if (state().selection_phase == 1) end_drag(window);
             break;
         default:
             break;

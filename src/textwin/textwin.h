@@ -22,6 +22,8 @@ HWND get_default_window();
 HWND create_embeded_window_x(HWND parent, bool horizontal_bar, bool vertical_bar, std::int32_t x,
                              std::int32_t y, std::int32_t width, std::int32_t height, HBRUSH brush,
                              COLORREF background, COLORREF text, HMENU popup);
+// Between an embedded window's edges and its text, in pixels: top and bottom, left.
+inline constexpr std::int32_t embedded_margin_y = 2, embedded_margin_x = 3;
 void win_coua(HWND hwnd, const char* bytes, std::size_t count);
 void add_text_descriptor(HWND hwnd, platform::HFONT font, COLORREF colour);
 void win_coua_f();  // the next write doesn't repaint at its end

@@ -179,6 +179,7 @@ void copy_selection(window_info& window);
 // ---- Windows (windows.cpp), the pump (pump.cpp)
 // ----------------------------------------------------
 void register_text_class();
+bool pump_started();
 void start_pump();  // the class, the script; harmless when done before
 void destroy_text_window(HWND hwnd);
 void register_message_loop_hook(void (*function)());

@@ -32,8 +32,13 @@ std::int32_t font_height(HWND hwnd, HFONT font) {
     return metric.tmHeight + metric.tmExternalLeading;
 }
 
+// A control keeps its text off its edges by less than a window does; %cw makes room for that.
 void set_margins(window_info& window) {
-    if (window.embedded) return;
+    if (window.embedded) {
+        window.top_margin = embedded_margin_y;
+        window.left_margin = embedded_margin_x;
+        return;
+    }
     const HDC dc = GetDC(window.hwnd);
     window.top_margin = GetDeviceCaps(dc, LOGPIXELSY) / 4;
     window.left_margin = GetDeviceCaps(dc, LOGPIXELSX) / 4;

@@ -6,6 +6,7 @@
 #include "platform/user/user.h"
 #include "winio/actions.h"
 #include "winio/procedures.h"
+#include "winio/winproc.h"
 
 namespace tarn::winio {
 namespace {
@@ -46,15 +47,19 @@ struct mdi_children {
     RECT client;
 };
 bool collect_children(mdi_children& into) {
-    const fancy_window* host = mdi_host();
+    fancy_window* host = mdi_host();
+    if (host && host->flags.menu_buttons_shown) mdi_menu_command(host, mdi_restore);
+    host = mdi_host();
     if (!host || !GetClientRect(host->mdi_frame->hwnd, into.client)) return false;
-    for (const fancy_window* child = host->first_child; child; child = child->next_sibling)
-        if (child->flags.open && child != host->top_child && into.count < into.most)
-            into.handles[into.count++] = child->hwnd;
-    std::reverse(into.handles, into.handles + into.count);
     const fancy_window* top = host->top_child;
-    if (top && fancy_window_exists(top) && into.count < into.most)
-        into.handles[into.count++] = top->hwnd;
+    const auto add = [&](const fancy_window* child) {
+        if (child->flags.open && !IsIconic(child->hwnd) && into.count < into.most)
+            into.handles[into.count++] = child->hwnd;
+    };
+    for (const fancy_window* child = host->first_child; child; child = child->next_sibling)
+        if (child != top) add(child);
+    std::reverse(into.handles, into.handles + into.count);
+    if (top && fancy_window_exists(top)) add(top);
     return into.count > 0;
 }
 

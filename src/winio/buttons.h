@@ -66,6 +66,13 @@ platform::HBITMAP load_resource(const char* name);
 // The bitmap's size, or that of the sign that stands for one that isn't found.
 platform::SIZE size_bitmap(const char* name);
 void draw_missing_picture(platform::HDC dc, const RECT& place);
+// In the middle of `place`; 0 is drawn as a missing picture.
+void draw_bitmap(platform::HDC dc, const RECT& place, platform::HBITMAP bitmap);
+// What a button shows of its bitmap: what isn't background; that as one grey; that without colours.
+enum class picture_look : std::uint8_t { plain, grey, colourless, count };
+// Light grey (0xC0C0C0) is background; with `corner` the colour of the first pixel is too.
+void draw_button_picture(platform::HDC dc, const RECT& place, platform::HBITMAP bitmap,
+                         picture_look look, bool corner);
 
 // ---- Drawing
 struct button_look {

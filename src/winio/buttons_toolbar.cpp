@@ -81,20 +81,6 @@ const char* switch_picture(const window_control* control, bool enabled) {
     return variable && *variable != 0 ? face->bitmap_on : face->bitmap_up;
 }
 
-void draw_bitmap(HDC dc, const RECT& place, HBITMAP bitmap) {
-    SIZE size;
-    if (!bitmap || !GetBitmapSize(bitmap, size)) {
-        draw_missing_picture(dc, place);
-        return;
-    }
-    HDC memory = CreateCompatibleDC(dc);
-    HGDIOBJ before = SelectObject(memory, bitmap);
-    BitBlt(dc, place.left + (place.width() - size.cx) / 2,
-           place.top + (place.height() - size.cy) / 2, size.cx, size.cy, memory, 0, 0, SRCCOPY);
-    SelectObject(memory, before);
-    DeleteDC(memory);
-}
-
 void paint_switch(const window_control* control, HWND hwnd) {
     PAINTSTRUCT paint;
     HDC dc = BeginPaint(hwnd, paint);
@@ -112,7 +98,7 @@ void paint_switch(const window_control* control, HWND hwnd) {
     look.flat = true;
     HBITMAP bitmap = load_resource(switch_picture(control, enabled));
     draw_button(dc, client, look);
-    draw_bitmap(dc, client, bitmap);
+    draw_button_picture(dc, client, bitmap, picture_look::plain, false);
     EndPaint(hwnd, paint);
 }
 
@@ -153,7 +139,7 @@ void track_switch(window_control* control, bool over, bool down) {
 
 constexpr std::int32_t label_gap = 3, cell_margin = 5, label_margin = 10;
 constexpr std::uint32_t block_flat = 1, block_const_width = 2, block_const_height = 4,
-                        block_hover = 0x20;
+                        block_coloured = 8, block_hover = 0x20;
 
 std::int32_t pixels_of(std::int32_t units, std::int32_t unit, std::int32_t parts) {
     return units * unit / parts;
@@ -194,6 +180,22 @@ void equalise(std::vector<std::int32_t>& sizes) {
     std::fill(sizes.begin(), sizes.end(), most);
 }
 
+// The program may change the sizes that the pictures and labels gave.
+void adjust_sizes(const window_control* control, std::vector<std::int32_t>& widths,
+                  std::vector<std::int32_t>& heights) {
+    if (!control->callback || records().passive || records().check_mode) return;
+    set_quillpan_info("IB_COLUMNS", static_cast<std::int32_t>(widths.size()));
+    set_quillpan_info("IB_ROWS", static_cast<std::int32_t>(heights.size()));
+    set_quillpan_info("IB_WIDTHS", reinterpret_cast<word>(widths.data()));
+    set_quillpan_info("IB_HEIGHTS", reinterpret_cast<word>(heights.data()));
+    call_function(control->callback, "SIZE_ADJUST", HWND{}, true, false);
+    set_quillpan_info("IB_WIDTHS", 0);
+    set_quillpan_info("IB_HEIGHTS", 0);
+    constexpr std::int32_t largest_cell = 2000;
+    for (std::vector<std::int32_t>* sizes : {&widths, &heights})
+        for (std::int32_t& size : *sizes) size = std::clamp(size, 1, largest_cell);
+}
+
 void place_cells(window_control* control, constructed_button* block, grid cells) {
     std::vector<std::int32_t> widths(static_cast<std::size_t>(cells.columns), 0);
     std::vector<std::int32_t> heights(static_cast<std::size_t>(cells.rows), 0);
@@ -204,6 +206,7 @@ void place_cells(window_control* control, constructed_button* block, grid cells)
         width = std::max(width, size.cx);
         height = std::max(height, size.cy);
     }
+    adjust_sizes(control, widths, heights);
     if ((block->flags & block_const_width) != 0) equalise(widths);
     if ((block->flags & block_const_height) != 0) equalise(heights);
     std::int32_t top = 0, right = 0;
@@ -281,7 +284,13 @@ void draw_cell(HDC dc, const window_control* control, const constructed_button* 
         picture.bottom = label.top;
         DrawTextAW(dc, cell.label, -1, label, DT_CENTER | DT_END_ELLIPSIS);
     }
-    draw_bitmap(dc, picture, cell.picture);
+    // A flat block has its colours only under the pointer.
+    const bool colourless = look.flat && (block->flags & block_coloured) == 0 && !cell.hovered;
+    draw_button_picture(dc, picture, cell.picture,
+                        !look.enabled ? picture_look::grey
+                        : colourless  ? picture_look::colourless
+                                      : picture_look::plain,
+                        true);
 }
 
 void paint_block(window_control* control, HWND hwnd) {

@@ -7,7 +7,9 @@
 #include "platform/user/user.h"
 #include "textwin/textwin.h"
 #include "winio/call_out.h"
+#include "winio/options.h"
 #include "winio/procedures.h"
+#include "winio/winproc.h"
 
 namespace tarn::winio {
 namespace {
@@ -41,6 +43,7 @@ std::int32_t finish_call(const call_frame& frame, std::int32_t result, bool from
     state.window_gone = !still_open(frame);
     if (state.window_gone) return result;
     fancy_window* window = frame.window;
+    if (!window->tool_props || !window->tool_props->no_callback_hide) hide_tool_help();
     if (result < 0) {
         window->result = result == INT32_MIN ? INT32_MAX : -result;
         result = 0;

@@ -87,8 +87,9 @@ void remove_from_frame(fancy_window* window) {
             *link = window->next_sibling;
             break;
         }
+    if (!host->first_child) return change_topmost_mdi_child(host);
     if (host->top_child == window) host->top_child = nullptr;
-    if (host->hwnd && host->first_child) PostMessageA(host->hwnd, msg_topmost_mdi, 0, 0);
+    if (host->hwnd) PostMessageA(host->hwnd, msg_topmost_mdi, 0, 0);
 }
 
 void forget_controls(fancy_window* window) {
@@ -163,11 +164,13 @@ bool close_window(fancy_window* window) {
     if (!focus_let_go(window)) return false;
     if (handed_to_host(window)) return false;
     if (!window->flags.closing && !close_agreed(window)) return false;
+    hide_tool_help();
     HWND target = IsWindow(window->focus_before) ? window->focus_before : HWND{};
     if (window->disable_window) EnableWindow(to_hwnd(window->disable_window), true);
     HWND first = enable_the_others(window);
     if (watch.gone()) return false;
     if (!target) target = first;
+    if (HWND next = window->flags.mdi_child ? mdi_child_below(window) : HWND{}) target = next;
     if (target && focus_within(hwnd)) SetFocus(target);
     return !watch.gone();
 }
@@ -175,6 +178,9 @@ bool close_window(fancy_window* window) {
 void window_destroyed(fancy_window* window) {
     if (!window->flags.open) return;
     HWND hwnd = window->hwnd;
+    forget_tool_help(window);
+    // At the end of the program the variables may be gone.
+    if (!records().at_exit) save_settings(window);
     window->open_combo = nullptr;
     window->flags.ready = false;
     if (window->drop_callback) DragAcceptFiles(hwnd, false);

@@ -4,6 +4,7 @@
 
 #include "platform/base/constants.h"
 #include "platform/user/user.h"
+#include "textwin/textwin.h"
 #include "winio/callbacks.h"
 #include "winio/codes.h"
 #include "winio/layout.h"
@@ -116,6 +117,8 @@ void handle_cw(code_call& call) {
         control->hwnd_var_wide = variable.wide;
     }
     size_in_characters(*control, columns, rows);
+    control->width += pixels_to_units_x(textwin::embedded_margin_x);
+    control->height += pixels_to_units_y(2 * textwin::embedded_margin_y);
     finish_control(call, control, "should be a call-back function for the %%CW format");
 }
 

@@ -63,11 +63,17 @@ void handle_si(code_call& call) {
 // ---- Pictures from outside
 namespace {
 
+platform::SIZE picture_size(const window_control& control) {
+    if (records().check_mode) return {icon_size, icon_size};
+    if (control.type != control_type::icon) return size_bitmap(control.text);
+    const std::int32_t size = GetIconSize(control.text);
+    return size != 0 ? platform::SIZE{size, size} : platform::SIZE{icon_size, icon_size};
+}
+
 window_control* named_picture(code_call& call, control_type type, const char* what) {
-    window_control* control = new_placeholder(type);
+    window_control* control = new_window_control(type);
     control->text = get_standard_string(call, what);
-    platform::SIZE size{icon_size, icon_size};
-    if (!records().check_mode && type == control_type::bitmap) size = size_bitmap(control->text);
+    const platform::SIZE size = picture_size(*control);
     size_in_pixels(*control, size.cx, size.cy);
     return control;
 }
@@ -91,12 +97,13 @@ void handle_fi(code_call& call) {
 
 void handle_gi(code_call& call) {
     window_control* control = named_picture(call, control_type::animation, "%GI");
+    control->flags.placeholder = true;
     read_resource_id(call, *control);
     finish_control(call, control, "should be a call-back function for the %%GI format");
 }
 
 void handle_bm(code_call& call) {
-    window_control* control = new_placeholder(control_type::bitmap);
+    window_control* control = new_window_control(control_type::bitmap);
     size_in_pixels(*control, icon_size, icon_size);
     if (call.grave) {
         call.grave = false;

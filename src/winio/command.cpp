@@ -171,8 +171,14 @@ void window_command(fancy_window* window, WPARAM wparam, LPARAM lparam) {
     if (window->flags.busy && !window->flags.permit && !callbacks().clipboard_refresh) return;
     window_watch watch(window);
     command what{LOWORD(wparam), static_cast<std::int32_t>(HIWORD(wparam)), to_hwnd(lparam)};
+    // What controls say while they get their first values is no news.
+    if (what.sender && !window->flags.ready) return;
+    if (!what.sender && mdi_menu_command(window, what.id)) return;
     if (menu_served(window, what) || watch.gone()) return;
-    for (window_control* control = window->first_control; control; control = control->next) {
+    // But for the Enter key a command is its sender's alone.
+    window_control* first = window->first_control;
+    if (what.sender && !enter_key(what)) first = control_of_handle(window, what.sender);
+    for (window_control* control = first; control; control = control->next) {
         if (window->flags.closing) return;
         if (!is_served(control, what)) continue;
         if (control->flags.update_source) return;

@@ -12,7 +12,6 @@ using namespace platform;
 
 namespace {
 
-constexpr std::int32_t first_child_id = 300;
 constexpr const char* place_holder_class = "TarnickPlaceholder";
 
 struct control_look {
@@ -30,7 +29,10 @@ control_look static_look(const fancy_window* window, const window_control* contr
     if (control->flags.right) style |= SS_RIGHT;
     if (window->text_control) style |= SS_NOTIFY;
     if (control->flags.no_prefix) style |= SS_NOPREFIX;
-    return {"static", style, 0, control->text ? control->text : ""};
+    // A subscript or superscript reaches into its neighbour lines.
+    const bool over = control->type == control_type::text && control->baseline_shift != 0;
+    return {"static", style, over ? DWORD{WS_EX_TRANSPARENT} : 0,
+            control->text ? control->text : ""};
 }
 
 control_look number_look(const window_control* control, DWORD style) {
@@ -141,6 +143,7 @@ control_look look_of(const fancy_window* window, const window_control* control) 
 }
 
 void hand_out(window_control* control) {
+    if (control->type == control_type::mdi_frame) return;  // it is told its topmost child
     std::int32_t handle = static_cast<std::int32_t>(control->hwnd);
     if (control->hwnd_var) *control->hwnd_var = handle;
     if (control->hwnd_var_wide) *control->hwnd_var_wide = handle;
@@ -165,6 +168,10 @@ void create_child(fancy_window* window, window_control* control, std::int32_t id
 }
 
 void tell_images(window_control* control) {
+    if (control->type == control_type::bitmap && control->flags.native) {
+        SendMessageA(control->hwnd, STM_SETIMAGE, IMAGE_BITMAP, control->data);
+        return;
+    }
     if (control->type != control_type::option_button || drawn_button(control)) return;
     const auto* button = static_cast<const Xbutton*>(control->block);
     if (!button) return;
@@ -268,11 +275,30 @@ void create_control_window(fancy_window* window, window_control* control, std::i
     hand_out(control);
 }
 
+// A child tells its control by its number: messages of a window with many controls find it at once.
+void make_room_for_numbers(fancy_window* window) {
+    std::int32_t count = 0;
+    for (const window_control* control = window->first_control; control; control = control->next)
+        count += control->scrolls ? 3 : 1;  // its bars have numbers of their own
+    if (count == 0) return;
+    auto* table = static_cast<window_control**>(
+        allocate_zeroed(static_cast<std::size_t>(count) * sizeof(window_control*)));
+    fancy_window* before = current_window();
+    current_window() = window;
+    discard_with_window(table, nullptr);
+    current_window() = before;
+    window->controls_by_id = table;
+    window->controls_by_id_count = count;
+}
+
 void create_controls(fancy_window* window) {
     window_watch watch(window);
+    make_room_for_numbers(window);
     bool named = window->first_focus != nullptr;
     std::int32_t id = first_child_id;
     for (window_control* control = window->first_control; control; control = control->next) {
+        if (id - first_child_id < window->controls_by_id_count)
+            window->controls_by_id[id - first_child_id] = control;
         create_control_window(window, control, id++);
         if (watch.gone()) return;
         offer_focus(window, control, named);

@@ -107,6 +107,7 @@ void create_mdi_child(fancy_window* window) {
     if (!window_listed(window) || !window->flags.open) return;
     BringWindowToTop(hwnd);
     SetFocus(hwnd);
+    if (window_listed(window) && window->flags.open) mdi_child_made(window);
 }
 
 // A modal window takes the input of every other top-level window that nobody else has taken.
@@ -188,6 +189,7 @@ LRESULT window_created(fancy_window* window, HWND hwnd) {
     if (window->disable_window) EnableWindow(to_hwnd(window->disable_window), false);
     if (window->flags.modal && !window->flags.child) disable_the_others(window);
 
+    restore_settings(window);
     create_controls(window);
     if (watch.gone()) return -1;
     send_group_boxes_down(window);

@@ -1,6 +1,7 @@
 // What stands around the message pump: filters before and after each message, monitors, idling.
 #include "frame/end.h"
 #include "platform/controls/controls.h"
+#include "platform/script/script.h"
 #include "textwin/textwin.h"
 #include "winio/callbacks.h"
 #include "winio/menus.h"
@@ -45,6 +46,22 @@ bool navigated(fancy_window* window, MSG& message) {
     return IsDialogMessageA(window->hwnd, message);
 }
 
+// Ctrl+F6 and Ctrl+Tab go through the children of an MDI frame, Ctrl+F4 closes one.
+bool mdi_key(const fancy_window* inner, const MSG& message) {
+    if (message.message != WM_KEYDOWN || !key_down(VK_CONTROL)) return false;
+    const fancy_window* child = inner;
+    while (child && !child->flags.mdi_child) child = window_above(child);
+    if (!child) return false;
+    if (message.wParam == VK_F4) {
+        PostMessageA(child->hwnd, WM_CLOSE, 0, 0);
+        return true;
+    }
+    if (message.wParam != VK_F6 && message.wParam != VK_TAB) return false;
+    const WPARAM way = key_down(VK_SHIFT) ? SC_PREVWINDOW : SC_NEXTWINDOW;
+    PostMessageA(child->hwnd, WM_SYSCOMMAND, way, 0);
+    return true;
+}
+
 bool key_served(MSG& message) {
     fancy_window* inner = our_window(message.hwnd);
     if (!inner || !inner->flags.open) return false;
@@ -53,7 +70,7 @@ bool key_served(MSG& message) {
         // A mnemonic stays the character that it was, and its window finds the control.
         return is_key_message(message.message) && navigated(window, message);
     }
-    return navigated(inner, message);
+    return mdi_key(inner, message) || navigated(inner, message);
 }
 
 bool sets_control_key(std::int32_t key) {
@@ -96,8 +113,11 @@ std::int32_t upper(std::int32_t character) {
 }
 
 void note_input(const MSG& message) {
-    if (is_press(message.message) || is_key_message(message.message))
+    if (is_press(message.message) || is_key_message(message.message)) {
         procedures().input_seen = true;
+        if (message.message != WM_KEYUP && message.message != WM_SYSKEYUP) hide_tool_help();
+    }
+    follow_pointer_for_help(message);
     if (message.message == WM_KEYUP || message.message == WM_LBUTTONUP)
         adjust_grey_of(our_window(message.hwnd));
 }
@@ -119,6 +139,12 @@ void focus_moved() {
     state.focus_window = focus;
     callbacks().context.focussed_window = static_cast<std::int32_t>(focus);
     state.focus.run();
+}
+
+// "RD001", for scripts and the tree of controls; texts have none.
+std::string code_name(HWND hwnd) {
+    const window_control* control = control_from_window(hwnd, false);
+    return control && control->name[0] != '.' ? control->name : "";
 }
 
 }  // namespace
@@ -196,6 +222,7 @@ void install_window_procedures() {
     hooks.post_filter = post_message_loop_filter;
     hooks.idle = quillpan_idle;
     hooks.end = exit_cleanup;
+    control_code_name = code_name;
     frame::add_exit_routine(exit_cleanup);
 }
 

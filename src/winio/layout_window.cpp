@@ -113,9 +113,8 @@ RECT rescaled(const window_control* control, std::int32_t dx, std::int32_t dy) {
     double width = at.right - at.left + 1;
     double height = at.bottom - at.top + 1;
     if (control->scrolls) {
-        const scroll_block& bars = *control->scrolls;
-        if (control->grow_x != 0.0) width += bars.vertical.hidden_size;
-        if (control->grow_y != 0.0) height += bars.horizontal.hidden_size;
+        width += control->scrolls->vertical.hidden_size;
+        height += control->scrolls->horizontal.hidden_size;
     }
     return {static_cast<std::int32_t>(at.left + dx * control->move_x),
             static_cast<std::int32_t>(at.top + dy * control->move_y),

@@ -9,6 +9,7 @@
 #include "platform/user/user.h"
 #include "winio/callbacks.h"
 #include "winio/report.h"
+#include "winio/winproc.h"
 
 namespace tarn::winio {
 namespace {
@@ -334,9 +335,10 @@ word compute(computation which) {
             return 0;
         case computation::graphics_hdc:
         case computation::active_edit_box:
+        case computation::tooltip_hwnd:
+            return current_window() ? static_cast<word>(tool_help_window(current_window())) : 0;
         case computation::edit_key:
         case computation::opengl_alive:
-        case computation::tooltip_hwnd:
             return 0;
         case computation::url_name:
             break;

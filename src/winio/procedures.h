@@ -46,6 +46,8 @@ platform::LRESULT text_array_procedure(platform::HWND hwnd, platform::UINT messa
                                        platform::WPARAM wparam, platform::LPARAM lparam);
 platform::LRESULT spin_control_procedure(platform::HWND hwnd, platform::UINT message,
                                          platform::WPARAM wparam, platform::LPARAM lparam);
+platform::LRESULT bubble_help_procedure(platform::HWND hwnd, platform::UINT message,
+                                        platform::WPARAM wparam, platform::LPARAM lparam);
 platform::LRESULT shadow_procedure(platform::HWND hwnd, platform::UINT message,
                                    platform::WPARAM wparam, platform::LPARAM lparam);
 // Part of the first use of the library: filters and hooks of the message pump, the end of the
@@ -69,9 +71,6 @@ void set_focus_on_control(window_control* control);
 void re_size_scroll_bars(window_control* control);
 // Text and class of the control's real window, by its type.
 void create_control_window(fancy_window* window, window_control* control, std::int32_t child_id);
-
-// Fits the bars of %hx and %vx to a control that has moved.
-void re_size_scroll_bars(window_control* control);
 
 bool pre_message_loop_filter(platform::MSG& message);
 void post_message_loop_filter(const platform::MSG& message);

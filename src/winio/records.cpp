@@ -8,6 +8,7 @@
 
 #include "frame/console_lines.h"
 #include "platform/kernel/module.h"
+#include "platform/user/user.h"
 #include "winio/builder.h"
 #include "winio/layout.h"
 #include "winio/menus.h"
@@ -466,6 +467,11 @@ bool fancy_window_exists(const fancy_window* window) {
 // Controls are asked for one by one in the order of the list, each several times: the one found
 // last or the one behind it is nearly always meant. A window's controls live as long as it does.
 window_control* control_of_handle(fancy_window* window, HWND hwnd) {
+    const std::int32_t index = platform::GetDlgCtrlID(hwnd) - first_child_id;
+    if (index >= 0 && index < window->controls_by_id_count) {
+        window_control* numbered = window->controls_by_id[index];
+        if (numbered && numbered->hwnd == hwnd) return numbered;
+    }
     window_control* const last = window->found_control;
     if (last && last->hwnd == hwnd) return last;
     window_control* control = last ? last->next : nullptr;

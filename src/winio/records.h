@@ -258,6 +258,8 @@ struct fancy_window {
     window_control* open_combo;
     window_control* status_control;
     window_control *first_control, *last_control;
+    window_control** controls_by_id;  // of the real window: by their children's numbers, from 300
+    std::int32_t controls_by_id_count;
     window_control* found_control;  // by control_of_handle, where the next search begins
     window_control* mdi_frame;
     window_control *centre_first, *right_first;
@@ -559,6 +561,7 @@ fancy_window* fancy_window_from_handle(HWND hwnd);
 bool fancy_window_exists(const fancy_window* window);
 window_control* control_from_window(HWND hwnd, bool closed_too);
 window_control* control_of_handle(fancy_window* window, HWND hwnd);
+inline constexpr std::int32_t first_child_id = 300;
 fancy_window* window_from_control_variable(const std::int32_t* variable);
 HWND first_quillpan_hwnd();
 HWND hwnd_from_fortran_unit(std::int32_t unit);

@@ -10,7 +10,6 @@
 #include "platform/user/user.h"
 #include "winio/layout.h"
 #include "winio/procedures.h"
-#include "platform/controls/controls.h"
 #include "winio/records.h"
 #include "winio/report.h"
 
@@ -99,7 +98,7 @@ void register_classes() {
         {"TarnickGraphics", placeholder_procedure, clicks, cross},
         {"TarnickGIF", placeholder_procedure, clicks, arrow},
         {"TarnickOpenGL", placeholder_procedure, clicks, cross},
-        {"TarnickBubbleHelp", placeholder_procedure, plain, none},
+        {"TarnickBubbleHelp", bubble_help_procedure, plain, none},
         {"TarnickPalette", placeholder_procedure, plain, arrow},
         {"TarnickButtonBlock", constructed_button_procedure, plain, arrow},
         {"TarnickEquation", placeholder_procedure, plain, arrow},

@@ -209,7 +209,12 @@ void read_help(code_call& call, window_control* before) {
             quillpan_error("Missing help string");
             return;
         }
+        const bool argument = *call.format == '@';
         control->help = get_standard_string(call, "help");
+        const builder_state& state = building();
+        if (argument && state.fortran_call)
+            save_fortran_string_binding(control->help, state.last_string_variable,
+                                        state.last_length);
         text_size(control->help, control->help_width, control->help_depth);
         window->help_width = std::max(window->help_width, control->help_width);
         window->help_depth = std::max(window->help_depth, control->help_depth);
@@ -260,6 +265,9 @@ void do_format_code(code_call& call) {
         state.call = outer;
         return;
     }
+    // %ty belongs right behind its %tx; a %tc between them gives a pair its text colour.
+    if (call.code != code_of('T', 'Y') && call.code != code_of('T', 'C'))
+        pending().text_array_seen = false;
     fancy_window* window = current_window();
     window_control* const before = window ? window->last_control : nullptr;
     if (!add_preloaded_options(call)) handler(call);

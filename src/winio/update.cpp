@@ -9,6 +9,7 @@
 #include "textwin/textwin.h"
 #include "winio/procedures.h"
 #include "winio/text_layer.h"
+#include "winio/winproc.h"
 
 namespace tarn::winio {
 namespace {
@@ -21,16 +22,12 @@ constexpr bool has_further_pointers(control_type type) {
     return type == edit_list;
 }
 
-void set_position(HWND bar, const std::int32_t* variable) {
-    if (bar && variable) platform::SetScrollPos(bar, platform::SB_CTL, *variable, true);
-}
-
-void update_scrolls(const window_control* control, const void* variable) {
-    const scroll_block& bars = *control->scrolls;
-    if (bars.horizontal.position == variable)
-        set_position(bars.horizontal.hwnd, bars.horizontal.position);
-    if (bars.vertical.position == variable)
-        set_position(bars.vertical.hwnd, bars.vertical.position);
+void update_scrolls(window_control* control, const void* variable) {
+    const auto shows = [&](const scroll_block::bar& bar) {
+        return bar.position == variable || bar.page == variable || bar.range == variable;
+    };
+    if (shows(control->scrolls->horizontal) || shows(control->scrolls->vertical))
+        show_scroll_bars(control);
 }
 
 void set_text(const window_control* control) {
@@ -109,6 +106,8 @@ void update_window(fancy_window* window, const void* variable) {
         return;
     }
     if (window->caption == variable || window->caption_variable == variable) redraw_caption(window);
+    tool_help_updated(variable);
+    if (!still_open(window, number)) return;
     for (window_control* c = window->first_control; c; c = c->next) {
         if (c->scrolls && !c->flags.update_source) update_scrolls(c, variable);
         if (!shows(c, variable) || c->flags.update_source) continue;

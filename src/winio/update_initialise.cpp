@@ -7,6 +7,7 @@
 #include "winio/procedures.h"
 #include "winio/text_layer.h"
 #include "winio/update.h"
+#include "winio/winproc.h"
 
 namespace tarn::winio {
 namespace {
@@ -137,6 +138,7 @@ void initialise_control(HWND, window_control* control, bool first) {
     if (first) attach_standard_test(control);
     if (control->type == marker) return tell_position(control);
     if (!can_be_shown(control)) return;
+    if (control->scrolls && !first) show_scroll_bars(control);
     if (control->flags.placeholder)
         redraw(control);
     else

@@ -115,19 +115,25 @@ bool handle_control_scrolls(fancy_window* window, bool vertical, WPARAM wparam, 
     return false;
 }
 
-void show_bar(scroll_block::bar& bar, bool vertical) {
-    if (!bar.hwnd) return;
+std::int32_t thickness(bool vertical) {
+    return GetSystemMetrics(vertical ? SM_CXVSCROLL : SM_CYHSCROLL);
+}
+
+// A bar with nothing to scroll is hidden, and its control has the room. The result: how much more
+// of it the control has than before.
+std::int32_t show_bar(scroll_block::bar& bar, bool vertical) {
+    if (!bar.hwnd) return 0;
     std::int32_t page = value_of(bar.page, 0), range = value_of(bar.range, 0);
-    bool hidden = page >= range;
-    std::int32_t thick = GetSystemMetrics(vertical ? SM_CXVSCROLL : SM_CYHSCROLL);
-    bar.hidden = hidden;
-    bar.hidden_size = hidden ? thick : 0;
+    const std::int32_t before = bar.hidden_size;
+    bar.hidden = page >= range;
+    bar.hidden_size = bar.hidden ? thickness(vertical) : 0;
     set_bar(bar.hwnd, SB_CTL, range, page, value_of(bar.position, 0));
-    ShowWindow(bar.hwnd, hidden ? SW_HIDE : SW_SHOWNA);
+    ShowWindow(bar.hwnd, bar.hidden ? SW_HIDE : SW_SHOWNA);
+    return bar.hidden_size - before;
 }
 
 RECT bar_place(const window_control* control, bool vertical) {
-    std::int32_t thick = GetSystemMetrics(vertical ? SM_CXVSCROLL : SM_CYHSCROLL);
+    std::int32_t thick = thickness(vertical);
     std::int32_t right = control->right + 1, bottom = control->bottom + 1;
     if (vertical) return {right, control->top, right + thick, bottom};
     return {control->left, bottom, right, bottom + thick};
@@ -138,7 +144,6 @@ void create_bar(window_control* control, scroll_block::bar& bar, bool vertical, 
     bar.hwnd = CreateWindowExAW(
         0, "scrollbar", "", WS_CHILD | WS_CLIPSIBLINGS | (vertical ? 1U : 0U), place.left,
         place.top, place.width(), place.height(), control->window->hwnd, HMENU{id});
-    show_bar(bar, vertical);
 }
 
 }  // namespace
@@ -195,15 +200,31 @@ void create_scroll_bars(window_control* control, std::int32_t& next_id) {
     scroll_block* block = control->scrolls;
     if (block->horizontal.wanted) create_bar(control, block->horizontal, false, next_id++);
     if (block->vertical.wanted) create_bar(control, block->vertical, true, next_id++);
+    show_scroll_bars(control);
+}
+
+void show_scroll_bars(window_control* control) {
+    scroll_block* block = control->scrolls;
+    if (!block || !control->hwnd) return;
+    window_watch watch(control->window);
+    const std::int32_t wider = show_bar(block->vertical, true);
+    const std::int32_t deeper = show_bar(block->horizontal, false);
+    if (watch.gone()) return;
+    control->right += wider;
+    control->bottom += deeper;
+    if (wider != 0 || deeper != 0) re_size_scroll_bars(control);
 }
 
 void re_size_scroll_bars(window_control* control) {
     scroll_block* block = control->scrolls;
-    if (!block) return;
+    if (!block || !control->hwnd) return;
+    window_watch watch(control->window);
+    MoveWindow(control->hwnd, control->left, control->top,
+               std::max(control->right - control->left + 1, 0),
+               std::max(control->bottom - control->top + 1, 0), true);
     for (bool vertical : {false, true}) {
-        scroll_block::bar& bar = vertical ? block->vertical : block->horizontal;
-        if (!bar.hwnd) continue;
-        show_bar(bar, vertical);
+        const scroll_block::bar& bar = vertical ? block->vertical : block->horizontal;
+        if (watch.gone() || !bar.hwnd) continue;
         RECT place = bar_place(control, vertical);
         MoveWindow(bar.hwnd, place.left, place.top, place.width(), place.height(), true);
     }

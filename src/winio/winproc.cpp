@@ -1,6 +1,8 @@
 // The window procedure of format windows: what each message means.
 #include "winio/winproc.h"
 
+#include <algorithm>
+
 #include "winio/callbacks.h"
 #include "winio/layout.h"
 #include "winio/menus.h"
@@ -102,7 +104,8 @@ void window_sized(fancy_window* window, WPARAM kind, LPARAM lparam) {
     window->size_state = static_cast<std::int32_t>(kind);
     defer(window, window->resize_callback, "WINDOW_MOVEMENT");
     report_size(window, kind);
-    if (kind == SIZE_MINIMIZED) return;
+    if (window->flags.mdi_child) mdi_child_sized(window, kind);
+    if (watch.gone() || kind == SIZE_MINIMIZED) return;
     re_scale_window(window, LOWORD(static_cast<std::uintptr_t>(lparam)),
                     HIWORD(static_cast<std::uintptr_t>(lparam)));
     if (watch.gone()) return;
@@ -122,9 +125,37 @@ void window_moved(fancy_window* window) {
     defer(window, window->move_callback, "WINDOW_MOVEMENT");
 }
 
+// By how much the window can get smaller than it was made until a control that shrinks with it is
+// too small to be used.
+POINT room_to_shrink(const fancy_window* window) {
+    constexpr std::int32_t least_width = 48, least_height = 24, any = 100000;
+    POINT room{any, any};
+    const auto limit = [](std::int32_t& most, std::int32_t size, std::int32_t least, double part) {
+        if (part > 0.0) most = std::min(most, static_cast<std::int32_t>((size - least) / part));
+    };
+    for (const window_control* c = window->first_control; c; c = c->next) {
+        const RECT at = creation_rectangle(c);
+        limit(room.x, at.width() + 1, std::min(at.width() + 1, least_width), c->grow_x - c->move_x);
+        limit(room.y, at.height() + 1, std::min(at.height() + 1, least_height),
+              c->grow_y - c->move_y);
+    }
+    if (room.x == any) room.x = -1;
+    if (room.y == any) room.y = -1;
+    return room;
+}
+
 LRESULT minimum_size(const fancy_window* window, LPARAM lparam) {
     auto* limits = reinterpret_cast<MINMAXINFO*>(lparam);
     if (!limits) return 0;
+    RECT outer, client;
+    if (window->flags.ready && GetWindowRect(window->hwnd, outer) &&
+        GetClientRect(window->hwnd, client)) {
+        const POINT room = room_to_shrink(window);
+        const std::int32_t frame_x = outer.width() - client.width();
+        const std::int32_t frame_y = outer.height() - client.height();
+        if (room.x >= 0) limits->ptMinTrackSize.x = window->base_width + frame_x - room.x;
+        if (room.y >= 0) limits->ptMinTrackSize.y = window->base_height + frame_y - room.y;
+    }
     if (window->min_width > 0) limits->ptMinTrackSize.x = window->min_width;
     if (window->min_height > 0) limits->ptMinTrackSize.y = window->min_height;
     return 0;
@@ -161,6 +192,7 @@ served position_changing(fancy_window* window, LPARAM lparam) {
 
 void activation_changed(fancy_window* window, WPARAM wparam) {
     if (LOWORD(wparam) != WA_INACTIVE) return;
+    hide_tool_help();
     HWND focus = GetFocus();
     if (focus && IsChild(window->hwnd, focus)) window->focus_kept = focus;
     HWND capture = GetCapture();
@@ -205,7 +237,9 @@ bool choose_cursor(const fancy_window* window, HWND under) {
     if (!chosen || chosen->count < 1) return false;
     std::int32_t which = chosen->variable ? *chosen->variable : 1;
     if (which < 0 || which > chosen->count) return false;
-    SetCursor(which == 0 ? HCURSOR{} : chosen->cursors[which - 1]);
+    HCURSOR cursor = which == 0 ? HCURSOR{} : chosen->cursors[which - 1];
+    if (which != 0 && !cursor) return false;  // not found: what is usual there
+    SetCursor(cursor);
     return true;
 }
 
@@ -303,6 +337,12 @@ served system_command(fancy_window* window, WPARAM wparam) {
         case SC_SCREENSAVE:
             if (window->flags.screen_saver || window->flags.no_screen_saver) return {};
             return to_default;
+        case SC_NEXTWINDOW:
+        case SC_PREVWINDOW: {
+            fancy_window* host = window->flags.mdi_child ? window->frame_window : window;
+            next_mdi_child(host, (wparam & 0xFFF0) == SC_PREVWINDOW);
+            return {};
+        }
         default:
             if (wparam < 0x1000) {
                 window_command(window, wparam, 0);
@@ -367,6 +407,12 @@ served private_message(fancy_window* window, UINT message, WPARAM wparam, LPARAM
             return {};
         case msg_super_maximise:
             enter_super_maximised(window);
+            return {};
+        case msg_topmost_mdi:
+            change_topmost_mdi_child(window);
+            return {};
+        case msg_mdi_page:
+            mdi_page_turned(window);
             return {};
         case msg_text_message:
             text_message_arrived(window, lparam);
@@ -454,6 +500,10 @@ served serve(fancy_window* window, HWND hwnd, UINT message, WPARAM wparam, LPARA
             return {true, minimum_size(window, lparam)};
         case WM_WINDOWPOSCHANGING:
             return position_changing(window, lparam);
+        case WM_WINDOWPOSCHANGED:
+            if (window->flags.mdi_child && window->flags.ready && window->frame_window)
+                PostMessageA(window->frame_window->hwnd, msg_topmost_mdi, 0, 0);
+            return to_default;
         case WM_ACTIVATE:
             activation_changed(window, wparam);
             return to_default;
@@ -472,6 +522,8 @@ served serve(fancy_window* window, HWND hwnd, UINT message, WPARAM wparam, LPARA
         case WM_NOTIFY:
             split_arrow(window, lparam);
             return {};
+        case WM_HELP:
+            return help_requested(window) ? served{true, 1} : to_default;
         case WM_MENUSELECT:
             menu_selected(window, wparam, lparam);
             return {};

@@ -25,6 +25,21 @@ struct monitor_list {
     bool empty() const { return count == 0; }
 };
 
+// A control with help, or one button of a %ib.
+struct help_target {
+    fancy_window* window = nullptr;
+    window_control* control = nullptr;
+    std::int32_t cell = -1;
+
+    bool operator==(const help_target&) const = default;
+};
+struct tool_help_state {
+    help_target over;  // under the pointer; a window alone: nothing with help is
+    platform::HWND tip;
+    std::uintptr_t timer;        // until the tip comes, or goes
+    platform::DWORD gone_since;  // when a tip went because the pointer moved on; 0: long ago
+};
+
 struct procedures_state {
     bool installed;
     bool input_seen;    // since quillpan_idle ran last
@@ -39,7 +54,8 @@ struct procedures_state {
     monitor_list idle, cursor, focus, keyboard;
     platform::HWND cursor_window, focus_window;  // as the monitors were told last
     platform::LRESULT message_result;            // __set_mg_return_value
-    struct text_exchange *sending, *exchange;    // text messages: on its way, being answered
+    tool_help_state tool_help;
+    struct text_exchange *sending, *exchange;  // text messages: on its way, being answered
 };
 procedures_state& procedures();
 
@@ -84,11 +100,22 @@ void window_scrolled(fancy_window* window, bool vertical, platform::WPARAM wpara
 bool wheel_scrolled(fancy_window* window, std::int32_t turn);
 void set_window_scroll_bars(fancy_window* window);
 void create_scroll_bars(window_control* control, std::int32_t& next_id);
+void show_scroll_bars(window_control* control);  // as its variables say
 void window_timer(fancy_window* window, std::uintptr_t id);
 void start_timers(fancy_window* window);
 void set_timer(platform::HWND hwnd, double seconds, call_back function);
 void kill_timer(platform::HWND hwnd, call_back function);
 void change_timer_interval(platform::HWND hwnd, double seconds);
+
+// ---- MDI (winproc_mdi.cpp)
+inline constexpr std::int32_t mdi_restore = 0xF00, mdi_minimise = 0xF01;  // commands of the menu
+void mdi_child_made(fancy_window* child);
+void mdi_child_sized(fancy_window* child, platform::WPARAM kind);
+void change_topmost_mdi_child(fancy_window* host);
+platform::HWND mdi_child_below(const fancy_window* child);  // that is next when it goes; 0: none
+void mdi_page_turned(const fancy_window* host);
+bool mdi_menu_command(fancy_window* host, std::int32_t id);
+void next_mdi_child(fancy_window* host, bool back);
 
 // ---- Closing (close.cpp)
 // True when the window may be destroyed now.
@@ -109,6 +136,18 @@ std::int32_t button_value(const window_control* control);
 window_control* IsAlert(fancy_window* window, platform::HWND mark);
 void draw_alert(const window_control* owner, const platform::DRAWITEMSTRUCT& item);
 void keep_alert_with(window_control* control);  // the box moved
+
+// ---- Help of controls (tool_help.cpp)
+void follow_pointer_for_help(const platform::MSG& message);
+void hide_tool_help();
+bool help_requested(fancy_window* window);  // F1; false: the control with the focus has no help
+void tool_help_updated(const void* variable);
+void forget_tool_help(const fancy_window* window);
+platform::HWND tool_help_window(const fancy_window* window);
+
+// ---- Settings of %ss (settings.cpp)
+void restore_settings(const fancy_window* window);  // into the variables
+void save_settings(const fancy_window* window);
 
 // ---- Text messages between programs (text_messages.cpp)
 void text_message_arrived(fancy_window* window, platform::LPARAM exchange);

@@ -1,7 +1,9 @@
 // Painting of a window's own area, the colours of its controls, and what the owner draws for them.
+#include <algorithm>
 #include <vector>
 
 #include "platform/gdi/theme.h"
+#include "winio/buttons.h"
 #include "winio/callbacks.h"
 #include "winio/layout.h"
 #include "winio/winproc.h"
@@ -11,6 +13,12 @@ namespace tarn::winio {
 using namespace platform;
 
 namespace {
+
+// A subscript reaches into the line below, and a superscript into the one above: they leave what
+// stands there as it is.
+bool reaches_over(const window_control* control) {
+    return control->type == control_type::text && control->baseline_shift != 0;
+}
 
 bool drawn_on_wallpaper(const fancy_window* window, const window_control* control) {
     return window->flags.transparent_on_wallpaper && window->wallpaper &&
@@ -25,7 +33,8 @@ COLORREF text_colour_on(const window_control* control, COLORREF background) {
 }
 
 bool is_child_area(const fancy_window* window, const window_control* control) {
-    if (!control->hwnd || drawn_on_wallpaper(window, control)) return false;
+    if (!control->hwnd || reaches_over(control) || drawn_on_wallpaper(window, control))
+        return false;
     return (type_properties(control->type) & reports_position) != 0 ||
            control->type == control_type::graphics || control->type == control_type::edit_box ||
            control->type == control_type::mdi_frame;
@@ -72,15 +81,34 @@ void draw_grid(HDC dc, const fancy_window* window, const RECT& client) {
     SelectObject(dc, old);
 }
 
+void draw_icon(const DRAWITEMSTRUCT& item, HICON icon, std::int32_t most) {
+    const RECT& place = item.rcItem;
+    const std::int32_t side = std::min({place.width(), place.height(), most});
+    DrawIconEx(item.hDC, place.left + (place.width() - side) / 2,
+               place.top + (place.height() - side) / 2, icon, side, side);
+}
+
 void draw_system_icon(const window_control* control, const DRAWITEMSTRUCT& item) {
     FillRect(item.hDC, item.rcItem, get_brush(control->background));
     if (control->grey && *control->grey == 0) return;
-    HICON icon = LoadSystemIcon(static_cast<std::int32_t>(control->system_icon));
-    if (!icon) return;
-    SIZE size;
-    if (!GetIconSize(icon, size)) return;
-    DrawIconEx(item.hDC, item.rcItem.left + (item.rcItem.width() - size.cx) / 2,
-               item.rcItem.top + (item.rcItem.height() - size.cy) / 2, icon, size.cx, size.cy);
+    constexpr std::int32_t any_size = 1024;
+    draw_icon(item, LoadSystemIcon(static_cast<std::int32_t>(control->system_icon)), any_size);
+}
+
+// %ic, %bm, %im, %fi: the picture of that name, or that the program handed over.
+void draw_named_picture(const window_control* control, const DRAWITEMSTRUCT& item) {
+    FillRect(item.hDC, item.rcItem, get_brush(control->background));
+    if (control->type == control_type::icon) {
+        if (HICON icon = find_icon(control->text))
+            draw_icon(item, icon, GetIconSize(control->text));
+        else
+            draw_missing_picture(item.hDC, item.rcItem);
+        return;
+    }
+    const bool handed_over = control->data != 0;
+    draw_bitmap(item.hDC, item.rcItem,
+                handed_over ? static_cast<HBITMAP>(static_cast<std::int32_t>(control->data))
+                            : load_resource(control->text));
 }
 
 }  // namespace
@@ -99,7 +127,7 @@ LRESULT control_colours(fancy_window* window, HDC dc, HWND child) {
     if (control->font) SelectObject(dc, control->font);
     SetBkColor(dc, background);
     SetTextColor(dc, text_colour_on(control, background));
-    if (drawn_on_wallpaper(window, control)) {
+    if (reaches_over(control) || drawn_on_wallpaper(window, control)) {
         SetBkMode(dc, TRANSPARENT);
         return static_cast<LRESULT>(GetStockObject(NULL_BRUSH));
     }
@@ -133,9 +161,19 @@ bool draw_item(fancy_window* window, const DRAWITEMSTRUCT& item) {
         return true;
     }
     window_control* control = control_of_handle(window, item.hwndItem);
-    if (!control || control->type != control_type::system_icon) return false;
-    draw_system_icon(control, item);
-    return true;
+    if (!control) return false;
+    switch (control->type) {
+        case control_type::system_icon:
+            draw_system_icon(control, item);
+            return true;
+        case control_type::icon:
+        case control_type::bitmap:
+        case control_type::picture:
+            draw_named_picture(control, item);
+            return true;
+        default:
+            return false;
+    }
 }
 
 }  // namespace tarn::winio

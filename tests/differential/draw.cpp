@@ -1,5 +1,5 @@
 // Draws the cases of a differential run: `draw SEED COUNT [KINDS]` prints COUNT cases in the
-// form that executor_io.c reads. KINDS, letters of `wlrdWRu`, limits what is drawn; u stands for
+// form that executor_io.c reads. KINDS, letters of `wlrdWRnmu`, limits what is drawn; u stands for
 // sequences of statements on units.
 //
 // Values and fields are drawn near the places where editing goes wrong: halves, carries into a
@@ -12,6 +12,7 @@
 #include "draw_fields.h"
 #include "draw_formats.h"
 #include "draw_items.h"
+#include "draw_namelist.h"
 #include "draw_random.h"
 
 namespace {
@@ -365,7 +366,10 @@ int print_sequence(int most) {
                 connection.access + " " + connection.form + " " +
                 pick({"readwrite", "readwrite", "readwrite", "readwrite", "read", "write"}) + " " +
                 (direct ? "asis" : pick({"asis", "asis", "asis", "append", "rewind"})) + " " +
-                num(recl) + " " + (connection.utf8 ? "utf-8" : "default"));
+                num(recl) + " " +
+                (connection.form == "unformatted" ? pick({"native", "native", "big_endian", "swap"})
+                 : connection.utf8                ? "utf-8"
+                                                  : "default"));
             open = true;
         } else if (chance(4)) {
             say("c " + u + " " + pick({"keep", "keep", "delete"}));
@@ -391,7 +395,7 @@ int main(int argc, char** argv) {
     }
     random_state = std::strtoull(argv[1], nullptr, 0);
     const long count = std::atol(argv[2]);
-    const string kinds = argc > 3 ? argv[3] : "wwwwwwwwlllrrrrrdddddWRuuu";
+    const string kinds = argc > 3 ? argv[3] : "wwwwwwwwlllrrrrrdddddWRnnmmuuu";
     for (long i = 0; i < count;) {
         const char kind = kinds[static_cast<std::size_t>(below(static_cast<int>(kinds.size())))];
         string line;
@@ -413,6 +417,12 @@ int main(int argc, char** argv) {
                 break;
             case 'R':
                 line = wide_case(true);
+                break;
+            case 'n':
+                line = "n " + namelist_write_words();
+                break;
+            case 'm':
+                line = "m " + namelist_read_words();
                 break;
             default:
                 i += print_sequence(30);

@@ -135,10 +135,10 @@ subroutine open_unit(unit, file, status, access, form, action, position, recl, e
     character(*) :: file, status, access, form, action, position, encoding
     if (form == 'unformatted' .and. recl > 0) then
         open (unit, file=file, status=status, access=access, form=form, action=action, &
-              recl=recl, iostat=ios)
+              recl=recl, convert=encoding, iostat=ios)
     else if (form == 'unformatted') then
         open (unit, file=file, status=status, access=access, form=form, action=action, &
-              position=position, iostat=ios)
+              position=position, convert=encoding, iostat=ios)
     else if (access == 'direct') then
         open (unit, file=file, status=status, access=access, form=form, action=action, &
               recl=recl, blank=blank, decimal=decimal, delim=delim, pad=pad, round=round, &

@@ -19,6 +19,8 @@
 //     y UNIT ADVANCE FMT ITEM...                Y UNIT ITEM...
 //     a UNIT rec|pos PLACE FMT ITEM...          b ... (READ)
 //     u UNIT rec|pos|- PLACE ITEM...            v ... (READ)
+//     n MODES PLACE COUNT SIZE ARENA VARIABLE...  NAMELIST, see executor_namelist.c
+//     m MODES PLACE COUNT SIZE RECORD... ARENA VARIABLE...
 //     f UNIT TEXT   makes the unit's file       g UNIT   shows the file's bytes
 //     e             ends a sequence of statements on units: closes them, removes the files
 //
@@ -39,6 +41,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "executor.h"
+
 enum { most_items = 32, longest = 256, types = 19 };
 enum { first_unit = 10, last_unit = 13 };
 
@@ -47,7 +51,6 @@ extern unsigned char ex_i1_[], ex_i2_[], ex_i4_[], ex_i8_[], ex_iq_[], ex_l1_[],
     ex_l8_[], ex_r4_[], ex_r8_[], ex_ra_[], ex_rq_[], ex_z4_[], ex_z8_[], ex_za_[], ex_zq_[],
     ex_c1_[], ex_c4_[];
 extern int32_t ex_has_[most_items][types], ex_length_[most_items];
-extern char ex_modes_[6][20];
 
 static const struct {
     char name[3];
@@ -66,16 +69,12 @@ static const struct {
 };
 enum { type_c1 = 17, type_c4 = 18 };
 
-typedef int32_t* I;
 void internal_write_(char*, I, I, char*, I, I, I, size_t, size_t);
 void internal_list_write_(char*, I, I, I, I, I, size_t);
 void internal_read_(char*, I, I, char*, I, I, I, size_t, size_t);
 void internal_list_read_(char*, I, I, I, I, I, size_t);
 void wide_write_(char*, I, I, char*, I, I, I, size_t, size_t);
 void wide_read_(char*, I, I, char*, I, I, I, size_t, size_t);
-void open_unit_(I, char*, char*, char*, char*, char*, char*, I, char*, I, size_t, size_t, size_t,
-                size_t, size_t, size_t, size_t);
-void close_unit_(I, char*, I, size_t);
 void position_unit_(I, char*, I, size_t);
 void unit_write_(I, char*, char*, I, I, size_t, size_t);
 void unit_read_(I, char*, char*, I, I, I, size_t, size_t);
@@ -102,7 +101,7 @@ static void put_byte(unsigned char c) {
     }
     *out++ = c;
 }
-static void put_text(const char* text) {
+void put_text(const char* text) {
     out = stpcpy(out, text);
 }
 // Long runs of one byte, as in a sparse file, are written as %{count*byte}.
@@ -119,7 +118,7 @@ static void put_bytes(const void* bytes, size_t n) {
         i += run;
     }
 }
-static void put_number(int64_t n) {
+void put_number(int64_t n) {
     out += sprintf(out, "%lld", (long long)n);
 }
 static void put_hex(const unsigned char* value, int bytes) {
@@ -135,14 +134,17 @@ static void end_line(void) {
 // ---- Cases ----
 
 static char *in, *case_end;  // the rest of the case at hand
+int more_words(void) {
+    return in < case_end;
+}
 
-static void broken(const char* what) {
+void broken(const char* what) {
     fprintf(stderr, "executor: bad case: %s at: %.60s\n", what, in);
     exit(9);
 }
 
 // The next word, ended in place.
-static char* word(void) {
+char* word(void) {
     char* start = in;
     if (in >= case_end) broken("a word is missing");
     while (*in != ' ' && *in != '\n') ++in;
@@ -150,7 +152,7 @@ static char* word(void) {
     *in++ = 0;
     return start;
 }
-static int nibble(char c) {
+int nibble(char c) {
     if (c >= '0' && c <= '9') return c - '0';
     if (c >= 'a' && c <= 'f') return c - 'a' + 10;
     broken("no hexadecimal digit");
@@ -176,7 +178,7 @@ static char* text(size_t* length) {
     *length = unescape(t, t);
     return t;
 }
-static int32_t number(void) {
+int32_t number(void) {
     return (int32_t)atoll(word());
 }
 
@@ -184,7 +186,7 @@ static void set_mode(int i, const char* value) {
     memset(ex_modes_[i], ' ', 20);
     memcpy(ex_modes_[i], value, strlen(value));
 }
-static int32_t modes(void) {
+int32_t modes(void) {
     const char* m = word();
     int with = *m != '-';
     if (!with) m = "npnypp";
@@ -260,16 +262,15 @@ static void put_items(int n) {
 
 // ---- Internal files ----
 
-enum { record_room = 1 << 20 };
-static char records[record_room];
+char records[record_room];
 static char wide_records[record_room * 4];
 
 // Records before a WRITE are full of a mark that shows which of them were written.
-static void blank_records(int32_t count, int32_t size) {
+void blank_records(int32_t count, int32_t size) {
     if ((int64_t)count * size > record_room) broken("records");
     memset(records, '~', (size_t)count * size);
 }
-static void read_records(int32_t count, int32_t size) {
+void read_records(int32_t count, int32_t size) {
     blank_records(count, size);
     for (int i = 0; i < count; ++i) {
         size_t length;
@@ -282,7 +283,7 @@ static void read_records(int32_t count, int32_t size) {
 static void widen(size_t n) {
     for (size_t i = 0; i < n; ++i) ((uint32_t*)wide_records)[i] = (unsigned char)records[i];
 }
-static void put_records(int32_t count, int32_t size) {
+void put_records(int32_t count, int32_t size) {
     for (int i = 0; i < count; ++i) {
         put_text(" ");
         put_bytes(records + (size_t)i * size, size);
@@ -350,12 +351,12 @@ static char* file_name(int32_t unit) {
     sprintf(name, "f%d.dat", unit);
     return name;
 }
-static void make_file(int32_t unit, const char* bytes, size_t n) {
+void make_file(int32_t unit, const char* bytes, size_t n) {
     int fd = open(file_name(unit), O_WRONLY | O_CREAT | O_TRUNC, 0666);
     if (fd < 0 || write(fd, bytes, n) != (ssize_t)n) broken("can't make a file");
     close(fd);
 }
-static void show_file(int32_t unit) {
+void show_file(int32_t unit) {
     int fd = open(file_name(unit), O_RDONLY);
     if (fd < 0) {
         put_text("none");
@@ -485,7 +486,9 @@ static void unit_case(char kind) {
 static void do_case(void) {
     char kind = in[0];
     in += 2;
-    if (strchr("wlrdWR", kind))
+    if (kind == 'n' || kind == 'm')
+        namelist_case(kind == 'm');
+    else if (strchr("wlrdWR", kind))
         internal_case(kind);
     else
         unit_case(kind);
@@ -497,13 +500,15 @@ static void do_case(void) {
     E(st_write)                                                                                   \
     E(st_write_done)                                                                              \
     E(st_read)                                                                                    \
-    E(st_read_done) E(st_open) E(st_close) E(st_inquire) E(st_backspace) E(st_rewind)             \
-        E(st_endfile) E(st_flush) E(transfer_integer_write) E(transfer_integer)                   \
-            E(transfer_logical_write) E(transfer_logical) E(transfer_real_write) E(transfer_real) \
-                E(transfer_real128_write) E(transfer_real128) E(transfer_complex_write)           \
-                    E(transfer_complex) E(transfer_complex128_write) E(transfer_complex128)       \
+    E(st_read_done)                                                                               \
+    E(st_open) E(st_close) E(st_inquire) E(st_backspace) E(st_rewind) E(st_endfile) E(st_flush)   \
+        E(transfer_integer_write) E(transfer_integer) E(transfer_logical_write)                   \
+            E(transfer_logical) E(transfer_real_write) E(transfer_real) E(transfer_real128_write) \
+                E(transfer_real128) E(transfer_complex_write) E(transfer_complex)                 \
+                    E(transfer_complex128_write) E(transfer_complex128)                           \
                         E(transfer_character_write) E(transfer_character)                         \
-                            E(transfer_character_wide_write) E(transfer_character_wide)
+                            E(transfer_character_wide_write) E(transfer_character_wide)           \
+                                E(st_set_nml_var) E(st_set_nml_var_dim)
 #define DECLARE(name) void _gfortran_##name(void);
 ENTRIES(DECLARE)
 #define POINTER(name) {#name, (void*)_gfortran_##name},

@@ -148,7 +148,7 @@ TEST_F(TextWindow, SelectsWithTheMouseInEmbeddedWindows) {
     const auto mouse = [&](platform::UINT message, std::int32_t x, std::int32_t y, bool down) {
         platform::SendMessageA(HWND{inner}, message,
                                down ? platform::WPARAM{platform::MK_LBUTTON} : 0,
-                               platform::MAKELPARAM(x, y));
+                               platform::MAKELPARAM(x + embedded_margin_x, y));
     };
     mouse(platform::WM_LBUTTONDOWN, 6 * 8 + 2, height / 2, true);         // at "line"
     mouse(platform::WM_MOUSEMOVE, 5 * 8 + 4, height + height / 2, true);  // at the "d" of second

@@ -124,6 +124,17 @@ class Drivers(unittest.TestCase):
         self.assertIn("upper.F90:3:", message)
         self.assertIn("‘y@’", message)
 
+    def test_modules_refuse_wrong_kinds(self):
+        head = "use tarn\ninteger(2) handle, error\ninteger wide, n\ncharacter(9) text\n"
+        for line, wrong in (("call openr@('x', wide, error)", "INTEGER(4) to INTEGER(2)"),
+                            ("call readfa@(text, handle, error, error)", "INTEGER(2) to INTEGER(4)"),
+                            ("call closef@(handle, n)", "INTEGER(4) to INTEGER(2)"),
+                            ("n = curdir@()", "CHARACTER")):  # fmt: skip
+            self.put(wrong_f90=head + line + "\nend\n")
+            message = text_of(self.tarnfc("-c", "wrong.f90", status=1))
+            self.assertIn(line, message)
+            self.assertIn(wrong, message)
+
     def test_preprocessed_sources(self):
         self.put(main_F90='#include "names.h"\nNAME\n#ifdef SHOUT\ncall show@("A@")\n#endif\nend\n',
                  names_h="#define NAME external show@\n", routines_f=ROUTINES)  # fmt: skip

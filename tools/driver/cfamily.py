@@ -1,8 +1,8 @@
 """tarncc and tarnc++: C and C++ on tarnlibc. They only add to the compiler's command line."""
 
 import paths
-from command import (CommandLine, compiler_of, include_arguments, link_arguments, main_of,
-                     replace_process, take_choice, version_text)  # fmt: skip
+from command import (CommandLine, compiler_of, debug_arguments, include_arguments, link_arguments,
+                     main_of, run_compiler, take_choice, take_strip, version_text)  # fmt: skip
 
 HELP = """\
 usage: {driver} [options] file...
@@ -31,8 +31,9 @@ def main(driver, compiler, variable, language):
             return 0
         float_rules, arguments = take_choice(arguments, "--float", ["system", "native"])
         command = CommandLine(arguments)
-        added = include_arguments([paths.INCLUDE]) + command.arguments()
+        strip = take_strip(command)
+        added = include_arguments([paths.INCLUDE]) + debug_arguments(command) + command.arguments()
         added += link_arguments(command, "c", float_rules)
-        return replace_process(command_line, added, variable)
+        return run_compiler(command_line, added, command, strip, variable)
 
     return main_of(driver, run)

@@ -1,6 +1,7 @@
 """A compiler's command line, read as far as the drivers must know it, and what they add to it."""
 
 import os
+import re
 import shlex
 import subprocess
 import sys
@@ -23,6 +24,9 @@ QUERIES = ("-print-", "-dump", "--print-", "--target-help", "--help=", "-Q")
 FORTRAN_FIXED = (".f", ".for", ".ftn", ".fpp", ".F", ".FOR", ".FTN", ".FPP")
 FORTRAN_FREE = (".f90", ".f95", ".f03", ".f08", ".F90", ".F95", ".F03", ".F08")
 PREPROCESSED = (".F", ".FOR", ".FTN", ".fpp", ".FPP", ".F90", ".F95", ".F03", ".F08")
+
+
+DEBUG_OPTION = re.compile(r"-g(\d|gdb\d?|dwarf.*|split-dwarf)?")
 
 
 class UserError(Exception):
@@ -137,6 +141,48 @@ def link_arguments(command, language, float_rules):
         # Contained procedures that are handed on need it, and nobody can do anything about it.
         out.append("-Wl,--no-warn-execstack")
     return out + paths.LINK + ["-Wl,-z,separate-code", "-Wl,--as-needed", "-ltarnlibc"]
+
+
+def debug_arguments(command):
+    """What the report of a failure needs: lines, and callers that are still there when the routine
+    they called last has failed. The user's own options come behind these and count."""
+    if command.is_query():
+        return []
+    decided = any(kind == "option" and DEBUG_OPTION.fullmatch(words[0])
+                  for kind, words, _ in command.items)  # fmt: skip
+    return ["-fno-optimize-sibling-calls"] + ([] if decided else ["-g1"])
+
+
+def take_strip(command):
+    """Takes -s out of a link: the map is made from what it would remove."""
+    if not command.links() or "-r" in command.modes or not command.has("-s"):
+        return False
+    command.items = [item for item in command.items if item[1] != ["-s"]]
+    return True
+
+
+def add_map(command, strip):
+    """The linked program gets its map of routines and lines. Without one it works all the same."""
+    if not command.links() or "-r" in command.modes:
+        return
+    program = command.output or "a.out"
+    if os.path.isfile(program):
+        subprocess.run([paths.TARNMAP, program], check=False)
+        if strip:
+            subprocess.run(compiler_of("TARN_STRIP", "strip") + ["-s", program], check=False)
+
+
+def run_compiler(compiler, arguments, command, strip, variable):
+    """A compiler that links is waited for."""
+    if not command.links() or "-r" in command.modes:
+        return replace_process(compiler, arguments, variable)
+    try:
+        status = subprocess.run(compiler + arguments, check=False).returncode
+    except FileNotFoundError:
+        raise missing(compiler, variable) from None
+    if status == 0:
+        add_map(command, strip)
+    return status if status >= 0 else 1
 
 
 def include_arguments(folders):

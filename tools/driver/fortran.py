@@ -21,8 +21,8 @@ import tempfile
 import calls
 import paths
 from command import (FORTRAN_FIXED, FORTRAN_FREE, PREPROCESSED, CommandLine, UserError,
-                     compiler_of, include_arguments, link_arguments, main_of, missing,
-                     replace_process, take_choice, version_text)  # fmt: skip
+                     add_map, compiler_of, debug_arguments, include_arguments, link_arguments,
+                     main_of, missing, run_compiler, take_choice, take_strip, version_text)  # fmt: skip
 from rewrite import Form, mentions_names, read, rewrite
 
 VARIABLE = "TARN_FC"
@@ -180,7 +180,7 @@ class Build:
         # Code that is made when the program is linked would have no records.
         arguments.append("-fno-lto")
         if not any(re.fullmatch(r"-g(|[1-3]|gdb[1-3]?|dwarf.*)", option) for option in self.options):
-            arguments.append("-g1")  # the places of the calls, and what a traceback needs
+            arguments.append("-g1")  # the places of the calls
         if self.run(arguments + ["-fdump-tree-original-lineno=" + placed, "-o", assembly], names):
             return False
         # The second look is for its dump alone: what it has to say was said.
@@ -274,7 +274,9 @@ def run(arguments):
     command = CommandLine(arguments)
     if native and any(w[0].startswith("-flto") for k, w, _ in command.items if k == "option"):
         raise UserError("--dialect=native does not go with -flto: it works on finished objects")
+    strip = take_strip(command)
     added = include_arguments([paths.INCLUDE, paths.MODULES])
+    command.items = [("option", [word], None) for word in debug_arguments(command)] + command.items
     command.items += [("option", [word], None) for word in added]
     linked = link_arguments(command, "fortran", float_rules)
 
@@ -291,14 +293,17 @@ def run(arguments):
         or (only and command.output and len(inputs) > 1)  # gfortran has the words for that
     )
     if plain or not needs_work(sources, native, command):
-        return replace_process(compiler, command.arguments() + linked, VARIABLE)
+        return run_compiler(compiler, command.arguments() + linked, command, strip, VARIABLE)
     if not shutil.which(compiler[0]):
         raise missing(compiler, VARIABLE)
     with tempfile.TemporaryDirectory(prefix="tarnfc-") as folder:
         build = Build(compiler, command, native, folder)
         if only:
             return build.compile_only(sources, only)
-        return build.compile_and_link(sources, linked)
+        status = build.compile_and_link(sources, linked)
+        if status == 0:
+            add_map(command, strip)
+        return status
 
 
 def main():

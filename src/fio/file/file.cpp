@@ -229,6 +229,30 @@ void file_seek(File& file, std::int64_t target, int& err) {
     forget_buffer(file);
 }
 
+void file_seek_within(File& file, std::int64_t target, int& err) {
+    err = file_flush(file);
+    if (err != 0 || !file.seekable) return;
+    if (!file.buffered) {
+        struct stat about;
+        if (::fstat(file.descriptor, &about) == 0 && S_ISREG(about.st_mode)) {
+            file.size = about.st_size;
+        }
+    }
+    file_seek(file, std::min(target, file.size), err);
+}
+
+std::int64_t file_position(File& file, int& err) {
+    err = 0;
+    if (file.buffered || !file.seekable) return file.logical_position;
+    const off_t here = ::lseek(file.descriptor, 0, SEEK_CUR);
+    if (here < 0) {
+        err = last_error();
+    } else {
+        file.real_position = file.logical_position = here;
+    }
+    return file.logical_position;
+}
+
 void file_seek_to_end(File& file, int& err) {
     err = file_flush(file);
     if (err != 0 || !file.seekable) return;
@@ -277,7 +301,7 @@ void file_truncate(File& file, std::int64_t length, int& err) {
 
 std::ptrdiff_t file_fill(File& file) {
     file_sync(file);
-    if (!file_reserve(file, file_buffer_size)) {
+    if (!file_reserve(file, file.buffer_size)) {
         errno = ENOMEM;
         return -1;
     }
@@ -309,7 +333,7 @@ std::size_t file_read(File& file, char* bytes, std::size_t count, int& err) {
             continue;
         }
         const std::size_t wanted = count - done;
-        if (file.buffered && wanted <= std::max(file.capacity, file_buffer_size)) {
+        if (file.buffered && wanted <= std::max(file.capacity, file.buffer_size)) {
             const std::ptrdiff_t filled = file_fill(file);
             if (filled < 0) err = last_error();
             if (filled <= 0) break;
@@ -327,13 +351,29 @@ std::size_t file_read(File& file, char* bytes, std::size_t count, int& err) {
     return done;
 }
 
+std::size_t file_read_some(File& file, char* bytes, std::size_t count, int& err) {
+    err = 0;
+    if (file.read_index == file.data_count && count > file.buffer_size) {
+        file_sync(file);
+        const ssize_t n = read_some(file, bytes, count);
+        if (n < 0) err = last_error();
+        if (n <= 0) return 0;
+        file.real_position += n;
+        file.logical_position = file.buffer_position = file.real_position;
+        return static_cast<std::size_t>(n);
+    }
+    if (file.read_index == file.data_count && file_fill(file) < 0) err = last_error();
+    const std::size_t ready = std::min(file.data_count - file.read_index, count);
+    return ready > 0 ? file_read(file, bytes, ready, err) : 0;
+}
+
 void file_write(File& file, const char* bytes, std::size_t count, int& err) {
     err = 0;
     if ((file.access_bits & access_write) == 0) err = own_error(error_access_denied);
     if (file.descriptor < 0) err = own_error(error_no_handle);
     if (err != 0 || count == 0) return;
 
-    const bool buffered = file.buffered && file_reserve(file, file_buffer_size);
+    const bool buffered = file.buffered && file_reserve(file, file.buffer_size);
     if (!buffered || count > file.capacity) {
         err = file_flush(file);
         if (err != 0) return;
@@ -428,31 +468,12 @@ void sys_fileSeekToEOF(Unit& unit, std::int64_t& position, int& err) {
 }
 
 void sys_getFilePos(Unit& unit, std::int64_t& position, int& err) {
-    File& file = unit.file;
-    err = 0;
-    position = file.logical_position;
-    if (file.buffered || !file.seekable) return;
-    const off_t here = ::lseek(file.descriptor, 0, SEEK_CUR);
-    if (here < 0) {
-        err = last_error();
-        return;
-    }
-    file.real_position = file.logical_position = position = here;
+    position = file_position(unit.file, err);
 }
 
 void sys_fileSeek(Unit& unit, std::int64_t target, std::int64_t& position, int& err) {
-    File& file = unit.file;
-    err = file_flush(file);
-    position = file.logical_position;
-    if (err != 0 || !file.seekable) return;
-    if (!file.buffered) {
-        struct stat about;
-        if (::fstat(file.descriptor, &about) == 0 && S_ISREG(about.st_mode)) {
-            file.size = about.st_size;
-        }
-    }
-    file_seek(file, std::min(target, file.size), err);
-    position = file.logical_position;
+    file_seek_within(unit.file, target, err);
+    position = unit.file.logical_position;
 }
 
 void sys_logicalFileSync(Unit& unit) {

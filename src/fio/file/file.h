@@ -28,9 +28,12 @@ struct File {
     std::uint32_t access_bits = 0;  // access_read, access_write
     char* buffer = nullptr;         // from malloc; null until first used
     std::size_t capacity = 0;       // of the buffer
+    // The least that the buffer has, and the greatest transfer that goes through it.
+    std::size_t buffer_size = file_buffer_size;
     std::int64_t logical_position = 0;
     std::int64_t real_position = 0;
     std::int64_t buffer_position = 0;  // file offset of the buffer's first byte
+    std::int64_t next_fill = 0;        // where reading on would fill the buffer next
     std::int64_t size = 0;             // largest end of file known
     std::size_t read_index = 0;        // next byte of the buffer to read
     std::size_t write_index = 0;       // next byte of the buffer to write
@@ -51,6 +54,7 @@ struct File {
     std::int64_t stream_write_position = 1;
 };
 
+struct Dialect;
 struct Unit;
 
 // Error numbers that this layer sets itself; the others come from platform_error(errno).
@@ -138,10 +142,20 @@ int file_flush(File& file);  // writes the dirty part out
 void file_sync(File& file);
 // Sets the logical position, also behind the end of the file, where a later write leaves a hole.
 void file_seek(File& file, std::int64_t target, int& err);
+// The same, but never behind the end; `file.logical_position` tells where the file stands.
+void file_seek_within(File& file, std::int64_t target, int& err);
 void file_seek_to_end(File& file, int& err);
+// Where the file stands: an unbuffered one asks the system.
+std::int64_t file_position(File& file, int& err);
 void file_truncate(File& file, std::int64_t length, int& err);
 void file_write(File& file, const char* bytes, std::size_t count, int& err);
 std::size_t file_read(File& file, char* bytes, std::size_t count, int& err);
+// What the buffer holds, or what one read gives: doesn't wait for more.
+std::size_t file_read_some(File& file, char* bytes, std::size_t count, int& err);
+// Reads one record of a text file, without its line end and what the dialect drops; excess
+// characters are passed over. Its length, or -1 at the end.
+std::ptrdiff_t file_read_line(File& file, const Dialect& dialect, char* bytes, std::size_t capacity,
+                              int& err);
 std::ptrdiff_t file_fill(File& file);
 int file_close(File& file);
 // Switches the descriptor to writing at the end whatever the position (O_APPEND).

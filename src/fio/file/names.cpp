@@ -58,12 +58,6 @@ std::string parent_of(const std::string& path) {
     return slash == 0 || slash == std::string::npos ? "/" : path.substr(0, slash);
 }
 
-bool is_writable_folder(const char* name) {
-    struct stat about;
-    return name != nullptr && *name != '\0' && ::stat(name, &about) == 0 &&
-           S_ISDIR(about.st_mode) && ::access(name, W_OK | X_OK) == 0;
-}
-
 struct Temporary {
     std::mutex lock;
     std::string folder;
@@ -126,31 +120,52 @@ std::string full_path_name(std::string_view name) {
     return plain;
 }
 
+bool clean_name(std::string_view given, std::string& name) {
+    constexpr std::string_view fill(" \t\n\v\f\r\0", 7);
+    const std::size_t last = given.find_last_not_of(fill);
+    name = given.substr(0, last == std::string_view::npos ? 0 : last + 1);
+    return name.find('\0') == std::string::npos;
+}
+
+bool is_writable_folder(const char* name) {
+    struct stat about;
+    return name != nullptr && *name != '\0' && ::stat(name, &about) == 0 &&
+           S_ISDIR(about.st_mode) && ::access(name, W_OK | X_OK) == 0;
+}
+
+std::string find_temporary_folder() {
+    const char* const candidates[] = {std::getenv("TMPDIR"), std::getenv("TMP"),
+                                      std::getenv("TEMP"), "/tmp", "/var/tmp"};
+    for (const char* folder : candidates) {
+        if (is_writable_folder(folder)) return folder;
+    }
+    return {};
+}
+
 const std::string& temporary_folder() {
     Temporary& record = temporary();
     const std::lock_guard guard(record.lock);
-    if (!record.folder.empty()) return record.folder;
-    const char* const candidates[] = {std::getenv("TMPDIR"), std::getenv("TMP"),
-                                      std::getenv("TEMP"), "/tmp", "/var/tmp"};
-    const char* chosen = ".";
-    for (const char* folder : candidates) {
-        if (!is_writable_folder(folder)) continue;
-        chosen = folder;
-        break;
-    }
-    return record.folder.assign(chosen);
+    if (record.folder.empty()) record.folder = find_temporary_folder();
+    if (record.folder.empty()) record.folder.assign(1, '.');
+    return record.folder;
+}
+
+std::string next_temporary_name() {
+    constexpr int highest_number = 999999;
+    Temporary& record = temporary();
+    const std::lock_guard guard(record.lock);
+    if (record.last_number >= highest_number) return {};
+    char name[24];
+    std::snprintf(name, sizeof name, "F$%06d.tmp", ++record.last_number);
+    return name;
 }
 
 // The file is made here, so that no other process takes the name before it is opened.
 std::string sys_createTempFilename(int& err) {
     const std::string& folder = temporary_folder();
-    Temporary& record = temporary();
-    const std::lock_guard guard(record.lock);
-    constexpr int highest_number = 999999;
-    while (record.last_number < highest_number) {
-        char name[24];
-        std::snprintf(name, sizeof name, "F$%06d.tmp", ++record.last_number);
-        std::string path = folder == "." ? name : folder + "/" + name;
+    for (std::string name = next_temporary_name(); !name.empty(); name = next_temporary_name()) {
+        std::string path = folder == "." ? std::string() : folder + "/";
+        path.append(name);
         const int flags = O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC;
         const int descriptor = ::open(path.c_str(), flags, 0600);
         if (descriptor >= 0) {

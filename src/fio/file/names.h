@@ -10,7 +10,18 @@ namespace tarn::fio {
 // to the same place. Symbolic links stay as they are.
 std::string full_path_name(std::string_view name);
 
-// The first writable folder for temporary files, found once; "." when there is none.
+// A copy of a name for the system. White space behind a name fills a variable up, and so do zero
+// bytes; a zero byte within it would make it another file's name: false.
+bool clean_name(std::string_view given, std::string& name);
+
+// A folder in which files can be made.
+bool is_writable_folder(const char* name);
+// The first writable folder for temporary files; empty when there is none.
+std::string find_temporary_folder();
+// The same, found once; "." when there is none.
 const std::string& temporary_folder();
+// The next name of the process's one row F$000001.tmp, F$000002.tmp ..., which scratch files
+// share; empty after the last.
+std::string next_temporary_name();
 
 }  // namespace tarn::fio

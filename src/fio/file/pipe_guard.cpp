@@ -1,9 +1,8 @@
 #include "fio/file/pipe_guard.h"
 
+#include <atomic>
 #include <signal.h>
 #include <unistd.h>
-
-#include <atomic>
 
 namespace tarn::fio {
 namespace {

@@ -6,6 +6,7 @@
 #include <cstring>
 #include <poll.h>
 #include <sys/stat.h>
+#include <sys/uio.h>
 #include <unistd.h>
 
 #include "fio/file/file.h"
@@ -35,14 +36,10 @@ void forget_buffer(File& file) {
     file.dirty = false;
 }
 
-bool seek_real(File& file, std::int64_t target, int& err) {
-    if (!file.seekable || file.real_position == target) return true;
-    if (lseek(file.descriptor, target, SEEK_SET) < 0) {
-        err = errno;
-        return false;
-    }
-    file.real_position = target;
-    return true;
+// Whether bytes at `position` lie elsewhere than at the system's pointer, which then stays where it
+// is: one call does what moving and transferring would.
+bool lies_elsewhere(const File& file, std::int64_t position) {
+    return file.seekable && file.real_position != position;
 }
 
 // A descriptor that its owner made non-blocking is waited for: a record is never dropped.
@@ -51,18 +48,52 @@ void wait_for_room(int descriptor) {
     poll(&wait, 1, -1);
 }
 
-std::size_t write_bytes(File& file, const char* bytes, std::size_t count, int& err) {
-    if (file.window != nullptr) {
-        window_stream().write(file.window, bytes, count);
-        return count;
+// Two runs of bytes that go one behind the other.
+class Runs {
+  public:
+    Runs(const char* first, std::size_t first_count, const char* second = nullptr,
+         std::size_t second_count = 0)
+        : part_{{const_cast<char*>(first), first_count},
+                {const_cast<char*>(second), second_count}} {}
+    iovec* begin() { return part_ + (part_[0].iov_len == 0 ? 1 : 0); }
+    int count() const { return part_[0].iov_len == 0 || part_[1].iov_len == 0 ? 1 : 2; }
+    std::size_t left() const { return part_[0].iov_len + part_[1].iov_len; }
+    void advance(std::size_t done) {
+        for (iovec& part : part_) {
+            const std::size_t some = std::min(done, part.iov_len);
+            part.iov_base = static_cast<char*>(part.iov_base) + some;
+            part.iov_len -= some;
+            done -= some;
+        }
     }
+
+  private:
+    iovec part_[2];
+};
+
+std::size_t write_to_window(const File& file, Runs runs) {
+    const std::size_t count = runs.left();
+    for (; runs.left() > 0; runs.advance(runs.begin()->iov_len)) {
+        const iovec& run = *runs.begin();
+        window_stream().write(file.window, static_cast<const char*>(run.iov_base), run.iov_len);
+    }
+    return count;
+}
+
+// Writes at `position`, or at the end of a file that is appended to; the number of bytes written.
+std::size_t write_at(File& file, std::int64_t position, Runs runs, int& err) {
+    if (file.window != nullptr) return write_to_window(file, runs);
     const int descriptor = file.descriptor;
     const PipeGuard guard(!file.seekable);
+    const bool elsewhere = !file.append && lies_elsewhere(file, position);
     std::size_t done = 0;
-    while (done < count) {
-        const ssize_t n = write(descriptor, bytes + done, count - done);
+    while (runs.left() > 0) {
+        const ssize_t n = elsewhere ? pwritev(descriptor, runs.begin(), runs.count(),
+                                              position + static_cast<std::int64_t>(done))
+                                    : writev(descriptor, runs.begin(), runs.count());
         if (n > 0) {
             done += static_cast<std::size_t>(n);
+            runs.advance(static_cast<std::size_t>(n));
         } else if (n < 0 && errno == EAGAIN) {
             wait_for_room(descriptor);
         } else if (n < 0 && errno != EINTR) {
@@ -70,6 +101,9 @@ std::size_t write_bytes(File& file, const char* bytes, std::size_t count, int& e
             break;
         }
     }
+    const auto end = position + static_cast<std::int64_t>(done);
+    if (!elsewhere) file.real_position += static_cast<std::int64_t>(done);
+    file.size = std::max(file.size, end);
     return done;
 }
 
@@ -81,21 +115,32 @@ void follow_end(File& file) {
     file.real_position += shift;
     file.buffer_position += shift;
     file.logical_position += shift;
+    file.size = std::max(file.size, file.real_position);
 }
 
 // Half a buffer and more isn't worth a copy.
+constexpr std::size_t read_ahead = 4096;
 bool goes_past_buffer(std::size_t count) {
     return count >= first_capacity / 2;
 }
 
-// Reads once, whatever interrupts it; 0 at the end of the file or on failure.
-std::size_t read_once(File& file, char* bytes, std::size_t count, int& err) {
+// Reads once, whatever interrupts it, into the one and then the other run; 0 at the end of the file
+// or on failure.
+std::size_t read_at(File& file, std::int64_t position, Runs runs, int& err) {
+    const bool elsewhere = lies_elsewhere(file, position);
     for (;;) {
-        const ssize_t n = file.window != nullptr ? window_stream().read(file.window, bytes, count)
-                                                 : read(file.descriptor, bytes, count);
+        iovec* const to = runs.begin();
+        ssize_t n = 0;
+        if (file.window != nullptr) {
+            n = window_stream().read(file.window, static_cast<char*>(to->iov_base), to->iov_len);
+        } else if (elsewhere) {
+            n = preadv(file.descriptor, to, runs.count(), position);
+        } else {
+            n = readv(file.descriptor, to, runs.count());
+        }
         if (n >= 0) {
-            file.real_position += n;
-            if (file.real_position > file.size) file.size = file.real_position;
+            if (!elsewhere) file.real_position += n;
+            file.size = std::max(file.size, position + n);
             return static_cast<std::size_t>(n);
         }
         if (errno == EAGAIN) {
@@ -108,14 +153,25 @@ std::size_t read_once(File& file, char* bytes, std::size_t count, int& err) {
     }
 }
 
-// Reads behind the valid bytes of the buffer; the number of bytes, 0 at the end or on failure.
-std::size_t read_more(File& file, int& err) {
+// As much as there is room for where the file is read on; up to the end of the last page wanted
+// where somebody jumps about in it.
+std::size_t portion(const File& file, std::int64_t position, std::size_t wanted) {
+    constexpr std::size_t page = 4096;
+    const std::size_t room = file.capacity - file.data_count;
+    if (!file.seekable || position == file.next_fill) return room;
+    const std::size_t beyond = (static_cast<std::uint64_t>(position) + wanted) % page;
+    return std::min(room, wanted + (beyond == 0 ? 0 : page - beyond));
+}
+
+// Reads behind the valid bytes of the buffer, where `wanted` bytes are asked for; the number of
+// bytes, 0 at the end or on failure.
+std::size_t read_more(File& file, std::size_t wanted, int& err) {
     if (file.terminal) flush_console_output();
     const auto end = file.buffer_position + static_cast<std::int64_t>(file.data_count);
-    if (!seek_real(file, end, err)) return 0;
-    const std::size_t got =
-        read_once(file, file.buffer + file.data_count, file.capacity - file.data_count, err);
+    const Runs room(file.buffer + file.data_count, portion(file, end, wanted));
+    const std::size_t got = read_at(file, end, room, err);
     file.data_count += got;
+    file.next_fill = end + static_cast<std::int64_t>(got);
     return got;
 }
 
@@ -148,11 +204,8 @@ void prepare_input(File& file, int& err) {
 void write_out(File& file, int& err) {
     if (!file.dirty) return;
     int failure = 0;
-    std::size_t done = 0;
-    if (file.append || seek_real(file, file.buffer_position, failure)) {
-        done = write_bytes(file, file.buffer, file.data_count, failure);
-    }
-    file.real_position += static_cast<std::int64_t>(done);
+    const std::size_t done =
+        write_at(file, file.buffer_position, Runs(file.buffer, file.data_count), failure);
     file.buffer_position += static_cast<std::int64_t>(done);
     if (file.append && file.seekable) follow_end(file);
     file.data_count -= done;
@@ -160,7 +213,6 @@ void write_out(File& file, int& err) {
     if (file.data_count > 0) std::memmove(file.buffer, file.buffer + done, file.data_count);
     file.write_index = file.data_count;
     file.dirty = file.data_count > 0;
-    if (file.real_position > file.size) file.size = file.real_position;
     if (failure != 0) err = failure;
 }
 
@@ -209,7 +261,7 @@ bool find_record(File& file, InputRecord& record, int& err) {
             return false;
         }
         scanned = file.read_index + unread;
-        if (read_more(file, err) == 0) {
+        if (read_more(file, 1, err) == 0) {
             if (err != 0 || unread == 0) return false;
             break;
         }
@@ -231,12 +283,27 @@ std::size_t peek_bytes(File& file, std::size_t count, char*& begin, int& err) {
             err = ENOMEM;
             return 0;
         }
-        if (read_more(file, err) == 0) break;
+        const std::size_t missing = count - (file.data_count - file.read_index);
+        if (read_more(file, missing, err) == 0) break;
     }
     begin = file.buffer + file.read_index;
     const std::size_t have = file.data_count - file.read_index;
     return have < count ? have : count;
 }
+
+namespace {
+
+// After a write of `waiting` bytes of the buffer and others behind them, of which `done` went out.
+void keep_unwritten(File& file, std::size_t waiting, std::size_t done) {
+    const std::size_t from_buffer = std::min(waiting, done);
+    file.buffer_position += static_cast<std::int64_t>(from_buffer);
+    file.logical_position += static_cast<std::int64_t>(done - from_buffer);
+    if (from_buffer == waiting) return forget_buffer(file);
+    file.data_count = file.write_index = waiting - from_buffer;
+    std::memmove(file.buffer, file.buffer + from_buffer, file.data_count);
+}
+
+}  // namespace
 
 void put_bytes(File& file, const char* bytes, std::size_t count, int& err) {
     if (!goes_past_buffer(count)) {
@@ -245,21 +312,23 @@ void put_bytes(File& file, const char* bytes, std::size_t count, int& err) {
         std::memcpy(at.begin, bytes, count);
         return end_record(file, count, false, err);
     }
-    const std::int64_t position = file.logical_position;
+    // What waits in the buffer leaves together with them, if they follow it.
+    const std::size_t waiting =
+        file.dirty && file.write_index == file.data_count ? file.data_count : 0;
     int failure = 0;
-    write_out(file, failure);
-    std::size_t done = 0;
-    if (failure == 0) {
-        file.logical_position = position;
-        forget_buffer(file);
-        if (file.append || seek_real(file, position, failure)) {
-            done = write_bytes(file, bytes, count, failure);
+    if (waiting == 0) {
+        const std::int64_t position = file.logical_position;
+        write_out(file, failure);
+        if (failure == 0) {
+            file.logical_position = position;
+            forget_buffer(file);
         }
-        file.real_position += static_cast<std::int64_t>(done);
-        file.logical_position += static_cast<std::int64_t>(done);
-        file.buffer_position = file.logical_position;
+    }
+    if (failure == 0) {
+        const std::size_t done =
+            write_at(file, file.buffer_position, Runs(file.buffer, waiting, bytes, count), failure);
+        keep_unwritten(file, waiting, done);
         if (file.append && file.seekable) follow_end(file);
-        if (file.real_position > file.size) file.size = file.real_position;
     }
     if (failure != 0) err = failure;
 }
@@ -271,13 +340,18 @@ std::size_t take_bytes(File& file, char* bytes, std::size_t count, int& err) {
         std::size_t ready = file.dirty ? 0 : file.data_count - file.read_index;
         if (ready == 0 && goes_past_buffer(left)) {
             prepare_input(file, err);
-            if (err != 0 || !seek_real(file, file.logical_position, err)) break;
+            if (err != 0) break;
             if (file.terminal) flush_console_output();
-            const std::size_t got = read_once(file, bytes + done, left, err);
+            // A little of what follows comes along: a record's markers, a short item.
+            const Runs runs(bytes + done, left, file.buffer, read_ahead);
+            const std::size_t got = read_at(file, file.logical_position, runs, err);
             if (got == 0) break;
-            file.logical_position += static_cast<std::int64_t>(got);
+            const std::size_t taken = std::min(got, left);
+            file.logical_position += static_cast<std::int64_t>(taken);
             file.buffer_position = file.logical_position;
-            done += got;
+            file.data_count = got - taken;
+            file.next_fill = file.logical_position + static_cast<std::int64_t>(file.data_count);
+            done += taken;
             continue;
         }
         char* from = nullptr;
@@ -292,6 +366,9 @@ std::size_t take_bytes(File& file, char* bytes, std::size_t count, int& err) {
 }
 
 void skip_bytes(File& file, std::int64_t count, int& err) {
+    if (!file.dirty && count <= static_cast<std::int64_t>(file.data_count - file.read_index)) {
+        return consume(file, static_cast<std::size_t>(count));
+    }
     if (file.seekable) return move_to(file, file.logical_position + count, err);
     while (count > 0 && err == 0) {
         char* from = nullptr;

@@ -49,12 +49,28 @@ bool is_special(char c, const Dialect& dialect, bool keep_tabs) {
     }
 }
 
+// The first byte that may be special. All such are control characters, and where eight bytes hold
+// none, they are passed over at once.
+const char* find_control(const char* from, const char* end) {
+    constexpr std::uint64_t first_printing = 0x2020202020202020U;
+    constexpr std::uint64_t top_bits = 0x8080808080808080U;
+    for (; end - from >= 8; from += 8) {
+        std::uint64_t word = 0;
+        std::memcpy(&word, from, sizeof word);
+        if (((word - first_printing) & ~word & top_bits) != 0) break;
+    }
+    while (from < end && static_cast<unsigned char>(*from) >= ' ') from++;
+    return from;
+}
+
 // Stores a stretch without line feeds.
 void put_stretch(Destination& out, const char* from, const char* end, const Dialect& dialect,
                  bool keep_tabs) {
     while (from < end) {
-        const char* stop = from;
-        while (stop < end && !is_special(*stop, dialect, keep_tabs)) stop++;
+        const char* stop = find_control(from, end);
+        while (stop < end && !is_special(*stop, dialect, keep_tabs)) {
+            stop = find_control(stop + 1, end);
+        }
         out.put(from, static_cast<std::size_t>(stop - from));
         if (stop < end && *stop == '\t') out.put_tab();
         from = stop + 1;
@@ -67,8 +83,8 @@ void advance(File& file, std::size_t count) {
     file.write_index = 0;
 }
 
-bool refill(Unit& unit, int& err) {
-    const std::ptrdiff_t count = file_fill(unit.file);
+bool refill(File& file, int& err) {
+    const std::ptrdiff_t count = file_fill(file);
     if (count < 0) err = platform::platform_error(errno);
     return count > 0;
 }
@@ -78,7 +94,7 @@ bool refill(Unit& unit, int& err) {
 std::ptrdiff_t read_plain(Unit& unit, Destination out, int& err) {
     File& file = unit.file;
     while (out.stored < out.capacity) {
-        if (file.read_index == file.data_count && !refill(unit, err)) break;
+        if (file.read_index == file.data_count && !refill(file, err)) break;
         const std::size_t count =
             std::min(file.data_count - file.read_index, out.capacity - out.stored);
         out.put(file.buffer + file.read_index, count);
@@ -88,13 +104,15 @@ std::ptrdiff_t read_plain(Unit& unit, Destination out, int& err) {
     return out.stored > 0 ? static_cast<std::ptrdiff_t>(out.stored) : -1;
 }
 
-std::ptrdiff_t read_line(Unit& unit, Destination out, int& err) {
-    File& file = unit.file;
-    const Dialect& dialect = *unit.dialect;
+}  // namespace
+
+std::ptrdiff_t file_read_line(File& file, const Dialect& dialect, char* bytes, std::size_t capacity,
+                              int& err) {
+    Destination out{bytes, capacity};
     bool ended = false;
     bool pending_return = false;  // a CR at the end of a buffer: part of a line end, or data
     while (!ended) {
-        if (file.read_index == file.data_count && !refill(unit, err)) break;
+        if (file.read_index == file.data_count && !refill(file, err)) break;
         const char* from = file.buffer + file.read_index;
         const std::size_t ready = file.data_count - file.read_index;
         const auto* feed = static_cast<const char*>(std::memchr(from, line_feed, ready));
@@ -113,8 +131,6 @@ std::ptrdiff_t read_line(Unit& unit, Destination out, int& err) {
     return ended || out.stored > 0 ? static_cast<std::ptrdiff_t>(out.stored) : -1;
 }
 
-}  // namespace
-
 std::ptrdiff_t sys_fileReadText(Unit& unit, char* bytes, std::size_t capacity, int& err) {
     File& file = unit.file;
     err = file_flush(file);
@@ -130,9 +146,9 @@ std::ptrdiff_t sys_fileReadText(Unit& unit, char* bytes, std::size_t capacity, i
         sys_getFilePos(unit, position, err);
         if (err != 0) return -1;
     }
-    const Destination out{bytes, capacity};
     const bool plain = unit.status.direct || unit.status.stream;
-    const std::ptrdiff_t length = plain ? read_plain(unit, out, err) : read_line(unit, out, err);
+    const std::ptrdiff_t length = plain ? read_plain(unit, Destination{bytes, capacity}, err)
+                                        : file_read_line(file, *unit.dialect, bytes, capacity, err);
     // A shared file is read afresh each time: other processes may have changed it. What can't be
     // sought back is kept.
     if (file.shared && file.seekable) file_sync(file);

@@ -2,11 +2,13 @@
 #include <cerrno>
 
 #include "fio/file/record_buffer.h"
+#include "fio/gnu/child.h"
 #include "fio/gnu/connection.h"
 #include "fio/gnu/format_run.h"
 #include "fio/gnu/internal_file.h"
 #include "fio/gnu/items.h"
 #include "fio/gnu/keyword.h"
+#include "fio/gnu/namelist.h"
 #include "fio/gnu/options.h"
 #include "fio/gnu/records.h"
 #include "fio/gnu/thread_state.h"
@@ -29,7 +31,6 @@ constexpr Fault bad_record_number{95, iostat_bad_option};
 constexpr Fault bad_position{450, iostat_bad_option};
 constexpr Fault past_end_marker{104, iostat_option_conflict};
 constexpr Fault same_unit{433, iostat_option_conflict};
-constexpr Fault not_there{156, iostat_internal};
 
 // The specifiers of one statement that change modes of the connection. False: a word of none.
 bool apply_modes(Statement& s, const ModeSpecifiers& specs) {
@@ -160,13 +161,14 @@ void turn(Statement& s) {
 
 bool apply_record_number(Statement& s, std::int64_t rec) {
     Unit& unit = *s.unit;
-    if (rec <= 0 || rec > INT64_MAX / unit.recl) {
+    const std::int64_t stride = direct_stride(unit);
+    if (rec <= 0 || rec > INT64_MAX / stride) {
         fail(s, bad_record_number);
         return false;
     }
     s.record_number = rec;
     int err = 0;
-    move_to(unit.file, (rec - 1) * unit.recl, err);
+    move_to(unit.file, (rec - 1) * stride, err);
     if (s.reading) {
         char* at = nullptr;
         if (err == 0 && peek_bytes(unit.file, 1, at, err) == 0 && err == 0) {
@@ -216,6 +218,15 @@ bool apply_stream_position(Statement& s, std::int64_t pos) {
     return true;
 }
 
+// CHARACTER values of a group stand in quotes unless the program says how: they couldn't be read
+// otherwise.
+void choose_namelist(Statement& s, const TransferSpecifiers& specs) {
+    if (s.reading) s.list = ListState{};
+    if (s.unit != nullptr && s.unit->gnu.delim_given) return;
+    if (specs.modes == nullptr || specs.modes->delim.data() == nullptr)
+        s.modes.delim = Delim::quote;
+}
+
 bool begin_on_internal(Statement& s, const TransferSpecifiers& specs) {
     s.internal = true;
     s.caller->internal = true;
@@ -242,7 +253,7 @@ void take_modes(Statement& s, const Unit& unit) {
 bool begin_on_unit(Statement& s, const TransferSpecifiers& specs) {
     Caller& caller = *s.caller;
     caller.has_unit = true;
-    const Form form = specs.format != nullptr || specs.list_directed || specs.is_namelist
+    const Form form = specs.format != nullptr || specs.list_directed || specs.namelist != nullptr
                           ? Form::formatted
                           : Form::unformatted;
     const Access access = specs.has_rec ? Access::direct : Access::sequential;
@@ -259,7 +270,8 @@ bool begin_on_unit(Statement& s, const TransferSpecifiers& specs) {
         return false;
     }
     s.direct = unit.status.direct;
-    s.stream = unit.status.stream;
+    // A unit for which the native dialect knows no records is a stream here.
+    s.stream = unit.status.stream || (unit.status.transparent && !unit.status.formatted);
     take_modes(s, unit);
     return true;
 }
@@ -267,14 +279,15 @@ bool begin_on_unit(Statement& s, const TransferSpecifiers& specs) {
 bool open_statement(Statement& s, const TransferSpecifiers& specs) {
     if (specs.internal != nullptr ? !begin_on_internal(s, specs) : !begin_on_unit(s, specs))
         return false;
-    if (specs.is_namelist) {
-        fail(s, not_there, "NAMELIST is not there yet");
-        return false;
-    }
-    s.unformatted = specs.format == nullptr && !specs.list_directed;
+    s.namelist = specs.namelist;
+    s.unformatted = specs.format == nullptr && !specs.list_directed && s.namelist == nullptr;
     if (s.unformatted) s.raw = UnformattedState{};
     if (!s.internal && !check_action(s)) return false;
-    if (!s.unformatted && !choose_format(s, specs.format, specs.format_length)) return false;
+    if (s.namelist != nullptr) {
+        choose_namelist(s, specs);
+    } else if (!s.unformatted && !choose_format(s, specs.format, specs.format_length)) {
+        return false;
+    }
     if (!s.internal && (!check_access(s, specs) || !check_end(s))) return false;
     if (specs.modes != nullptr &&
         (!apply_modes(s, *specs.modes) || !apply_asynchronous(s, *specs.modes))) {
@@ -299,13 +312,38 @@ bool goes_on(const Unit& unit, bool reading) {
            !connection.record_open;
 }
 
+// The same of an unformatted one.
+bool records_go_on(const Unit& unit, bool reading) {
+    const IOStatus& status = unit.status;
+    const GnuConnection& connection = unit.gnu;
+    return status.connected && !status.formatted && !status.direct && !status.transparent &&
+           (reading ? status.may_read : status.may_write) && unit.statements == 1 &&
+           connection.end != EndState::after && connection.last_was_write != reading &&
+           !connection.record_open;
+}
+
+ItemRoad item_road(const Statement& s) {
+    if (s.reading) return s.list_directed ? read_list_item : read_item;
+    return s.list_directed ? write_list_item : write_item;
+}
+
 void begin_formatted(Statement& s) {
     if (s.reading) {
         begin_input(s);
-        s.transfer_item = s.list_directed ? read_list_item : read_item;
     } else {
         begin_output(s);
-        s.transfer_item = s.list_directed ? write_list_item : write_item;
+    }
+    s.transfer_item = item_road(s);
+}
+
+// All of the transfer happens as the statement begins.
+void run_namelist(Statement& s) {
+    if (s.reading) {
+        begin_input(s);
+        if (!s.failed) read_namelist(s);
+    } else {
+        begin_output(s);
+        if (!s.failed) write_namelist(s);
     }
 }
 
@@ -330,7 +368,82 @@ Statement* begin_usual_transfer(Caller& caller, bool reading, const char* format
     return statement;
 }
 
+Statement* begin_usual_records(Caller& caller, bool reading) {
+    Unit* unit = acquire_unit(caller.unit);
+    if (unit == nullptr) return nullptr;
+    if (!records_go_on(*unit, reading)) {
+        release_unit(unit);
+        return nullptr;
+    }
+    Statement* statement = take_statement();
+    Statement& s = *statement;
+    s.caller = &caller;
+    caller.has_unit = true;
+    s.unit = unit;
+    s.reading = reading;
+    s.unformatted = true;
+    s.raw = UnformattedState{};
+    begin_unformatted(s);
+    return statement;
+}
+
+namespace {
+
+// What a child may not ask for, since the record is its parent's.
+bool check_child(Statement& s, const TransferSpecifiers& specs) {
+    if (specs.has_rec || specs.has_pos || specs.id != nullptr) {
+        fail(s, conflict, "REC=, POS= or ID= in a child statement");
+        return false;
+    }
+    if (s.unformatted != s.parent->unformatted) {
+        fail(s, form_mismatch,
+             s.unformatted ? "no format in a child of a formatted statement"
+                           : "a format in a child of an unformatted statement");
+        return false;
+    }
+    return true;
+}
+
+bool open_child(Statement& s, Statement& parent, const TransferSpecifiers& specs) {
+    Caller& caller = *s.caller;
+    caller.has_unit = parent.caller->has_unit;
+    caller.internal = parent.internal;
+    if (!take_record(parent, s)) return false;
+    if (specs.namelist != nullptr) {
+        fail(s, conflict, "NAMELIST in a child statement");
+        return false;
+    }
+    s.unformatted = specs.format == nullptr && !specs.list_directed;
+    if (!check_child(s, specs)) return false;
+    if (s.unformatted) return true;
+    if (s.unit != nullptr) s.modes = s.unit->gnu.modes;
+    if (s.modes.sign == SignMode::processor) s.modes.sign = processor_sign();
+    if (!choose_format(s, specs.format, specs.format_length)) return false;
+    if (specs.modes != nullptr && !apply_modes(s, *specs.modes)) return false;
+    if (!apply_advance(s, specs)) return false;
+    // Whatever ADVANCE= says, a child leaves its record open; and where its record ends, it ends.
+    s.non_advancing = s.reading && !s.internal;
+    bring_record(s);
+    return !s.failed;
+}
+
+Statement* begin_child(Caller& caller, Statement& parent, const TransferSpecifiers& specs) {
+    Statement* statement = take_statement();
+    Statement& s = *statement;
+    s.caller = &caller;
+    s.reading = specs.reading;
+    s.size = specs.size;
+    if (open_child(s, parent, specs) && !s.unformatted) s.transfer_item = item_road(s);
+    return statement;
+}
+
+}  // namespace
+
 Statement* begin_transfer(Caller& caller, const TransferSpecifiers& specs) {
+    if (specs.internal == nullptr) {
+        Statement* parent = parent_of(caller.unit);
+        if (parent != nullptr) return begin_child(caller, *parent, specs);
+    }
     Statement* statement = take_statement();
     Statement& s = *statement;
     s.caller = &caller;
@@ -339,10 +452,36 @@ Statement* begin_transfer(Caller& caller, const TransferSpecifiers& specs) {
     if (!open_statement(s, specs)) return statement;
     if (s.unformatted) {
         begin_unformatted(s);
+    } else if (s.namelist != nullptr) {
+        run_namelist(s);
     } else {
         begin_formatted(s);
     }
     return statement;
+}
+
+Statement* begin_unformatted_on(Unit& unit, Caller& caller, bool reading, std::int64_t place) {
+    Statement* statement = take_statement();
+    Statement& s = *statement;
+    s.caller = &caller;
+    s.unit = &unit;
+    s.reading = reading;
+    s.unformatted = true;
+    s.raw = UnformattedState{};
+    s.direct = unit.status.direct;
+    s.stream = unit.status.stream;
+    if (!check_end(s)) return statement;
+    turn(s);
+    if (s.failed) return statement;
+    if (s.direct && !apply_record_number(s, place)) return statement;
+    if (s.stream && place > 0 && !apply_stream_position(s, place)) return statement;
+    begin_unformatted(s);
+    return statement;
+}
+
+void end_unformatted_on(Statement* statement) {
+    end_unformatted(*statement);
+    give_back(statement);
 }
 
 Statement* refuse_transfer(Caller& caller) {

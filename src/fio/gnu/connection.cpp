@@ -74,7 +74,7 @@ void set_connection(Unit& unit, const Terms& terms) {
     gnu.modes = terms.modes;
     gnu.delim_given = terms.delim_given;
     gnu.encoding = terms.encoding;
-    gnu.endian = terms.endian;
+    set_convert(unit, terms.convert);
     gnu.carriage = terms.carriage;
     gnu.asynchronous = terms.asynchronous;
     gnu.new_unit = number <= first_new_unit_number;
@@ -252,11 +252,16 @@ std::int64_t default_record_length() {
     return given > 0 ? given : INT64_MAX - (std::int64_t{1} << 31);
 }
 
-Endian default_endian(std::int32_t unit) {
-    Convert convert = gnu_options().convert;
+Convert convert_of_unit(std::int32_t unit, const Convert* given) {
+    Convert convert = given != nullptr ? *given : gnu_options().convert;
     environment_convert(unit, convert);
-    return convert == Convert::swap || convert == Convert::big_endian ? Endian::swap
-                                                                      : Endian::native;
+    return convert;
+}
+
+void set_convert(Unit& unit, Convert convert) {
+    const bool swaps = convert == Convert::swap || convert == Convert::big_endian;
+    unit.gnu.endian = swaps ? Endian::swap : Endian::native;
+    unit.gnu.native_records = convert == Convert::native_records;
 }
 
 void bring_up_units() {
@@ -338,7 +343,7 @@ Unit* connect_implicitly(Caller& caller, std::int32_t number, bool /*reading*/, 
     if (unit->status.connected) return unit;
     Terms terms;
     terms.form = form;
-    terms.endian = default_endian(number);
+    terms.convert = convert_of_unit(number, nullptr);
     if (connect(caller, *unit, terms, default_file_name(number))) return unit;
     if (unit->statements == 1) UnitList_destroy(unit);
     release_unit(unit);

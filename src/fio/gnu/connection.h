@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "fio/gnu/fault.h"
+#include "fio/gnu/options.h"
 #include "fio/modes.h"
 
 namespace tarn::fio {
@@ -30,7 +31,7 @@ struct Terms {
     EditModes modes;
     bool delim_given = false;
     Encoding encoding = Encoding::standard;
-    Endian endian = Endian::native;
+    Convert convert = Convert::native;
     CarriageControl carriage = CarriageControl::list;
     bool asynchronous = false;
 };
@@ -38,8 +39,10 @@ struct Terms {
 // RECL= of a connection that didn't give one.
 std::int64_t default_record_length();
 
-// The byte order of an unformatted unit whose OPEN says nothing of it.
-Endian default_endian(std::int32_t unit);
+// How the numbers and records of an unformatted unit lie, by what its OPEN says if anything: the
+// environment wins over that.
+Convert convert_of_unit(std::int32_t unit, const Convert* given);
+void set_convert(Unit& unit, Convert convert);
 
 // Units 0, 5 and 6, or the numbers that the environment gives them. Every entry that looks at a
 // unit comes through here first; all but the first call are a test of one word.

@@ -57,6 +57,8 @@ struct Caller {
     bool has_unit = false;  // an external unit: named in the report
     bool internal = false;  // an internal file: said in the report
     Outcome outcome = Outcome::ok;
+    std::int32_t fault_number = 0;  // of the first fault, in the catalogue
+    int system_error = 0;           // errno, where it came from the system
 };
 
 // Reports a fault. Returns when the program catches it, with the outcome and IOSTAT= and IOMSG=
@@ -67,6 +69,10 @@ void raise_fault(Caller& caller, Fault fault, std::string_view detail = {});
 // The same for a failure of the operating system: IOSTAT is the errno value, the sentence is the
 // catalogue's where it has one (a missing file, a full disk ...), else the system's own text.
 void raise_system_fault(Caller& caller, int errno_value, std::string_view detail = {});
+
+// A fault that a procedure of the program has told by its IOSTAT and IOMSG, which may be blank.
+// What it has put into the statement's own IOMSG= stays.
+void raise_procedure_fault(Caller& caller, std::int32_t iostat, std::string_view message);
 
 void raise_end_of_file(Caller& caller);
 void raise_end_of_record(Caller& caller);

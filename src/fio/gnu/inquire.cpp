@@ -152,7 +152,9 @@ void answer_modes(const Unit& unit, const Inquiry& q) {
     answer(q.encoding, !formatted ? none : gnu.encoding == Encoding::utf8 ? "UTF-8" : "UNKNOWN");
     answer(q.round, word_of(modes.round));
     answer(q.sign, word_of(modes.sign));
-    answer(q.convert, gnu.endian == Endian::swap ? "BIG_ENDIAN" : "LITTLE_ENDIAN");
+    answer(q.convert, gnu.native_records           ? "TARN"
+                      : gnu.endian == Endian::swap ? "BIG_ENDIAN"
+                                                   : "LITTLE_ENDIAN");
     answer(q.asynchronous, yes_no(gnu.asynchronous));
     answer(q.carriage_control, word_of(gnu.carriage));
 }

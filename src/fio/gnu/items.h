@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <string_view>
 
 #include "fio/gnu/statement.h"
 #include "fio/integer_item.h"
@@ -27,9 +28,17 @@ void write_list(Statement& statement, ItemType type, char* items, int kind, std:
 void read_formatted(Statement& statement, ItemType type, char* items, int kind, std::size_t size,
                     std::ptrdiff_t stride, std::size_t count);
 
+// What stands before an item of list-directed output.
+void put_list_separator(Statement& statement, bool character);
+
 // A CHARACTER value at the cursor: `length` characters of 1 or 4 bytes, in the record's encoding.
 void put_characters(Statement& statement, const char* text, int kind, std::size_t length);
 void put_blanks(Statement& statement, std::size_t count);
+void put_byte(Statement& statement, char byte);
+void put_text(Statement& statement, std::string_view text);
+// A CHARACTER value between delimiters, with each delimiter inside it doubled.
+void put_delimited(Statement& statement, const char* text, int kind, std::size_t length,
+                   char delimiter);
 
 // An edit descriptor met an item of another type.
 void fail_mismatch(Statement& statement, const FormatNode& node, ItemType type);

@@ -105,9 +105,7 @@ bool ended_by_separator(Statement& s) {
 }
 
 void read_quoted(Statement& s, char* item, int kind, std::size_t size) {
-    const char quote = *s.cursor++;
-    s.list.saved_length = 0;
-    if (!keep_quoted(s, quote) || !ended_by_separator(s)) return;
+    if (!keep_quoted_text(s) || !ended_by_separator(s)) return;
     s.list.saved_type = ItemType::character;
     give_saved_text(s, item, kind, size);
 }
@@ -127,6 +125,19 @@ void read_list_text(Statement& s, char* item, int kind, std::size_t size) {
     }
     s.cursor += word.size();
     pass_separator(s);
+}
+
+bool keep_quoted_text(Statement& s) {
+    const char quote = *s.cursor++;
+    s.list.saved_length = 0;
+    return keep_quoted(s, quote);
+}
+
+bool keep_bare_text(Statement& s, std::string_view text) {
+    s.list.saved_length = 0;
+    if (!keep_text(s, text)) return false;
+    s.cursor += text.size();
+    return true;
 }
 
 void give_saved_text(Statement& s, char* item, int kind, std::size_t size) {

@@ -64,7 +64,11 @@ Repeat take_repeat(Statement& s);
 
 // CHARACTER. `size` in characters.
 void read_list_text(Statement& s, char* item, int kind, std::size_t size);
-// Gives an item the text of a repeated value.
+// Keep a value in the statement: the quoted one at the cursor, over any number of records (the end
+// of the file closes it too), or `text` that begins there. False: a fault.
+bool keep_quoted_text(Statement& s);
+bool keep_bare_text(Statement& s, std::string_view text);
+// Gives an item the text that was kept.
 void give_saved_text(Statement& s, char* item, int kind, std::size_t size);
 
 // REAL and COMPLEX.

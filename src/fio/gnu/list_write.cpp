@@ -7,33 +7,6 @@
 namespace tarn::fio {
 namespace {
 
-void put_byte(Statement& s, char byte) {
-    char* at = room(s, 1);
-    if (at == nullptr) return;
-    *at = byte;
-    filled(s, at + 1);
-}
-
-void put_text(Statement& s, std::string_view text) {
-    put_characters(s, text.data(), 1, text.size());
-}
-
-// A value between delimiters, with each delimiter inside it doubled.
-void put_delimited(Statement& s, const char* text, int kind, std::size_t length, char delimiter) {
-    put_byte(s, delimiter);
-    std::size_t from = 0;
-    for (std::size_t i = 0; i < length; ++i) {
-        const char32_t code =
-            kind == 4 ? get_wide(text + 4 * i) : static_cast<unsigned char>(text[i]);
-        if (code != static_cast<unsigned char>(delimiter)) continue;
-        put_characters(s, text + from * kind, kind, i + 1 - from);
-        put_byte(s, delimiter);
-        from = i + 1;
-    }
-    put_characters(s, text + from * kind, kind, length - from);
-    put_byte(s, delimiter);
-}
-
 void put_list_characters(Statement& s, const char* text, int kind, std::size_t length) {
     switch (s.modes.delim) {
         case Delim::none:
@@ -45,9 +18,10 @@ void put_list_characters(Statement& s, const char* text, int kind, std::size_t l
     }
 }
 
+}  // namespace
+
 // The first item stands one column in; two character values in a row have nothing between them.
-void put_separator(Statement& s, ItemType type) {
-    const bool character = type == ItemType::character;
+void put_list_separator(Statement& s, bool character) {
     const bool first = !s.list_begun;
     const bool joined = character && s.list_after_character && s.modes.delim == Delim::none;
     s.list_begun = true;
@@ -58,6 +32,8 @@ void put_separator(Statement& s, ItemType type) {
     if (separator.size() == 1) return put_byte(s, separator[0]);
     put_text(s, separator);
 }
+
+namespace {
 
 // The numeric fields are made aside where the record might have no room for the widest of them.
 template <class Put>
@@ -115,9 +91,37 @@ bool put_quick_real(Statement& s, const char* item, int kind) {
 
 }  // namespace
 
+void put_byte(Statement& s, char byte) {
+    if (s.failed) return;
+    char* at = room(s, 1);
+    if (at == nullptr) return;
+    *at = byte;
+    filled(s, at + 1);
+}
+
+void put_text(Statement& s, std::string_view text) {
+    if (s.failed) return;
+    put_characters(s, text.data(), 1, text.size());
+}
+
+void put_delimited(Statement& s, const char* text, int kind, std::size_t length, char delimiter) {
+    put_byte(s, delimiter);
+    std::size_t from = 0;
+    for (std::size_t i = 0; i < length; ++i) {
+        const char32_t code =
+            kind == 4 ? get_wide(text + 4 * i) : static_cast<unsigned char>(text[i]);
+        if (code != static_cast<unsigned char>(delimiter)) continue;
+        put_characters(s, text + from * kind, kind, i + 1 - from);
+        put_byte(s, delimiter);
+        from = i + 1;
+    }
+    put_characters(s, text + from * kind, kind, length - from);
+    put_byte(s, delimiter);
+}
+
 void write_list_item(Statement& s, ItemType type, void* at, int kind, std::size_t size) {
     if (s.failed) return;
-    put_separator(s, type);
+    put_list_separator(s, type == ItemType::character);
     if (s.failed) return;
     ++s.items;
     const auto* const item = static_cast<const char*>(at);

@@ -37,7 +37,8 @@ constexpr Word<Encoding> encoding_words[] = {{"UTF-8", Encoding::utf8},
 constexpr Word<Convert> convert_words[] = {{"NATIVE", Convert::native},
                                            {"SWAP", Convert::swap},
                                            {"BIG_ENDIAN", Convert::big_endian},
-                                           {"LITTLE_ENDIAN", Convert::little_endian}};
+                                           {"LITTLE_ENDIAN", Convert::little_endian},
+                                           {"TARN", Convert::native_records}};
 constexpr Word<Share> share_words[] = {{"DENYRW", Share::deny_rw}, {"DENYNONE", Share::deny_none}};
 constexpr Word<CarriageControl> carriage_words[] = {{"LIST", CarriageControl::list},
                                                     {"FORTRAN", CarriageControl::fortran},
@@ -177,12 +178,8 @@ void set_modes(const Request& r, EditModes& modes, Encoding& encoding, bool& del
     delim_given = delim_given || r.delim.has_value();
 }
 
-// What the environment says of the unit's byte order wins over CONVERT=.
-Endian endian_of(const Request& r, std::int32_t unit) {
-    Convert convert = r.convert.value_or(gnu_options().convert);
-    environment_convert(unit, convert);
-    return convert == Convert::swap || convert == Convert::big_endian ? Endian::swap
-                                                                      : Endian::native;
+Convert convert_of(const Request& r, std::int32_t unit) {
+    return convert_of_unit(unit, r.convert ? &*r.convert : nullptr);
 }
 
 bool make_terms(Caller& caller, const OpenSpecifiers& s, const Request& r, std::int32_t number,
@@ -211,7 +208,7 @@ bool make_terms(Caller& caller, const OpenSpecifiers& s, const Request& r, std::
     terms.share = r.share.value_or(Share::unspecified);
     terms.asynchronous = r.asynchronous.value_or(false);
     terms.carriage = r.carriage.value_or(CarriageControl::list);
-    terms.endian = endian_of(r, number);
+    terms.convert = convert_of(r, number);
     set_modes(r, terms.modes, terms.encoding, terms.delim_given);
     return true;
 }
@@ -263,7 +260,7 @@ void change_modes(Caller& caller, Unit& unit, const OpenSpecifiers& s, const Req
     unit.status.blank_null = gnu.modes.blank == Blank::null;
     unit.status.pad_no = !gnu.modes.pad;
     if (r.asynchronous) gnu.asynchronous = *r.asynchronous;
-    if (r.convert) gnu.endian = endian_of(r, unit.number);
+    if (r.convert) set_convert(unit, convert_of(r, unit.number));
     int err = 0;
     if (r.position == Position::rewind) go_to_start(unit, err);
     if (r.position == Position::append) go_to_end(unit, err);

@@ -105,7 +105,9 @@ void read_environment(GnuOptions& options) {
     if (const char* value = std::getenv("GFORTRAN_CONVERT_UNIT"); value && *value) {
         if (!parse_convert_unit(value, options)) {
             complain("GFORTRAN_CONVERT_UNIT", value,
-                     "a list like big_endian;native:10-20,25 of conversions and their units");
+                     "a list like big_endian;native:10-20,25 of native, swap, big_endian, "
+                     "little_endian or tarn "
+                     "and their units");
         }
     }
     if (const char* folder = std::getenv("TMPDIR"); folder && *folder) {
@@ -149,7 +151,8 @@ class ConvertReader {
         static constexpr Word words[] = {{"native", Convert::native},
                                          {"swap", Convert::swap},
                                          {"big_endian", Convert::big_endian},
-                                         {"little_endian", Convert::little_endian}};
+                                         {"little_endian", Convert::little_endian},
+                                         {"tarn", Convert::native_records}};
         for (const Word& candidate : words) {
             if (rest.size() < candidate.text.size()) continue;
             bool same = true;

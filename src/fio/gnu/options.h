@@ -15,8 +15,15 @@
 
 namespace tarn::fio {
 
-// CONVERT= of unformatted files, by the compiled program's numbers.
-enum class Convert : std::int32_t { native = 0, swap = 1, big_endian = 2, little_endian = 3 };
+// CONVERT= of unformatted files, by the compiled program's numbers. The last one is ours: records
+// as the native dialect lays them out.
+enum class Convert : std::int32_t {
+    native = 0,
+    swap = 1,
+    big_endian = 2,
+    little_endian = 3,
+    native_records = 4,
+};
 
 // A range of units, both ends included, that the environment gives a conversion of their own.
 struct UnitConvert {

@@ -5,7 +5,9 @@
 #include <cstring>
 #include <unistd.h>
 
+#include "fio/file/native_frame.h"
 #include "fio/file/record_buffer.h"
+#include "fio/gnu/child.h"
 #include "fio/gnu/connection.h"
 #include "fio/gnu/options.h"
 #include "fio/gnu/records.h"
@@ -143,9 +145,20 @@ std::int64_t start_of_line_before(const File& file, std::int64_t end, int& err) 
     return 0;
 }
 
+std::int64_t start_of_native_record_before(const Unit& unit, std::int64_t end, int& err) {
+    char bytes[very_long_frame];
+    const auto count = static_cast<std::size_t>(std::min<std::int64_t>(end, sizeof bytes));
+    if (!read_before(unit.file, end, bytes, count, err)) return end;
+    const std::int64_t start = native_record_start(end, bytes, count);
+    if (start >= 0) return start;
+    err = -1;
+    return end;
+}
+
 // The start of the unformatted record that ends at `end`: its length stands behind it as in front
 // of it, and a negative one tells that the record goes on before.
 std::int64_t start_of_record_before(const Unit& unit, std::int64_t end, int& err) {
+    if (unit.gnu.native_records) return start_of_native_record_before(unit, end, err);
     const std::size_t size = marker_size();
     std::int64_t at = end;
     for (;;) {
@@ -303,6 +316,8 @@ void end_file_of_unit(Caller& caller) {
 }
 
 void flush_unit(Caller& caller) {
+    // A procedure that a statement of the unit is running: the record isn't complete yet.
+    if (parent_of(caller.unit) != nullptr) return;
     const Holding held(caller);
     Unit* unit = held.unit();
     if (held.busy()) return;

@@ -4,10 +4,9 @@
 #include <cstddef>
 
 #include "fio/gnu/statement.h"
+#include "fio/unit.h"
 
 namespace tarn::fio {
-
-struct Unit;
 
 // Output. The first record of a statement; then one after another.
 void begin_output(Statement& statement);
@@ -45,6 +44,12 @@ void move_to_column(Statement& statement, std::int64_t column);
 // Input.
 void begin_input(Statement& statement);
 void end_input(Statement& statement);
+// The record goes by, and the next one is fetched only when it is needed.
+void leave_record(Statement& statement);
+// Whether a record is at hand, after the next one has been fetched if need be.
+inline bool has_input_record(Statement& statement) {
+    return statement.record_at_hand || (statement.record_dropped && next_input_record(statement));
+}
 
 // The characters that a field of `width` can take. A carriage return inside the record ends it for
 // the field that meets it, as a line feed would; a record of which less is read goes to its line
@@ -63,7 +68,11 @@ inline void meet_carriage_return(Statement& statement, std::size_t width) {
 void finish_open_record(Unit& unit, int& err);
 
 // Whether a record of the unit is seen by others as soon as it is complete.
-bool leaves_at_once(const Unit& unit);
+inline bool leaves_at_once(const Unit& unit) {
+    return unit.gnu.unbuffered || unit.file.terminal || unit.file.shared;
+}
+// A direct record has been written.
+void tell_record(Unit& unit, std::int64_t number);
 // A sequential WRITE makes its record the last one of the file.
 void cut_behind(Statement& statement);
 

@@ -14,6 +14,7 @@ void set_record(Statement& s, char* begin, std::size_t length, char* room_end) {
     s.limit = begin + length;
     s.room_end = room_end;
     s.record_at_hand = true;
+    s.record_dropped = false;
     s.end_of_record = false;
 }
 
@@ -48,7 +49,7 @@ bool direct_record(Statement& s) {
     Unit& unit = *s.unit;
     int err = 0;
     char* begin = nullptr;
-    move_to(unit.file, (s.record_number - 1) * unit.recl, err);
+    move_to(unit.file, (s.record_number - 1) * direct_stride(unit), err);
     const std::size_t length =
         peek_bytes(unit.file, static_cast<std::size_t>(unit.recl), begin, err);
     if (err != 0) {
@@ -105,9 +106,10 @@ void drop_record(Statement& s) {
 namespace {
 
 // No record is left. A non-advancing statement hears of it with its first item, one on a stream
-// when it has filled its items from an empty record, any other at once.
+// when it has filled its items from an empty record, a NAMELIST when it looks for its group, any
+// other at once.
 void begin_behind_end(Statement& s) {
-    if (s.failed || s.non_advancing) return;
+    if (s.failed || s.non_advancing || s.namelist != nullptr) return;
     if (!s.stream || s.list_directed) return fail_end_of_file(s);
     char* empty = scratch_room(s, 1);
     if (empty == nullptr) return;
@@ -143,6 +145,11 @@ void end_record_at_carriage_return(Statement& s) {
         s.record_terminated = true;
     }
     s.carriage_return = nullptr;
+}
+
+void leave_record(Statement& s) {
+    drop_record(s);
+    s.record_dropped = true;
 }
 
 bool try_next_input_record(Statement& s) {

@@ -55,8 +55,9 @@ void begin_internal(Statement& s) {
 void begin_direct(Statement& s) {
     Unit& unit = *s.unit;
     int err = 0;
-    move_to(unit.file, (s.record_number - 1) * unit.recl, err);
-    const OutputRoom at = begin_record(unit.file, static_cast<std::size_t>(unit.recl), err);
+    const std::int64_t stride = direct_stride(unit);
+    move_to(unit.file, (s.record_number - 1) * stride, err);
+    const OutputRoom at = begin_record(unit.file, static_cast<std::size_t>(stride), err);
     if (err != 0) fail_system(s, err);
     if (at.begin == nullptr) return;
     s.record_end = at.begin + unit.recl;
@@ -153,9 +154,12 @@ void finish_direct(Statement& s) {
     Unit& unit = *s.unit;
     if (s.begin == nullptr) return;
     blank(s, s.high, s.record_end);
+    const auto stride = static_cast<std::size_t>(direct_stride(unit));
+    const std::size_t behind = stride - static_cast<std::size_t>(unit.recl);
+    std::memcpy(s.record_end, unit.dialect->line_end.data(), behind);
     int err = 0;
-    end_record(unit.file, static_cast<std::size_t>(unit.recl), leaves_at_once(unit), err);
-    unit.gnu.record_number = s.record_number;
+    end_record(unit.file, stride, leaves_at_once(unit), err);
+    tell_record(unit, s.record_number);
     if (err != 0) fail_system(s, err);
 }
 
@@ -165,19 +169,14 @@ void finish_internal(Statement& s) {
 
 // A scalar internal file has one record. What follows a slash or reversion goes on in it, behind
 // one blank, and the statement hears of the end when it ends; another fault on the way counts.
-void go_on_behind_scalar(Statement& s) {
+void go_on_behind_blank(Statement& s) {
     char* at = room(s, 1);
     if (at == nullptr) return;
     *at = ' ';
     filled(s, at + 1);
-    s.behind_scalar = true;
 }
 
 }  // namespace
-
-bool leaves_at_once(const Unit& unit) {
-    return unit.gnu.unbuffered || unit.file.terminal || unit.file.shared;
-}
 
 void cut_behind(Statement& s) {
     Unit& unit = *s.unit;
@@ -199,7 +198,11 @@ void begin_output(Statement& s) {
 void next_output_record(Statement& s) {
     if (s.failed) return;
     if (is_internal_scalar(s) && !s.wide) {
-        go_on_behind_scalar(s);
+        go_on_behind_blank(s);
+        s.behind_scalar = true;
+    } else if (s.internal && s.parent != nullptr && !s.wide) {
+        // As gfortran has it: a child knows its internal file as one record.
+        go_on_behind_blank(s);
     } else if (s.internal) {
         finish_internal(s);
         next_internal_record(s.file);
@@ -217,8 +220,10 @@ void next_output_record(Statement& s) {
 void end_output(Statement& s) {
     if (s.internal) {
         const bool left_last = s.file.record == nullptr && s.file.count > 0 && !s.wide;
-        if (left_last || s.behind_scalar) return fail_end_of_file(s);
-        return finish_internal(s);
+        // After a fault too: an item may have touched bytes behind its field.
+        finish_internal(s);
+        if (!s.failed && (left_last || s.behind_scalar)) fail_end_of_file(s);
+        return;
     }
     if (s.begin == nullptr) return;
     if (s.direct) return finish_direct(s);
@@ -277,6 +282,11 @@ void fill_wide(Statement& s, const char* end) {
         put_wide(s.cursor, static_cast<unsigned char>(*from));
     }
     if (s.cursor > s.high) s.high = s.cursor;
+}
+
+void tell_record(Unit& unit, std::int64_t number) {
+    unit.gnu.record_number = number;
+    unit.highest_record = std::max(unit.highest_record, number);
 }
 
 void finish_open_record(Unit& unit, int& err) {

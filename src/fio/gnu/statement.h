@@ -19,6 +19,7 @@ namespace tarn::fio {
 
 struct Unit;
 struct CachedFormat;
+struct NamelistGroup;
 
 // An internal file: `count` records of `length` characters of `char_kind` bytes each, `stride`
 // bytes apart in the innermost dimension and then as the array lies.
@@ -57,16 +58,20 @@ struct ListState {
 // without markers.
 struct UnformattedState {
     bool open = false;       // a part is at hand
+    bool native = false;     // the records have the frames of the native layout
     bool swapped = false;    // the file has the other byte order
     bool continued = false;  // input: another part follows
     bool preceded = false;   // output: another part precedes
     bool held = false;       // output: a part stays in the buffer until its length is known
+    bool whole = false;      // input: the buffer has all of the record and its last marker
     bool ended = false;      // input: the file ended inside the last record of a direct file
     std::size_t marker = 0;  // bytes of a marker; 0: none
     std::size_t lead = 0;    // output: bytes of a marker right before `begin`
     std::int64_t marker_position = 0;  // output: of the part's first marker in the file
     std::int64_t record_position = 0;  // output: of the record's first byte in the file
-    std::int64_t part_done = 0;        // output: bytes of the part before `begin`
+    std::int64_t part_done = 0;        // output: bytes of the part before `begin`; input: of the
+                                       // whole record, in the native layout
+    std::int64_t guess = 0;            // output: what the part's first marker says in the file
     std::int64_t part_left = 0;        // bytes of the part from `begin` on
     std::int64_t record_left = 0;      // the same of the record, as RECL= allows
 };
@@ -108,6 +113,11 @@ struct StatementState {
     const FormatNode* next = nullptr;       // node to run
     const FormatNode* data_edit = nullptr;  // in force
 
+    NamelistGroup* namelist = nullptr;
+    // A statement whose item has a procedure of its own, and the child statements of that.
+    Statement* parent = nullptr;        // of a child
+    Statement* parent_below = nullptr;  // of those that run a procedure in this thread
+
     std::int64_t* size = nullptr;  // SIZE=
     std::int64_t size_count = 0;   // characters read, for SIZE=
     std::int64_t* iolength = nullptr;
@@ -115,6 +125,7 @@ struct StatementState {
 
     std::int32_t repeat_left = 0;  // of the data edit descriptor in force
     std::uint32_t items = 0;       // transferred so far, for messages
+    std::int32_t child_unit = 0;   // the number by which the procedures name the record
 
     bool reading = false;
     bool list_directed = false;
@@ -130,6 +141,7 @@ struct StatementState {
     bool behind_end = false;         // a stream is read behind its end: told at the statement's end
     bool failed = false;             // the items that follow are ignored
     bool record_at_hand = false;     // input: a record has been found
+    bool record_dropped = false;     // input: a child has met its end, the next isn't fetched yet
     bool record_terminated = false;  // input: it has a line end
     bool end_of_record = false;      // input: a field ran into the record's end
     bool carriage_return_unknown = false;  // input: it hasn't been looked for in the record
@@ -137,6 +149,8 @@ struct StatementState {
     bool no_line_end = false;              // $ asked for it
     bool list_begun = false;               // list-directed output: an item has been written
     bool list_after_character = false;
+    bool child_running = false;
+    bool owns_child_unit = false;
     EditModes modes;
 };
 
@@ -181,13 +195,13 @@ struct ModeSpecifiers {
 struct TransferSpecifiers {
     bool reading = false;
     bool list_directed = false;
-    bool is_namelist = false;
     bool has_rec = false;
     bool has_pos = false;
     bool has_end = false;
     bool has_eor = false;
     const char* format = nullptr;  // null: none
     std::size_t format_length = 0;
+    NamelistGroup* namelist = nullptr;  // null: none
     std::int64_t rec = 0;
     std::int64_t pos = 0;
     std::int64_t* size = nullptr;
@@ -201,6 +215,8 @@ struct TransferSpecifiers {
 // unit isn't one that simply goes on: `begin_transfer` does it then.
 Statement* begin_usual_transfer(Caller& caller, bool reading, const char* format,
                                 std::size_t format_length);
+// The same without a format.
+Statement* begin_usual_records(Caller& caller, bool reading);
 // Opens a READ or WRITE. The statement is valid in any case; a fault is in its caller's outcome.
 Statement* begin_transfer(Caller& caller, const TransferSpecifiers& specifiers);
 // A statement that has failed before it began: its items are ignored.
@@ -216,6 +232,9 @@ void end_transfer(Statement* statement);
 
 // The list-directed reader: gives one item its value. A null value leaves the item as it is.
 void read_list_item(Statement& statement, ItemType type, void* item, int kind, std::size_t size);
+// Goes to the value of an item that a procedure reads; false: there is none for it. A separator
+// right before it is the procedure's, as in gfortran, unless the statement begins there.
+bool find_list_value(Statement& statement);
 // What a list-directed READ leaves to be done at its end: the rest of the record goes by.
 void finish_list_read(Statement& statement);
 

@@ -3,6 +3,8 @@
 #include <cstdlib>
 #include <pthread.h>
 
+#include "fio/gnu/namelist.h"
+
 namespace tarn::fio {
 namespace {
 
@@ -37,6 +39,11 @@ ThreadState::~ThreadState() {
         std::free(statement->scratch);
         std::free(statement->saved_text);
         delete statement;
+    }
+    while (groups != nullptr) {
+        NamelistGroup* group = groups;
+        groups = group->below;
+        delete group;
     }
 }
 

@@ -1,4 +1,5 @@
-// What a thread keeps for its gnu statements: a stock of statement records and its formats.
+// What a thread keeps for its gnu statements: stocks of statement records and namelist groups,
+// and its formats.
 #pragma once
 
 #include <new>
@@ -8,9 +9,14 @@
 
 namespace tarn::fio {
 
+struct NamelistGroup;
+
 struct ThreadState {
     FormatCache formats;
-    Statement* stock = nullptr;  // records that no statement uses, linked by `below`
+    Statement* stock = nullptr;       // records that no statement uses, linked by `below`
+    NamelistGroup* groups = nullptr;  // the same of namelist groups
+    // Statements that run a procedure of an item, the innermost first, linked by `parent_below`.
+    Statement* parents = nullptr;
     ~ThreadState();
 
     // A plain pointer of the initial TLS block is the cheapest to reach. Null until the thread's

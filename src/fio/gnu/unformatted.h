@@ -21,6 +21,11 @@ void transfer_unformatted(Statement& statement, ItemType type, char* items, int 
                           std::size_t size, std::ptrdiff_t stride, std::size_t count);
 void end_unformatted(Statement& statement);
 
+// The first and the last of them for a caller that holds the unit itself and has found that the
+// statement may run on it. `place`: REC= or POS=, 0 where it isn't given.
+Statement* begin_unformatted_on(Unit& unit, Caller& caller, bool reading, std::int64_t place);
+void end_unformatted_on(Statement* statement);
+
 // Below: the record of the statement as bytes.
 
 void begin_raw_output(Statement& statement);
@@ -53,6 +58,13 @@ inline void put_raw(Statement& s, const char* bytes, std::size_t count) {
     copy_item(s.cursor, bytes, count);
     s.cursor += count;
 }
+
+// Items as they lie in memory, one at a time: the roads of most statements.
+inline std::size_t raw_size(ItemType type, int kind, std::size_t size) {
+    return type == ItemType::character ? size * static_cast<std::size_t>(kind) : size;
+}
+void put_raw_item(Statement& statement, ItemType type, void* item, int kind, std::size_t size);
+void take_raw_item(Statement& statement, ItemType type, void* item, int kind, std::size_t size);
 
 // Takes bytes of the record; fewer than asked for when the statement meets its end there.
 inline std::size_t take_raw(Statement& s, char* bytes, std::size_t count) {

@@ -4,6 +4,7 @@
 // file into the items. Nothing that a marker says is believed beyond the bytes that are there.
 #include <algorithm>
 
+#include "fio/file/native_frame.h"
 #include "fio/file/record_buffer.h"
 #include "fio/gnu/unformatted.h"
 #include "fio/gnu/unformatted_marker.h"
@@ -39,6 +40,7 @@ void release_bytes(Statement& s) {
     consume(s.unit->file, count);
     count_bytes(s.raw, count);
     s.begin = s.cursor = s.limit = nullptr;
+    s.raw.whole = false;
 }
 
 // The end of the file instead of a record. A record before it may have claimed more bytes than
@@ -50,29 +52,92 @@ void meet_end(Statement& s) {
     fail_end_of_file(s);
 }
 
-bool open_part(Statement& s, bool first) {
-    UnformattedState& raw = s.raw;
+// The bytes of the marker at the file's position; null: there is no whole one, and the statement
+// has failed.
+const char* find_marker(Statement& s, bool first) {
+    const UnformattedState& raw = s.raw;
     File& file = s.unit->file;
-    raw.open = false;
+    if (!file.dirty && file.data_count - file.read_index >= raw.marker) {
+        return file.buffer + file.read_index;
+    }
     int err = 0;
     char* bytes = nullptr;
     const std::size_t got = peek_bytes(file, raw.marker, bytes, err);
+    if (got == raw.marker && err == 0) return bytes;
     if (err != 0) {
         give_up(s, err);
     } else if (got == 0 && first) {
         meet_end(s);
-    } else if (got < raw.marker) {
+    } else {
         consume(file, got);
         fail_corrupt(s, first ? corrupt_marker : corrupt);
-    } else {
-        const std::int64_t length = load_marker(bytes, raw.marker, raw.swapped);
-        consume(file, raw.marker);
-        raw.continued = length < 0;
-        raw.open = length != INT64_MIN;
-        raw.part_left = length < 0 ? -length : length;
-        if (!raw.open) fail_corrupt(s, corrupt);
     }
+    return nullptr;
+}
+
+bool open_gnu_part(Statement& s, bool first) {
+    UnformattedState& raw = s.raw;
+    const char* const bytes = find_marker(s, first);
+    if (bytes == nullptr) return false;
+    const std::int64_t length = load_marker(bytes, raw.marker, raw.swapped);
+    consume(s.unit->file, raw.marker);
+    raw.continued = length < 0;
+    if (length == INT64_MIN) {
+        fail_corrupt(s, corrupt);
+        return false;
+    }
+    raw.part_left = length < 0 ? -length : length;
+    return true;
+}
+
+// The first byte tells how long the frame is.
+bool open_native_record(Statement& s) {
+    UnformattedState& raw = s.raw;
+    raw.marker = short_frame;
+    const char* bytes = find_marker(s, true);
+    if (bytes == nullptr) return false;
+    raw.marker = native_frame_size(static_cast<unsigned char>(*bytes));
+    if (raw.marker > short_frame) bytes = find_marker(s, false);
+    if (bytes == nullptr) return false;
+    raw.part_left = raw.marker == 0 ? -1 : load_native_front(bytes, raw.marker);
+    if (raw.part_left < 0) {
+        fail_corrupt(s, corrupt);
+        return false;
+    }
+    consume(s.unit->file, raw.marker);
+    raw.part_done = raw.part_left;
+    return true;
+}
+
+bool open_part(Statement& s, bool first) {
+    UnformattedState& raw = s.raw;
+    raw.open = false;
+    raw.open = raw.native ? open_native_record(s) : open_gnu_part(s, first);
     return raw.open;
+}
+
+// In the native layout the frame behind the record must be as the one in front said.
+bool leave_native_record(Statement& s) {
+    UnformattedState& raw = s.raw;
+    File& file = s.unit->file;
+    std::int64_t target = 0;
+    if (__builtin_add_overflow(raw.part_left, file.logical_position, &target)) {
+        fail_corrupt(s, corrupt);
+        return false;
+    }
+    int err = 0;
+    skip_bytes(file, raw.part_left, err);
+    if (err != 0) {
+        give_up(s, err);
+        return false;
+    }
+    const char* const bytes = find_marker(s, false);
+    if (bytes == nullptr) return false;
+    const bool fits = load_native_back(bytes, raw.marker) == raw.part_done;
+    consume(file, raw.marker);
+    raw.open = false;
+    if (!fits) fail_corrupt(s, corrupt);
+    return fits;
 }
 
 // Steps over what is left of a part and the marker behind it. That marker isn't looked at, as
@@ -80,6 +145,7 @@ bool open_part(Statement& s, bool first) {
 bool leave_part(Statement& s) {
     UnformattedState& raw = s.raw;
     File& file = s.unit->file;
+    if (raw.native) return leave_native_record(s);
     std::int64_t count = 0;
     std::int64_t target = 0;
     if (__builtin_add_overflow(raw.part_left, static_cast<std::int64_t>(raw.marker), &count) ||
@@ -105,6 +171,41 @@ void meet_gap(Statement& s) {
 
 }  // namespace
 
+namespace {
+
+// What the buffer has of the part is at hand for the items.
+void take_buffered(Statement& s) {
+    const UnformattedState& raw = s.raw;
+    const File& file = s.unit->file;
+    const std::size_t there = file.dirty ? 0 : file.data_count - file.read_index;
+    const std::int64_t left = std::min(raw.part_left, raw.record_left);
+    s.begin = s.cursor = file.buffer + file.read_index;
+    s.limit = s.begin + std::min<std::uint64_t>(there, static_cast<std::uint64_t>(left));
+}
+
+// The usual record, with markers of four bytes: all of it is in the buffer.
+bool open_whole_record(Statement& s) {
+    constexpr std::size_t usual_marker = 4;
+    UnformattedState& raw = s.raw;
+    File& file = s.unit->file;
+    const std::size_t there = file.dirty ? 0 : file.data_count - file.read_index;
+    if (raw.native || raw.swapped || raw.marker != usual_marker || there < 2 * usual_marker) {
+        return false;
+    }
+    char* const begin = file.buffer + file.read_index + usual_marker;
+    const std::int64_t length = load_marker(begin - usual_marker, usual_marker, false);
+    if (length < 0 || length > static_cast<std::int64_t>(there - 2 * usual_marker)) return false;
+    if (length > raw.record_left) return false;
+    consume(file, usual_marker);
+    raw.part_left = length;
+    raw.open = raw.whole = true;
+    s.begin = s.cursor = begin;
+    s.limit = begin + length;
+    return true;
+}
+
+}  // namespace
+
 void begin_raw_input(Statement& s) {
     UnformattedState& raw = s.raw;
     const Unit& unit = *s.unit;
@@ -116,8 +217,8 @@ void begin_raw_input(Statement& s) {
         return;
     }
     if (unit.status.fixed_record_length) raw.record_left = unit.recl;
-    raw.marker = marker_size();
-    open_part(s, true);
+    if (!raw.native) raw.marker = marker_size();
+    if (!open_whole_record(s) && open_part(s, true)) take_buffered(s);
 }
 
 std::size_t take_raw_slowly(Statement& s, char* bytes, std::size_t count) {
@@ -174,6 +275,11 @@ std::size_t take_raw_slowly(Statement& s, char* bytes, std::size_t count) {
 void end_raw_input(Statement& s) {
     UnformattedState& raw = s.raw;
     Unit& unit = *s.unit;
+    if (raw.whole) {
+        consume(unit.file, static_cast<std::size_t>(raw.part_left) + raw.marker);
+        ++unit.current_record;
+        return;
+    }
     if (s.begin != nullptr) release_bytes(s);
     if (!raw.open) return;
     if (s.direct) unit.gnu.record_number = s.record_number;

@@ -7,6 +7,7 @@
 // the buffer.
 #include <algorithm>
 
+#include "fio/file/native_frame.h"
 #include "fio/file/record_buffer.h"
 #include "fio/gnu/records.h"
 #include "fio/gnu/unformatted.h"
@@ -94,7 +95,9 @@ void begin_part(Statement& s, int& err) {
     const std::int64_t wanted = gnu_options().max_subrecord_length;
     raw.marker_position = file.logical_position;
     raw.part_done = 0;
+    raw.guess = 0;
     raw.part_left = raw.marker == 0 ? INT64_MAX
+                    : raw.native    ? longest_short_record
                     : wanted > 0    ? std::min(wanted, longest_part)
                                     : longest_part;
     const OutputRoom at = begin_record(file, usual_record, err);
@@ -107,6 +110,29 @@ void begin_part(Statement& s, int& err) {
     raw.open = true;
 }
 
+// The record outgrows the short frame: its bytes, all at hand, move on for a longer one.
+void lengthen_frame(Statement& s) {
+    UnformattedState& raw = s.raw;
+    constexpr std::size_t more = long_frame - short_frame;
+    std::memmove(s.begin + more, s.begin, static_cast<std::size_t>(used(s)));
+    std::memset(s.begin - short_frame, 0, long_frame);
+    s.begin += more;
+    s.cursor += more;
+    raw.marker = raw.lead = long_frame;
+    raw.part_left = longest_long_record;
+    set_limit(s);
+}
+
+void store_front(const UnformattedState& raw, char* bytes, std::int64_t value) {
+    if (raw.native) return store_native_front(bytes, raw.marker, value);
+    store_marker(bytes, raw.marker, raw.swapped, value);
+}
+
+void store_back(const UnformattedState& raw, char* bytes, std::int64_t length) {
+    if (raw.native) return store_native_back(bytes, raw.marker, length);
+    store_marker(bytes, raw.marker, raw.swapped, raw.preceded ? -length : length);
+}
+
 // Both markers of a part, now that its length is known.
 void end_part(Statement& s, bool goes_on, bool now, int& err) {
     UnformattedState& raw = s.raw;
@@ -116,16 +142,20 @@ void end_part(Statement& s, bool goes_on, bool now, int& err) {
         if (err != 0 || s.cursor == nullptr) return;
     }
     const std::int64_t length = raw.part_done + used(s);
-    store_marker(s.cursor, raw.marker, raw.swapped, raw.preceded ? -length : length);
-    char front[8];
-    store_marker(front, raw.marker, raw.swapped, goes_on ? -length : length);
-    const bool at_hand = raw.lead > 0;
-    if (at_hand) std::memcpy(s.begin - raw.lead, front, raw.marker);
+    const std::int64_t told = goes_on ? -length : length;
+    store_back(raw, s.cursor, length);
+    if (raw.lead > 0) {
+        store_front(raw, s.begin - raw.lead, told);
+        raw.guess = told;
+    }
     s.cursor += raw.marker;
     commit(s, now, err);
     raw.open = false;
     raw.preceded = goes_on;
-    if (!at_hand && err == 0) overwrite_bytes(file, raw.marker_position, front, raw.marker, err);
+    if (raw.guess == told || err != 0) return;
+    char front[8];
+    store_front(raw, front, told);
+    overwrite_bytes(file, raw.marker_position, front, raw.marker, err);
 }
 
 // A direct record that was filled in part has zeros behind.
@@ -143,11 +173,38 @@ void fill_direct(Statement& s, int& err) {
 
 }  // namespace
 
+namespace {
+
+// The usual end: the whole record, between markers of four bytes, lies in the buffer.
+bool end_at_hand(Statement& s) {
+    constexpr std::size_t usual_marker = 4;
+    UnformattedState& raw = s.raw;
+    if (raw.lead != usual_marker || raw.preceded || raw.native || raw.swapped ||
+        s.room_end - s.cursor < static_cast<std::ptrdiff_t>(usual_marker)) {
+        return false;
+    }
+    Unit& unit = *s.unit;
+    const std::int64_t length = used(s);
+    store_marker(s.begin - usual_marker, usual_marker, false, length);
+    store_marker(s.cursor, usual_marker, false, length);
+    int err = 0;
+    end_record(unit.file, static_cast<std::size_t>(length) + 2 * usual_marker, leaves_at_once(unit),
+               err);
+    if (err == 0) {
+        ++unit.current_record;
+    } else {
+        give_up(s, err);
+    }
+    return true;
+}
+
+}  // namespace
+
 void begin_raw_output(Statement& s) {
     UnformattedState& raw = s.raw;
     const Unit& unit = *s.unit;
     const bool sequential = !s.direct && !s.stream;
-    raw.marker = sequential ? marker_size() : 0;
+    raw.marker = !sequential ? 0 : raw.native ? short_frame : marker_size();
     raw.held = sequential && (!unit.file.seekable || unit.file.append);
     raw.record_left =
         s.direct || (sequential && unit.status.fixed_record_length) ? unit.recl : INT64_MAX;
@@ -164,25 +221,35 @@ void put_raw_slowly(Statement& s, const char* bytes, std::size_t count) {
         return fail(s, s.direct ? too_big_for_direct : too_big);
     }
     int err = 0;
+    if (raw.native && raw.marker == short_frame) lengthen_frame(s);
     while (count > 0 && err == 0) {
+        const std::int64_t left = raw.part_left - used(s);
+        const bool is_long = static_cast<std::int64_t>(count) >= long_run && left >= long_run;
         const auto piece = std::min(count, static_cast<std::size_t>(s.limit - s.cursor));
-        if (piece > 0) {
+        if (piece > 0 && (raw.held || !is_long)) {
             std::memcpy(s.cursor, bytes, piece);
             s.cursor += piece;
             bytes += piece;
             count -= piece;
             continue;
         }
-        const std::int64_t left = raw.part_left - used(s);
+        if (left == 0 && raw.native) return fail(s, too_big);
         if (left == 0) {
             end_part(s, true, false, err);
             if (err == 0) begin_part(s, err);
             continue;
         }
         const std::size_t run = std::min<std::uint64_t>(count, static_cast<std::uint64_t>(left));
-        if (raw.held || static_cast<std::int64_t>(run) < long_run) {
+        if (raw.held || !is_long) {
             make_raw_room(s, run, err);
             continue;
+        }
+        if (raw.lead > 0) {
+            // Most long records are one item: the marker that this makes is then the right one.
+            const bool goes_on = count > run;
+            const std::int64_t length = used(s) + static_cast<std::int64_t>(run);
+            raw.guess = goes_on ? -length : length;
+            store_front(raw, s.begin - raw.lead, raw.guess);
         }
         commit(s, false, err);
         if (err == 0) put_bytes(s.unit->file, bytes, run, err);
@@ -197,6 +264,10 @@ void end_raw_output(Statement& s) {
     UnformattedState& raw = s.raw;
     if (!raw.open) return;
     Unit& unit = *s.unit;
+    if (end_at_hand(s)) {
+        if (!unit.gnu.last_was_write) cut_behind(s);
+        return;
+    }
     const bool now = leaves_at_once(unit);
     int err = 0;
     if (raw.marker > 0) {
@@ -205,7 +276,7 @@ void end_raw_output(Statement& s) {
     } else {
         if (s.direct && !s.failed) fill_direct(s, err);
         commit(s, now, err);
-        if (s.direct) unit.gnu.record_number = s.record_number;
+        if (s.direct) tell_record(unit, s.record_number);
     }
     if (err != 0) give_up(s, err);
     cut_behind(s);

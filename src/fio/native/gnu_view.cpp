@@ -21,6 +21,7 @@ void describe_to_gnu(Unit& unit) {
                                                 : Delim::none;
     gnu.modes.pad = !status.pad_no;
     gnu.delim_given = status.delim_quote || status.delim_apostrophe;
+    gnu.native_records = true;
     gnu.carriage = CarriageControl::list;
     gnu.share = unit.share;
     gnu.name = unit.file.path;

@@ -21,17 +21,6 @@ struct Hooks {
     void (*print_html_string)(std::int32_t unit, const char* text, std::size_t count) = nullptr;
     void (*print_html_close)(std::int32_t unit) = nullptr;
 
-    // Unformatted records: the bodies of the statements and of their items. Each returns "go on".
-    bool (*unformatted_begin)() = nullptr;         // RSU1__
-    bool (*unformatted_direct_begin)() = nullptr;  // RDU1__
-    bool (*unformatted_items)(void* item, std::int64_t count, std::int32_t size,
-                              std::ptrdiff_t length) = nullptr;  // XSUX__
-    bool (*unformatted_write_end)() = nullptr;                   // WSU2__
-    bool (*unformatted_direct_write_end)() = nullptr;            // WDU2__
-
-    // Namelist statements.
-    bool (*namelist_read)() = nullptr;   // RNML__
-    bool (*namelist_write)() = nullptr;  // WNML__
 
     // An attached debugger that takes the W32STREAM_ results.
     void (*debugger_result)(const char* text) = nullptr;

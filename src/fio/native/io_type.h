@@ -23,9 +23,14 @@
 #include <mutex>
 #include <string_view>
 
+#include "fio/gnu/fault.h"
 #include "fio/native/engine_state.h"
 #include "fio/native/io_codes.h"
 #include "fio/unit.h"
+
+namespace tarn::fio {
+struct Statement;
+}
 
 namespace tarn::fio::native {
 
@@ -133,12 +138,15 @@ struct IO_type {
     std::int64_t internal_count = 0;  // of ENCODE and DECODE: the record length, whatever the item
 
     // An unformatted record.
-    std::int64_t record_bytes = 0;
-    std::int64_t statement_bytes = 0;
-    bool multi_block = false;
-    bool very_long = false;
-    std::int64_t next_block_position = 0;
-    std::int64_t record_end_position = 0;
+    std::int64_t record_bytes = 0;     // data bytes; of a record being written, those in the file
+    std::int64_t statement_bytes = 0;  // moved by the statement so far
+    bool multi_block = false;          // it doesn't fit the I/O buffer and is moved in parts
+    bool very_long = false;            // it has the longest frame
+    std::int64_t next_block_position = 0;  // of the next part to read; written: the record's start
+    std::int64_t record_end_position = 0;  // file position behind it
+    // The same on a file that a gnu statement connected; null: it isn't one.
+    Statement* gnu_record = nullptr;
+    Caller gnu_caller;
 
     // Where the outcome goes.
     ResultWord iostat;
@@ -275,6 +283,15 @@ void write_printer_line_end(Unit& unit, int& err);
 [[nodiscard]] bool BED__I(const std::int32_t* value);
 [[nodiscard]] bool BED__DP(const double* value);
 [[nodiscard]] bool BED__RX(const long double* value);
+
+// Unformatted statements: sequential and direct openings, items (`size` 1: times `length`; the
+// magnitude of any other is the element's size), and the ends.
+[[nodiscard]] bool RSU1__();
+[[nodiscard]] bool RDU1__();
+[[nodiscard]] bool XSUX__(void* item, std::int64_t count, std::int32_t size, std::ptrdiff_t length);
+[[nodiscard]] bool WSU2__();
+[[nodiscard]] bool WDU2__();
+[[nodiscard]] bool END_RU__();
 
 // Seeks to the record of a direct statement, lengthening the file if need be.
 [[nodiscard]] bool IO_direct_access_position();

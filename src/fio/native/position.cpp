@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "fio/file/native_frame.h"
 #include "fio/native/connect.h"
 #include "fio/native/hooks.h"
 #include "platform/kernel/error.h"
@@ -109,32 +110,16 @@ bool step_back_formatted(Unit& unit) {
     return err == 0 || IO_system_error(err, "IO_backspace");
 }
 
-std::uint64_t little_endian(const char* bytes, int count) {
-    std::uint64_t value = 0;
-    for (int i = count - 1; i >= 0; --i) value = value << 8 | static_cast<unsigned char>(bytes[i]);
-    return value;
-}
-
 // Where the unformatted record in front of `end` starts; -1: there is no whole record.
 std::int64_t unformatted_start(Unit& unit, std::int64_t end, int& err) {
     BackwardReader reader(unit);
-    char trailer[9];
+    char trailer[very_long_frame];
     const auto tail = static_cast<std::size_t>(std::min<std::int64_t>(end, sizeof trailer));
     if (tail == 0 || !reader.read(end - static_cast<std::int64_t>(tail), trailer, tail)) {
         err = reader.error();
         return -1;
     }
-    const auto marker = static_cast<unsigned char>(trailer[tail - 1]);
-    std::uint64_t length = marker;
-    std::int64_t framing = 2;
-    if (marker == 255 || marker == 254) {
-        const int width = marker == 255 ? 4 : 8;
-        if (tail < static_cast<std::size_t>(width) + 1) return -1;
-        length = little_endian(trailer + tail - 1 - width, width);
-        framing = 2 * (width + 1);
-    }
-    if (end < framing || length > static_cast<std::uint64_t>(end - framing)) return -1;
-    return end - framing - static_cast<std::int64_t>(length);
+    return native_record_start(end, trailer, tail);
 }
 
 bool step_back_unformatted(Unit& unit) {

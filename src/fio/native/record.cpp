@@ -280,8 +280,10 @@ bool write_record(IO_type& io, Ending ending) {
     if (io.internal_file) return write_internal_record(io);
     Unit& unit = *io.unit;
     const bool direct = is_direct(io.action);
-    const bool ends_line = ending == Ending::line || direct ||
-                           (ending == Ending::statement && !io.non_advancing && !io.no_line_end);
+    const bool ends_line =
+        direct ? !is_gnu_file(unit)
+               : ending == Ending::line ||
+                     (ending == Ending::statement && !io.non_advancing && !io.no_line_end);
     if (!direct && ending != Ending::part) ++unit.current_record;
     std::int64_t length = io.high_water - io.record_start;
     if (direct) {

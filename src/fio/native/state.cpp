@@ -6,6 +6,7 @@
 #include <new>
 
 #include "fio/gnu/connection.h"
+#include "fio/gnu/unformatted.h"
 #include "fio/native/connect.h"
 #include "frame/state.h"
 
@@ -136,6 +137,9 @@ void newIO() {
 }
 
 void let_unit_go(IO_type& io) {
+    // A statement that was left on the way.
+    if (io.gnu_record != nullptr) end_unformatted_on(io.gnu_record);
+    io.gnu_record = nullptr;
     release_unit(io.held_unit);
     io.held_unit = nullptr;
 }
@@ -159,6 +163,7 @@ void useTempIO() {
     s.saved_io = s.current_io;
     *s.temp_io = *s.saved_io;
     s.temp_io->held_unit = nullptr;
+    s.temp_io->gnu_record = nullptr;
     s.temp_io->dynamic_buffer = false;  // borrowed from the statement that is interrupted
     s.temp_io->outer_ansi_mode = s.ansi_mode;
     s.temp_io->outer_format_position = s.format_position;

@@ -6,6 +6,7 @@
 #include "failure/failure.h"
 #include "fio/native/connect.h"
 #include "fio/native/hooks.h"
+#include "fio/native/namelist.h"
 
 namespace tarn::fio::native {
 namespace {
@@ -81,12 +82,8 @@ bool run_control(ActionCode action) {
     }
 }
 
-bool run_unformatted(bool (*body)()) {
-    return body != nullptr ? body() : IO_not_available("Unformatted transfer is not available");
-}
-
+// The statement is over when its body returns.
 bool run_namelist(bool (*body)()) {
-    if (body == nullptr) return IO_not_available("Namelist transfer is not available");
     if (!body()) return false;
     release_record();
     return true;
@@ -97,14 +94,14 @@ bool run_transfer(IO_type& io) {
     switch (io.action) {
         case ActionCode::read_unformatted:
         case ActionCode::write_unformatted:
-            return run_unformatted(hooks().unformatted_begin);
+            return RSU1__();
         case ActionCode::read_direct_unformatted:
         case ActionCode::write_direct_unformatted:
-            return run_unformatted(hooks().unformatted_direct_begin);
+            return RDU1__();
         case ActionCode::read_namelist:
-            return run_namelist(hooks().namelist_read);
+            return run_namelist(RNML__);
         case ActionCode::write_namelist:
-            return run_namelist(hooks().namelist_write);
+            return run_namelist(WNML__);
         default:
             return RSF1__(advance.address, advance.given, advance.length);
     }
@@ -280,23 +277,18 @@ Road end_formatted_statement() {
 
 Road end_unformatted_read() {
     if (state().current_io == nullptr) return Road::none;
-    return end_statement([] { return true; });
+    return end_statement(END_RU__);
 }
 
 Road end_unformatted_write(bool direct) {
     if (state().current_io == nullptr) return Road::none;
-    return end_statement([direct] {
-        const Hooks& h = hooks();
-        return run_unformatted(direct ? h.unformatted_direct_write_end : h.unformatted_write_end);
-    });
+    return end_statement(direct ? WDU2__ : WSU2__);
 }
 
 void transfer_unformatted(void* item, std::int64_t count, std::int32_t size,
                           std::ptrdiff_t length) {
     if (items_are_ignored() || count <= 0) return;
-    const auto body = hooks().unformatted_items;
-    conclude(body != nullptr ? body(item, count, size, length)
-                             : IO_not_available("Unformatted transfer is not available"));
+    conclude(XSUX__(item, count, size, length));
 }
 
 }  // namespace tarn::fio::native

@@ -168,7 +168,7 @@ bool check_external(IO_type& io) {
     } else {
         if (status.direct && !IO_error(90)) return false;
         if (io.record_no > 0 && !status.stream && !IO_error(90)) return false;
-        if (!check_direction(io) || !cut_file(io)) return false;
+        if (!take_direction(io)) return false;
     }
     io.blank_null = status.blank_null;
     return true;
@@ -389,6 +389,10 @@ bool read_transparent_field(IO_type& io, std::int64_t width) {
 }
 
 }  // namespace
+
+bool take_direction(IO_type& io) {
+    return check_direction(io) && cut_file(io);
+}
 
 bool RSF1__(const char* advance, bool given, std::ptrdiff_t length) {
     IO_type& io = current();

@@ -37,6 +37,8 @@ inline constexpr std::uint32_t has_delim = 1U << 21;
 inline constexpr std::uint32_t has_pad = 1U << 22;
 inline constexpr std::uint32_t has_round = 1U << 23;
 inline constexpr std::uint32_t has_sign = 1U << 24;
+// The library's own, which compiled code leaves out: the block knows the variables of its group.
+inline constexpr std::uint32_t has_variables = 1U << 31;
 inline constexpr std::uint32_t has_some_mode = has_advance | has_asynchronous | has_blank |
                                                has_decimal | has_delim | has_pad | has_round |
                                                has_sign;
@@ -73,12 +75,23 @@ struct ArrayDescriptor {
 };
 static_assert(offsetof(ArrayDescriptor, dimension) == 40);
 
+// What gfortran passes by value of a variable's type, as it stands in a descriptor, too.
+struct TypeWords {
+    std::size_t element_length;
+    std::int32_t version;
+    std::int8_t rank;
+    std::int8_t type;
+    std::int16_t attribute;
+};
+static_assert(sizeof(TypeWords) == 16);
+
 enum class Owner : std::uint64_t { none, gnu, native };
 
 // The library's own part of a block.
 struct PrivatePart {
     Owner owner;
     void* statement;
+    fio::NamelistGroup* namelist;  // under `has_variables`
     fio::Caller caller;
 };
 static_assert(sizeof(PrivatePart) <= 256);

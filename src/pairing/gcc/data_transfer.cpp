@@ -1,6 +1,7 @@
 #include "pairing/gcc/data_transfer.h"
 
 #include "fio/gnu/items.h"
+#include "pairing/gcc/namelist.h"
 
 namespace tarn::gcc {
 
@@ -63,21 +64,6 @@ Statement& statement_of(DataBlock& block) {
     return *static_cast<Statement*>(block.part().statement);
 }
 
-ItemType item_type(std::int8_t type) {
-    switch (type) {
-        case 1:
-            return ItemType::integer;
-        case 2:
-            return ItemType::logical;
-        case 3:
-            return ItemType::real;
-        case 4:
-            return ItemType::complex;
-        default:
-            return ItemType::character;
-    }
-}
-
 using ItemRow = void (*)(DataBlock& block, ItemType type, char* items, int kind, std::size_t size,
                          std::int64_t stride, std::int64_t count);
 
@@ -89,15 +75,19 @@ void gnu_row(DataBlock& block, ItemType type, char* items, int kind, std::size_t
 
 void native_row(DataBlock& block, ItemType type, char* items, int kind, std::size_t size,
                 std::int64_t stride, std::int64_t count) {
-    for (; count > 0; --count, items += stride) {
-        if (!native_road().transfer(&block, type, items, kind, size)) return;
-    }
+    native_road().row(&block, type, items, kind, size, stride, count);
 }
 
 // Steps through the array, one innermost row at a time; rows that follow each other in memory go
 // as one.
 void walk(DataBlock& block, const ArrayDescriptor& array, ItemType type, int kind, std::size_t size,
           ItemRow row) {
+    if (array.rank == 1) {
+        const Dimension& only = array.dimension[0];
+        const std::int64_t count = only.extent();
+        if (count > 0) row(block, type, array.base, kind, size, only.stride * array.unit(), count);
+        return;
+    }
     std::int64_t extent[15];
     std::int64_t stride[15];
     int rank = 0;
@@ -143,7 +133,7 @@ const char* format_of(const DataBlock& block) {
     specs.list_directed = (flags & list_directed) != 0;
     specs.format = format_of(block);
     specs.format_length = specs.format != nullptr ? block.format_length : 0;
-    specs.is_namelist = (flags & has_namelist) != 0;
+    if ((flags & has_namelist) != 0) specs.namelist = &group_of(block);
     specs.has_rec = (flags & has_rec) != 0;
     specs.rec = specs.has_rec ? block.rec : 0;
     specs.has_pos = (flags & has_pos) != 0;
@@ -166,6 +156,21 @@ const char* format_of(const DataBlock& block) {
 
 }  // namespace
 
+ItemType item_type(std::int8_t type) {
+    switch (type) {
+        case 1:
+            return ItemType::integer;
+        case 2:
+            return ItemType::logical;
+        case 3:
+            return ItemType::real;
+        case 4:
+            return ItemType::complex;
+        default:
+            return ItemType::character;
+    }
+}
+
 NativeRoad& native_road() {
     static NativeRoad road;
     return road;
@@ -176,10 +181,11 @@ void begin_data_transfer(DataBlock& block, bool reading) {
     part.owner = Owner::gnu;
     fill_caller(block, part.caller);
     const std::uint32_t flags = block.flags;
-    if ((flags & (reading ? unusual_in_read : unusual_in_write)) == 0 &&
-        (flags & (has_format | list_directed)) != 0) {
-        part.statement =
-            fio::begin_usual_transfer(part.caller, reading, format_of(block), block.format_length);
+    if ((flags & (reading ? unusual_in_read : unusual_in_write)) == 0) {
+        part.statement = (flags & (has_format | list_directed)) != 0
+                             ? fio::begin_usual_transfer(part.caller, reading, format_of(block),
+                                                         block.format_length)
+                             : fio::begin_usual_records(part.caller, reading);
         if (part.statement != nullptr) return;
     }
     part.statement = begin_any(block, reading);
@@ -196,9 +202,13 @@ void begin_measuring(DataBlock& block) {
 
 void end_data_transfer(DataBlock& block) {
     PrivatePart& part = block.part();
-    if (part.owner == Owner::native) return native_road().done(&block);
+    if (part.owner == Owner::native) {
+        native_road().done(&block);
+        return release_group(block);
+    }
     end_transfer(static_cast<Statement*>(part.statement));
     part.owner = Owner::none;
+    release_group(block);
     block.flags |= static_cast<std::uint32_t>(part.caller.outcome);
 }
 
@@ -226,12 +236,6 @@ void transfer_array(DataBlock& block, const ArrayDescriptor& array, int kind,
     const std::size_t size = type == ItemType::character ? character_length : array.element_length;
     const bool native = block.part().owner == Owner::native;
     walk(block, array, type, kind, size, native ? native_row : gnu_row);
-}
-
-void refuse_derived(DataBlock& block) {
-    if (block.part().owner != Owner::gnu || statement_of(block).failed) return;
-    fail(statement_of(block), {156, fio::iostat_internal},
-         "input and output by a procedure of the type is not there yet");
 }
 
 }  // namespace tarn::gcc

@@ -84,19 +84,8 @@ TARN_EXPORT void _gfortran_transfer_array_write(DataBlock* block, ArrayDescripto
                                                 std::size_t character_length)
     TARN_ALIAS(_gfortran_transfer_array);
 
-// An item of a derived type with a procedure of its own for it: the statement says that this
-// isn't there yet.
-TARN_EXPORT void _gfortran_transfer_derived(DataBlock* block, void*, void*) {
-    tarn::gcc::refuse_derived(*block);
+TARN_EXPORT void _gfortran_transfer_derived(DataBlock* block, void* object, void* routine) {
+    tarn::gcc::transfer_derived(*block, object, routine);
 }
-
-// The variables of a namelist group, told after the statement has been opened. It has failed with
-// a message by then.
-TARN_EXPORT void _gfortran_st_set_nml_var(DataBlock*, void*, char*, std::int32_t, std::size_t,
-                                          std::int64_t) {}
-TARN_EXPORT void _gfortran_st_set_nml_dtio_var(DataBlock*, void*, char*, std::int32_t, std::size_t,
-                                               std::int64_t, void*, void*) {}
-TARN_EXPORT void _gfortran_st_set_nml_var_dim(DataBlock*, std::int32_t, std::int64_t, std::int64_t,
-                                              std::int64_t) {}
 
 }  // extern "C"

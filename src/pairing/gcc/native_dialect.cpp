@@ -9,6 +9,8 @@
 #include "fio/unit.h"
 #include "frame/link_name.h"
 #include "pairing/gcc/data_transfer.h"
+#include "pairing/gcc/namelist.h"
+#include "pairing/gcc/native_namelist.h"
 #include "pairing/gcc/unit_blocks.h"
 
 namespace tarn::gcc {
@@ -91,7 +93,8 @@ std::int64_t contiguous_records(const ArrayDescriptor& array) {
 // What the statement asks for and the dialect doesn't have; empty: nothing.
 std::string_view missing_feature(const DataBlock& block) {
     const std::uint32_t flags = block.flags;
-    if ((flags & has_namelist) != 0) return "Namelist transfer is not available";
+    if ((flags & has_namelist) != 0 && (flags & has_internal_unit) != 0)
+        return "NAMELIST on an internal file is not available in the native dialect";
     const struct {
         std::uint32_t flag;
         const char* text;
@@ -142,13 +145,28 @@ void set_transfer_words(DataBlock& block) {
     if ((flags & has_id) != 0) *block.id = 0;  // transfers are over when they return
 }
 
+// The whole of it: a namelist statement has no items, and its end finds nothing left to do.
+void run_namelist(DataBlock& block) {
+    const fio::NamelistGroup& group = group_of(block);
+    NamelistTableBuilder builder(upper_name(group.name));
+    std::string missing(missing_feature(block));
+    if (missing.empty()) missing = describe_group(group, builder);
+    setOption(IOCode::namelist, TypeCode::none, const_cast<void*>(builder.table()), -1);
+    fio::Outcome& outcome = block.part().caller.outcome;
+    outcome = fio::Outcome::ok;
+    if (missing.empty() ? doIO() : IO_not_available(missing)) return;
+    outcome = static_cast<fio::Outcome>(current().taken_road);
+    leave_statement();
+}
+
 void begin_native_transfer(DataBlock& block, bool reading) {
     enter();
-    native_road() = {native_transfer, native_done};
+    native_road() = {native_transfer, native_row, native_refuse_derived, native_done};
     block.part().owner = Owner::native;
     beginIO(action_of(block, reading));
     set_outcome_words(common_part(block));
     set_transfer_words(block);
+    if ((block.flags & has_namelist) != 0) return run_namelist(block);
     const std::string_view missing = missing_feature(block);
     conclude(missing.empty() ? doIO() : IO_not_available(missing));
 }
@@ -196,6 +214,20 @@ bool transfer_formatted(IO_type& io, ItemType type, void* item, int kind, std::s
     if (road.size == 0) return refuse_kind(type, kind);
     io.item_size = road.size;
     return reading ? road.read(item, 1) : road.write(item, 1);
+}
+
+// The parts of `count` items that are a number, or a character, each.
+bool transfer_bytes(ItemType type, void* items, int kind, std::size_t size, std::int64_t count) {
+    auto element = static_cast<std::int32_t>(size);
+    if (type == ItemType::character) {
+        element = kind;
+        count *= static_cast<std::int64_t>(size);
+    } else if (type == ItemType::complex) {
+        element /= 2;
+        count *= 2;
+    }
+    transfer_unformatted(items, count, -element, 0);
+    return !items_are_ignored();
 }
 
 bool is_formatted(ActionCode action) {
@@ -410,23 +442,39 @@ bool native_transfer(void* block, ItemType type, void* item, int kind, std::size
     (void)block;
     if (items_are_ignored()) return false;
     IO_type& io = current();
-    if (!is_formatted(io.action)) {
-        // CHARACTER goes by its length; every other item is its bytes.
-        const bool text = type == ItemType::character;
-        transfer_unformatted(item, 1, text ? 1 : -static_cast<std::int32_t>(length),
-                             static_cast<std::ptrdiff_t>(length) * kind);
-        return !items_are_ignored();
-    }
+    if (!is_formatted(io.action)) return transfer_bytes(type, item, kind, length, 1);
     const bool go_on = transfer_formatted(io, type, item, kind, length);
     conclude(go_on);
     return go_on;
 }
 
+void native_row(void* block, ItemType type, void* items, int kind, std::size_t size,
+                std::int64_t stride, std::int64_t count) {
+    const std::size_t bytes =
+        type == ItemType::character ? size * static_cast<std::size_t>(kind) : size;
+    const bool dense = stride == static_cast<std::int64_t>(bytes);
+    if (dense && !items_are_ignored() && !is_formatted(current().action)) {
+        transfer_bytes(type, items, kind, size, count);
+        return;
+    }
+    auto* item = static_cast<char*>(items);
+    for (; count > 0; --count, item += stride) {
+        if (!native_transfer(block, type, item, kind, size)) return;
+    }
+}
+
+void native_refuse_derived(void*) {
+    if (items_are_ignored()) return;
+    conclude(IO_not_available("Input and output by procedures of derived types is not available"));
+}
+
 void native_done(void* block) {
     auto& data = *static_cast<DataBlock*>(block);
-    const Road road = end_native_transfer(current().action);
+    const bool over = (data.flags & has_namelist) != 0;
+    const auto road = over ? static_cast<std::uint32_t>(data.part().caller.outcome)
+                           : static_cast<std::uint32_t>(end_native_transfer(current().action));
     data.part().owner = Owner::none;
-    data.flags |= static_cast<std::uint32_t>(road);
+    data.flags |= road;
     leave();
 }
 

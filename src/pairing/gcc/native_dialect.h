@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 
 #include "fio/gnu/item.h"
 
@@ -11,6 +12,11 @@ namespace tarn::gcc {
 
 // One item; false: the statement has failed, and what follows is ignored.
 bool native_transfer(void* block, fio::ItemType type, void* item, int kind, std::size_t length);
+// Items `stride` bytes apart.
+void native_row(void* block, fio::ItemType type, void* items, int kind, std::size_t size,
+                std::int64_t stride, std::int64_t count);
+// An item with a procedure of its own: the dialect has none of that.
+void native_refuse_derived(void* block);
 void native_done(void* block);
 
 }  // namespace tarn::gcc

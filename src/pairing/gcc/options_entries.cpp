@@ -2,6 +2,7 @@
 #include <cstdint>
 
 #include "fio/gnu/options.h"
+#include "frame/debug_info.h"
 #include "frame/float_control.h"
 #include "frame/link_name.h"
 #include "frame/state.h"
@@ -43,6 +44,10 @@ TARN_EXPORT void _gfortran_set_max_subrecord_length(std::int32_t bytes) {
 TARN_EXPORT void _gfortran_set_fpe(std::int32_t traps) {
     tarn::frame::ensure_up();
     std::uint16_t unmasked = traps & platform::fp_all;
-    if (unmasked != 0) tarn::frame::and_words(static_cast<std::uint16_t>(~unmasked));
+    if (unmasked == 0) return;
+    // Who asks the compiler for a trap on underflow wants to be told, not to have it repaired.
+    if ((unmasked & (platform::fp_underflow | platform::fp_denormal)) != 0)
+        tarn::frame::debug_info().permit_underflow = 0;
+    tarn::frame::and_words(static_cast<std::uint16_t>(~unmasked));
 }
 }

@@ -8,7 +8,9 @@
 #include "frame/link_name.h"
 #include "frame/state.h"
 #include "platform/kernel/console.h"
+#include "platform/kernel/fault.h"
 #include "platform/kernel/float_unit.h"
+#include "traceback/traceback.h"
 
 namespace tarn::gcc {
 namespace {
@@ -38,6 +40,14 @@ std::string note() {
         if (!text.empty()) say(text);
     }
     std::exit(status);
+}
+
+// An error's stop tells where the program stood, as a failure does.
+[[noreturn, gnu::noinline]] void error_stop(std::string words, int status, bool quiet) {
+    frame::ensure_up();
+    if (!quiet && (frame::traceback_flags() & frame::tb_no_traceback) == 0)
+        words.append(traceback::console_text(traceback::registers_here(), traceback::Place::call));
+    stop(words, status, quiet);
 }
 
 std::string line(std::string_view keyword, const char* text, std::size_t length) {
@@ -94,11 +104,11 @@ extern "C" {
     stop(text ? line("STOP", text, length) : std::string(), 0, quiet);
 }
 [[noreturn]] TARN_EXPORT void _gfortran_error_stop_numeric(std::int32_t code, bool quiet) {
-    stop("ERROR STOP " + std::to_string(code) + "\n", code, quiet);
+    error_stop("ERROR STOP " + std::to_string(code) + "\n", code, quiet);
 }
 [[noreturn]] TARN_EXPORT void _gfortran_error_stop_string(const char* text, std::size_t length,
                                                           bool quiet) {
-    stop(line("ERROR STOP", text, length), 1, quiet);
+    error_stop(line("ERROR STOP", text, length), 1, quiet);
 }
 
 TARN_EXPORT void _gfortran_pause_numeric(std::int32_t code) {
@@ -117,10 +127,11 @@ TARN_EXPORT void _gfortran_pause_string(const char* text, std::size_t length) {
 
 // The signal tells a debugger, a core file or a batch system; what was written comes out first.
 [[noreturn]] TARN_EXPORT void _gfortran_abort() {
-    tarn::frame::attach();
+    tarn::frame::ensure_up();
     tarn::frame::Hooks& hooks = tarn::frame::hooks();
     if (hooks.flush_fortran_units) hooks.flush_fortran_units();
-    say("Program aborted.\n");
+    // Where nobody else has the signal, its report says so.
+    if (!tarn::platform::is_watched(SIGABRT)) say("Program aborted.\n");
     std::abort();
 }
 }

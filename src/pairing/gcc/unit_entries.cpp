@@ -1,22 +1,16 @@
-// The older routines on units: FLUSH, FGET, FPUT, FGETC, FPUTC, FSEEK, FTELL, FNUM, ISATTY, TTYNAM,
-// FSTAT, as functions and as subroutines, and the kinds of their results.
-#include <cerrno>
+// The older routines on units: FLUSH, FGET, FPUT, FGETC, FPUTC, FSEEK, FTELL, FNUM, ISATTY and
+// TTYNAM, as functions and as subroutines, and the kinds of their results.
 #include <cstdlib>
 #include <cstring>
-#include <sys/stat.h>
 
 #include "fio/gnu/options.h"
 #include "fio/gnu/unit_bytes.h"
 #include "fio/unit.h"
 #include "frame/link_name.h"
+#include "pairing/gcc/system_arguments.h"
 
 namespace tarn::gcc {
 namespace {
-
-template <class Integer>
-void store(Integer* variable, std::int64_t value) {
-    if (variable != nullptr) *variable = static_cast<Integer>(value);
-}
 
 template <class Integer>
 void flush(const Integer* unit) {
@@ -31,50 +25,6 @@ int get_from_input(char* text, std::size_t length) {
 
 int put_to_output(const char* text, std::size_t length) {
     return fio::put_byte(fio::gnu_options().stdout_unit, text, length);
-}
-
-// An array of rank 1, as far as its elements have to be found.
-struct Vector {
-    void* base;
-    std::int64_t offset;
-    std::size_t element_length;
-    std::int64_t type;
-    std::int64_t span;
-    std::int64_t stride;
-    std::int64_t lower_bound;
-    std::int64_t upper_bound;
-};
-
-// The thirteen values of FSTAT in their order.
-template <class Integer>
-Integer describe(std::int32_t unit, const Vector& values) {
-    constexpr std::int64_t count = 13;
-    struct stat about;
-    const int descriptor = fio::descriptor_of_unit(unit);
-    if (descriptor < 0) return EBADF;
-    if (values.upper_bound - values.lower_bound + 1 < count) return EINVAL;
-    if (::fstat(descriptor, &about) != 0) return static_cast<Integer>(errno);
-    const std::int64_t row[count] = {
-        static_cast<std::int64_t>(about.st_dev),
-        static_cast<std::int64_t>(about.st_ino),
-        static_cast<std::int64_t>(about.st_mode),
-        static_cast<std::int64_t>(about.st_nlink),
-        static_cast<std::int64_t>(about.st_uid),
-        static_cast<std::int64_t>(about.st_gid),
-        static_cast<std::int64_t>(about.st_rdev),
-        about.st_size,
-        about.st_atime,
-        about.st_mtime,
-        about.st_ctime,
-        about.st_blksize,
-        about.st_blocks,
-    };
-    auto* element = static_cast<Integer*>(values.base);
-    for (const std::int64_t value : row) {
-        *element = static_cast<Integer>(value);
-        element += values.stride;
-    }
-    return 0;
 }
 
 }  // namespace
@@ -208,21 +158,6 @@ TARN_EXPORT void _gfortran_ttynam(char** name, std::size_t* length, int unit) {
     *name = used > 0 ? static_cast<char*>(std::malloc(used)) : nullptr;
     *length = *name != nullptr ? used : 0;
     if (*name != nullptr) std::memcpy(*name, text, used);
-}
-
-TARN_EXPORT std::int32_t _gfortran_fstat_i4(const std::int32_t* unit, const Vector* values) {
-    return describe<std::int32_t>(*unit, *values);
-}
-TARN_EXPORT std::int64_t _gfortran_fstat_i8(const std::int64_t* unit, const Vector* values) {
-    return describe<std::int64_t>(static_cast<std::int32_t>(*unit), *values);
-}
-TARN_EXPORT void _gfortran_fstat_i4_sub(const std::int32_t* unit, const Vector* values,
-                                        std::int32_t* status) {
-    store(status, describe<std::int32_t>(*unit, *values));
-}
-TARN_EXPORT void _gfortran_fstat_i8_sub(const std::int64_t* unit, const Vector* values,
-                                        std::int64_t* status) {
-    store(status, describe<std::int64_t>(static_cast<std::int32_t>(*unit), *values));
 }
 
 }  // extern "C"

@@ -241,7 +241,7 @@ enum : std::uint32_t {
     PM_REMOVE = 1,
 };
 inline constexpr std::intptr_t HTTRANSPARENT = -1;  // the window below is asked
-inline constexpr std::int32_t WHEEL_DELTA = 120;  // of one notch
+inline constexpr std::int32_t WHEEL_DELTA = 120;    // of one notch
 inline constexpr std::int32_t HWND_TOP = 0, HWND_BOTTOM = 1, HWND_TOPMOST = -1, HWND_NOTOPMOST = -2;
 inline constexpr std::int32_t CW_USEDEFAULT = INT32_MIN;
 inline constexpr std::int32_t GWL_WNDPROC = -4, GWL_HWNDPARENT = -8, GWL_ID = -12, GWL_STYLE = -16,
@@ -381,6 +381,7 @@ enum : std::uint32_t {
     MF_GRAYED = 1,
     MF_DISABLED = 2,
     MF_BITMAP = 4,
+    MF_RIGHTJUSTIFY = 0x4000,
     MF_CHECKED = 8,
     MF_POPUP = 0x10,
     MF_MENUBREAK = 0x40,

@@ -9,6 +9,7 @@
 
 namespace tarn::platform {
 
+constexpr std::int32_t field_inset = 2;  // of the field in the box
 constexpr std::int32_t default_combo_rows = 10;  // of a list whose height nobody told
 
 struct ComboBox : Control {

@@ -69,4 +69,14 @@ char32_t typed_character(UINT message, WPARAM wparam) {
     return next_code_point(utf8, at);
 }
 
+std::int32_t scrolled_to(HWND hwnd, std::int32_t bar, std::int32_t code, ScrollValues values,
+                         std::int32_t line) {
+    if (code == SB_THUMBTRACK || code == SB_THUMBPOSITION) {
+        SCROLLINFO info;
+        info.fMask = SIF_TRACKPOS | SIF_POS;
+        if (GetScrollInfo(hwnd, bar, info)) values.track = info.nTrackPos;
+    }
+    return values.after(code, line);
+}
+
 }  // namespace tarn::platform

@@ -12,6 +12,7 @@
 #include "platform/base/constants.h"
 #include "platform/base/types.h"
 #include "platform/controls/controls.h"
+#include "platform/user/scroll_bar.h"
 #include "platform/user/user.h"
 
 namespace tarn::platform {
@@ -129,6 +130,9 @@ LRESULT control_procedure(HWND hwnd, UINT message, WPARAM wparam, LPARAM lparam)
         control->hwnd = hwnd;
         SetWindowLong(hwnd, 0, reinterpret_cast<LPARAM>(control));
     }
+    // Help is the same everywhere, also in controls that keep all other keys.
+    if (message == WM_KEYDOWN && wparam == VK_F1)
+        return DefWindowProcA(hwnd, message, wparam, lparam);
     const MessageAtWork<T> work(control);
     const LRESULT result = control->handle(message, wparam, lparam);
     if (message == WM_NCDESTROY) {
@@ -137,6 +141,36 @@ LRESULT control_procedure(HWND hwnd, UINT message, WPARAM wparam, LPARAM lparam)
     }
     return result;
 }
+
+// WM_SETTEXT, WM_GETTEXT, WM_GETTEXTLENGTH, WM_SETFONT and WM_GETFONT of a control that shows one
+// `text` of its own.
+template <class T>
+LRESULT handle_label(T& control, UINT message, WPARAM wparam, LPARAM lparam) {
+    switch (message) {
+        case WM_SETTEXT:
+            if (const std::string_view to = text_argument(lparam); to != control.text) {
+                control.text = to;
+                control.repaint();
+            }
+            return 1;
+        case WM_GETTEXT:
+            return copy_text(control.text, wparam, lparam);
+        case WM_GETTEXTLENGTH:
+            return static_cast<LRESULT>(control.text.size());
+        case WM_SETFONT:
+            control.font = HFONT{static_cast<std::int32_t>(wparam)};
+            if (LOWORD(static_cast<std::uintptr_t>(lparam)) != 0) control.repaint();
+            return 0;
+        default:
+            return control.font;
+    }
+}
+
+inline constexpr std::int32_t scroll_step = 16;  // pixels of a step across
+// The position behind one message of a bar. A thumb's comes from the bar itself: the message's 16
+// bits don't reach over a long text.
+std::int32_t scrolled_to(HWND hwnd, std::int32_t bar, std::int32_t code, ScrollValues values,
+                         std::int32_t line);
 
 inline bool key_down(std::int32_t key) {
     return GetKeyState(key) < 0;

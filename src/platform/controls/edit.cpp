@@ -49,7 +49,8 @@ LRESULT Edit::get_selection(WPARAM start, LPARAM end) const {
     return static_cast<LRESULT>(from | to << 16);
 }
 
-// A start of -1 takes the selection away; an end of -1 is the end of the text.
+// A start of -1 takes the selection away; an end of -1 is the end of the text. Everything selected,
+// as a box is when it gets the focus, leaves the view where it is: on the beginning, mostly.
 void Edit::select_by_message(WPARAM start, LPARAM end) {
     const auto from = static_cast<std::int32_t>(start);
     const auto to = static_cast<std::int32_t>(end);
@@ -63,7 +64,7 @@ void Edit::select_by_message(WPARAM start, LPARAM end) {
         };
         select(place(from), place(to));
     }
-    show_caret(!multi_line);
+    show_caret(!multi_line && (from != 0 || to >= 0));
 }
 
 LRESULT Edit::dialog_code(LPARAM lparam) const {
@@ -182,39 +183,14 @@ LRESULT Edit::handle_lines(UINT message, WPARAM wparam, LPARAM lparam) {
         case WM_VSCROLL: {
             if (!multi_line) return 0;
             const std::size_t before = top;
-            const std::size_t page = std::max<std::size_t>(1, visible_lines() - 1);
-            std::size_t to = top;
-            switch (LOWORD(wparam)) {
-                case SB_LINEUP:
-                    to -= std::min<std::size_t>(to, 1);
-                    break;
-                case SB_LINEDOWN:
-                    ++to;
-                    break;
-                case SB_PAGEUP:
-                    to -= std::min(to, page);
-                    break;
-                case SB_PAGEDOWN:
-                    to += page;
-                    break;
-                case SB_TOP:
-                    to = 0;
-                    break;
-                case SB_BOTTOM:
-                    to = lines.count();
-                    break;
-                case SB_THUMBTRACK:
-                case SB_THUMBPOSITION: {
-                    // The message's 16 bits don't reach over a long text.
-                    SCROLLINFO info;
-                    info.fMask = SIF_TRACKPOS | SIF_POS;
-                    GetScrollInfo(hwnd, SB_VERT, info);
-                    to = static_cast<std::size_t>(std::max(0, info.nTrackPos));
-                    break;
-                }
-                default:
-                    break;
-            }
+            ScrollValues lines_of_text;
+            lines_of_text.high =
+                static_cast<std::int32_t>(std::min<std::size_t>(lines.count(), INT32_MAX)) - 1;
+            lines_of_text.position =
+                static_cast<std::int32_t>(std::min<std::size_t>(top, INT32_MAX));
+            lines_of_text.page = static_cast<UINT>(std::max<std::size_t>(1, visible_lines() - 1));
+            const auto to = static_cast<std::size_t>(
+                scrolled_to(hwnd, SB_VERT, LOWORD(wparam), lines_of_text, 1));
             scroll_to(to, scroll_x);
             if (dead || message == WM_VSCROLL) return 0;
             const auto moved = static_cast<std::int32_t>(top) - static_cast<std::int32_t>(before);
@@ -222,40 +198,11 @@ LRESULT Edit::handle_lines(UINT message, WPARAM wparam, LPARAM lparam) {
         }
         case WM_HSCROLL: {
             if (wrap_width >= 0) return 0;
-            const std::int32_t page = area().width();
-            std::int32_t to = scroll_x;
-            switch (LOWORD(wparam)) {
-                case SB_LINEUP:
-                    to -= 16;
-                    break;
-                case SB_LINEDOWN:
-                    to += 16;
-                    break;
-                case SB_PAGEUP:
-                    to -= page;
-                    break;
-                case SB_PAGEDOWN:
-                    to += page;
-                    break;
-                case SB_TOP:
-                    to = 0;
-                    break;
-                case SB_BOTTOM:
-                    to = INT32_MAX / 2;
-                    break;
-                case SB_THUMBTRACK:
-                case SB_THUMBPOSITION: {
-                    SCROLLINFO info;
-                    info.fMask = SIF_TRACKPOS | SIF_POS;
-                    GetScrollInfo(hwnd, SB_HORZ, info);
-                    to = info.nTrackPos;
-                    break;
-                }
-                default:
-                    break;
-            }
-            scroll_to(top,
-                      std::clamp(to, 0, std::max(0, static_cast<std::int32_t>(widest) + 2 - page)));
+            ScrollValues pixels;
+            pixels.high = static_cast<std::int32_t>(widest) + 1;
+            pixels.position = scroll_x;
+            pixels.page = static_cast<UINT>(std::max(0, area().width()));
+            scroll_to(top, scrolled_to(hwnd, SB_HORZ, LOWORD(wparam), pixels, scroll_step));
             return 0;
         }
         default:

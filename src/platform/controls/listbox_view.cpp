@@ -144,41 +144,15 @@ void ListBox::repaint_item(std::int32_t index) const {
 
 void ListBox::scroll(bool vertical, std::int32_t code) {
     const bool across = !vertical && !columns();
-    SCROLLINFO info;
-    info.fMask = SIF_ALL;
-    if (code == SB_THUMBTRACK || code == SB_THUMBPOSITION) {
-        GetScrollInfo(hwnd, vertical ? SB_VERT : SB_HORZ, info);
-    }
-    const std::int32_t line = across ? 16 : columns() ? rows() : 1;
-    const std::int32_t page =
-        across ? std::max(16, client().width() - 16) : std::max(1, in_view() - (columns() ? 0 : 1));
-    std::int32_t to = across ? scroll_x : top;
-    switch (code) {
-        case SB_LINEUP:
-            to -= line;
-            break;
-        case SB_LINEDOWN:
-            to += line;
-            break;
-        case SB_PAGEUP:
-            to -= page;
-            break;
-        case SB_PAGEDOWN:
-            to += page;
-            break;
-        case SB_TOP:
-            to = 0;
-            break;
-        case SB_BOTTOM:
-            to = INT32_MAX / 4;
-            break;
-        case SB_THUMBTRACK:
-        case SB_THUMBPOSITION:
-            to = columns() ? info.nTrackPos * rows() : info.nTrackPos;
-            break;
-        default:
-            return;
-    }
+    // A list in columns scrolls by whole ones.
+    const std::int32_t unit = columns() && !across ? rows() : 1;
+    ScrollValues values;
+    values.high = INT32_MAX / 4 / unit;
+    values.position = (across ? scroll_x : top) / unit;
+    values.page = static_cast<UINT>(across ? std::max(scroll_step, client().width() - scroll_step)
+                                           : std::max(1, in_view() - (columns() ? 0 : 1)) / unit);
+    const std::int32_t bar = vertical ? SB_VERT : SB_HORZ;
+    const std::int32_t to = unit * scrolled_to(hwnd, bar, code, values, across ? scroll_step : 1);
     if (across) {
         scroll_across(to);
     } else {

@@ -66,6 +66,12 @@ void button_facts(HWND hwnd, ControlFacts& facts) {
         case BS_GROUPBOX:
             facts.role = "group";
             break;
+        case BS_OWNERDRAW: {
+            // What its parent draws and the keyboard never reaches is a picture.
+            const bool reached = (GetWindowLong(hwnd, GWL_STYLE) & WS_TABSTOP) != 0;
+            facts.role = reached ? "button" : "image";
+            break;
+        }
         default:
             facts.role = "button";
             break;

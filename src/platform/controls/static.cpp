@@ -144,21 +144,11 @@ LRESULT Static::handle(UINT message, WPARAM wparam, LPARAM lparam) {
                 reinterpret_cast<LPARAM>(reinterpret_cast<const CREATESTRUCT*>(lparam)->lpszName));
             break;
         case WM_SETTEXT:
-            if (const std::string_view to = text_argument(lparam); to != text) {
-                text = to;
-                repaint();
-            }
-            return 1;
         case WM_GETTEXT:
-            return copy_text(text, wparam, lparam);
         case WM_GETTEXTLENGTH:
-            return static_cast<LRESULT>(text.size());
         case WM_SETFONT:
-            font = HFONT{static_cast<std::int32_t>(wparam)};
-            if (LOWORD(static_cast<std::uintptr_t>(lparam)) != 0) repaint();
-            return 0;
         case WM_GETFONT:
-            return font;
+            return handle_label(*this, message, wparam, lparam);
         case WM_ERASEBKGND:
             return 1;
         case WM_PAINT:

@@ -1,6 +1,7 @@
 #include "platform/gdi/theme.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstdlib>
 #include <iterator>
@@ -125,7 +126,7 @@ constexpr COLORREF Theme::*system_colours[] = {
     &Theme::caption_text,           // COLOR_CAPTIONTEXT
     &Theme::border,                 // COLOR_ACTIVEBORDER
     &Theme::border,                 // COLOR_INACTIVEBORDER
-    &Theme::face,                   // COLOR_APPWORKSPACE
+    &Theme::border,                 // COLOR_APPWORKSPACE
     &Theme::selection,              // COLOR_HIGHLIGHT
     &Theme::selection_text,         // COLOR_HIGHLIGHTTEXT
     &Theme::face,                   // COLOR_BTNFACE
@@ -140,9 +141,17 @@ constexpr COLORREF Theme::*system_colours[] = {
     &Theme::tooltip,                // COLOR_INFOBK
 };
 
+// Asked for with every text that is drawn: worked out once a level.
 float linear_part(std::uint32_t byte) {
-    const float part = static_cast<float>(byte & 0xFF) / 255.0F;
-    return part <= 0.04045F ? part / 12.92F : std::pow((part + 0.055F) / 1.055F, 2.4F);
+    static const auto* const levels = [] {
+        auto* all = new std::array<float, 256>;
+        for (std::size_t i = 0; i < all->size(); ++i) {
+            const float part = static_cast<float>(i) / 255.0F;
+            (*all)[i] = part <= 0.04045F ? part / 12.92F : std::pow((part + 0.055F) / 1.055F, 2.4F);
+        }
+        return all;
+    }();
+    return (*levels)[byte & 0xFF];
 }
 
 float luminance(COLORREF colour) {

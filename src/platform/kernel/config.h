@@ -10,6 +10,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace tarn::platform {
 
@@ -22,5 +23,14 @@ std::optional<std::string> find_config_value(std::string_view text, std::string_
 
 // The value from the user's file.
 std::optional<std::string> config_value(std::string_view key, std::string_view name);
+
+struct ConfigValue {
+    std::string key, name, value;  // no line ends
+};
+// Such a text with these values in place of those of the same key and name.
+std::string with_config_values(std::string_view text, const std::vector<ConfigValue>& values);
+// Writes them into the user's file, which is replaced as a whole. False: it can't be written, and
+// stays as it is.
+bool store_config_values(const std::vector<ConfigValue>& values);
 
 }  // namespace tarn::platform

@@ -36,6 +36,14 @@ constexpr Row table[] = {
     {EEXIST, 183, "A file of this name exists already."},
     {ENAMETOOLONG, 206, "The name is too long."},
     {ELOOP, 1921, "The name leads through too many links."},
+    // What no errno stands for: numbers that the library gives itself.
+    {0, 13, "The data are wrong."},
+    {0, 15, "There is no such drive."},
+    {0, 18, "There are no more."},
+    {0, 50, "That cannot be done here."},
+    {0, 112, "The disk is full."},
+    {0, 123, "The name is wrong."},
+    {0, 131, "The position lies before the start of the file."},
 };
 
 }  // namespace

@@ -16,6 +16,8 @@ inline constexpr std::uint16_t fp_overflow = 0x08;
 inline constexpr std::uint16_t fp_underflow = 0x10;
 inline constexpr std::uint16_t fp_precision = 0x20;
 inline constexpr std::uint16_t fp_all = 0x3F;
+// To nearest, extended precision, nothing traps: what the system starts a process with.
+inline constexpr std::uint16_t all_masked_word = 0x037F;
 
 // Loads masks, precision and rounding. Exceptions that are pending already are dropped first:
 // unmasking must not raise one for an operation of the past.

@@ -120,6 +120,12 @@ void drag(HWND top, POINT from, POINT to) {
     release_button(top, to, MouseButton::left);
 }
 
+void drop_files(HWND top, POINT screen, const std::vector<std::string>& paths) {
+    Event event = pointer_event(Event::Kind::drop_files, top, screen);
+    for (const std::string& path : paths) event.text += path + "\n";
+    inject_event(event);
+}
+
 void turn_wheel(HWND top, POINT screen, std::int32_t notches) {
     move_pointer(top, screen);
     for (std::int32_t i = std::abs(notches); i > 0; --i) {

@@ -1,7 +1,9 @@
 // A user's hands: events as the display would make them.
 #pragma once
 
+#include <string>
 #include <string_view>
+#include <vector>
 
 #include "platform/base/types.h"
 #include "platform/script/keys.h"
@@ -14,6 +16,7 @@ enum class MouseButton : std::int32_t { left = 1, middle = 2, right = 3 };
 void move_pointer(HWND top, POINT screen);
 void click(HWND top, POINT screen, MouseButton button, std::int32_t times);
 void drag(HWND top, POINT from, POINT to);
+void drop_files(HWND top, POINT screen, const std::vector<std::string>& paths);
 void turn_wheel(HWND top, POINT screen, std::int32_t notches);  // up positive
 
 void press_key(HWND top, const Key& key);

@@ -31,6 +31,8 @@ constexpr Form forms[] = {
     {"release", Command::release, "K"},
     {"drag", Command::drag, "TOtTO"},
     {"wheel", Command::wheel, "TI"},
+    {"hover", Command::hover, "TO"},
+    {"drop", Command::drop, "TOL"},
     {"wait idle", Command::wait_idle, ""},
     {"wait", Command::wait, "D"},
     {"focus", Command::focus, "T"},

@@ -22,6 +22,8 @@ enum class Command : std::uint8_t {
     release,
     drag,
     wheel,
+    hover,
+    drop,
     wait_idle,
     wait,
     focus,

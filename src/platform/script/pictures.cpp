@@ -1,5 +1,6 @@
 #include "platform/script/pictures.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
@@ -43,6 +44,40 @@ std::string line_of(HWND top, const std::vector<ScriptControl>& all, const Scrip
     return line + "\n";
 }
 
+// Several surfaces where they stand on the screen, the last over the others; clear between them.
+bool write_together(const std::vector<HWND>& windows, const std::string& path) {
+    struct Piece {
+        const Surface* surface;
+        RECT place;  // real pixels
+    };
+    std::vector<Piece> pieces;
+    RECT bounds;
+    for (HWND each : windows) {
+        const Surface* surface = window_surface(each);
+        RECT rect;
+        if (!surface || !surface->pixels || !window_surface_rect(each, rect)) continue;
+        const std::int32_t left = surface->to_real(rect.left), top = surface->to_real(rect.top);
+        const RECT place{left, top, left + surface->width, top + surface->height};
+        if (pieces.empty()) bounds = place;
+        bounds = {std::min(bounds.left, place.left), std::min(bounds.top, place.top),
+                  std::max(bounds.right, place.right), std::max(bounds.bottom, place.bottom)};
+        pieces.push_back({surface, place});
+    }
+    const std::int32_t width = bounds.width(), height = bounds.height();
+    std::vector<std::uint32_t> pixels(static_cast<std::size_t>(width) *
+                                      static_cast<std::size_t>(height));
+    for (const Piece& piece : pieces) {
+        for (std::int32_t y = 0; y < piece.surface->height; ++y) {
+            const std::uint32_t* from =
+                piece.surface->pixels + std::ptrdiff_t{y} * piece.surface->stride;
+            const std::ptrdiff_t row = piece.place.top - bounds.top + y;
+            std::copy_n(from, piece.surface->width,
+                        pixels.data() + row * width + (piece.place.left - bounds.left));
+        }
+    }
+    return write_png(path.c_str(), {pixels.data(), width, height, width, 1.0});
+}
+
 }  // namespace
 
 bool save_picture(HWND top, const std::string& path, std::string& why_not) {
@@ -51,9 +86,16 @@ bool save_picture(HWND top, const std::string& path, std::string& why_not) {
         why_not = "the window has no picture";
         return false;
     }
-    if (write_png(path.c_str(), *surface)) return true;
-    why_not = failure(path);
-    return false;
+    std::vector<HWND> over = popups_over(top);
+    bool written = false;
+    if (over.empty()) {
+        written = write_png(path.c_str(), *surface);
+    } else {
+        over.insert(over.begin(), top);
+        written = write_together(over, path);
+    }
+    if (!written) why_not = failure(path);
+    return written;
 }
 
 std::string tree_of(HWND top) {

@@ -184,7 +184,8 @@ bool is_enabled(HWND top, HWND hwnd) {
 }
 
 // The point on the screen that a target means; a control must be there for its user.
-bool find_point(HWND top, const Target& target, POINT& screen, std::string& why_not) {
+bool find_point(HWND top, const Target& target, bool disabled_too, POINT& screen,
+                std::string& why_not) {
     if (target.kind == Target::Kind::point) {
         screen = target.offset;
         return ClientToScreen(top, screen);
@@ -192,7 +193,7 @@ bool find_point(HWND top, const Target& target, POINT& screen, std::string& why_
     ScriptControl control;
     if (!locate(top, target, control, why_not)) return false;
     if (!control.facts.visible) return fail(why_not, "it is hidden");
-    if (!is_enabled(top, control.hwnd)) return fail(why_not, "it is disabled");
+    if (!disabled_too && !is_enabled(top, control.hwnd)) return fail(why_not, "it is disabled");
     RECT rect;
     if (!GetWindowRect(control.hwnd, rect)) return fail(why_not, "it is gone");
     screen = {(rect.left + rect.right) / 2, (rect.top + rect.bottom) / 2};
@@ -202,8 +203,11 @@ bool find_point(HWND top, const Target& target, POINT& screen, std::string& why_
 
 Outcome play_pointer(HWND top, const ScriptLine& line, std::string& why_not) {
     POINT at, to;
-    if (!find_point(top, line.target, at, why_not)) return again;
-    if (line.command == Command::drag && !find_point(top, line.other, to, why_not)) return again;
+    // The pointer rests on what is grey too: a tip tells why it is.
+    const bool disabled_too = line.command == Command::hover;
+    if (!find_point(top, line.target, disabled_too, at, why_not)) return again;
+    if (line.command == Command::drag && !find_point(top, line.other, false, to, why_not))
+        return again;
     switch (line.command) {
         case Command::double_click:
             click(top, at, MouseButton::left, 2);
@@ -219,6 +223,12 @@ Outcome play_pointer(HWND top, const ScriptLine& line, std::string& why_not) {
             break;
         case Command::wheel:
             turn_wheel(top, at, line.first);
+            break;
+        case Command::hover:
+            move_pointer(top, at);
+            break;
+        case Command::drop:
+            drop_files(top, at, line.texts);
             break;
         default:
             click(top, at, MouseButton::left, 1);
@@ -253,6 +263,8 @@ bool shows_text(HWND top, const std::string& text) {
             (control_label && control_label(control.hwnd) == text))
             return true;
     }
+    for (HWND popup : popups_over(top))  // a tip
+        if (window_text(popup) == text) return true;
     return false;
 }
 
@@ -412,6 +424,8 @@ Outcome play(const ScriptLine& line, std::string& why_not) {
         case Command::middle_click:
         case Command::drag:
         case Command::wheel:
+        case Command::hover:
+        case Command::drop:
             return play_pointer(top, line, why_not);
         case Command::type:
         case Command::key:

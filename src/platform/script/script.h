@@ -10,6 +10,8 @@
 //     press Shift           hold a key;  release Shift  lets it go
 //     drag T to T           by the left button
 //     wheel T -3            turn the wheel over T, down with a minus
+//     hover T               the pointer goes there and rests
+//     drop T "a.txt" "b"    files from another program are dropped there
 //     focus T               give T the focus
 //     menu "File" "Open"    choose from the menu bar
 //     close                 close the window as its user would;  resize W H;  move X Y

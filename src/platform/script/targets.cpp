@@ -236,6 +236,17 @@ HWND current_window() {
     return newest;
 }
 
+std::vector<HWND> popups_over(HWND top) {
+    std::vector<HWND> all;
+    for (HWND each = first_window(); each; each = next_top_level(each)) {
+        if (each == top || !IsWindowVisible(each) || is_main_window(each)) continue;
+        HWND owner = GetParent(each);
+        while (owner && owner != top) owner = GetParent(owner);
+        if (owner || (!GetParent(each) && top == GetActiveWindow())) all.push_back(each);
+    }
+    return all;
+}
+
 std::string list_of_windows() {
     std::string list;
     for (HWND top = first_window(); top; top = next_top_level(top)) {

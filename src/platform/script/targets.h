@@ -35,6 +35,8 @@ bool title_matches(std::string_view title, std::string_view pattern);
 HWND find_window(std::string_view title);
 // The one that a user would look at: active, else the newest that isn't disabled.
 HWND current_window();
+// Menus, drop-downs and tips that are open over a window.
+std::vector<HWND> popups_over(HWND top);
 std::string list_of_windows();
 // A window of its own that a user would call so, not a drop-down.
 bool is_main_window(HWND top);

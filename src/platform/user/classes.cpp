@@ -150,10 +150,12 @@ LPARAM SetWindowLong(HWND hwnd, std::int32_t index, LPARAM value) {
             return old;
         case GWL_STYLE:
             window->style = static_cast<DWORD>(value);
+            children_changed(window->parent);
             if (!window->shows()) forget_updates(*window);
             return old;
         case GWL_EXSTYLE:
             window->ex_style = static_cast<DWORD>(value);
+            children_changed(window->parent);
             return old;
         case GWL_USERDATA:
             window->user_data = value;

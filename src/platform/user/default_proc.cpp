@@ -86,6 +86,11 @@ void context_menu_by_key(Window& window) {
 LRESULT key_down(Window& window, UINT message, WPARAM wparam, LPARAM lparam) {
     const bool alt = (lparam >> 29 & 1) != 0;
     if (wparam == VK_F10 && GetKeyState(VK_SHIFT) < 0) context_menu_by_key(window);
+    if (wparam == VK_F1 && message == WM_KEYDOWN) {
+        HELPINFO info{0, static_cast<std::int32_t>(window.id), window.handle,
+                      state().input.pointer};
+        return call(window, WM_HELP, 0, reinterpret_cast<LPARAM>(&info));
+    }
     if (message == WM_SYSKEYDOWN && wparam == VK_F4 && alt) {
         Window& top = top_of(window);
         if ((top.style & WS_DISABLED) == 0) PostMessageA(top.handle, WM_SYSCOMMAND, SC_CLOSE, 0);
@@ -254,6 +259,7 @@ LRESULT default_procedure(HWND hwnd, UINT message, WPARAM wparam, LPARAM lparam,
             return 0;
         }
         case WM_CONTEXTMENU:
+        case WM_HELP:
             if (window->parent != nullptr) call(*window->parent, message, wparam, lparam);
             return 0;
         case WM_CANCELMODE:

@@ -225,6 +225,9 @@ MenuLayout layout_bar(HMENU menu, HWND owner, std::int32_t width, RECT& system_b
             x = bar_inset;
             y += row;
         }
+        // At the right end of its row, if it is the last one.
+        if ((item.flags & MF_RIGHTJUSTIFY) != 0 && i + 1 == count)
+            x = std::max(x, width - bar_inset - w);
         layout.items.push_back({x, y, x + w, y + row});
         x += w;
     }

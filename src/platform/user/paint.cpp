@@ -169,7 +169,7 @@ Region visible_region(const Window& window, bool whole) {
         at.y -= w->rect.top + w->client.top;
         region.intersect(moved(client_area(*w->parent), at.x, at.y));
         if (region.empty()) break;
-        if ((w->style & WS_CLIPSIBLINGS) == 0) continue;
+        if ((w->style & WS_CLIPSIBLINGS) == 0 || !has_something_over(*w)) continue;
         for (const Window* over = w->above; over != nullptr; over = over->above) {
             if ((over->style & WS_VISIBLE) == 0 || !overlap(over->rect, w->rect)) continue;
             if ((over->ex_style & WS_EX_TRANSPARENT) != 0) continue;

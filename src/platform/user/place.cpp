@@ -62,6 +62,7 @@ void set_window_rect(Window& window, const RECT& rect, UINT flags, bool from_dis
     const bool resized = rect.width() != old.width() || rect.height() != old.height();
     const bool shifted = rect.left != old.left || rect.top != old.top;
     w->rect = rect;
+    children_changed(w->parent);
     if (resized || (flags & SWP_FRAMECHANGED) != 0) update_client(*w);
     if (!w.alive()) return;
     const bool client_resized = w->client_size() != old_client;
@@ -147,6 +148,7 @@ void hide_window(Window& window) {
     if (!w.alive()) return;
     const bool was_shown = is_visible(*w);
     w->style &= ~WS_VISIBLE;
+    children_changed(w->parent);
     forget_updates(*w);
     if (w->top) {
         if (w->top->shown) display().show(display_id(*w), false, false);
@@ -201,6 +203,28 @@ RECT filling_parent(const Window& child) {
     return {-b, -b - caption, child.parent->client.width() + b, child.parent->client.height() + b};
 }
 
+constexpr std::int32_t minimized_width = 200;
+
+// A minimised child is its caption, at the bottom of its parent beside the ones before it.
+RECT minimized_place(const Window& child) {
+    const std::int32_t height = 2 * border_width(child) + GetSystemMetrics(SM_CYCAPTION);
+    const std::int32_t in_row = std::max(child.parent->client.width() / minimized_width, 1);
+    std::int32_t slot = 0;
+    for (const Window* c = child.parent->first_child; c != nullptr; c = c->below)
+        if (c != &child && (c->style & (WS_MINIMIZE | WS_VISIBLE)) == (WS_MINIMIZE | WS_VISIBLE))
+            ++slot;
+    const std::int32_t x = slot % in_row * minimized_width;
+    const std::int32_t y = child.parent->client.height() - (slot / in_row + 1) * height;
+    return {x, y, x + minimized_width, y + height};
+}
+
+void minimize_child(Window& child, DWORD old_style) {
+    Pinned w(&child);
+    if ((old_style & WS_MINIMIZE) != 0) return;
+    if ((old_style & WS_MAXIMIZE) == 0) w->normal_rect = w->rect;
+    set_window_rect(*w, minimized_place(*w), SWP_FRAMECHANGED, true);
+}
+
 void set_state(Window& window, WindowState wanted) {
     Pinned w(&window);
     const DWORD old = w->style;
@@ -223,16 +247,20 @@ void set_state(Window& window, WindowState wanted) {
         }
     }
     if (wanted == WindowState::minimized) {
+        if (!w->top) return minimize_child(*w, old);
         if ((old & WS_MINIMIZE) == 0) send_size(*w);
-        if (w.alive() && w->top) leave_window(*w);
+        if (w.alive()) leave_window(*w);
         return;
     }
     RECT rect = w->rect;
-    if (fills && (old & WS_MAXIMIZE) == 0) {
-        w->normal_rect = w->rect;
+    const bool was_icon = !w->top && (old & WS_MINIMIZE) != 0;
+    if (fills && !w->top && (old & WS_MAXIMIZE) != 0) {
+        rect = filling_parent(*w);  // the parent may have another size by now
+    } else if (fills && (old & WS_MAXIMIZE) == 0) {
+        if (!was_icon) w->normal_rect = w->rect;
         rect = w->top ? filling(*w, display().work_area({w->rect.left, w->rect.top}))
                       : filling_parent(*w);
-    } else if (!fills && (old & WS_MAXIMIZE) != 0) {
+    } else if (!fills && ((old & WS_MAXIMIZE) != 0 || was_icon)) {
         rect = w->normal_rect;
     }
     const bool owed = w->top && w->top->size_owed;
@@ -274,6 +302,7 @@ bool ShowWindow(HWND hwnd, std::int32_t how) {
     call(*window, WM_SHOWWINDOW, 1, 0);
     if (!window.alive() || window->dying) return false;
     window->style |= WS_VISIBLE;
+    children_changed(window->parent);
     if (window->top)
         show_top(*window, !quiet && (window->style & WS_MINIMIZE) == 0);
     else

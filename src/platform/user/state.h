@@ -155,7 +155,12 @@ struct UserState {
     MenuHooks menus;
     HWND clipboard_owner{};
 };
-UserState& state();
+// Made when first used, and used until the process ends.
+extern constinit UserState* state_record;
+UserState& make_state();
+inline UserState& state() {
+    return state_record != nullptr ? *state_record : make_state();
+}
 
 // ---- Time and the queue, for the files of this room
 // ----------------------------------------------

@@ -257,6 +257,12 @@ enum : UINT {
     ODS_DEFAULT = 0x20,
     ODA_DRAWENTIRE = 1,
 };
+struct HELPINFO {  // of WM_HELP: F1 was pressed
+    std::int32_t iContextType = 0;
+    std::int32_t iCtrlId = 0;
+    HWND hItemHandle{};
+    POINT MousePos;
+};
 struct NMHDR {
     HWND hwndFrom{};
     std::uintptr_t idFrom = 0;

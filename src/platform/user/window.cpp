@@ -5,9 +5,11 @@
 
 namespace tarn::platform {
 
-UserState& state() {
-    static UserState* const record = new UserState;
-    return *record;
+constinit UserState* state_record = nullptr;
+
+UserState& make_state() {
+    state_record = new UserState;
+    return *state_record;
 }
 
 MenuHooks& menu_hooks() {
@@ -134,12 +136,14 @@ void link_child(Window& window, Window* parent, Window* after, bool at_bottom) {
     (after != nullptr ? after->below : first_of(parent)) = &window;
     (before != nullptr ? before->above : last_of(parent)) = &window;
     count_dirty(parent, window.dirty_below);
+    children_changed(parent);
 }
 
 void unlink_child(Window& window) {
     count_dirty(window.parent, -window.dirty_below);
     (window.above != nullptr ? window.above->below : first_of(window.parent)) = window.below;
     (window.below != nullptr ? window.below->above : last_of(window.parent)) = window.above;
+    children_changed(window.parent);
     window.above = window.below = window.parent = nullptr;
 }
 

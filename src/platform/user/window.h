@@ -89,6 +89,8 @@ struct Window {
     bool dead : 1 = false;         // its handle is stale
     bool has_timers : 1 = false;
     bool accepts_files : 1 = false;
+    bool covered_known : 1 = false;  // `covered` of its children holds
+    bool covered : 1 = false;        // by a brother above it
 
     bool is_child() const { return parent != nullptr; }
     bool shows() const { return (style & WS_VISIBLE) != 0 && !no_redraw; }
@@ -137,6 +139,9 @@ bool is_visible(const Window& window);                         // with all its a
 bool can_paint(const Window& window);                          // and redrawing is on, not an icon
 void link_child(Window& window, Window* parent, Window* after, bool at_bottom);
 void unlink_child(Window& window);
+// A brother that can be seen lies over some of the window.
+bool has_something_over(const Window& window);
+void children_changed(Window* parent);                // their places, order, styles
 std::vector<HWND> children_of(const Window& window);  // from the top, safe to walk while sending
 Window*& top_levels();                                // the top of the Z order of all top-levels
 HWND oldest_top_level();

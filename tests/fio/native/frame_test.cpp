@@ -99,7 +99,7 @@ TEST(OutcomeDeath, WhatNobodyCatchesEndsTheProgram) {
             Packed statement;
             statement.unit(6).call(WSU1_hh);
         },
-        testing::ExitedWithCode(1), "Error  129, Unformatted transfer is not available");
+        testing::ExitedWithCode(1), "Error   90, ");
 }
 
 TEST(OutcomeDeath, AnInhibitedMessageIsPassedOver) {

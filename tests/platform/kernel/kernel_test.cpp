@@ -41,6 +41,14 @@ TEST(Configuration, ValuesBySectionAndName) {
     EXPECT_EQ(find_config_value("", key, "console"), std::nullopt);
 }
 
+TEST(Configuration, ChangedValuesKeepTheRestOfTheText) {
+    const std::string text = "# mine\n[A]\nx = 1\n\n[B]\ny=2\n";
+    EXPECT_EQ(with_config_values(text, {{"a", "X", "3"}}), "# mine\n[A]\nX=3\n\n[B]\ny=2\n");
+    EXPECT_EQ(with_config_values(text, {{"A", "z", "4"}, {"C", "n", ""}}),
+              "# mine\n[A]\nx = 1\nz=4\n\n[B]\ny=2\n\n[C]\nn=\n");
+    EXPECT_EQ(with_config_values("", {{"A", "x", "1"}}), "[A]\nx=1\n");
+}
+
 TEST(Configuration, TheStoreWinsOverTheEnvironment) {
     std::string folder = testing::TempDir() + "tarn_config_test";
     ASSERT_EQ(std::system(("mkdir -p " + folder + "/tarnlibc").c_str()), 0);

@@ -56,6 +56,54 @@ TEST_F(Painting, ParentsComeFirstAndClipWhatTheyShouldNotTouch) {
     for (const auto& p : places) EXPECT_EQ(pixel(w, p.x, p.y), colour_of(p.owner)) << p.x;
 }
 
+TEST_F(Painting, AmongManyBrothersEachPaintsWhatNothingLiesOver) {
+    paint_by_id();
+    const HWND w = top(WS_POPUP, HWND{}, {0, 0, 200, 200});
+    std::uint32_t seed = 7;
+    const auto random = [&](std::int32_t below) {
+        seed = seed * 1664525 + 1013904223;
+        return static_cast<std::int32_t>(seed >> 8) % below;
+    };
+    const auto somewhere = [&] {
+        const std::int32_t x = random(220) - 20, y = random(220) - 20;
+        return RECT{x, y, x + 5 + random(50), y + 5 + random(50)};
+    };
+    std::vector<HWND> children;
+    for (int i = 0; i < 60; ++i)
+        children.push_back(child(w, somewhere(), WS_VISIBLE | WS_CLIPSIBLINGS, i % 15 + 1));
+    settle();
+    const auto owner_at = [&](POINT at) {
+        for (HWND c = GetWindow(w, GW_CHILD); c != HWND{}; c = GetWindow(c, GW_HWNDNEXT)) {
+            RECT place;
+            GetWindowRect(c, place);
+            if (IsWindowVisible(c) && place.contains(at)) return c;
+        }
+        return w;
+    };
+    for (int round = 0; round < 40; ++round) {
+        const HWND changed = children[static_cast<std::size_t>(random(60))];
+        const RECT to = somewhere();
+        switch (round % 4) {
+            case 0:
+                MoveWindow(changed, to.left, to.top, to.width(), to.height(), true);
+                break;
+            case 1:
+                BringWindowToTop(changed);
+                break;
+            case 2:
+                ShowWindow(changed, IsWindowVisible(changed) ? SW_HIDE : SW_SHOW);
+                break;
+            default:
+                InvalidateRect(changed, nullptr, false);
+        }
+        settle();
+        for (std::int32_t y = 1; y < 200; y += 13)
+            for (std::int32_t x = 1; x < 200; x += 13)
+                ASSERT_EQ(pixel(w, x, y), colour_of(owner_at({x, y})))
+                    << round << ' ' << x << ' ' << y;
+    }
+}
+
 TEST_F(Painting, OnlyTheUpdateRegionIsPaintedAndValidated) {
     paint_by_id();
     const HWND w = top(WS_POPUP | WS_CLIPCHILDREN, HWND{}, {0, 0, 100, 100});

@@ -14,6 +14,7 @@ Comments at the head of a program say what is out of the ordinary (`!`, `C` or `
     run: COMMAND     how it is run, `$PROGRAM` if nothing is said; each such line is one run.
                      $PRELOAD is LD_PRELOAD=... of the library in a program with `preload`
     preload          the program is linked with gfortran's run-time both times
+    entries: REGEX   more of gfortran's entries, besides those of I/O, that must be the library's
     stderr           standard error is compared too
     status: WHAT     the exit status isn't 0: `same`, or `any` where it needn't be equal
 """
@@ -32,10 +33,11 @@ TIME_LIMIT = 60
 
 
 def directives(path):
-    found = {"build": [], "flags": [], "run": [], "preload": [], "stderr": [], "status": []}
+    found = {"build": [], "flags": [], "run": [], "preload": [], "stderr": [], "status": [],
+             "entries": []}
     with open(path, encoding="utf-8") as file:
         for line in file:
-            match = re.match(r"\s*(?:!|C|//)\s+(build|flags|run|status): (.*)$", line)
+            match = re.match(r"\s*(?:!|C|//)\s+(build|flags|run|status|entries): (.*)$", line)
             if not match:
                 match = re.match(r"\s*(?:!|C|//)\s+(preload|stderr)()\s*$", line)
             if match:
@@ -51,13 +53,14 @@ def exported(library):
     return {line.split()[-1].split("@")[0] for line in names.splitlines() if line.split()}
 
 
-def io_entries(folder):
-    """The I/O entries that the built program and its libraries call."""
+def needed_entries(folder, more):
+    """The entries of I/O, and of more, that the built program and its libraries call."""
     names = set()
+    pattern = "|".join(["(?:st|transfer)_\\w+"] + more)
     for file in os.listdir(folder):
         listing = subprocess.run(["nm", "-D", "--undefined-only", os.path.join(folder, file)],
                                  capture_output=True, text=True).stdout
-        names |= set(re.findall(r"\bU (_gfortran_(?:st|transfer)_\w+)", listing))
+        names |= set(re.findall(rf"\bU (_gfortran_(?:{pattern}))\b", listing))
     return names
 
 
@@ -155,7 +158,7 @@ def check(source, library, options):
         ours = Side(source, words, work, "ours", library, options.sanitize)
         for side in (peer, ours):
             side.make()
-        foreign = io_entries(peer.bin) - exported(library)
+        foreign = needed_entries(peer.bin, words["entries"]) - exported(library)
         if foreign:
             print(f"   the library lacks: {' '.join(sorted(foreign))}")
             good = False

@@ -13,7 +13,8 @@ The head of the program tells, in comment lines that begin with //> or !>:
     env: NAME=VALUE     repeated
     stdin: LINE         repeated
     status: N           default 0
-    out: LINE, err: LINE    what it writes, line by line; exact
+    out: LINE, err: LINE    what it writes, line by line; exact;
+                        but for the callers in a report
     err~: REGEX         standard error as a whole matches instead
     stdout: FILE        where standard output goes; `closed` is a pipe that nobody reads
     file: NAME          what follows in `out:` is this file's text instead
@@ -27,7 +28,11 @@ import subprocess
 import sys
 import tempfile
 
-INCLUDE = os.path.join(os.path.dirname(os.path.abspath(__file__)), "../../../include")
+FOLDER = os.path.dirname(os.path.abspath(__file__))
+sys.path.insert(0, os.path.dirname(FOLDER))
+from callers import without_callers  # noqa: E402
+
+INCLUDE = os.path.join(FOLDER, "../../../include")
 COMPILERS = {".c": "gcc", ".cpp": "g++", ".f90": "gfortran"}
 
 
@@ -122,21 +127,22 @@ def check(build_folder, start, program, run):
                             stdout=standard_output(run), stderr=subprocess.PIPE, timeout=60,
                             cwd=folder)
     faults = []
+    shown = without_callers(result.stderr)
     # A signal's number is the shell's: 128 and the signal.
     status = result.returncode if result.returncode >= 0 else 128 - result.returncode
     if status != run.status:
         faults.append(f"status {status}, not {run.status}")
-    written = result.stdout or ""
+    written = without_callers(result.stdout or "")
     if run.file:
         with open(os.path.join(folder, run.file), encoding="utf-8") as file:
             written = file.read()
     if written != text(run.out):
         faults.append(f"output {written!r}, not {text(run.out)!r}")
     if run.pattern is not None:
-        if not re.search(run.pattern, result.stderr):
-            faults.append(f"standard error {result.stderr!r} doesn't match {run.pattern!r}")
-    elif result.stderr != text(run.err):
-        faults.append(f"standard error {result.stderr!r}, not {text(run.err)!r}")
+        if not re.search(run.pattern, shown):
+            faults.append(f"standard error {shown!r} doesn't match {run.pattern!r}")
+    elif shown != text(run.err):
+        faults.append(f"standard error {shown!r}, not {text(run.err)!r}")
     return faults
 
 

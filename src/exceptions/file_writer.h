@@ -1,0 +1,32 @@
+// Writes text to a descriptor, with no heap.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+
+namespace tarn::exceptions {
+
+class FileWriter {
+  public:
+    explicit FileWriter(int descriptor) : descriptor_(descriptor) {}
+    ~FileWriter() { flush(); }
+    FileWriter(const FileWriter&) = delete;
+    FileWriter& operator=(const FileWriter&) = delete;
+
+    FileWriter& add(std::string_view text);
+    FileWriter& decimal(std::int64_t value);
+    FileWriter& hexadecimal(std::uint64_t value, unsigned least_digits);
+    // In quotes. Bytes that are no UTF-8 become the replacement character.
+    FileWriter& json_text(std::string_view text);
+    // Everything has been written; false where the system refused some of it.
+    bool flush();
+
+  private:
+    int descriptor_;
+    bool good_ = true;
+    std::size_t length_ = 0;
+    char buffer_[4096];
+};
+
+}  // namespace tarn::exceptions

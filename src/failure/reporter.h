@@ -1,0 +1,30 @@
+// Who reports, and where a report goes: one thread, once, for failures and faults alike.
+#pragma once
+
+#include <string_view>
+
+namespace tarn::failure {
+
+// `again`: this thread is reporting already, and something else struck meanwhile.
+enum class Claim { first, again, other };
+Claim claim_report();
+
+// The program goes on behind a report.
+void release_report();
+
+// What the report says. Both must stay where they are.
+void set_report(std::string_view text);
+void set_report_callers(std::string_view callers);
+std::string_view report_callers();
+// Prints them, unless that has been done.
+void print_report();
+// To where reports go: standard error, or with the option kill_dialogbox standard output.
+void print_line(std::string_view text);
+
+// What a failing program has written so far, of its units, its handles and C's standard output.
+void flush_for_report();
+
+// Another thread reports and ends the process. Should it hang, this one does so.
+[[noreturn]] void wait_for_other_report();
+
+}  // namespace tarn::failure

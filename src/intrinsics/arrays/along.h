@@ -1,0 +1,133 @@
+// Reductions along one dimension: one walk for all of them.
+//
+// A result element is made from a run of the array. Runs that lie close (the dimension has the
+// shortest step) are taken one after the other. Otherwise neighbouring runs are taken together, a
+// block of them side by side, so that memory is read in the order in which it lies; what each
+// result element meets, and in which order, is the same.
+#pragma once
+
+#include <algorithm>
+
+#include "intrinsics/arrays/runs.h"
+
+namespace tarn::arrays {
+
+// One run, with its part of the mask if there is one.
+struct Run {
+    const std::byte* at;
+    Index stride;
+    Index n;
+    Index element;
+    const std::byte* mask = nullptr;
+    Index mask_stride = 0;
+    Index mask_size = 0;
+    Truth truth = Truth::low_byte;
+
+    Run from(Index first, Index count) const {
+        Run part = *this;
+        part.at += first * stride;
+        if (mask != nullptr) part.mask += first * mask_stride;
+        part.n = count;
+        return part;
+    }
+    void move(Index step, Index mask_step) {
+        at += step;
+        if (mask != nullptr) mask += mask_step;
+    }
+    bool counts(Index i) const {
+        return mask == nullptr || is_true(mask + i * mask_stride, mask_size, truth);
+    }
+};
+
+inline constexpr Index chunk_elements = 512;
+
+// The elements of a run, copied together if they don't lie so, and the flags of its mask.
+template <class T>
+struct Chunk {
+    alignas(64) T values[chunk_elements];
+    Flag flags[chunk_elements];
+
+    // The elements of `run`, at most chunk_elements unless they lie together already.
+    const T* load(const Run& run) {
+        if (run.stride == static_cast<Index>(sizeof(T))) return reinterpret_cast<const T*>(run.at);
+        copy_run(reinterpret_cast<std::byte*>(values), sizeof(T), run.at, run.stride, run.n,
+                 sizeof(T));
+        return values;
+    }
+    const Flag* load_mask(const Run& run) {
+        load_flags(flags, run.mask, run.mask_stride, run.n, run.mask_size, run.truth);
+        return flags;
+    }
+};
+
+// Calls work(elements, count) for the elements of a run that count, chunk by chunk.
+template <class T, class Work>
+void for_counted(const Run& run, Work&& work) {
+    if (run.mask == nullptr && run.stride == static_cast<Index>(sizeof(T))) {
+        work(reinterpret_cast<const T*>(run.at), run.n);
+        return;
+    }
+    Chunk<T> chunk;
+    for (Index first = 0; first < run.n; first += chunk_elements) {
+        const Run part = run.from(first, std::min(chunk_elements, run.n - first));
+        const T* x = chunk.load(part);
+        Index n = part.n;
+        if (run.mask != nullptr) {
+            const Flag* const flags = chunk.load_mask(part);
+            alignas(64) T kept[chunk_elements];
+            n = compact(reinterpret_cast<std::byte*>(kept), chunk_elements,
+                        reinterpret_cast<const std::byte*>(x), flags, n, sizeof(T));
+            work(static_cast<const T*>(kept), n);
+        } else {
+            work(x, n);
+        }
+    }
+}
+
+inline constexpr Index block_width = chunk_elements;
+
+// The state of block_width results side by side; each reduction lays it out as it likes.
+struct Block {
+    static constexpr Index widest_state = 32;
+    alignas(64) std::byte bytes[block_width * widest_state];
+
+    template <class State>
+    State& as() {
+        static_assert(sizeof(State) <= sizeof bytes);
+        return *reinterpret_cast<State*>(bytes);
+    }
+};
+
+// What a reduction does with runs. It has no state of its own but its parameters.
+class Reduction {
+  public:
+    virtual void one(const Run& run, std::byte* to) const = 0;
+
+    // n runs, each `step` from the one before. False: they are to be taken one by one.
+    virtual bool several(const Run& /*run*/, Index /*step*/, std::byte* /*to*/, Index /*to_step*/,
+                         Index /*n*/) const {
+        return false;
+    }
+
+    // Results side by side: a start, a step for element k of each run, an end. `flags` may be null;
+    // so is `x` where a reduction looks at flags only. `run` is the first result's, the others lie
+    // `step` and `mask_step` apart.
+    virtual bool side_by_side() const { return true; }
+    virtual bool flags_only() const { return false; }
+    virtual void begin(Block& /*block*/, Index /*n*/) const {}
+    virtual void step(Block& /*block*/, const std::byte* /*x*/, const Flag* /*flags*/, Index /*n*/,
+                      Index /*k*/) const {}
+    // Whether no further step can change a result.
+    virtual bool decided(Block& /*block*/, Index /*n*/) const { return false; }
+    virtual void end(Block& /*block*/, Index /*n*/, Run /*run*/, Index /*step*/,
+                     Index /*mask_step*/, std::byte* /*to*/, Index /*to_step*/) const {}
+
+  protected:
+    ~Reduction() = default;
+};
+
+// `result` has the array's dimensions without `dim`; `mask` may be null.
+void reduce_along(const Reduction& reduction, const View& array, const Mask* mask, int dim,
+                  const View& result);
+
+}  // namespace tarn::arrays

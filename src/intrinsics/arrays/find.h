@@ -1,0 +1,114 @@
+// FINDLOC: where an element that equals a value stands.
+#pragma once
+
+#include "intrinsics/arrays/extremes.h"
+
+namespace tarn::arrays {
+
+template <class Match>
+struct MatchAcross {
+    using T = typename Match::Element;
+    static constexpr bool has_vectors = vectors_help<T>;
+    template <class Place>
+    [[gnu::always_inline]] static inline void run(Match match, Place* place, const T* x,
+                                                  const Flag* flags, Index n, Index k) {
+        const auto here = static_cast<Place>(k);
+        if (flags == nullptr) {
+            for (Index i = 0; i < n; ++i)
+                place[i] = (match(x[i]) & (place[i] < 0)) ? here : place[i];
+            return;
+        }
+        for (Index i = 0; i < n; ++i)
+            place[i] = (match(x[i]) & (place[i] < 0) & (flags[i] != 0)) ? here : place[i];
+    }
+};
+
+template <class Match>
+Index first_match(Match match, const Run& run) {
+    using T = typename Match::Element;
+    if (run.mask == nullptr && run.stride == static_cast<Index>(sizeof(T)))
+        return dispatch<FirstMatch<Match>>(match, reinterpret_cast<const T*>(run.at),
+                                           static_cast<const Flag*>(nullptr), run.n);
+    Chunk<T> chunk;
+    for (Index first = 0; first < run.n; first += chunk_elements) {
+        const Run part = run.from(first, std::min(chunk_elements, run.n - first));
+        const T* const x = chunk.load(part);
+        const Flag* const flags = run.mask != nullptr ? chunk.load_mask(part) : nullptr;
+        const Index at = dispatch<FirstMatch<Match>>(match, x, flags, part.n);
+        if (at >= 0) return first + at;
+    }
+    return -1;
+}
+
+// FINDLOC along a dimension. With BACK= the run is looked at from its end.
+template <class Match>
+struct MatchPlace final : Reduction {
+    using Element = typename Match::Element;
+    struct State {
+        std::int32_t place[block_width];
+    };
+    Match match;
+    bool back;
+    Index result_size;
+
+    MatchPlace(Match wanted, bool with_back, Index size)
+        : match(wanted), back(with_back), result_size(size) {}
+
+    void one(const Run& given, std::byte* to) const override {
+        Run run = given;
+        if (back && run.n > 0) {
+            run.move((run.n - 1) * run.stride, (run.n - 1) * run.mask_stride);
+            run.stride = -run.stride;
+            run.mask_stride = -run.mask_stride;
+        }
+        Index place = first_match(match, run);
+        if (place >= 0 && back) place = run.n - 1 - place;
+        store_integer(to, result_size, 1 + place);
+    }
+    void begin(Block& block, Index n) const override {
+        std::fill_n(block.as<State>().place, n, -1);
+    }
+    void step(Block& block, const std::byte* at, const Flag* flags, Index n,
+              Index k) const override {
+        std::int32_t* const place = block.as<State>().place;
+        const auto* const x = reinterpret_cast<const Element*>(at);
+        if (!back) {
+            dispatch<MatchAcross<Match>>(match, place, x, flags, n, k);
+            return;
+        }
+        // The last match is the one that stands at the end.
+        for (Index i = 0; i < n; ++i)
+            if (match(x[i]) && (flags == nullptr || flags[i] != 0))
+                place[i] = static_cast<std::int32_t>(k);
+    }
+    void end(Block& block, Index n, Run, Index, Index, std::byte* to,
+             Index to_step) const override {
+        for (Index i = 0; i < n; ++i)
+            store_integer(to + i * to_step, result_size, 1 + Index{block.as<State>().place[i]});
+    }
+};
+
+// Where the first match of a whole array stands in array element order (the last with BACK=), from
+// 0; -1: nowhere.
+template <class Match>
+Index place_of_match(Match match, View array, const Mask* mask, bool back) {
+    Mask turned;
+    if (back) {
+        array = reversed(array);
+        if (mask != nullptr) {
+            turned = reversed(*mask);
+            mask = &turned;
+        }
+    }
+    Index first = 0;
+    Index found = -1;
+    for_runs(array, mask, [&](const Run& run) {
+        const Index at = first_match(match, run);
+        if (at >= 0) found = first + at;
+        first += run.n;
+        return at < 0;
+    });
+    return found >= 0 && back ? array.count() - 1 - found : found;
+}
+
+}  // namespace tarn::arrays

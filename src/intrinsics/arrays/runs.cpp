@@ -1,0 +1,390 @@
+#include "intrinsics/arrays/runs.h"
+
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <cstring>
+#include <immintrin.h>
+
+#include "intrinsics/arrays/dispatch.h"
+#include "intrinsics/arrays/sizes.h"
+
+namespace tarn::arrays {
+namespace {
+
+template <Index size>
+[[gnu::always_inline]] inline void move(std::byte* to, const std::byte* from) {
+    __builtin_memcpy(to, from, size);
+}
+
+// ---- Flags ----
+
+template <class Word>
+struct DenseFlags {
+    static constexpr bool has_vectors = true;
+    [[gnu::always_inline]] static inline void run(Flag* flags, const std::byte* mask, Index n,
+                                                  Truth truth) {
+        const auto word = [&](Index i) {
+            Word w;
+            __builtin_memcpy(&w, mask + i * sizeof(Word), sizeof w);
+            return w;
+        };
+        constexpr Word low = 0xFF;
+        switch (truth) {
+            case Truth::low_byte:
+                for (Index i = 0; i < n; ++i) flags[i] = (word(i) & low) != 0;
+                return;
+            case Truth::byte_is_one:
+                for (Index i = 0; i < n; ++i) flags[i] = (word(i) & low) == 1;
+                return;
+            case Truth::whole:
+                for (Index i = 0; i < n; ++i) flags[i] = word(i) != 0;
+                return;
+        }
+    }
+};
+
+// How many of n words are true, with no flags in between; every word counts, or every second.
+template <class Word, Index step>
+struct DenseCount {
+    static constexpr bool has_vectors = true;
+    [[gnu::always_inline]] static inline Index run(const std::byte* mask, Index n, Word low,
+                                                   bool exactly_one) {
+        Index total = 0;
+        while (n > 0) {
+            const Index part = std::min<Index>(n, sizeof(Word) == 1 ? 255 : 1 << 15);
+            Word sum = 0;
+            if (exactly_one) {
+                for (Index i = 0; i < part; ++i) sum += (word(mask, i) & low) == 1;
+            } else {
+                for (Index i = 0; i < part; ++i) sum += (word(mask, i) & low) != 0;
+            }
+            total += static_cast<Index>(sum);
+            mask += part * step * static_cast<Index>(sizeof(Word));
+            n -= part;
+        }
+        return total;
+    }
+    [[gnu::always_inline]] static inline Word word(const std::byte* mask, Index i) {
+        Word w;
+        __builtin_memcpy(&w, mask + i * step * static_cast<Index>(sizeof(Word)), sizeof w);
+        return w;
+    }
+};
+
+template <class Word>
+Index count_dense(const std::byte* mask, Index stride, Index n, Truth truth) {
+    const Word low = truth == Truth::whole ? static_cast<Word>(~Word{0}) : Word{0xFF};
+    const bool exactly_one = truth == Truth::byte_is_one;
+    if (stride == static_cast<Index>(sizeof(Word)))
+        return dispatch<DenseCount<Word, 1>>(mask, n, low, exactly_one);
+    return dispatch<DenseCount<Word, 2>>(mask, n, low, exactly_one);
+}
+
+// Every second word, as sections with a stride of 2 have them.
+template <class Word>
+struct EverySecond {
+    static constexpr bool has_vectors = true;
+    using Aliased [[gnu::may_alias, gnu::aligned(1)]] = Word;
+    [[gnu::always_inline]] static inline void run(std::byte* to, const std::byte* from, Index n) {
+        auto* const t = reinterpret_cast<Aliased*>(to);
+        const auto* const f = reinterpret_cast<const Aliased*>(from);
+        for (Index i = 0; i < n; ++i) t[i] = f[2 * i];
+    }
+};
+
+bool copy_every_second(std::byte* to, const std::byte* from, Index n, Index element) {
+    // The last element alone: the word behind it may not be there to be read.
+    if (n < 2) return false;
+    switch (element) {
+        case 1:
+            dispatch<EverySecond<std::uint8_t>>(to, from, n - 1);
+            break;
+        case 2:
+            dispatch<EverySecond<std::uint16_t>>(to, from, n - 1);
+            break;
+        case 4:
+            dispatch<EverySecond<std::uint32_t>>(to, from, n - 1);
+            break;
+        case 8:
+            dispatch<EverySecond<std::uint64_t>>(to, from, n - 1);
+            break;
+        default:
+            return false;
+    }
+    std::memcpy(to + (n - 1) * element, from + 2 * (n - 1) * element,
+                static_cast<std::size_t>(element));
+    return true;
+}
+
+struct FlagSum {
+    static constexpr bool has_vectors = true;
+    [[gnu::always_inline]] static inline Index run(const Flag* flags, Index n) {
+        Index total = 0;
+        while (n > 0) {
+            // Sums of bytes that can't overflow a small word are the quickest.
+            const Index part = std::min<Index>(n, 1 << 16);
+            std::uint32_t sum = 0;
+            for (Index i = 0; i < part; ++i) sum += flags[i];
+            total += sum;
+            flags += part;
+            n -= part;
+        }
+        return total;
+    }
+};
+
+// ---- Compaction ----
+
+template <Index size>
+Index compact_plainly(std::byte* to, Index room, const std::byte* from, const Flag* flags,
+                      Index n) {
+    // Each element is stored and only kept if its flag says so; the store behind the last place
+    // would be one too many.
+    Index kept = 0;
+    Index i = 0;
+    for (; i < n && kept < room; ++i) {
+        move<size>(to + kept * size, from + i * size);
+        kept += flags[i];
+    }
+    return kept;
+}
+
+// For each set of 8 flags the places of those that are set, as an index for a permutation.
+constexpr std::array<std::array<std::uint8_t, 8>, 256> make_places() {
+    std::array<std::array<std::uint8_t, 8>, 256> table{};
+    for (unsigned bits = 0; bits < 256; ++bits) {
+        unsigned at = 0;
+        for (std::uint8_t place = 0; place < 8; ++place)
+            if ((bits >> place & 1) != 0) table[bits][at++] = place;
+    }
+    return table;
+}
+constexpr std::array<std::array<std::uint8_t, 8>, 256> places = make_places();
+
+// The same for 4 elements of 8 bytes, as pairs of words.
+constexpr std::array<std::array<std::uint8_t, 8>, 16> make_pair_places() {
+    std::array<std::array<std::uint8_t, 8>, 16> table{};
+    for (unsigned bits = 0; bits < 16; ++bits) {
+        unsigned at = 0;
+        for (std::uint8_t place = 0; place < 4; ++place) {
+            if ((bits >> place & 1) == 0) continue;
+            table[bits][at++] = static_cast<std::uint8_t>(2 * place);
+            table[bits][at++] = static_cast<std::uint8_t>(2 * place + 1);
+        }
+    }
+    return table;
+}
+constexpr std::array<std::array<std::uint8_t, 8>, 16> pair_places = make_pair_places();
+
+// 32 bytes at a time. What stands behind the kept elements of a group is overwritten by the next.
+template <Index size>
+[[gnu::target("avx2,popcnt")]] Index compact_avx2(std::byte* to, Index room, const std::byte* from,
+                                                  const Flag* flags, Index n) {
+    constexpr Index lanes = 32 / size;
+    Index kept = 0;
+    Index i = 0;
+    for (; i + 8 <= n && kept + 8 <= room; i += 8) {
+        const __m128i set = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(flags + i));
+        const auto bits = static_cast<unsigned>(_mm_movemask_epi8(_mm_slli_epi16(set, 7)) & 0xFF);
+        for (Index half = 0; half < 8; half += lanes) {
+            const unsigned group = bits >> half & ((1u << lanes) - 1);
+            const auto* const row = size == 4 ? places[group].data() : pair_places[group].data();
+            const __m256i order =
+                _mm256_cvtepu8_epi32(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(row)));
+            const __m256i all =
+                _mm256_loadu_si256(reinterpret_cast<const __m256i*>(from + (i + half) * size));
+            _mm256_storeu_si256(reinterpret_cast<__m256i*>(to + kept * size),
+                                _mm256_permutevar8x32_epi32(all, order));
+            kept += std::popcount(group);
+        }
+    }
+    return kept +
+           compact_plainly<size>(to + kept * size, room - kept, from + i * size, flags + i, n - i);
+}
+
+}  // namespace
+
+void copy_run(std::byte* to, Index to_stride, const std::byte* from, Index from_stride, Index n,
+              Index element) {
+    if (n <= 0) return;
+    if (to_stride == element && from_stride == element) {
+        std::memcpy(to, from, static_cast<std::size_t>(n * element));
+        return;
+    }
+    if (to_stride == element && from_stride == 2 * element &&
+        copy_every_second(to, from, n, element))
+        return;
+    const bool done = with_size(element, [&]<Index size>() {
+        if (to_stride == size) {
+            for (Index i = 0; i < n; ++i) move<size>(to + i * size, from + i * from_stride);
+        } else if (from_stride == size) {
+            for (Index i = 0; i < n; ++i) move<size>(to + i * to_stride, from + i * size);
+        } else {
+            for (Index i = 0; i < n; ++i) move<size>(to + i * to_stride, from + i * from_stride);
+        }
+    });
+    if (done) return;
+    for (Index i = 0; i < n; ++i)
+        std::memcpy(to + i * to_stride, from + i * from_stride, static_cast<std::size_t>(element));
+}
+
+void fill_run(std::byte* to, Index to_stride, const std::byte* value, Index n, Index element) {
+    if (n <= 0) return;
+    const bool done = with_size(element, [&]<Index size>() {
+        struct Element {
+            std::byte bytes[size];
+        } one;
+        __builtin_memcpy(&one, value, size);
+        if (to_stride == size) {
+            for (Index i = 0; i < n; ++i) __builtin_memcpy(to + i * size, &one, size);
+        } else {
+            for (Index i = 0; i < n; ++i) __builtin_memcpy(to + i * to_stride, &one, size);
+        }
+    });
+    if (done) return;
+    for (Index i = 0; i < n; ++i)
+        std::memcpy(to + i * to_stride, value, static_cast<std::size_t>(element));
+}
+
+namespace {
+
+template <Index size, Index copies>
+void repeat_few(std::byte* to, Index to_stride, Index copy_stride, const std::byte* from,
+                Index from_stride, Index n) {
+    struct Element {
+        std::byte bytes[size];
+    };
+    for (Index i = 0; i < n; ++i) {
+        Element one;
+        __builtin_memcpy(&one, from + i * from_stride, size);
+        for (Index c = 0; c < copies; ++c)
+            __builtin_memcpy(to + i * to_stride + c * copy_stride, &one, size);
+    }
+}
+
+}  // namespace
+
+void repeat_run(std::byte* to, Index to_stride, Index copy_stride, Index copies,
+                const std::byte* from, Index from_stride, Index n, Index element) {
+    const bool done = with_size(element, [&]<Index size>() {
+        if (copies == 2)
+            return repeat_few<size, 2>(to, to_stride, copy_stride, from, from_stride, n);
+        if (copies == 3)
+            return repeat_few<size, 3>(to, to_stride, copy_stride, from, from_stride, n);
+        struct Element {
+            std::byte bytes[size];
+        } one;
+        for (Index i = 0; i < n; ++i) {
+            __builtin_memcpy(&one, from + i * from_stride, size);
+            std::byte* const at = to + i * to_stride;
+            for (Index c = 0; c < copies; ++c) __builtin_memcpy(at + c * copy_stride, &one, size);
+        }
+    });
+    if (done) return;
+    for (Index i = 0; i < n; ++i)
+        for (Index c = 0; c < copies; ++c)
+            std::memcpy(to + i * to_stride + c * copy_stride, from + i * from_stride,
+                        static_cast<std::size_t>(element));
+}
+
+bool is_true(const std::byte* mask, Index size, Truth truth) {
+    Flag flag = 0;
+    load_flags(&flag, mask, size, 1, size, truth);
+    return flag != 0;
+}
+
+void load_flags(Flag* flags, const std::byte* mask, Index stride, Index n, Index size,
+                Truth truth) {
+    if (stride == size) {
+        switch (size) {
+            case 1:
+                dispatch<DenseFlags<std::uint8_t>>(flags, mask, n, truth);
+                return;
+            case 2:
+                dispatch<DenseFlags<std::uint16_t>>(flags, mask, n, truth);
+                return;
+            case 4:
+                dispatch<DenseFlags<std::uint32_t>>(flags, mask, n, truth);
+                return;
+            case 8:
+                dispatch<DenseFlags<std::uint64_t>>(flags, mask, n, truth);
+                return;
+            default:
+                break;
+        }
+    }
+    if (stride == 2 * size && size <= 8) {
+        constexpr Index chunk = 256;
+        std::byte dense[chunk * 8];
+        for (Index first = 0; first < n; first += chunk) {
+            const Index m = std::min(chunk, n - first);
+            copy_run(dense, size, mask + first * stride, stride, m, size);
+            load_flags(flags + first, dense, size, m, size, truth);
+        }
+        return;
+    }
+    if (truth == Truth::whole && size > 1) {
+        for (Index i = 0; i < n; ++i) {
+            unsigned any = 0;
+            for (Index b = 0; b < size; ++b) any |= std::to_integer<unsigned>(mask[i * stride + b]);
+            flags[i] = any != 0;
+        }
+        return;
+    }
+    if (truth == Truth::byte_is_one) {
+        for (Index i = 0; i < n; ++i) flags[i] = mask[i * stride] == std::byte{1};
+        return;
+    }
+    for (Index i = 0; i < n; ++i) flags[i] = mask[i * stride] != std::byte{0};
+}
+
+Index sum_of(const Flag* flags, Index n) {
+    return dispatch<FlagSum>(flags, n);
+}
+
+Index count_true(const std::byte* mask, Index stride, Index n, Index size, Truth truth) {
+    if (stride == size || stride == 2 * size) {
+        switch (size) {
+            case 1:
+                return count_dense<std::uint8_t>(mask, stride, n, truth);
+            case 2:
+                return count_dense<std::uint16_t>(mask, stride, n, truth);
+            case 4:
+                return count_dense<std::uint32_t>(mask, stride, n, truth);
+            case 8:
+                return count_dense<std::uint64_t>(mask, stride, n, truth);
+            default:
+                break;
+        }
+    }
+    constexpr Index chunk = 1024;
+    Flag flags[chunk];
+    Index total = 0;
+    for (Index first = 0; first < n; first += chunk) {
+        const Index m = std::min(chunk, n - first);
+        load_flags(flags, mask + first * stride, stride, m, size, truth);
+        total += sum_of(flags, m);
+    }
+    return total;
+}
+
+Index compact(std::byte* to, Index room, const std::byte* from, const Flag* flags, Index n,
+              Index element) {
+    if (platform::vector_level() >= platform::VectorLevel::avx2) {
+        if (element == 4) return compact_avx2<4>(to, room, from, flags, n);
+        if (element == 8) return compact_avx2<8>(to, room, from, flags, n);
+    }
+    Index kept = 0;
+    const bool done = with_size(
+        element, [&]<Index size>() { kept = compact_plainly<size>(to, room, from, flags, n); });
+    if (done) return kept;
+    for (Index i = 0; i < n && kept < room; ++i) {
+        if (flags[i] == 0) continue;
+        std::memcpy(to + kept * element, from + i * element, static_cast<std::size_t>(element));
+        ++kept;
+    }
+    return kept;
+}
+
+}  // namespace tarn::arrays

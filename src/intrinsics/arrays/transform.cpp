@@ -1,0 +1,461 @@
+#include "intrinsics/arrays/transform.h"
+
+#include <algorithm>
+#include <cstring>
+#include <numeric>
+
+#include "intrinsics/arrays/loops.h"
+#include "intrinsics/arrays/runs.h"
+#include "intrinsics/arrays/sizes.h"
+
+namespace tarn::arrays {
+namespace {
+
+constexpr Index mask_chunk = 1024;
+
+// ---- Copies that turn an array round ----
+
+constexpr Index tile = 32;
+
+template <Index size>
+void copy_tile(std::byte* to, const std::byte* from, const Index (&inner)[2], Index inner_count,
+               const Index (&outer)[2], Index outer_count) {
+    for (Index i = 0; i < inner_count; ++i) {
+        std::byte* const t = to + i * inner[0];
+        const std::byte* const f = from + i * inner[1];
+        for (Index o = 0; o < outer_count; ++o)
+            __builtin_memcpy(t + o * outer[0], f + o * outer[1], size);
+    }
+}
+
+// Two loops of which one is the short step of `to` and the other of `from`, in tiles that the cache
+// holds on both sides.
+void copy_turned(std::byte* to, const std::byte* from, const Index (&a)[2], Index a_count,
+                 const Index (&b)[2], Index b_count, Index element) {
+    for (Index bo = 0; bo < b_count; bo += tile) {
+        const Index bn = std::min(tile, b_count - bo);
+        for (Index ao = 0; ao < a_count; ao += tile) {
+            const Index an = std::min(tile, a_count - ao);
+            std::byte* const t = to + ao * a[0] + bo * b[0];
+            const std::byte* const f = from + ao * a[1] + bo * b[1];
+            const bool done =
+                with_size(element, [&]<Index size>() { copy_tile<size>(t, f, b, bn, a, an); });
+            if (done) continue;
+            for (Index i = 0; i < bn; ++i)
+                copy_run(t + i * b[0], a[0], f + i * b[1], a[1], an, element);
+        }
+    }
+}
+
+// The loop whose step is the shortest in array `which`.
+template <int N>
+int shortest(const Loops<N>& loops, int which) {
+    int best = 0;
+    for (int d = 1; d < loops.rank; ++d)
+        if (std::abs(loops.stride[d][which]) < std::abs(loops.stride[best][which])) best = d;
+    return best;
+}
+
+// ---- Reading an array as a sequence ----
+
+// The elements of an array in array element order, again from the start when `repeat` is set.
+class Sequence {
+  public:
+    Sequence(const View& view, bool repeat)
+        : loops_(loops_over(view)), view_(view), repeat_(repeat) {
+        start();
+    }
+    bool done() const { return done_; }
+
+    // As many elements as lie in one run, at most n: their number, address and step.
+    Index next(Index n, const std::byte*& at, Index& stride) {
+        const Index count = std::min(n, loops_.extent[0] - place_);
+        stride = loops_.stride[0][0];
+        at = at_ + place_ * stride;
+        place_ += count;
+        if (place_ == loops_.extent[0]) step();
+        return count;
+    }
+
+  private:
+    void start() {
+        at_ = view_.base;
+        place_ = 0;
+        std::fill_n(turn_, loops_.rank, 0);
+        done_ = loops_.empty;
+    }
+    void step() {
+        place_ = 0;
+        for (int d = 1; d < loops_.rank; ++d) {
+            at_ += loops_.stride[d][0];
+            if (++turn_[d] < loops_.extent[d]) return;
+            at_ -= loops_.stride[d][0] * loops_.extent[d];
+            turn_[d] = 0;
+        }
+        if (repeat_) {
+            start();
+        } else {
+            done_ = true;
+        }
+    }
+
+    Loops<1> loops_;
+    View view_;
+    bool repeat_;
+    bool done_ = false;
+    const std::byte* at_ = nullptr;
+    Index place_ = 0;
+    Index turn_[max_rank + 1] = {};
+};
+
+bool is_contiguous(const View& view) {
+    Index step = view.element;
+    for (int d = 0; d < view.rank; ++d) {
+        if (view.dims[d].extent != 1 && view.dims[d].stride != step) return false;
+        step *= view.dims[d].extent;
+    }
+    return true;
+}
+
+// Vectors side by side, of which each has a shift of its own, are taken in tiles that the cache
+// holds: a part of each vector, then the next part.
+constexpr Index tile_vectors = 64;
+constexpr Index tile_length = 64;
+
+// Elements k to k + m - 1 of a vector that begins with element `shift` of its source.
+void turn_part(std::byte* to, Index to_stride, const std::byte* from, Index stride, Index n,
+               Index shift, Index k, Index m, Index element) {
+    const Index place = shift + k < n ? shift + k : shift + k - n;
+    const Index before_end = std::min(m, n - place);
+    copy_run(to + k * to_stride, to_stride, from + place * stride, stride, before_end, element);
+    copy_run(to + (k + before_end) * to_stride, to_stride, from, stride, m - before_end, element);
+}
+
+// The same where what lies outside of the source is the boundary; -n <= shift <= n.
+void push_part(std::byte* to, Index to_stride, const std::byte* from, Index stride, Index n,
+               Index shift, const std::byte* boundary, Index k, Index m, Index element) {
+    const Index first = std::clamp<Index>(-shift, k, k + m);
+    const Index last = std::clamp<Index>(n - shift, first, k + m);
+    fill_run(to + k * to_stride, to_stride, boundary, first - k, element);
+    copy_run(to + first * to_stride, to_stride, from + (first + shift) * stride, stride,
+             last - first, element);
+    fill_run(to + last * to_stride, to_stride, boundary, k + m - last, element);
+}
+
+// Calls work(vector, k, m) for parts of so many vectors of n elements. When the vectors lie one
+// behind the other (`apart`), each is one part.
+template <class Work>
+void for_parts(Index vectors, Index n, bool apart, Work&& work) {
+    const Index length = apart ? n : tile_length;
+    const Index together = apart ? 1 : tile_vectors;
+    for (Index first = 0; first < vectors; first += together)
+        for (Index k = 0; k < n; k += length)
+            for (Index i = first; i < std::min(vectors, first + together); ++i)
+                work(i, k, std::min(length, n - k));
+}
+
+Index into_range(Index shift, Index n) {
+    const Index rest = shift % n;
+    return rest < 0 ? rest + n : rest;
+}
+
+}  // namespace
+
+void copy(const View& to, const View& from) {
+    Loops<2> loops = loops_over(to, from);
+    loops.nearest_first(0);
+    const Index element = to.element;
+    const int other = shortest(loops, 1);
+    if (other == 0 || loops.rank == 1) {
+        walk(loops, {to.base, from.base}, [&](const std::array<std::byte*, 2>& at, Index n) {
+            copy_run(at[0], loops.stride[0][0], at[1], loops.stride[0][1], n, element);
+        });
+        return;
+    }
+    // Loop `other` runs together with loop 0; the rest goes round them.
+    const Index count = loops.extent[other];
+    const Index step[2] = {loops.stride[other][0], loops.stride[other][1]};
+    for (int d = other; d + 1 < loops.rank; ++d) {
+        loops.extent[d] = loops.extent[d + 1];
+        for (int i = 0; i < 2; ++i) loops.stride[d][i] = loops.stride[d + 1][i];
+    }
+    --loops.rank;
+    walk(loops, {to.base, from.base}, [&](const std::array<std::byte*, 2>& at, Index n) {
+        copy_turned(at[0], at[1], loops.stride[0], n, step, count, element);
+    });
+}
+
+void fill(const View& to, const std::byte* value) {
+    Loops<1> loops = loops_over(to);
+    loops.nearest_first(0);
+    walk(loops, {to.base}, [&](const std::array<std::byte*, 1>& at, Index n) {
+        fill_run(at[0], loops.stride[0][0], value, n, to.element);
+    });
+}
+
+Index count_true(const Mask& mask) {
+    Loops<1> loops = loops_over(mask.view);
+    loops.nearest_first(0);
+    Index total = 0;
+    walk(loops, {mask.view.base}, [&](const std::array<std::byte*, 1>& at, Index n) {
+        total += count_true(at[0], loops.stride[0][0], n, mask.view.element, mask.truth);
+    });
+    return total;
+}
+
+Index pack(std::byte* to, Index to_stride, Index room, const View& array, const Mask& mask) {
+    const Loops<2> loops = loops_over(array, mask.view);
+    const Index element = array.element;
+    const Index step = loops.stride[0][0];
+    const bool straight = to_stride == element;
+    Index kept = 0;
+    // Elements come together here where they don't lie so, from and to.
+    constexpr Index buffer_bytes = 16384;
+    alignas(64) std::byte gathered[buffer_bytes];
+    alignas(64) std::byte chosen[buffer_bytes];
+    const Index fit = element > 0 ? buffer_bytes / element : mask_chunk;
+    const bool small = fit >= 16;
+    const Index chunk = small ? std::min(mask_chunk, fit) : mask_chunk;
+    Flag flags[mask_chunk];
+
+    walk(loops, {array.base, mask.view.base}, [&](const std::array<std::byte*, 2>& at, Index n) {
+        for (Index first = 0; first < n; first += chunk) {
+            const Index m = std::min(chunk, n - first);
+            load_flags(flags, at[1] + first * loops.stride[0][1], loops.stride[0][1], m,
+                       mask.view.element, mask.truth);
+            const Index wanted = sum_of(flags, m);
+            if (wanted == 0) continue;
+            if (kept + wanted > room) {
+                kept = room + 1;
+                return false;
+            }
+            const std::byte* from = at[0] + first * step;
+            std::byte* const target = to + kept * to_stride;
+            if (wanted == m) {
+                copy_run(target, to_stride, from, step, m, element);
+            } else if (!small) {
+                std::byte* next = target;
+                for (Index i = 0; i < m; ++i) {
+                    if (flags[i] == 0) continue;
+                    std::memcpy(next, from + i * step, static_cast<std::size_t>(element));
+                    next += to_stride;
+                }
+            } else {
+                if (step != element) {
+                    copy_run(gathered, element, from, step, m, element);
+                    from = gathered;
+                }
+                if (straight) {
+                    compact(target, room - kept, from, flags, m, element);
+                } else {
+                    compact(chosen, chunk, from, flags, m, element);
+                    copy_run(target, to_stride, chosen, element, wanted, element);
+                }
+            }
+            kept += wanted;
+        }
+        return true;
+    });
+    return kept;
+}
+
+namespace {
+
+template <Index size>
+const std::byte* unpack_run(std::byte* to, Index to_stride, const std::byte* vector, Index stride,
+                            const std::byte* field, Index field_stride, const Flag* flags,
+                            Index n) {
+    for (Index i = 0; i < n; ++i) {
+        // A choice of addresses, not of roads: masks are mostly unforeseeable.
+        const auto chosen = -static_cast<std::uintptr_t>(flags[i]);
+        const auto address = (reinterpret_cast<std::uintptr_t>(vector) & chosen) |
+                             (reinterpret_cast<std::uintptr_t>(field) & ~chosen);
+        __builtin_memcpy(to, reinterpret_cast<const std::byte*>(address), size);
+        vector += stride & static_cast<Index>(chosen);
+        field += field_stride;
+        to += to_stride;
+    }
+    return vector;
+}
+
+}  // namespace
+
+bool unpack(const View& to, const std::byte* vector, Index stride, Index n, const Mask& mask,
+            const View& field) {
+    const Loops<3> loops = loops_over(to, mask.view, field);
+    const Index element = to.element;
+    const Index* const step = loops.stride[0];
+    Flag flags[mask_chunk];
+    Index left = n;
+    bool enough = true;
+    walk(loops, {to.base, mask.view.base, field.base},
+         [&](const std::array<std::byte*, 3>& at, Index count) {
+             for (Index first = 0; first < count; first += mask_chunk) {
+                 const Index m = std::min(mask_chunk, count - first);
+                 load_flags(flags, at[1] + first * step[1], step[1], m, mask.view.element,
+                            mask.truth);
+                 const Index taken = sum_of(flags, m);
+                 if (taken > left) {
+                     enough = false;
+                     return false;
+                 }
+                 left -= taken;
+                 std::byte* target = at[0] + first * step[0];
+                 const std::byte* other = at[2] + first * step[2];
+                 const bool done = with_size(element, [&]<Index size>() {
+                     vector = unpack_run<size>(target, step[0], vector, stride, other, step[2],
+                                               flags, m);
+                 });
+                 for (Index i = 0; i < m && !done; ++i) {
+                     std::memcpy(target, flags[i] != 0 ? vector : other,
+                                 static_cast<std::size_t>(element));
+                     if (flags[i] != 0) vector += stride;
+                     other += step[2];
+                     target += step[0];
+                 }
+             }
+             return true;
+         });
+    return enough;
+}
+
+void spread(const View& to, const View& source, int dim) {
+    const Dimension copies = to.dims[dim];
+    const View one = without(to, dim);
+    if (copies.extent <= 0) return;
+    Loops<2> loops = loops_over(one, source);
+    const Index element = to.element;
+    const Index to_step = loops.stride[0][0];
+    const Index step = loops.stride[0][1];
+    // Copies that lie side by side are made element by element, others run by run. A run is taken
+    // in pieces that stay in the nearest cache while they are copied.
+    const bool side_by_side = std::abs(copies.stride) < std::abs(to_step) || loops.extent[0] == 1;
+    const Index piece = std::max<Index>(1, 16384 / std::max<Index>(element, 1));
+    walk(loops, {one.base, source.base}, [&](const std::array<std::byte*, 2>& at, Index n) {
+        if (side_by_side) {
+            repeat_run(at[0], to_step, copies.stride, copies.extent, at[1], step, n, element);
+            return;
+        }
+        for (Index first = 0; first < n; first += piece) {
+            const Index m = std::min(piece, n - first);
+            for (Index c = 0; c < copies.extent; ++c)
+                copy_run(at[0] + first * to_step + c * copies.stride, to_step, at[1] + first * step,
+                         step, m, element);
+        }
+    });
+}
+
+void reshape(const View& to, const int* order, const View& source, const View* pad) {
+    View turned = to;
+    for (int d = 0; d < to.rank; ++d) turned.dims[d] = to.dims[order[d]];
+    const Index wanted = turned.count();
+    if (wanted == 0) return;
+    if (source.count() >= wanted && is_contiguous(source)) {
+        View same = turned;
+        same.base = source.base;
+        make_contiguous(same);
+        copy(turned, same);
+        return;
+    }
+    const Loops<1> loops = loops_over(turned);
+    Sequence first(source, false);
+    Sequence rest(pad != nullptr ? *pad : source, true);
+    walk(loops, {turned.base}, [&](const std::array<std::byte*, 1>& at, Index n) {
+        Index filled = 0;
+        while (filled < n) {
+            Sequence& from = first.done() ? rest : first;
+            const std::byte* piece = nullptr;
+            Index stride = 0;
+            const Index m = from.next(n - filled, piece, stride);
+            copy_run(at[0] + filled * loops.stride[0][0], loops.stride[0][0], piece, stride, m,
+                     to.element);
+            filled += m;
+        }
+    });
+}
+
+void circular_shift(const View& to, const View& from, int dim, Index shift) {
+    const Index n = from.dims[dim].extent;
+    if (n <= 0) return;
+    const Index s = into_range(shift, n);
+    const Index stride = from.dims[dim].stride;
+    if (to.dims[dim].stride == to.element && stride == to.element) {
+        // Both parts of a vector while it is near.
+        const Loops<2> loops = loops_over(without(to, dim), without(from, dim));
+        const Index* const step = loops.stride[0];
+        walk(loops, {to.base, from.base}, [&](const std::array<std::byte*, 2>& at, Index count) {
+            for (Index i = 0; i < count; ++i)
+                turn_part(at[0] + i * step[0], stride, at[1] + i * step[1], stride, n, s, 0, n,
+                          to.element);
+        });
+        return;
+    }
+    copy(part(to, dim, 0, n - s), part(from, dim, s, n - s));
+    copy(part(to, dim, n - s, s), part(from, dim, 0, s));
+}
+
+void circular_shifts(const View& to, const View& from, int dim, const View& shifts) {
+    const Index n = from.dims[dim].extent;
+    if (n <= 0) return;
+    const Index to_stride = to.dims[dim].stride;
+    const Loops<3> loops = loops_over(without(to, dim), without(from, dim), shifts);
+    const Index* const step = loops.stride[0];
+    const bool apart = std::abs(step[0]) >= std::abs(to_stride);
+    walk(loops, {to.base, from.base, shifts.base},
+         [&](const std::array<std::byte*, 3>& at, Index count) {
+             for_parts(count, n, apart, [&](Index i, Index k, Index m) {
+                 const Index s = into_range(load_integer(at[2] + i * step[2], shifts.element), n);
+                 turn_part(at[0] + i * step[0], to_stride, at[1] + i * step[1],
+                           from.dims[dim].stride, n, s, k, m, to.element);
+             });
+         });
+}
+
+void end_off_shift(const View& to, const View& from, int dim, Index shift, const View& boundary) {
+    const Index n = from.dims[dim].extent;
+    if (n <= 0) return;
+    const Index m = shift > 0 ? std::min(shift, n) : (shift < -n ? n : -shift);
+    const Index kept = n - m;
+    const bool up = shift > 0;
+    copy(part(to, dim, up ? 0 : m, kept), part(from, dim, up ? m : 0, kept));
+    // The boundary, spread over the m places that came free.
+    spread(part(to, dim, up ? kept : 0, m), boundary, dim);
+}
+
+void end_off_shifts(const View& to, const View& from, int dim, const View& shifts,
+                    const View& boundary) {
+    const Index n = from.dims[dim].extent;
+    if (n <= 0) return;
+    const Index to_stride = to.dims[dim].stride;
+    const Loops<4> loops = loops_over(without(to, dim), without(from, dim), shifts, boundary);
+    const Index* const step = loops.stride[0];
+    const bool apart = std::abs(step[0]) >= std::abs(to_stride);
+    walk(loops, {to.base, from.base, shifts.base, boundary.base},
+         [&](const std::array<std::byte*, 4>& at, Index count) {
+             for_parts(count, n, apart, [&](Index i, Index k, Index m) {
+                 const Index s =
+                     std::clamp(load_integer(at[2] + i * step[2], shifts.element), -n, n);
+                 push_part(at[0] + i * step[0], to_stride, at[1] + i * step[1],
+                           from.dims[dim].stride, n, s, at[3] + i * step[3], k, m, to.element);
+             });
+         });
+}
+
+Index load_integer(const std::byte* from, Index size) {
+    switch (size) {
+        case 1:
+            return *reinterpret_cast<const std::int8_t*>(from);
+        case 2:
+            return *reinterpret_cast<const std::int16_t*>(from);
+        case 4:
+            return *reinterpret_cast<const std::int32_t*>(from);
+        case 16: {
+            const auto value = *reinterpret_cast<const __int128*>(from);
+            return static_cast<Index>(std::clamp<__int128>(value, INT64_MIN, INT64_MAX));
+        }
+        default:
+            return *reinterpret_cast<const std::int64_t*>(from);
+    }
+}
+
+}  // namespace tarn::arrays

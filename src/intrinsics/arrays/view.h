@@ -1,0 +1,103 @@
+// An array as every routine of this folder sees it, whoever described it: the address of the first
+// element and, for each dimension, its extent and the bytes from one element to the next.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+namespace tarn::arrays {
+
+using Index = std::ptrdiff_t;
+
+inline constexpr int max_rank = 15;
+
+struct Dimension {
+    Index extent;
+    Index stride;  // bytes; negative, zero and overlapping strides are fine
+};
+
+struct View {
+    std::byte* base = nullptr;
+    Index element = 0;  // bytes of an element
+    int rank = 0;
+    Dimension dims[max_rank];
+
+    Index count() const {
+        Index product = 1;
+        for (int d = 0; d < rank; ++d) product *= dims[d].extent;
+        return product;
+    }
+};
+
+// Gives `view` the strides of elements that stand one behind the other, first dimension fastest.
+inline void make_contiguous(View& view) {
+    Index step = view.element;
+    for (int d = 0; d < view.rank; ++d) {
+        view.dims[d].stride = step;
+        step *= view.dims[d].extent;
+    }
+}
+
+// The same elements from the last to the first.
+inline View reversed(View view) {
+    for (int d = 0; d < view.rank; ++d) {
+        Dimension& dim = view.dims[d];
+        if (dim.extent > 0) view.base += (dim.extent - 1) * dim.stride;
+        dim.stride = -dim.stride;
+    }
+    return view;
+}
+
+// `view` without dimension `dim`.
+inline View without(View view, int dim) {
+    for (int d = dim; d + 1 < view.rank; ++d) view.dims[d] = view.dims[d + 1];
+    --view.rank;
+    return view;
+}
+
+// Elements `first` to `first + extent - 1` along a dimension.
+inline View part(View view, int dim, Index first, Index extent) {
+    view.base += first * view.dims[dim].stride;
+    view.dims[dim].extent = extent;
+    return view;
+}
+
+// What makes an element of a mask true.
+enum class Truth : std::uint8_t {
+    low_byte,     // its lowest byte isn't zero
+    byte_is_one,  // its lowest byte is exactly 1
+    whole,        // it isn't zero
+};
+
+struct Mask {
+    View view;
+    Truth truth = Truth::low_byte;
+};
+
+inline Mask reversed(Mask mask) {
+    mask.view = reversed(mask.view);
+    return mask;
+}
+
+// Stores an integer of 1, 2, 4, 8 or 16 bytes.
+inline void store_integer(std::byte* to, Index size, std::int64_t value) {
+    switch (size) {
+        case 1:
+            *reinterpret_cast<std::int8_t*>(to) = static_cast<std::int8_t>(value);
+            return;
+        case 2:
+            *reinterpret_cast<std::int16_t*>(to) = static_cast<std::int16_t>(value);
+            return;
+        case 4:
+            *reinterpret_cast<std::int32_t*>(to) = static_cast<std::int32_t>(value);
+            return;
+        case 16:
+            *reinterpret_cast<__int128*>(to) = value;
+            return;
+        default:
+            *reinterpret_cast<std::int64_t*>(to) = value;
+            return;
+    }
+}
+
+}  // namespace tarn::arrays

@@ -1,0 +1,132 @@
+// The innermost loops of a product: a tile of c that stays in registers while rows of a and columns
+// of b stream past.
+//
+// Each is written once with vectors of some width and compiled for the instructions of a level by
+// the runner that it is put into; a multiplication and an addition become one instruction where
+// there is one.
+#pragma once
+
+#include "intrinsics/matmul/multiply.h"
+
+namespace tarn::matmul {
+
+// c(0:rows-1, 0:columns-1) of a tile, column after column, c_step apart, gets the product of `k`
+// steps added, or takes it. `a` has a column of the tile at each step, a_step apart. A packed b has
+// its values for the columns side by side, another one has them column_step apart and the next
+// step's row_step further.
+template <class T, int bytes, int height, int width, bool packed>
+struct Tile {
+    using Element = T;
+    using Vector [[gnu::vector_size(bytes)]] = T;
+    static constexpr int lanes = bytes / static_cast<int>(sizeof(T));
+    static constexpr int rows = height * lanes;
+    static constexpr int columns = width;
+
+    [[gnu::always_inline]] static inline void run(Index k, const T* a, Index a_step, const T* b,
+                                                  Index row_step, Index column_step, T* c,
+                                                  Index c_step, bool add) {
+        Vector sum[width][height];
+        for (int j = 0; j < width; ++j)
+            for (int i = 0; i < height; ++i) sum[j][i] = Vector{};
+        if constexpr (packed) {
+            // The tile of c comes from memory while the sums are made.
+            for (int j = 0; j < width; ++j) {
+                __builtin_prefetch(c + j * c_step, 1);
+                __builtin_prefetch(c + j * c_step + rows - 1, 1);
+            }
+        }
+#pragma GCC unroll 4
+        for (Index p = 0; p < k; ++p) {
+            Vector left[height];
+            for (int i = 0; i < height; ++i)
+                __builtin_memcpy(&left[i], a + i * lanes, sizeof(Vector));
+            for (int j = 0; j < width; ++j) {
+                const Vector right = b[packed ? j : j * column_step] - Vector{};
+                for (int i = 0; i < height; ++i) sum[j][i] += left[i] * right;
+            }
+            a += a_step;
+            b += packed ? width : row_step;
+        }
+        for (int j = 0; j < width; ++j) {
+            for (int i = 0; i < height; ++i) {
+                T* const to = c + j * c_step + i * lanes;
+                Vector value = sum[j][i];
+                if (add) {
+                    Vector old;
+                    __builtin_memcpy(&old, to, sizeof old);
+                    value += old;
+                }
+                __builtin_memcpy(to, &value, sizeof value);
+            }
+        }
+    }
+};
+
+// The same for complex numbers, whose parts come in vectors of their own: at each step `a` has the
+// real parts of a column and then the imaginary ones, `b` the two parts of each value. The tile of
+// c has the real parts first, then the imaginary ones.
+template <class T, int bytes, int height, int width>
+struct ComplexTile {
+    using Element = T;
+    using Vector [[gnu::vector_size(bytes)]] = T;
+    static constexpr int lanes = bytes / static_cast<int>(sizeof(T));
+    static constexpr int rows = height * lanes;
+    static constexpr int columns = width;
+
+    [[gnu::always_inline]] static inline void run(Index k, const T* a, const T* b, T* c) {
+        Vector real[width][height];
+        Vector imaginary[width][height];
+        for (int j = 0; j < width; ++j)
+            for (int i = 0; i < height; ++i) real[j][i] = imaginary[j][i] = Vector{};
+        for (Index p = 0; p < k; ++p) {
+            Vector re[height];
+            Vector im[height];
+            for (int i = 0; i < height; ++i) {
+                __builtin_memcpy(&re[i], a + i * lanes, sizeof(Vector));
+                __builtin_memcpy(&im[i], a + rows + i * lanes, sizeof(Vector));
+            }
+            for (int j = 0; j < width; ++j) {
+                const Vector b_re = b[2 * j] - Vector{};
+                const Vector b_im = b[2 * j + 1] - Vector{};
+                for (int i = 0; i < height; ++i) {
+                    real[j][i] += re[i] * b_re;
+                    imaginary[j][i] += im[i] * b_re;
+                    real[j][i] -= im[i] * b_im;
+                    imaginary[j][i] += re[i] * b_im;
+                }
+            }
+            a += 2 * rows;
+            b += 2 * width;
+        }
+        for (int j = 0; j < width; ++j) {
+            for (int i = 0; i < height; ++i) {
+                __builtin_memcpy(c + j * 2 * rows + i * lanes, &real[j][i], sizeof(Vector));
+                __builtin_memcpy(c + j * 2 * rows + rows + i * lanes, &imaginary[j][i],
+                                 sizeof(Vector));
+            }
+        }
+    }
+};
+
+// Runners: a tile compiled for a level's instructions.
+struct Sse2 {
+    template <class Kernel, class... Arguments>
+    [[gnu::noinline]] static void run(Arguments... arguments) {
+        Kernel::run(arguments...);
+    }
+};
+struct Avx2 {
+    template <class Kernel, class... Arguments>
+    [[gnu::target("avx2,fma"), gnu::noinline]] static void run(Arguments... arguments) {
+        Kernel::run(arguments...);
+    }
+};
+struct Avx512 {
+    template <class Kernel, class... Arguments>
+    [[gnu::target("avx512f,avx512dq,avx512bw,avx512vl,avx2,fma"), gnu::noinline]] static void run(
+        Arguments... arguments) {
+        Kernel::run(arguments...);
+    }
+};
+
+}  // namespace tarn::matmul

@@ -1,0 +1,60 @@
+// gfortran's array descriptors as the array routines see them, and the results that they ask for.
+#pragma once
+
+#include "intrinsics/arrays/view.h"
+#include "pairing/gcc/data_block.h"
+
+namespace tarn::gcc {
+
+using arrays::Index;
+using arrays::Mask;
+using arrays::View;
+
+// LOGICAL*4 by value or by reference.
+using Logical = std::int32_t;
+
+View view_of(const ArrayDescriptor& array, Index element);
+
+// An optional mask, of any logical kind. A scalar one that is false hides every element.
+class GivenMask {
+  public:
+    GivenMask() = default;
+    explicit GivenMask(const ArrayDescriptor* mask);
+    GivenMask(const Logical* scalar, const View& array);
+    const Mask* get() const { return present_ ? &mask_ : nullptr; }
+
+  private:
+    Mask mask_;
+    bool present_ = false;
+};
+
+// DIM from 0; fails where there is no such dimension.
+int dim_of(Index dim, int rank, const char* intrinsic);
+
+// The storage of a result with the extents of `shape`. A descriptor without storage gets it from
+// malloc, as compiled code frees it; one with storage is compared when the program asked for
+// checks.
+View result_for(ArrayDescriptor& result, const View& shape, Index element, const char* intrinsic);
+
+// Storage for a result that has none; extents from 0 up.
+void allocate_result(ArrayDescriptor& result, int rank, const Index* extents, Index element,
+                     const char* intrinsic);
+
+// `result_for` a reduction of `array` along `dim`. Its result has an oddity when it is empty: the
+// first extent of storage that is made is 0 then, whatever it should be.
+View reduced_result_for(ArrayDescriptor& result, const View& array, int dim, Index element,
+                        const char* intrinsic);
+
+// Fails where an argument's extents aren't those of `shape`, when the program asked for checks.
+void check_shape(const View& argument, const View& shape, const char* what, const char* intrinsic);
+
+bool checks_bounds();
+
+// Failures: the catalogue's sentence, then what was found.
+[[noreturn, gnu::format(printf, 2, 3)]] void array_failure(int number, const char* format, ...);
+
+inline constexpr int wrong_rank = 174;
+inline constexpr int wrong_dim = 388;
+inline constexpr int wrong_shape = 389;
+
+}  // namespace tarn::gcc

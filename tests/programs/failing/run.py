@@ -1,0 +1,91 @@
+#!/usr/bin/env python3
+"""Builds a program that fails, in several ways, and looks for what its report must say.
+
+usage: run.py BUILD PROGRAM
+
+The head of the program tells, in comment lines that begin with //> or !>:
+    runs: WORD...       each word is one run's argument (default: one run without one)
+    report: TEXT        a line that standard error must have, in this order, leading blanks aside
+    WORD: TEXT          the same, for the run of that word only
+    not: TEXT           what no line may hold
+    options: WORD...    more of the compiler's options
+A `*` in a line's text stands for anything.
+"""
+import os
+import pathlib
+import re
+import subprocess
+import sys
+import tempfile
+
+DRIVERS = {".f90": "tarnfc", ".c": "tarncc", ".cpp": "tarnc++"}
+BUILDS = [["-O0"], ["-O2"], ["-O2", "-no-pie"], ["-O1", "-s"]]
+
+
+def read_head(source):
+    words, lines, never, options = [], [], [], []
+    for line in source.read_text().splitlines():
+        match = re.match(r"(?://|!)> (\w+): (.*)$", line)
+        if match is None:
+            continue
+        if match[1] == "runs":
+            words = match[2].split()
+        elif match[1] == "options":
+            options = match[2].split()
+        elif match[1] == "not":
+            never.append(match[2])
+        else:
+            lines.append((match[1], match[2]))
+    return words or [""], lines, never, options
+
+
+def is_like(line, text):
+    pattern = ".*".join(re.escape(part) for part in text.split("*"))
+    return re.fullmatch(pattern, line) is not None
+
+
+def faults_of(report, wanted, never):
+    shown = [line.strip() for line in report.splitlines()]
+    at = 0
+    for text in wanted:
+        while at < len(shown) and not is_like(shown[at], text):
+            at += 1
+        if at == len(shown):
+            yield f"no line (behind the others) is: {text}"
+            return
+        at += 1
+    for text in never:
+        if any(text in line for line in shown):
+            yield f"a line holds: {text}"
+
+
+def main():
+    build, source = pathlib.Path(sys.argv[1]).resolve(), pathlib.Path(sys.argv[2]).resolve()
+    words, lines, never, more = read_head(source)
+    environment = {k: v for k, v in os.environ.items() if not k.startswith(("GFORTRAN_", "TARN"))}
+    failed = False
+    with tempfile.TemporaryDirectory() as folder:
+        # By its bare name, which the reports show.
+        (pathlib.Path(folder) / source.name).write_text(source.read_text())
+        for options in BUILDS:
+            driver = build / "bin" / DRIVERS[source.suffix]
+            command = [driver, "-w", *options, *more, source.name, "-o", "program"]
+            subprocess.run(command, cwd=folder, check=True)
+            for word in words:
+                run = subprocess.run(["./program"] + [word] * (word != ""), cwd=folder, timeout=60,
+                                     env=environment, stdin=subprocess.DEVNULL,
+                                     capture_output=True, check=False)  # fmt: skip
+                report = run.stderr.decode(errors="replace")
+                wanted = [text for name, text in lines if name in ("report", word)]
+                faults = list(faults_of(report, wanted, never))
+                if run.returncode == 0:
+                    faults.append("the exit status is 0")
+                for fault in faults:
+                    failed = True
+                    print(f"{' '.join(options)} {word}: {fault}")
+                if faults:
+                    print(report)
+    sys.exit(failed)
+
+
+main()

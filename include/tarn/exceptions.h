@@ -4,7 +4,7 @@
  * with a report: the cause, the routine, the line and all callers. A trap is a routine that is called
  * first. It takes no arguments and gives 0 to go on where the fault was, with whatever it changed of
  * the state; -2 to end the program at once; anything else for the usual report. It runs in a signal
- * handler, on a stack of 256 KiB: it should do little, and no input or output on a unit that the
+ * handler, on a stack of 512 KiB: it should do little, and no input or output on a unit that the
  * program may be using at the time.
  *
  * Faults come as the signals SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGTRAP and SIGABRT. A program that
@@ -18,6 +18,7 @@
 
 #include "tarn/link_name.h"
 
+/* NOLINTBEGIN(modernize-use-using): for C too. */
 #ifdef __cplusplus
 extern "C" {
 #endif
@@ -174,5 +175,6 @@ tarn_trap SET_TRAP_h(tarn_trap routine, const int32_t* index) TARN_LINK_NAME("SE
 #ifdef __cplusplus
 }
 #endif
+/* NOLINTEND(modernize-use-using) */
 
 #endif

@@ -5,6 +5,9 @@
 
 namespace tarn::exceptions {
 
+// For a step that waits for the user.
+inline constexpr unsigned no_limit = 0;
+
 // False when the step was left. One thread at a time; steps may nest.
 bool attempt(unsigned seconds, void (*step)(void* data), void* data);
 

@@ -22,8 +22,11 @@ Trap trap_entry(int exception_class, Trap routine) {
 }
 
 void keep_text(char (&kept)[text_size], const char* text) {
-    const std::size_t length = text != nullptr ? strnlen(text, text_size - 1) : 0;
-    std::memcpy(kept, text, length);
+    std::size_t length = 0;
+    if (text != nullptr) {
+        length = strnlen(text, text_size - 1);
+        std::memcpy(kept, text, length);
+    }
     kept[length] = 0;
 }
 

@@ -66,6 +66,18 @@ Hooks& hooks() {
     return the_hooks;
 }
 
+namespace {
+
+void end_trap() {
+    State& s = state();
+    s.context = nullptr;
+    s.record = nullptr;
+    s.caught = 0;
+    in_trap = false;
+}
+
+}  // namespace
+
 Trap trap_for(const Exception& exception) {
     if (in_trap) return nullptr;
     const auto& traps = state().traps;
@@ -87,10 +99,7 @@ Decision call_trap(Trap trap, Exception& exception) {
     s.caught = exception.row != nullptr ? exception.row->trap_class : trap_class::none;
     in_trap = true;
     const int result = trap();
-    in_trap = false;
-    s.context = nullptr;
-    s.record = nullptr;
-    s.caught = 0;
+    end_trap();
     platform::load_control_word(platform::all_masked_word);
     if (result == static_cast<int>(Decision::proceed) &&
         (exception.record.flags & noncontinuable_flag) == 0)
@@ -130,6 +139,8 @@ bool on_fault(const platform::Fault& fault) {
     if (!fault.was_sent() && end_flushed_step(*fault.context) && fault.signal == SIGTRAP)
         return true;
     leave_attempt();
+    // A trap may have been left by a jump.
+    if (in_trap && !platform::struck_in_handler(fault)) end_trap();
     Record record;
     Context context;
     describe(fault, record, context);

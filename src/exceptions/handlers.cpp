@@ -202,12 +202,11 @@ Decision handle_signal(Exception& exception) {
     const platform::SignalName name = platform::signal_name(fault.signal);
     const bool own = fault.was_sent() && fault.info->si_pid == getpid();
     Text text;
-    text.buffer.add("\n");
     if (own && fault.signal == SIGABRT) {
-        text.buffer.add("Abnormal termination: the program called abort\n");
-        return end_by(exception, "Abnormal termination", text);
+        text.buffer.add("Program aborted.\n");
+        return end_by(exception, "Program aborted", text);
     }
-    text.buffer.add(name.text).add(" (").add(name.name).add(")");
+    text.buffer.add("\n").add(name.text).add(" (").add(name.name).add(")");
     if (own) {
         text.buffer.add(", raised by the program\n");
     } else if (fault.was_sent()) {

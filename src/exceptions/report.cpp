@@ -5,6 +5,8 @@
 #include "failure/failure.h"
 #include "failure/reporter.h"
 #include "frame/state.h"
+#include "traceback/location.h"
+#include "traceback/module.h"
 #include "traceback/registers.h"
 #include "traceback/traceback.h"
 
@@ -38,12 +40,22 @@ void write_files(const Cause& cause) {
                         registers_of(exception.context), &exception.context});
 }
 
+// A dialog uses the heap and the display's libraries. Where the fault struck in one of them, or in
+// this library, a lock may be held that nobody gives back.
+bool dialog_is_safe(const Context& context) {
+    traceback::Module module;
+    if (traceback::is_own_code(context.instruction) ||
+        !traceback::find_module(context.instruction, module))
+        return false;
+    return module.path[0] == 0;  // the program itself
+}
+
 void tell(const Cause& cause) {
     failure::set_report(cause.text);
     failure::set_report_callers({});
     // What the program wrote comes first. The fault may have struck inside the library or the
     // system's heap, with a lock held or a list half linked.
-    attempt(flush_patience, [] { failure::flush_for_report(); });
+    const bool flushed = attempt(flush_patience, [] { failure::flush_for_report(); });
     if ((frame::traceback_flags() & frame::tb_no_traceback) == 0) {
         const traceback::Registers registers = registers_of(cause.exception->context);
         const platform::Fault* fault = cause.exception->fault;
@@ -54,6 +66,11 @@ void tell(const Cause& cause) {
     }
     failure::print_report();
     attempt(file_patience, [&] { write_files(cause); });
+    const bool console = (frame::traceback_flags() & frame::tb_kill_dialogbox) != 0;
+    if (console || !flushed || !dialog_is_safe(cause.exception->context)) return;
+    auto* const dialog = failure::hooks().report_dialog;
+    if (dialog != nullptr)
+        attempt(no_limit, [&] { dialog(cause.text, failure::report_callers()); });
 }
 
 }  // namespace

@@ -66,6 +66,10 @@ void print_report() {
     print_line(reporter.callers);
 }
 
+std::string_view report_callers() {
+    return reporter.callers;
+}
+
 void flush_for_report() {
     if (hooks().flush_everything) hooks().flush_everything();
     flush_c_output();

@@ -15,6 +15,7 @@ void release_report();
 // What the report says. Both must stay where they are.
 void set_report(std::string_view text);
 void set_report_callers(std::string_view callers);
+std::string_view report_callers();
 // Prints them, unless that has been done.
 void print_report();
 // To where reports go: standard error, or with the option kill_dialogbox standard output.

@@ -11,6 +11,7 @@ namespace {
 
 template <typename Change>
 void change_words(Change change) {
+    ensure_up();  // what traps from now on is to be reported
     State& s = state();
     for (int i = 0; i < s.control_table_count; ++i) {
         for (int mode = 0; mode < 8; ++mode) change(s.control_tables[i][mode], mode);

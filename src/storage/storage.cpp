@@ -11,6 +11,7 @@
 #include "failure/failure.h"
 #include "frame/hooks.h"
 #include "frame/state.h"
+#include "storage/allocate.h"
 #include "storage/trace.h"
 
 namespace tarn::storage {
@@ -77,12 +78,10 @@ Mode decide_mode() {
 }
 
 [[gnu::noinline]] void* shared_memory(std::intptr_t length) {
-    if (the_state.hooks.get_shared_memory) return the_state.hooks.get_shared_memory(length);
-    failure::fail_text("Storage shared between processes is not available in this library\n");
-}
-
-bool share_name_pending() {
-    return the_state.pending_share_name[0] != 0;
+    void* result = nullptr;
+    std::int32_t ignored = 0;
+    get_shared_memory(length, result, ignored);
+    return result;
 }
 
 void* get_own(std::size_t length, std::size_t alignment, Origin origin = Origin::plain) {
@@ -171,6 +170,10 @@ void* get_memory(std::intptr_t length) {
         return shared_memory(length);
     if (system_mode()) return std::malloc(static_cast<std::size_t>(length));
     return get_own(static_cast<std::size_t>(length), 4);
+}
+
+void* get_aligned_memory(std::size_t length, std::size_t alignment) {
+    return get_own(length, alignment);
 }
 
 void release_memory(void* pointer) {

@@ -25,8 +25,6 @@ using NewHandler = void (*)();
 
 // What other rooms give this one. Null: not there yet.
 struct Hooks {
-    // Serves a request while a share name is pending; the block, or null.
-    void* (*get_shared_memory)(std::intptr_t length) = nullptr;
     // Raises class 105 where slot 16 of the trap table holds a handler; false where none is set.
     bool (*raise_low_memory)() = nullptr;
 };
@@ -61,6 +59,8 @@ std::uint32_t change_exception_mode(std::uint32_t set, std::uint32_t clear);
 
 // The core. Its blocks are 4-aligned in the own heap.
 void* get_memory(std::intptr_t length);
+// The same on a boundary, from the own heap only.
+void* get_aligned_memory(std::size_t length, std::size_t alignment);
 void release_memory(void* pointer);
 void shrink_memory(void* pointer, std::intptr_t length);
 std::intptr_t find_memory_size(const void* pointer);

@@ -118,6 +118,13 @@ void push_key(fancy_window* window, std::uint32_t message, std::int32_t key, wor
     window->accelerators = entry;
 }
 
+void refuse_mnemonic(const char* text) {
+    quillpan_error(
+        "The accelerator/continuation character, '&' is\n"
+        "followed by an illegal character in string - '%s'",
+        text);
+}
+
 word as_word(call_back callback) {
     return reinterpret_cast<word>(callback);
 }
@@ -151,10 +158,7 @@ std::int32_t seek_accelerators(const char* text, fancy_window* window, bool fold
         }
         const auto character = static_cast<unsigned char>(*at);
         if (!peek && character < 0x21) {
-            quillpan_error(
-                "The accelerator/continuation character, '&' is\n"
-                "followed by an illegal character in string - '%s'",
-                text);
+            refuse_mnemonic(text);
             return result;
         }
         result = std::toupper(character);
@@ -162,6 +166,17 @@ std::int32_t seek_accelerators(const char* text, fancy_window* window, bool fold
         push_key(window, WM_SYSCHAR, (fold ? result : character) | key_alt, 0, character);
     }
     return result;
+}
+
+// The mnemonics of a menu bar are its own matter.
+void check_mnemonics(const char* text) {
+    for (const char* at = std::strchr(text, '&'); at != nullptr; at = std::strchr(at, '&')) {
+        ++at;
+        if (*at == '&')
+            ++at;
+        else if (static_cast<unsigned char>(*at) < 0x21)
+            return refuse_mnemonic(text);
+    }
 }
 
 // A character message keeps its form: the window finds the control of a mnemonic.

@@ -54,6 +54,7 @@ struct pending_values {
     const std::int32_t* text_colour_variable;    // %`tc, for one control
     HWND nw_target_window;                       // %nw
     window_control* nw_target_control;
+    bool nw_has_workspace;  // a window of its own was begun for it
 };
 
 // Where a call's arguments come from. One cursor serves every frame: C's va_list, a Fortran

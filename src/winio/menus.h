@@ -39,6 +39,7 @@ bool display_popup_menu1(fancy_window* window, HWND hwnd, platform::LPARAM place
 std::int32_t char_from_name(const char* text, bool report);
 // The mnemonic of a text, upper case, 0 for none; with `peek` nothing is recorded.
 std::int32_t seek_accelerators(const char* text, fancy_window* window, bool fold, bool peek);
+void check_mnemonics(const char* text);
 void new_accelerator(std::uint32_t message, std::int32_t key, word lparam, word wparam);
 // The key of a menu command of an open window.
 void add_menu_key(fancy_window* window, std::int32_t key, std::int32_t id);

@@ -138,7 +138,7 @@ menu_info* new_item(Reading& reading, HMENU menu, const Item& item, std::int32_t
 void note_keys(Reading& reading, const Item& item, const menu_info& info, bool top_of_bar) {
     if (reading.in_popup) return;
     if (top_of_bar) {
-        seek_accelerators(item.caption.c_str(), reading.window, true, true);
+        check_mnemonics(item.caption.c_str());
         return;
     }
     const std::size_t tab = item.caption.find('\t');
@@ -300,11 +300,22 @@ void read_help(menu_info* from, const menu_info* until, code_call& call) {
     window->help_depth = std::max(window->help_depth, lines);
 }
 
-void destroy_replaced(HMENU& menu, std::int32_t bit) {
+void destroy_replaced(fancy_window* window, HMENU& menu, std::int32_t bit) {
     if ((builder().nw_mode & bit) != 0) return;
     builder().nw_mode |= bit;
-    if (menu != 0) DestroyMenu(menu);
+    if (menu == 0) return;
+    DestroyMenu(menu);
     menu = HMENU{};
+    for (menu_info** link = &window->menu_items; *link != nullptr;) {
+        menu_info* item = *link;
+        if (item->menu == 0 || IsMenu(item->menu)) {
+            link = &item->next;
+            continue;
+        }
+        *link = item->next;
+        free_id(item->id);
+        std::free(item);
+    }
 }
 
 }  // namespace
@@ -345,7 +356,7 @@ void handle_mn(code_call& call) {
             quillpan_error("The handle used with %%NW must be for a main window.");
         target = fancy_window_from_handle(pending().nw_target_window);
         if (target != nullptr) {
-            destroy_replaced(target->menu, 2);
+            destroy_replaced(target, target->menu, 2);
             window->menu = target->menu;
         }
     }
@@ -377,12 +388,12 @@ void handle_pm(code_call& call) {
     menu_info* old_head = window->menu_items;
     if (builder().nw_mode != 0 && pending().nw_target_control != nullptr) {
         HMENU& menu = pending().nw_target_control->popup_menu;
-        destroy_replaced(menu, 4);
+        destroy_replaced(pending().nw_target_control->window, menu, 4);
         menu = read_into(call, kind_popup, menu);
     } else if (fancy_window* target = builder().nw_mode != 0
                                           ? fancy_window_from_handle(pending().nw_target_window)
                                           : nullptr) {
-        destroy_replaced(target->popup_menu, 4);
+        destroy_replaced(target, target->popup_menu, 4);
         target->popup_menu = read_into(call, kind_popup, target->popup_menu);
     } else {
         window->popup_menu = read_into(call, kind_popup, window->popup_menu);

@@ -23,7 +23,7 @@ bool is_one_of(const option_reader& words, std::initializer_list<std::string_vie
 }
 
 // ---- Graphics ----------------------------------------------------------------------------------
-bool take_background(const option_reader& words, control_options& found) {
+bool take_background(const option_reader& words, control_options& found, bool owner_draw = false) {
     static constexpr const char* names[] = {"red",   "green", "blue", "yellow",
                                             "white", "gray",  "grey", "black"};
     COLORREF colour = no_colour;
@@ -33,7 +33,10 @@ bool take_background(const option_reader& words, control_options& found) {
     if (words.is("colour=") || words.is("color=")) colour = get_option_colour();
     if (colour == no_colour) return false;
     if (found.background != no_colour) {
-        quillpan_error("?Graphics background colour already defined.");
+        if (owner_draw)
+            quillpan_error("?Graphics background colour already defined");
+        else
+            quillpan_error("?Graphics background colour already defined.");
     } else {
         found.background = colour;
     }
@@ -57,7 +60,7 @@ void gr_word(const option_reader& words, control_options& found) {
 }
 
 void dw_word(const option_reader& words, control_options& found) {
-    if (take_background(words, found)) return;
+    if (take_background(words, found, true)) return;
     if (words.is("user_resize")) found.user_resize = true;
 }
 

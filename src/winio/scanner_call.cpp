@@ -275,6 +275,22 @@ void lay_out(fancy_window& window) {
     AddGreyControlCheckFunctions();
 }
 
+// %nw in a call before, which ended with `&`: its target is current for this call again.
+void resume_menu_change(fancy_window* workspace) {
+    fancy_window* target = fancy_window_from_handle(pending().nw_target_window);
+    if (!target || target == workspace) return;
+    std::swap(target->descriptor, workspace->descriptor);
+    target->arg_number = workspace->arg_number;
+    current_window() = target;
+}
+
+std::int32_t keep_menu_change(fancy_window* workspace, bool starts) {
+    builder().continuing = 1;
+    if (starts) pending().nw_has_workspace = true;
+    current_window() = workspace;
+    return continued;
+}
+
 // %nw: the new menu goes to its window, and whatever was current is so again.
 std::int32_t finish_menu_change(fancy_window* before, bool workspace) {
     window_builder& state = builder();
@@ -282,8 +298,10 @@ std::int32_t finish_menu_change(fancy_window* before, bool workspace) {
     if ((state.nw_mode & 2) != 0 && window && window->hwnd != HWND{}) {
         platform::SetMenu(window->hwnd, window->menu);
     }
+    if (pending().nw_has_workspace) workspace = true;
     pending().nw_target_window = HWND{};
     pending().nw_target_control = nullptr;
+    pending().nw_has_workspace = false;
     state.nw_mode = 0;
     state.continuing = 0;
     current_window() = before;
@@ -485,12 +503,14 @@ std::int32_t perform_call(const char* format, std::size_t length, const char* de
     }
     window->descriptor = descriptor;
     window->arg_number = 1;
+    if (nw_mode != 0 && !starts) resume_menu_change(window);
     const bool goes_on = scan_format(text.c_str(), *source);
     report_unused(*current_window());
     current_window()->descriptor = nullptr;
     window->descriptor = nullptr;
     if (state.abandoned) return abandon_window();
-    if (builder().nw_mode != 0) return finish_menu_change(window, starts);
+    if (builder().nw_mode != 0)
+        return goes_on ? keep_menu_change(window, starts) : finish_menu_change(window, starts);
     if (records().passive) return continued;
     if (goes_on) {
         builder().continuing = 1;

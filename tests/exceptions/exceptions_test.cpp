@@ -3,6 +3,8 @@
 #include <cerrno>
 #include <cfloat>
 #include <cmath>
+#include <csetjmp>
+#include <csignal>
 #include <cstring>
 #include <gtest/gtest.h>
 #include <sys/mman.h>
@@ -104,6 +106,20 @@ TEST_F(Traps, ClassesOutOfRangeAreRefused) {
     }
     EXPECT_EQ(__set_exception_trap(16, open_region), nullptr);
     EXPECT_EQ(__set_exception_trap(16, nullptr), open_region);
+}
+
+sigjmp_buf back;
+TEST_F(Traps, MayBeLeftByAJump) {
+    calls = 0;
+    __set_exception_trap(0, [] {
+        ++calls;
+        siglongjmp(back, 1);
+        return 0;
+    });
+    while (calls < 3) {
+        if (sigsetjmp(back, 1) == 0) *const_cast<volatile char*>(region) = 1;
+    }
+    EXPECT_EQ(calls, 3);
 }
 
 TEST_F(Traps, ThatDeclineOrEnd) {
@@ -306,6 +322,22 @@ TEST(Signals, AreCalledOnceAndThenAtTheirDefault) {
     errno = 0;
     EXPECT_EQ(reinterpret_cast<std::intptr_t>(tarn_signal(200, listen)), -2);
     EXPECT_EQ(errno, -1008);
+}
+
+TEST(Signals, BreakKeysComeToTheirRoutine) {
+    heard = 0;
+    EXPECT_EQ(tarn_signal(100, [](int number, int) { heard = number; }), nullptr);
+    for (int key : {SIGQUIT, SIGINT}) {
+        heard = 0;
+        raise(key);
+        EXPECT_EQ(heard, 100);
+        tarn_signal(100, [](int number, int) { heard = number; });
+    }
+    tarn_signal(100, TARN_SIGNAL_IGNORE);
+    raise(SIGINT);
+    tarn_signal(100, TARN_SIGNAL_DEFAULT);
+    EXPECT_EXIT(raise(SIGQUIT), testing::KilledBySignal(SIGQUIT), "");
+    EXPECT_EXIT(tarn_raise(100), testing::KilledBySignal(SIGINT), "");
 }
 
 TEST(Attempt, IsLeftWhenItFaultsOrHangs) {

@@ -107,6 +107,33 @@ TEST(Menus, PlainListsBuildBarsAndPopups) {
     EXPECT_FALSE(IsMenu(file));
 }
 
+TEST(Menus, OfAnOpenWindowAreReplacedOverSeveralCalls) {
+    static std::int32_t control, hwnd;
+    form("%ca[Old]%mn[Old[Gone]]%hw%lw", "*E*I*I", {w(note_choice), w(&hwnd), w(&control)});
+    fancy_window* window = newest();
+    settle();
+    EXPECT_EQ(form("%nw&", "I", {hwnd}), -1);
+    EXPECT_EQ(form("%mn[New[One]]&", "*E", {w(note_choice)}), -1);
+    EXPECT_EQ(form("%mn[[Two]]", "*E", {w(note_choice)}), -1);
+    EXPECT_EQ(shape(window->menu), "New[One,Two]");
+    chosen.clear();
+    PostMessageA(window->hwnd, WM_COMMAND, GetMenuItemID(GetSubMenu(window->menu, 0), 1), 0);
+    settle();
+    EXPECT_EQ(chosen, std::vector<std::string>{"Two"});
+    EXPECT_EQ(newest(), window);
+
+    // Items of a resource are known by its numbers; a command has its call-back by %rc.
+    window->menu_items->resource_id = 7;  // "Two"
+    insert_menu_item("Before\tCtrl+B", 8, 7);
+    insert_menu_item(nullptr, 0, 7);
+    insert_menu_item("Last", 7, 7);
+    insert_menu_item("Nowhere", 9, 99);
+    EXPECT_EQ(shape(window->menu), "New[One,Before\tCtrl+B,|,Last]");
+    control = 0;
+    window_update(&control);
+    settle();
+}
+
 TEST(Menus, EnhancedDefinitionsAreOneText) {
     static std::int32_t control;
     form("%ca[Enhanced]%`mntext%lw", "*C*E*I",
@@ -150,6 +177,7 @@ TEST(MenuDefinitions, ThatCannotBeReadEndTheProgram) {
     } lists[] = {
         {"%mn[,x]&", "Invalid menu - missing name"},
         {"%mn[A[B]&", "Square brackets not paired in MN format"},
+        {"%mn[A& B]&", "followed by an illegal character in string - 'A& B'"},
         {"%mn[|]&", "Menu separator not permitted at the top level"},
         {"%mn[#A]&", "Attempt to check a menu item in the menu bar"},
     };

@@ -153,6 +153,7 @@ TEST(Options, ChecksTheOptionsOfBoxesAndLists) {
         {"%ms[height=7]", "**C*I", {list, number}, "%ms[height=v] v out of range."},
         {"%el[font_pitch=9]", "**C*CI", {list, buffer, 20}, "%el[font_pitch=v] v out of range."},
         {"%gr[red,blue]", "II", {10, 10}, "Graphics background colour already defined."},
+        {"%dw[red,blue]", "I", {0}, "Graphics background colour already defined"},
         {"%gr[user_resize,metafile_resize]",
          "II",
          {10, 10},

@@ -9,6 +9,7 @@ module tarn
   use tarn_float
   use tarn_handles
   use tarn_random
+  use tarn_storage
   use tarn_windows
   implicit none
   public

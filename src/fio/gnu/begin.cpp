@@ -2,6 +2,7 @@
 #include <cerrno>
 
 #include "fio/file/record_buffer.h"
+#include "fio/gnu/child.h"
 #include "fio/gnu/connection.h"
 #include "fio/gnu/format_run.h"
 #include "fio/gnu/internal_file.h"
@@ -321,14 +322,18 @@ bool records_go_on(const Unit& unit, bool reading) {
            !connection.record_open;
 }
 
+ItemRoad item_road(const Statement& s) {
+    if (s.reading) return s.list_directed ? read_list_item : read_item;
+    return s.list_directed ? write_list_item : write_item;
+}
+
 void begin_formatted(Statement& s) {
     if (s.reading) {
         begin_input(s);
-        s.transfer_item = s.list_directed ? read_list_item : read_item;
     } else {
         begin_output(s);
-        s.transfer_item = s.list_directed ? write_list_item : write_item;
     }
+    s.transfer_item = item_road(s);
 }
 
 // All of the transfer happens as the statement begins.
@@ -382,7 +387,63 @@ Statement* begin_usual_records(Caller& caller, bool reading) {
     return statement;
 }
 
+namespace {
+
+// What a child may not ask for, since the record is its parent's.
+bool check_child(Statement& s, const TransferSpecifiers& specs) {
+    if (specs.has_rec || specs.has_pos || specs.id != nullptr) {
+        fail(s, conflict, "REC=, POS= or ID= in a child statement");
+        return false;
+    }
+    if (s.unformatted != s.parent->unformatted) {
+        fail(s, form_mismatch,
+             s.unformatted ? "no format in a child of a formatted statement"
+                           : "a format in a child of an unformatted statement");
+        return false;
+    }
+    return true;
+}
+
+bool open_child(Statement& s, Statement& parent, const TransferSpecifiers& specs) {
+    Caller& caller = *s.caller;
+    caller.has_unit = parent.caller->has_unit;
+    caller.internal = parent.internal;
+    if (!take_record(parent, s)) return false;
+    if (specs.namelist != nullptr) {
+        fail(s, conflict, "NAMELIST in a child statement");
+        return false;
+    }
+    s.unformatted = specs.format == nullptr && !specs.list_directed;
+    if (!check_child(s, specs)) return false;
+    if (s.unformatted) return true;
+    if (s.unit != nullptr) s.modes = s.unit->gnu.modes;
+    if (s.modes.sign == SignMode::processor) s.modes.sign = processor_sign();
+    if (!choose_format(s, specs.format, specs.format_length)) return false;
+    if (specs.modes != nullptr && !apply_modes(s, *specs.modes)) return false;
+    if (!apply_advance(s, specs)) return false;
+    // Whatever ADVANCE= says, a child leaves its record open; and where its record ends, it ends.
+    s.non_advancing = s.reading && !s.internal;
+    bring_record(s);
+    return !s.failed;
+}
+
+Statement* begin_child(Caller& caller, Statement& parent, const TransferSpecifiers& specs) {
+    Statement* statement = take_statement();
+    Statement& s = *statement;
+    s.caller = &caller;
+    s.reading = specs.reading;
+    s.size = specs.size;
+    if (open_child(s, parent, specs) && !s.unformatted) s.transfer_item = item_road(s);
+    return statement;
+}
+
+}  // namespace
+
 Statement* begin_transfer(Caller& caller, const TransferSpecifiers& specs) {
+    if (specs.internal == nullptr) {
+        Statement* parent = parent_of(caller.unit);
+        if (parent != nullptr) return begin_child(caller, *parent, specs);
+    }
     Statement* statement = take_statement();
     Statement& s = *statement;
     s.caller = &caller;

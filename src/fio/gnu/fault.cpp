@@ -96,12 +96,13 @@ void store_message(const Caller& caller, std::string_view sentence) {
     std::memset(caller.iomsg + count, ' ', caller.iomsg_length - count);
 }
 
-// Stores what the program asked to hear and tells whether it catches the fault.
+// Stores what the program asked to hear and tells whether it catches the fault. Without a message
+// what IOMSG= holds stays.
 bool deliver(Caller& caller, std::int32_t iostat, std::string_view message) {
     // The first fault of a statement is the one that counts.
     if (caller.outcome != Outcome::ok) return true;
     if (caller.iostat != nullptr) *caller.iostat = iostat;
-    store_message(caller, message);
+    if (!message.empty()) store_message(caller, message);
     if (iostat == iostat_end) {
         caller.outcome = Outcome::end;
         return caller.catches_end;
@@ -137,6 +138,26 @@ void raise_system_fault(Caller& caller, int errno_value, std::string_view detail
     if (deliver(caller, errno_value, message)) return;
     if (errno_value == EPIPE) end_by_closed_pipe();
     failure::fail_sentence(number != 0 ? number : 168, message, place_of(caller));
+}
+
+void raise_procedure_fault(Caller& caller, std::int32_t iostat, std::string_view message) {
+    // A record that was too short for a child has been padded. gfortran's programs go on when
+    // nobody has asked to hear of it.
+    if (iostat == iostat_eor && !caller.catches_eor) return;
+    if (deliver(caller, iostat, {})) return;
+    while (!message.empty() && (message.back() == ' ' || message.back() == '\0')) {
+        message.remove_suffix(1);
+    }
+    int number = 381;
+    if (iostat == iostat_end) number = fault_end.number;
+    std::string text(failure::plain_text(number));
+    if (!message.empty()) {
+        text = message;
+    } else if (number == 381) {
+        text.append(" (a procedure of a derived type returned IOSTAT ");
+        text.append(std::to_string(iostat)).append(")");
+    }
+    failure::fail_sentence(number, text, place_of(caller));
 }
 
 void raise_end_of_file(Caller& caller) {

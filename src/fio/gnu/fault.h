@@ -70,6 +70,10 @@ void raise_fault(Caller& caller, Fault fault, std::string_view detail = {});
 // catalogue's where it has one (a missing file, a full disk ...), else the system's own text.
 void raise_system_fault(Caller& caller, int errno_value, std::string_view detail = {});
 
+// A fault that a procedure of the program has told by its IOSTAT and IOMSG, which may be blank.
+// What it has put into the statement's own IOMSG= stays.
+void raise_procedure_fault(Caller& caller, std::int32_t iostat, std::string_view message);
+
 void raise_end_of_file(Caller& caller);
 void raise_end_of_record(Caller& caller);
 

@@ -28,6 +28,9 @@ void write_list(Statement& statement, ItemType type, char* items, int kind, std:
 void read_formatted(Statement& statement, ItemType type, char* items, int kind, std::size_t size,
                     std::ptrdiff_t stride, std::size_t count);
 
+// What stands before an item of list-directed output.
+void put_list_separator(Statement& statement, bool character);
+
 // A CHARACTER value at the cursor: `length` characters of 1 or 4 bytes, in the record's encoding.
 void put_characters(Statement& statement, const char* text, int kind, std::size_t length);
 void put_blanks(Statement& statement, std::size_t count);

@@ -201,7 +201,7 @@ void read_utf8_characters(Statement& s, std::size_t width, char* item, int kind,
 
 void read_through(Statement& s, const FormatNode& node, ItemType type, char* item, int kind,
                   std::size_t size) {
-    if (!s.record_at_hand) return fail_end_of_file(s);
+    if (!has_input_record(s)) return s.failed ? void() : fail_end_of_file(s);
     ++s.items;
     switch (node.edit) {
         case Edit::I:

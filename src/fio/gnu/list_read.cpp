@@ -249,6 +249,20 @@ void save_value(Statement& s, ItemType type, int kind, const void* value, std::s
     std::memcpy(s.list.saved_value, value, size);
 }
 
+bool find_list_value(Statement& s) {
+    ListState& list = s.list;
+    if (list.repeat > 0) {
+        if (!list.null_value) fail_value(s, wrong_type, {});
+        --list.repeat;
+        return false;
+    }
+    if (!list.first) return find_next_value(s);
+    if (!find_first_value(s)) return false;
+    if (!at_list_separator(s)) return true;
+    pass_separator(s);
+    return false;
+}
+
 void read_list_item(Statement& s, ItemType type, void* item, int kind, std::size_t size) {
     if (s.failed) return;
     ++s.items;

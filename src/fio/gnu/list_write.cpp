@@ -18,9 +18,10 @@ void put_list_characters(Statement& s, const char* text, int kind, std::size_t l
     }
 }
 
+}  // namespace
+
 // The first item stands one column in; two character values in a row have nothing between them.
-void put_separator(Statement& s, ItemType type) {
-    const bool character = type == ItemType::character;
+void put_list_separator(Statement& s, bool character) {
     const bool first = !s.list_begun;
     const bool joined = character && s.list_after_character && s.modes.delim == Delim::none;
     s.list_begun = true;
@@ -31,6 +32,8 @@ void put_separator(Statement& s, ItemType type) {
     if (separator.size() == 1) return put_byte(s, separator[0]);
     put_text(s, separator);
 }
+
+namespace {
 
 // The numeric fields are made aside where the record might have no room for the widest of them.
 template <class Put>
@@ -118,7 +121,7 @@ void put_delimited(Statement& s, const char* text, int kind, std::size_t length,
 
 void write_list_item(Statement& s, ItemType type, void* at, int kind, std::size_t size) {
     if (s.failed) return;
-    put_separator(s, type);
+    put_list_separator(s, type == ItemType::character);
     if (s.failed) return;
     ++s.items;
     const auto* const item = static_cast<const char*>(at);

@@ -7,6 +7,7 @@
 
 #include "fio/file/native_frame.h"
 #include "fio/file/record_buffer.h"
+#include "fio/gnu/child.h"
 #include "fio/gnu/connection.h"
 #include "fio/gnu/options.h"
 #include "fio/gnu/records.h"
@@ -315,6 +316,8 @@ void end_file_of_unit(Caller& caller) {
 }
 
 void flush_unit(Caller& caller) {
+    // A procedure that a statement of the unit is running: the record isn't complete yet.
+    if (parent_of(caller.unit) != nullptr) return;
     const Holding held(caller);
     Unit* unit = held.unit();
     if (held.busy()) return;

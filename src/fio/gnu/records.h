@@ -44,6 +44,12 @@ void move_to_column(Statement& statement, std::int64_t column);
 // Input.
 void begin_input(Statement& statement);
 void end_input(Statement& statement);
+// The record goes by, and the next one is fetched only when it is needed.
+void leave_record(Statement& statement);
+// Whether a record is at hand, after the next one has been fetched if need be.
+inline bool has_input_record(Statement& statement) {
+    return statement.record_at_hand || (statement.record_dropped && next_input_record(statement));
+}
 
 // The characters that a field of `width` can take. A carriage return inside the record ends it for
 // the field that meets it, as a line feed would; a record of which less is read goes to its line

@@ -14,6 +14,7 @@ void set_record(Statement& s, char* begin, std::size_t length, char* room_end) {
     s.limit = begin + length;
     s.room_end = room_end;
     s.record_at_hand = true;
+    s.record_dropped = false;
     s.end_of_record = false;
 }
 
@@ -144,6 +145,11 @@ void end_record_at_carriage_return(Statement& s) {
         s.record_terminated = true;
     }
     s.carriage_return = nullptr;
+}
+
+void leave_record(Statement& s) {
+    drop_record(s);
+    s.record_dropped = true;
 }
 
 bool try_next_input_record(Statement& s) {

@@ -169,12 +169,11 @@ void finish_internal(Statement& s) {
 
 // A scalar internal file has one record. What follows a slash or reversion goes on in it, behind
 // one blank, and the statement hears of the end when it ends; another fault on the way counts.
-void go_on_behind_scalar(Statement& s) {
+void go_on_behind_blank(Statement& s) {
     char* at = room(s, 1);
     if (at == nullptr) return;
     *at = ' ';
     filled(s, at + 1);
-    s.behind_scalar = true;
 }
 
 }  // namespace
@@ -199,7 +198,11 @@ void begin_output(Statement& s) {
 void next_output_record(Statement& s) {
     if (s.failed) return;
     if (is_internal_scalar(s) && !s.wide) {
-        go_on_behind_scalar(s);
+        go_on_behind_blank(s);
+        s.behind_scalar = true;
+    } else if (s.internal && s.parent != nullptr && !s.wide) {
+        // As gfortran has it: a child knows its internal file as one record.
+        go_on_behind_blank(s);
     } else if (s.internal) {
         finish_internal(s);
         next_internal_record(s.file);
@@ -217,8 +220,10 @@ void next_output_record(Statement& s) {
 void end_output(Statement& s) {
     if (s.internal) {
         const bool left_last = s.file.record == nullptr && s.file.count > 0 && !s.wide;
-        if (left_last || s.behind_scalar) return fail_end_of_file(s);
-        return finish_internal(s);
+        // After a fault too: an item may have touched bytes behind its field.
+        finish_internal(s);
+        if (!s.failed && (left_last || s.behind_scalar)) fail_end_of_file(s);
+        return;
     }
     if (s.begin == nullptr) return;
     if (s.direct) return finish_direct(s);

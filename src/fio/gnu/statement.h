@@ -114,6 +114,9 @@ struct StatementState {
     const FormatNode* data_edit = nullptr;  // in force
 
     NamelistGroup* namelist = nullptr;
+    // A statement whose item has a procedure of its own, and the child statements of that.
+    Statement* parent = nullptr;        // of a child
+    Statement* parent_below = nullptr;  // of those that run a procedure in this thread
 
     std::int64_t* size = nullptr;  // SIZE=
     std::int64_t size_count = 0;   // characters read, for SIZE=
@@ -122,6 +125,7 @@ struct StatementState {
 
     std::int32_t repeat_left = 0;  // of the data edit descriptor in force
     std::uint32_t items = 0;       // transferred so far, for messages
+    std::int32_t child_unit = 0;   // the number by which the procedures name the record
 
     bool reading = false;
     bool list_directed = false;
@@ -137,6 +141,7 @@ struct StatementState {
     bool behind_end = false;         // a stream is read behind its end: told at the statement's end
     bool failed = false;             // the items that follow are ignored
     bool record_at_hand = false;     // input: a record has been found
+    bool record_dropped = false;     // input: a child has met its end, the next isn't fetched yet
     bool record_terminated = false;  // input: it has a line end
     bool end_of_record = false;      // input: a field ran into the record's end
     bool carriage_return_unknown = false;  // input: it hasn't been looked for in the record
@@ -144,6 +149,8 @@ struct StatementState {
     bool no_line_end = false;              // $ asked for it
     bool list_begun = false;               // list-directed output: an item has been written
     bool list_after_character = false;
+    bool child_running = false;
+    bool owns_child_unit = false;
     EditModes modes;
 };
 
@@ -225,6 +232,9 @@ void end_transfer(Statement* statement);
 
 // The list-directed reader: gives one item its value. A null value leaves the item as it is.
 void read_list_item(Statement& statement, ItemType type, void* item, int kind, std::size_t size);
+// Goes to the value of an item that a procedure reads; false: there is none for it. A separator
+// right before it is the procedure's, as in gfortran, unless the statement begins there.
+bool find_list_value(Statement& statement);
 // What a list-directed READ leaves to be done at its end: the rest of the record goes by.
 void finish_list_read(Statement& statement);
 

@@ -15,6 +15,8 @@ struct ThreadState {
     FormatCache formats;
     Statement* stock = nullptr;       // records that no statement uses, linked by `below`
     NamelistGroup* groups = nullptr;  // the same of namelist groups
+    // Statements that run a procedure of an item, the innermost first, linked by `parent_below`.
+    Statement* parents = nullptr;
     ~ThreadState();
 
     // A plain pointer of the initial TLS block is the cheapest to reach. Null until the thread's

@@ -1,5 +1,6 @@
 #include <string>
 
+#include "fio/gnu/child.h"
 #include "fio/gnu/format_run.h"
 #include "fio/gnu/items.h"
 #include "fio/gnu/records.h"
@@ -51,6 +52,18 @@ void finish_format(Statement& s) {
     run_format(s, false);
 }
 
+// The rest of a child's format. The record stays open, unless a field has run into its end.
+void end_child(Statement& s) {
+    finish_format(s);
+    if (s.reading && !s.unformatted) {
+        if (!s.failed && s.end_of_record) fail_end_of_record(s);
+        if (s.end_of_record) leave_record(s);
+        if (s.size != nullptr) *s.size = s.size_count;
+    }
+    give_record_back(s);
+    if (s.cached != nullptr) FormatCache::release(s.cached);
+}
+
 void finish_input(Statement& s) {
     if (!s.failed && s.list_directed) finish_list_read(s);
     if (!s.failed && s.non_advancing && s.end_of_record) fail_end_of_record(s);
@@ -84,6 +97,10 @@ void end_transfer(Statement* statement) {
         if (s.iolength != nullptr) *s.iolength = s.length_count;
         return give_back(statement);
     }
+    if (s.parent != nullptr) {
+        end_child(s);
+        return give_back(statement);
+    }
     if (s.unformatted) {
         end_unformatted(s);
         if (s.unit != nullptr) release_unit(s.unit);
@@ -93,10 +110,11 @@ void end_transfer(Statement* statement) {
     if (s.reading) {
         finish_input(s);
         if (s.size != nullptr) *s.size = s.size_count;
-    } else if (!s.failed) {
+    } else if (!s.failed || s.internal) {
         end_output(s);
     }
     if (s.cached != nullptr) FormatCache::release(s.cached);
+    end_parent(s);
     const bool to_window = s.unit != nullptr && s.unit->file.window != nullptr;
     // What the user types comes behind whatever was written.
     if (to_window) s.unit->gnu.end = EndState::before;

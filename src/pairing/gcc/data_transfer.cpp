@@ -238,10 +238,4 @@ void transfer_array(DataBlock& block, const ArrayDescriptor& array, int kind,
     walk(block, array, type, kind, size, native ? native_row : gnu_row);
 }
 
-void refuse_derived(DataBlock& block) {
-    if (block.part().owner != Owner::gnu || statement_of(block).failed) return;
-    fail(statement_of(block), {156, fio::iostat_internal},
-         "input and output by a procedure of the type is not there yet");
-}
-
 }  // namespace tarn::gcc

@@ -1,6 +1,7 @@
 // From gfortran's parameter blocks to statements of the engine.
 #pragma once
 
+#include "fio/gnu/child.h"
 #include "fio/gnu/statement.h"
 #include "pairing/gcc/data_block.h"
 
@@ -21,8 +22,12 @@ void transfer_array(DataBlock& block, const ArrayDescriptor& array, int kind,
 // By the number of a descriptor.
 fio::ItemType item_type(std::int8_t type);
 
-// An item that goes through a procedure of its type.
-void refuse_derived(DataBlock& block);
+// An item that goes through a procedure of its type. `object` is the compiled program's class
+// container, of which only the procedure knows more.
+void transfer_derived(DataBlock& block, void* object, void* routine);
+
+// The procedure with that item as the engine calls it.
+fio::ItemProcedure item_procedure(void* object, void* routine);
 
 // What statements of the other dialect do with their items and their end; filled where they are
 // opened. Null: none was ever opened.
@@ -32,6 +37,7 @@ struct NativeRoad {
     // `count` items `stride` bytes apart.
     void (*row)(void* block, fio::ItemType type, void* items, int kind, std::size_t size,
                 std::int64_t stride, std::int64_t count) = nullptr;
+    void (*refuse_derived)(void* block) = nullptr;
     void (*done)(void* block) = nullptr;
 };
 NativeRoad& native_road();

@@ -84,10 +84,8 @@ TARN_EXPORT void _gfortran_transfer_array_write(DataBlock* block, ArrayDescripto
                                                 std::size_t character_length)
     TARN_ALIAS(_gfortran_transfer_array);
 
-// An item of a derived type with a procedure of its own for it: the statement says that this
-// isn't there yet.
-TARN_EXPORT void _gfortran_transfer_derived(DataBlock* block, void*, void*) {
-    tarn::gcc::refuse_derived(*block);
+TARN_EXPORT void _gfortran_transfer_derived(DataBlock* block, void* object, void* routine) {
+    tarn::gcc::transfer_derived(*block, object, routine);
 }
 
 }  // extern "C"

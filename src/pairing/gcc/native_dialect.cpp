@@ -161,7 +161,7 @@ void run_namelist(DataBlock& block) {
 
 void begin_native_transfer(DataBlock& block, bool reading) {
     enter();
-    native_road() = {native_transfer, native_row, native_done};
+    native_road() = {native_transfer, native_row, native_refuse_derived, native_done};
     block.part().owner = Owner::native;
     beginIO(action_of(block, reading));
     set_outcome_words(common_part(block));
@@ -461,6 +461,11 @@ void native_row(void* block, ItemType type, void* items, int kind, std::size_t s
     for (; count > 0; --count, item += stride) {
         if (!native_transfer(block, type, item, kind, size)) return;
     }
+}
+
+void native_refuse_derived(void*) {
+    if (items_are_ignored()) return;
+    conclude(IO_not_available("Input and output by procedures of derived types is not available"));
 }
 
 void native_done(void* block) {

@@ -15,6 +15,8 @@ bool native_transfer(void* block, fio::ItemType type, void* item, int kind, std:
 // Items `stride` bytes apart.
 void native_row(void* block, fio::ItemType type, void* items, int kind, std::size_t size,
                 std::int64_t stride, std::int64_t count);
+// An item with a procedure of its own: the dialect has none of that.
+void native_refuse_derived(void* block);
 void native_done(void* block);
 
 }  // namespace tarn::gcc

@@ -8,6 +8,7 @@
 #include "frame/link_name.h"
 #include "frame/state.h"
 #include "platform/kernel/console.h"
+#include "platform/kernel/fault.h"
 #include "platform/kernel/float_unit.h"
 #include "traceback/traceback.h"
 
@@ -126,10 +127,11 @@ TARN_EXPORT void _gfortran_pause_string(const char* text, std::size_t length) {
 
 // The signal tells a debugger, a core file or a batch system; what was written comes out first.
 [[noreturn]] TARN_EXPORT void _gfortran_abort() {
-    tarn::frame::attach();
+    tarn::frame::ensure_up();
     tarn::frame::Hooks& hooks = tarn::frame::hooks();
     if (hooks.flush_fortran_units) hooks.flush_fortran_units();
-    say("Program aborted.\n");
+    // Where nobody else has the signal, its report says so.
+    if (!tarn::platform::is_watched(SIGABRT)) say("Program aborted.\n");
     std::abort();
 }
 }

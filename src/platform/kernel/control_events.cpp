@@ -3,6 +3,8 @@
 #include <cerrno>
 #include <signal.h>
 
+#include "platform/kernel/fault.h"
+
 namespace tarn::platform {
 namespace {
 
@@ -22,7 +24,8 @@ void on_signal(int number) {
 void take_over(int number) {
     struct sigaction present;
     if (sigaction(number, nullptr, &present) != 0) return;
-    if ((present.sa_flags & SA_SIGINFO) != 0 || present.sa_handler != SIG_DFL) return;
+    const bool is_default = (present.sa_flags & SA_SIGINFO) == 0 && present.sa_handler == SIG_DFL;
+    if (!is_default && !is_watched(number)) return;
     struct sigaction ours = {};
     ours.sa_handler = on_signal;
     ours.sa_flags = SA_RESTART | SA_ONSTACK;

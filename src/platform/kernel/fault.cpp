@@ -32,7 +32,7 @@ constexpr Watched watched[] = {
     {SIGXFSZ, {"SIGXFSZ", "File size limit exceeded"}},
 };
 
-constexpr std::size_t handler_stack_size = 256 * 1024;
+constexpr std::size_t handler_stack_size = 512 * 1024;
 constexpr std::size_t page = 4096;
 
 struct Faults {
@@ -145,6 +145,14 @@ void give_handler_stack() {
         return;
     }
     use_stack(static_cast<char*>(region) + page);
+}
+
+bool struck_in_handler(const Fault& fault) {
+    stack_t present;
+    if (sigaltstack(nullptr, &present) != 0 || (present.ss_flags & SS_DISABLE) != 0) return true;
+    const auto pointer = static_cast<std::uintptr_t>(fault.context->uc_mcontext.gregs[REG_RSP]);
+    const auto low = reinterpret_cast<std::uintptr_t>(present.ss_sp);
+    return pointer >= low && pointer - low < present.ss_size;
 }
 
 bool stack_bounds(StackBounds& bounds) {

@@ -33,6 +33,9 @@ bool is_watched(int signal);
 // The calling thread's stack for handlers; it ends with the thread. A thread that has one keeps it.
 void give_handler_stack();
 
+// Whether a fault struck in a handler: on the stack for them.
+bool struck_in_handler(const Fault& fault);
+
 // The addresses that the calling thread's own stack may take up; false where they aren't known.
 struct StackBounds {
     std::uintptr_t low, high;

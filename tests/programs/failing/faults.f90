@@ -13,7 +13,7 @@
 !> overflow: Stack overflow at address *
 !> overflow: in Faulty::Deep, faults.f90:*
 !> overflow: (this call * more times)
-!> abort: Abnormal termination: the program called abort
+!> abort: Program aborted.
 !> divide: called by Main_Thing, faults.f90:73
 !> quotient: called by Main_Thing, faults.f90:75
 !> null: called by Main_Thing, faults.f90:78

@@ -1,0 +1,54 @@
+// Items of derived types whose program has procedures for their input and output.
+#include "pairing/gcc/data_transfer.h"
+
+namespace tarn::gcc {
+namespace {
+
+using FormattedRoutine = void (*)(void* object, std::int32_t* unit, const char* iotype,
+                                  const ArrayDescriptor* values, std::int32_t* iostat, char* iomsg,
+                                  std::size_t iotype_length, std::size_t iomsg_length);
+using UnformattedRoutine = void (*)(void* object, std::int32_t* unit, std::int32_t* iostat,
+                                    char* iomsg, std::size_t iomsg_length);
+
+constexpr std::int8_t integer_type = 1;
+
+// The list of DT as an assumed-shape array: INTEGER, rank 1.
+ArrayDescriptor describe(const std::int32_t* values, std::int32_t count) {
+    static constexpr std::int32_t nothing = 0;
+    ArrayDescriptor array{};
+    array.base = reinterpret_cast<char*>(const_cast<std::int32_t*>(count > 0 ? values : &nothing));
+    array.offset = -1;
+    array.element_length = sizeof *values;
+    array.rank = 1;
+    array.type = integer_type;
+    array.span = sizeof *values;
+    array.dimension[0] = {1, 1, count};
+    return array;
+}
+
+void call(const fio::ItemProcedure& procedure, fio::ProcedureArguments& a) {
+    std::int32_t unit = a.unit;
+    if (a.unformatted) {
+        const auto routine = reinterpret_cast<UnformattedRoutine>(procedure.routine);
+        return routine(procedure.object, &unit, &a.iostat, a.iomsg, a.iomsg_length);
+    }
+    const ArrayDescriptor values = describe(a.values, a.value_count);
+    const auto routine = reinterpret_cast<FormattedRoutine>(procedure.routine);
+    routine(procedure.object, &unit, a.iotype.data(), &values, &a.iostat, a.iomsg, a.iotype.size(),
+            a.iomsg_length);
+}
+
+}  // namespace
+
+fio::ItemProcedure item_procedure(void* object, void* routine) {
+    return {call, routine, object};
+}
+
+void transfer_derived(DataBlock& block, void* object, void* routine) {
+    PrivatePart& part = block.part();
+    if (part.owner == Owner::native) return native_road().refuse_derived(&block);
+    fio::transfer_derived(*static_cast<fio::Statement*>(part.statement),
+                          item_procedure(object, routine));
+}
+
+}  // namespace tarn::gcc

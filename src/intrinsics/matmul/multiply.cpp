@@ -342,17 +342,61 @@ void small_rows(const Matrix<const T>& a, const Matrix<const T>& b, const Matrix
         fill.template operator()<typename Kernel::Wide>(std::min(j, c.columns - tile_columns));
 }
 
-template <class Level, class Low, class High, class T>
+// Three heights of tiles: the lowest that holds what is left, or the highest.
+template <class Level, class Lowest, class Low, class High, class T>
 void multiply_small(const Matrix<const T>& a, const Matrix<const T>& b, const Matrix<T>& c) {
     for (Index row = 0; row < c.rows;) {
         const Index left = c.rows - row;
-        if (left <= Low::rows || c.rows < High::rows) {
+        if (left <= Lowest::rows) {
+            small_rows<Level, Lowest>(a, b, c, row);
+            row += Lowest::rows;
+        } else if (left <= Low::rows || c.rows < High::rows) {
             small_rows<Level, Low>(a, b, c, row);
             row += Low::rows;
         } else {
             small_rows<Level, High>(a, b, c, row);
             row += High::rows;
         }
+    }
+}
+
+// Small complex products, where a's columns lie together: as real products of the interleaved parts
+// of a with the real parts of b, and with its imaginary ones.
+template <class Level, class Kernel, class T>
+void multiply_small_complex(const Matrix<const Complex<T>>& a, const Matrix<const Complex<T>>& b,
+                            const Matrix<Complex<T>>& c) {
+    constexpr Index tile_rows = Kernel::rows / 2;
+    constexpr Index columns = Kernel::Wide::columns;
+    alignas(64) T by_real[Kernel::rows * columns];
+    alignas(64) T by_imaginary[Kernel::rows * columns];
+    const auto fill = [&]<class Shape>(Index i, Index j) {
+        const T* const from = &a.base[i].re;
+        const Complex<T>* const value = b.base + j * b.column_step;
+        const Index row_step = 2 * b.row_step;
+        const Index column_step = 2 * b.column_step;
+        Level::template run<Shape>(a.columns, from, 2 * a.column_step, &value->re, row_step,
+                                   column_step, by_real + 0, Index{Kernel::rows}, false);
+        Level::template run<Shape>(a.columns, from, 2 * a.column_step, &value->im, row_step,
+                                   column_step, by_imaginary + 0, Index{Kernel::rows}, false);
+        for (Index y = 0; y < Shape::columns; ++y) {
+            const T* const re = by_real + y * Kernel::rows;
+            const T* const im = by_imaginary + y * Kernel::rows;
+            Complex<T>* to = c.base + i * c.row_step + (j + y) * c.column_step;
+            for (Index x = 0; x < tile_rows; ++x) {
+                *to = {re[2 * x] - im[2 * x + 1], re[2 * x + 1] + im[2 * x]};
+                to += c.row_step;
+            }
+        }
+    };
+    for (Index row = 0; row < c.rows; row += tile_rows) {
+        const Index i = std::min(row, c.rows - tile_rows);
+        if (c.columns < columns) {
+            for (Index j = 0; j < c.columns; ++j)
+                fill.template operator()<typename Kernel::Narrow>(i, j);
+            continue;
+        }
+        for (Index j = 0; j < c.columns; j += columns)
+            fill.template operator()<typename Kernel::Wide>(i, std::min(j, c.columns - columns));
     }
 }
 
@@ -436,9 +480,12 @@ void multiply_real(const Matrix<const T>& a, const Matrix<const T>& b, const Mat
             switch (platform::vector_level()) {
                 case platform::VectorLevel::avx512:
                 case platform::VectorLevel::avx2:
-                    return multiply_small<Avx2, SmallTile<T, 32, 1>, SmallTile<T, 32, 2>>(a, b, c);
+                    // Four rows at least; half a vector will do for the narrow types.
+                    return multiply_small<Avx2, SmallTile<T, sizeof(T) < 8 ? 16 : 32, 1>,
+                                          SmallTile<T, 32, 1>, SmallTile<T, 32, 2>>(a, b, c);
                 default:
-                    return multiply_small<Sse2, SmallTile<T, 16, 1>, SmallTile<T, 16, 2>>(a, b, c);
+                    return multiply_small<Sse2, SmallTile<T, 16, 1>, SmallTile<T, 16, 1>,
+                                          SmallTile<T, 16, 2>>(a, b, c);
             }
         }
     }
@@ -460,6 +507,17 @@ template <class T>
 void multiply_complex(const Matrix<const Complex<T>>& a, const Matrix<const Complex<T>>& b,
                       const Matrix<Complex<T>>& c) {
     bool done = false;
+    if (a.row_step == 1 && c.rows * c.columns * a.columns <= small_size) {
+        constexpr Index in_vector = 32 / static_cast<Index>(sizeof(Complex<T>));
+        if (platform::vector_level() >= platform::VectorLevel::avx2) {
+            if (c.rows >= 2 * in_vector)
+                return multiply_small_complex<Avx2, SmallTile<T, 32, 2>>(a, b, c);
+            if (c.rows >= in_vector)
+                return multiply_small_complex<Avx2, SmallTile<T, 32, 1>>(a, b, c);
+        } else if (c.rows >= in_vector) {
+            return multiply_small_complex<Sse2, SmallTile<T, 16, 2>>(a, b, c);
+        }
+    }
     switch (platform::vector_level()) {
         case platform::VectorLevel::avx512:
             done = multiply_complex_in_blocks<Avx512, ComplexTile<T, 64, 2, 6>>(a, b, c);

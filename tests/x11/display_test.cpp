@@ -400,6 +400,35 @@ TEST_F(Alone, EndsWhenTheServerGoes) {
     EXPECT_EXIT(program(), testing::ExitedWithCode(3), "");
 }
 
+TEST_F(Alone, PlacesCountFromThePrimaryMonitor) {
+    if (!have("xrandr")) GTEST_SKIP() << "xrandr is missing";
+    Server server;
+    run("xrandr --setmonitor left 500/130x1024/270+0+0 screen");
+    run("xrandr --setmonitor '*right' 780/200x900/240+500+50 none");
+    connect();
+    ASSERT_EQ(display->monitors().size(), 2u);
+    EXPECT_EQ(display->monitors()[0], (RECT{0, 0, 780, 900}));
+    EXPECT_EQ(display->monitors()[1], (RECT{-500, -50, 0, 974}));
+    EXPECT_EQ(display->work_area({-10, 10}), (RECT{-500, -50, 0, 974}));
+    shown(1, {10, 20, 210, 120});
+    ASSERT_TRUE(until([&] { return focused == 1 && place[1] == RECT{10, 20, 210, 120}; }));
+    EXPECT_EQ(screen_pixel(511, 71), 0x336699u);
+    run("xdotool mousemove 515 77 click 1");
+    ASSERT_TRUE(until([&] { return last(Kind::button_down) != nullptr; }));
+    EXPECT_EQ(last(Kind::button_down)->point, (POINT{5, 7}));
+    EXPECT_EQ(last(Kind::button_down)->screen, (POINT{15, 27}));
+    EXPECT_EQ(display->pointer(), (POINT{15, 27}));
+    display->place(1, {-300, 20, -100, 120});
+    ASSERT_TRUE(until([&] { return place[1] == RECT{-300, 20, -100, 120}; }));
+    display->set_state(1, WindowState::full_screen);
+    ASSERT_TRUE(until([&] { return place[1] == RECT{-500, -50, 0, 974}; }));
+    display->set_state(1, WindowState::normal);
+    ASSERT_TRUE(until([&] { return place[1] == RECT{-300, 20, -100, 120}; }));
+    // Another monitor becomes the primary one: windows stay, their places are told anew.
+    run("xrandr --delmonitor right; xrandr --delmonitor left");
+    ASSERT_TRUE(until([&] { return place[1] == RECT{200, 70, 400, 170}; }));
+}
+
 TEST_F(Alone, SaysWhyThereIsNoDesktop) {
     setenv("DISPLAY", ":987", 1);
     void* module = dlopen(TARN_X11_MODULE, RTLD_NOW | RTLD_LOCAL);

@@ -132,7 +132,7 @@ void X11Display::handle(const xcb_generic_event_t& event) {
     }
     if (keyboard_.handle(event)) return;
     if (randr_event_ != 0 && kind == randr_event_ + XCB_RANDR_SCREEN_CHANGE_NOTIFY) {
-        read_monitors();
+        monitors_changed();
         return;
     }
     switch (kind) {
@@ -337,6 +337,8 @@ void X11Display::handle_message(const xcb_client_message_event_t& message) {
 // ---- Place and state ------------------------------------------------------------------------
 
 void X11Display::handle_configure(const xcb_configure_notify_event_t& change) {
+    // Monitors that are only divided anew are told by this alone.
+    if (change.window == connection_.root()) return monitors_changed();
     Window* window = find_handle(change.window);
     if (!window) return;
     bool from_manager = (change.response_type & 0x80) != 0;  // then in coordinates of the screen
@@ -438,15 +440,16 @@ void X11Display::change_scale() {
     std::vector<RECT> wishes;
     for (auto& window : windows_) wishes.push_back(client(*window));
     scale_ = scale;
+    scale_monitors();
     for (std::size_t i = 0; i < windows_.size(); ++i) {
         Window& window = *windows_[i];
         queue_.push(about(Event::Kind::scale, &window));
         // It stays where it is and keeps its logical size.
         RECT wish = wishes[i];
-        std::int32_t left = logical_edge(window.real.left, scale_);
-        std::int32_t top = logical_edge(window.real.top, scale_);
+        RECT place = logical_rect(window.real);
         window.answer_due = true;
-        configure(window, {left, top, left + wish.width(), top + wish.height()});
+        configure(window,
+                  {place.left, place.top, place.left + wish.width(), place.top + wish.height()});
         write_size_hints(window);
     }
     xcb_flush(connection_.xcb);

@@ -335,12 +335,9 @@ void X11Display::make_state(Window& window, WindowState state) {
     }
     RECT area = window.restored;
     if (fills(state)) {
-        POINT middle{(window.real.left + window.real.right) / 2,
-                     (window.real.top + window.real.bottom) / 2};
-        RECT real =
-            state == WindowState::full_screen ? monitor_at(middle).real : real_work_area(middle);
-        area = {logical_edge(real.left, scale_), logical_edge(real.top, scale_),
-                logical_edge(real.right, scale_), logical_edge(real.bottom, scale_)};
+        POINT middle = middle_of(window.real);
+        area = logical_rect(state == WindowState::full_screen ? real_monitor(middle)
+                                                              : real_work_area(middle));
     }
     if (fills(state) || (filled && state == WindowState::normal)) configure(window, area);
     xcb_flush(connection_.xcb);

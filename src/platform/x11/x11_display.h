@@ -50,11 +50,6 @@ struct Window {
     PixelStore pixels;
 };
 
-struct Monitor {
-    RECT real;
-    bool primary = false;
-};
-
 // A drag of another program that is over one of our windows.
 struct Drag {
     xcb_window_t source = 0;
@@ -70,7 +65,7 @@ class X11Display final : public Display {
     X11Display(const DisplaySetup& setup, Connection& connection);
 
     const char* name() const override { return "x11"; }
-    SIZE screen_size() const override;
+    std::span<const RECT> monitors() const override { return monitors_; }
     RECT work_area(POINT near) const override;
     double scale() const override { return scale_; }
     bool headless() const override { return false; }
@@ -162,9 +157,14 @@ class X11Display final : public Display {
     bool is_managed() const;
     bool manager_supports(Atom feature) const;
     void read_monitors();
-    const Monitor& monitor_at(POINT real) const;
+    void monitors_changed();
+    void scale_monitors();
+    RECT real_monitor(POINT real) const;
     RECT real_work_area(POINT real) const;
     RECT client(const Window& window) const;
+    RECT logical_rect(const RECT& real) const;
+    POINT logical_point(POINT real) const;
+    POINT real_point(POINT logical) const;
     RECT real_rect(const RECT& logical) const;
     xcb_cursor_t cursor(CursorShape shape);
     Property fetch(xcb_atom_t selection, xcb_atom_t target, std::int32_t patience,
@@ -182,7 +182,8 @@ class X11Display final : public Display {
     Staging staging_;
     Drag drag_;
     std::vector<std::unique_ptr<Window>> windows_;
-    std::vector<Monitor> monitors_;
+    std::vector<RECT> real_monitors_;  // the primary one first
+    std::vector<RECT> monitors_;       // the same, logical
     std::uint8_t randr_event_ = 0;
     xcb_cursor_t cursors_[static_cast<std::size_t>(CursorShape::none) + 1] = {};
     TopLevel grab_ = 0;

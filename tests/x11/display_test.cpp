@@ -165,6 +165,71 @@ TEST_P(AnyDesktop, TypesAsTheKeyboardSays) {
     EXPECT_EQ(downs, repeats + 1);
 }
 
+#ifdef TARN_INPUT_METHOD
+TEST_P(AnyDesktop, TakesTextFromAnInputMethodWhereTextIsTyped) {
+    setenv("XMODIFIERS", "@im=tarntest", 1);
+    std::string said = "/tmp/tarn-x11-method-" + std::to_string(getpid());
+    auto method = [&] {
+        int out = open(said.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
+        helpers.push_back(start({TARN_INPUT_METHOD}, -1, out));
+        ::close(out);
+    };
+    auto heard = [&](const char* words) {
+        return until([&] { return run("cat " + said).find(words) != std::string::npos; });
+    };
+    auto pressed = [&](const char* keys, const char* text) {
+        seen.clear();
+        run(std::string("xdotool key ") + keys);
+        std::string all;
+        auto result = until([&] {
+            all.clear();
+            for (const Event& event : seen) {
+                if (event.kind == Kind::key_down || event.kind == Kind::text) all += event.text;
+            }
+            return all == text;
+        });
+        return result ? result : result << ", but: " << all;
+    };
+    method();
+    ASSERT_TRUE(heard("ready"));
+    connect(2.0);
+    shown(1, {50, 50, 300, 200});
+    ASSERT_TRUE(until([&] { return focused == 1; }));
+    EXPECT_TRUE(pressed("a b", "ab"));  // nothing takes text
+    display->set_input_place(1, {10, 20, 11, 36});
+    ASSERT_TRUE(heard("spot 20,72"));
+    ASSERT_TRUE(heard("focus"));
+    EXPECT_TRUE(pressed("a b",
+                        "\xE3\x81\x82"
+                        "b"));
+    EXPECT_TRUE(pressed("q z q x c",
+                        "\xE6\xBC\xA2\xE5\xAD\x97\xE6\xBC\xA2\xE5\xAD\x97"
+                        "c"));
+    display->set_input_place(1, {30, 20, 31, 36});
+    ASSERT_TRUE(heard("spot 60,72"));
+    shown(2, {350, 50, 400, 100});
+    ASSERT_TRUE(until([&] { return focused == 2; }));
+    ASSERT_TRUE(heard("no focus"));
+    EXPECT_TRUE(pressed("a", "a"));
+    display->set_input_place(2, {1, 1, 2, 2});
+    EXPECT_TRUE(until([&] { return pressed("a", "\xE3\x81\x82"); }));
+    display->set_input_place(2, {});
+    EXPECT_TRUE(pressed("a", "a"));
+    display->close(2);
+    ASSERT_TRUE(heard("gone"));
+    ASSERT_TRUE(until([&] { return focused == 1; }));
+    EXPECT_TRUE(pressed("a", "\xE3\x81\x82"));
+    // It ends: keys are plain. Another one starts: it is used.
+    stop(helpers.back());
+    EXPECT_TRUE(until([&] { return pressed("a", "a"); }));
+    method();
+    ASSERT_TRUE(heard("focus"));
+    EXPECT_TRUE(pressed("a", "\xE3\x81\x82"));
+    run("rm -f " + said);
+    unsetenv("XMODIFIERS");  // for the managers of other tests
+}
+#endif
+
 TEST_P(AnyDesktop, ExchangesTextWithOtherPrograms) {
     connect();
     std::string text;

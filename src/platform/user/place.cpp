@@ -180,6 +180,7 @@ void show_top(Window& window, bool may_activate) {
         link_child(*w, nullptr, nullptr, false);
     }
     display().show(display_id(*w), true, with_focus);
+    tell_input_place();  // the caret may have been made before
     fit_surface(*w);
     invalidate_all(*w);
     if (with_focus) activate(w.get(), WA_ACTIVE);

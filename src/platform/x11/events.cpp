@@ -120,7 +120,8 @@ void X11Display::inject(const Event& event) {
 
 // ---- Events by kind -------------------------------------------------------------------------
 
-void X11Display::handle(const xcb_generic_event_t& event) {
+void X11Display::handle(xcb_generic_event_t& event) {
+    if (input_method_.filter(event)) return take_answers();
     int kind = event.response_type & 0x7F;
     auto lost = Selections::Lost::none;
     if (selections_.handle(connection_, event, lost)) {
@@ -147,7 +148,8 @@ void X11Display::handle(const xcb_generic_event_t& event) {
             break;
         case XCB_KEY_PRESS:
         case XCB_KEY_RELEASE:
-            handle_key(as<xcb_key_press_event_t>(event), kind == XCB_KEY_PRESS);
+            if (!input_method_.take_key(as<xcb_key_press_event_t>(event)))
+                handle_key(as<xcb_key_press_event_t>(event));
             break;
         case XCB_FOCUS_IN:
         case XCB_FOCUS_OUT:
@@ -280,7 +282,21 @@ void X11Display::handle_button(const xcb_button_press_event_t& button, bool down
     queue_.push(std::move(told));
 }
 
-void X11Display::handle_key(const xcb_key_press_event_t& key, bool down) {
+// Texts that an input method made, and keys that it has no use for.
+void X11Display::take_answers() {
+    for (MethodAnswer answer; input_method_.next_answer(answer);) {
+        if (answer.is_key) {
+            handle_key(answer.key);
+            continue;
+        }
+        Event told = about(Event::Kind::text, find_handle(answer.window));
+        told.text = std::move(answer.text);
+        queue_.push(std::move(told));
+    }
+}
+
+void X11Display::handle_key(const xcb_key_press_event_t& key) {
+    bool down = (key.response_type & 0x7F) == XCB_KEY_PRESS;
     Window* window = find_handle(key.event);
     if (!window) return;
     connection_.time = key.time;
@@ -299,6 +315,7 @@ void X11Display::handle_focus(const xcb_focus_in_event_t& focus, bool in) {
     if (window->focused == in) return;
     window->focused = in;
     keyboard_.reset();
+    input_method_.focus(window->handle, in);
     queue_.push(about(in ? Event::Kind::focus_in : Event::Kind::focus_out, window));
 }
 

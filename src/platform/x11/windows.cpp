@@ -96,6 +96,7 @@ void X11Display::close(TopLevel id) {
     if (!window) return;
     TopLevel owner = window->options.owner;
     bool focused = window->focused;
+    input_method_.forget(window->handle);
     xcb_destroy_window(connection_.xcb, window->handle);
     std::erase_if(windows_, [id](const auto& each) { return each->id == id; });
     queue_.drop(id);

@@ -224,6 +224,14 @@ void X11Display::present(TopLevel id, std::span<const RECT> rects, const CaretOv
         staging_.put(connection_, window->handle, shown, rect, caret_real);
 }
 
+void X11Display::set_input_place(TopLevel id, const RECT& caret) {
+    Window* window = find(id);
+    if (!window) return;
+    if (caret.empty()) return input_method_.leave(window->handle);
+    input_method_.place(connection_, window->handle,
+                        {real_edge(caret.left, scale_), real_edge(caret.bottom, scale_)});
+}
+
 void X11Display::flush() {
     xcb_flush(connection_.xcb);
 }

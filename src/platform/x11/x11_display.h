@@ -13,6 +13,7 @@
 #include "platform/display/event_queue.h"
 #include "platform/display/pixel_store.h"
 #include "platform/x11/connection.h"
+#include "platform/x11/input_method.h"
 #include "platform/x11/keyboard.h"
 #include "platform/x11/selections.h"
 #include "platform/x11/staging.h"
@@ -98,7 +99,7 @@ class X11Display final : public Display {
     bool has_text(bool primary) override;
 
     bool next_event(Event& event, std::int32_t timeout) override;
-    void set_input_place(TopLevel, const RECT&) override {}
+    void set_input_place(TopLevel id, const RECT& caret) override;
     void flush() override;
     void inject(const Event& event) override;
     bool injected_waiting() const override { return !injected_.empty(); }
@@ -128,11 +129,12 @@ class X11Display final : public Display {
     void drain();
     void settle();
     bool wait(std::int32_t timeout);
-    void handle(const xcb_generic_event_t& event);
+    void handle(xcb_generic_event_t& event);
     void handle_window_event(const xcb_generic_event_t& event);
     void handle_pointer(const xcb_generic_event_t& event);
     void handle_button(const xcb_button_press_event_t& button, bool down);
-    void handle_key(const xcb_key_press_event_t& key, bool down);
+    void handle_key(const xcb_key_press_event_t& key);
+    void take_answers();
     void handle_focus(const xcb_focus_in_event_t& focus, bool in);
     void handle_configure(const xcb_configure_notify_event_t& change);
     void handle_message(const xcb_client_message_event_t& message);
@@ -178,6 +180,7 @@ class X11Display final : public Display {
     bool own_scale_ = false;  // the user's wish, not the desktop's
     double scale_ = 1.0;
     Keyboard keyboard_;
+    InputMethod input_method_;
     Selections selections_;
     Staging staging_;
     Drag drag_;

@@ -68,6 +68,7 @@ bool X11Display::open(TopLevel id, const TopLevelOptions& options) {
                       XCB_CW_BORDER_PIXEL | XCB_CW_BIT_GRAVITY | XCB_CW_OVERRIDE_REDIRECT |
                           XCB_CW_EVENT_MASK | XCB_CW_COLORMAP,
                       values);
+    pointer_input_.select(connection_, window->handle);
     const std::uint32_t protocols[] = {connection_[Atom::wm_delete_window],
                                        connection_[Atom::wm_take_focus],
                                        connection_[Atom::net_wm_ping]};

@@ -15,6 +15,7 @@
 #include "platform/x11/connection.h"
 #include "platform/x11/input_method.h"
 #include "platform/x11/keyboard.h"
+#include "platform/x11/pointer_input.h"
 #include "platform/x11/selections.h"
 #include "platform/x11/staging.h"
 
@@ -133,6 +134,9 @@ class X11Display final : public Display {
     void handle_window_event(const xcb_generic_event_t& event);
     void handle_pointer(const xcb_generic_event_t& event);
     void handle_button(const xcb_button_press_event_t& button, bool down);
+    void pointer_came();
+    void handle_device(const xcb_generic_event_t& event);
+    void scroll(const Window& window, const xcb_button_press_event_t& at, const Scroll& by);
     void handle_key(const xcb_key_press_event_t& key);
     void take_answers();
     void handle_focus(const xcb_focus_in_event_t& focus, bool in);
@@ -181,6 +185,7 @@ class X11Display final : public Display {
     double scale_ = 1.0;
     Keyboard keyboard_;
     InputMethod input_method_;
+    PointerInput pointer_input_;
     Selections selections_;
     Staging staging_;
     Drag drag_;

@@ -38,7 +38,11 @@ TEST_F(Windows, MenusAndFilledScreensStayOnTheirMonitor) {
             KillTimer(hwnd, 7);
             for (HWND each = first_window(); each != HWND{}; each = next_top_level(each))
                 if (each != hwnd) GetWindowRect(each, menu_place);
-            key(VK_ESCAPE);
+            Event escape;  // for the menu's own loop
+            escape.kind = Event::Kind::key_down;
+            escape.window = static_cast<TopLevel>(hwnd);
+            escape.key = VK_ESCAPE;
+            inject_event(escape);
         });
         menu_place = {};
         TrackPopupMenu(menu, 0, at.x, at.y, second);

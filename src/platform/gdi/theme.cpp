@@ -104,10 +104,16 @@ constexpr Theme dark_theme{
     .small_corner = 3.0F,
 };
 
+std::string_view chosen_by_user() {
+    const char* wish = std::getenv("TARN_THEME");
+    return wish != nullptr ? wish : "";
+}
+
 const Theme*& current() {
     static const Theme* chosen = [] {
-        const char* wish = std::getenv("TARN_THEME");
-        return wish != nullptr && std::string_view(wish) == "dark" ? &dark_theme : &light_theme;
+        bool dark = chosen_by_user() == "dark";
+        if (!theme_is_chosen() && desktop_is_dark != nullptr) dark = desktop_is_dark();
+        return dark ? &dark_theme : &light_theme;
     }();
     return chosen;
 }
@@ -160,6 +166,12 @@ float luminance(COLORREF colour) {
 }
 
 }  // namespace
+
+bool (*desktop_is_dark)() = nullptr;
+
+bool theme_is_chosen() {
+    return chosen_by_user() == "dark" || chosen_by_user() == "light";
+}
 
 const Theme& theme() {
     return *current();

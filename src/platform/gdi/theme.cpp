@@ -179,6 +179,18 @@ const Theme& theme() {
 
 void set_theme(bool dark) {
     current() = dark ? &dark_theme : &light_theme;
+    // Programs and classes hold these brushes.
+    for (std::int32_t i = 0; i < static_cast<std::int32_t>(std::size(system_colours)); ++i)
+        static_cast<void>(GetSysColorBrush(i));
+}
+
+COLORREF in_this_theme(COLORREF colour) {
+    const Theme& other = theme().dark ? light_theme : dark_theme;
+    for (COLORREF Theme::*each : {&Theme::face, &Theme::window, &Theme::text, &Theme::text_muted,
+                                  &Theme::text_disabled, &Theme::text_placeholder}) {
+        if (colour == other.*each) return theme().*each;
+    }
+    return colour;
 }
 
 COLORREF GetSysColor(std::int32_t which) {

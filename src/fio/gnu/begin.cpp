@@ -312,16 +312,6 @@ bool goes_on(const Unit& unit, bool reading) {
            !connection.record_open;
 }
 
-// The same of an unformatted one.
-bool records_go_on(const Unit& unit, bool reading) {
-    const IOStatus& status = unit.status;
-    const GnuConnection& connection = unit.gnu;
-    return status.connected && !status.formatted && !status.direct && !status.transparent &&
-           (reading ? status.may_read : status.may_write) && unit.statements == 1 &&
-           connection.end != EndState::after && connection.last_was_write != reading &&
-           !connection.record_open;
-}
-
 ItemRoad item_road(const Statement& s) {
     if (s.reading) return s.list_directed ? read_list_item : read_item;
     return s.list_directed ? write_list_item : write_item;
@@ -365,25 +355,6 @@ Statement* begin_usual_transfer(Caller& caller, bool reading, const char* format
     s.reading = reading;
     take_modes(s, *unit);
     if (choose_format(s, format, format_length)) begin_formatted(s);
-    return statement;
-}
-
-Statement* begin_usual_records(Caller& caller, bool reading) {
-    Unit* unit = acquire_unit(caller.unit);
-    if (unit == nullptr) return nullptr;
-    if (!records_go_on(*unit, reading)) {
-        release_unit(unit);
-        return nullptr;
-    }
-    Statement* statement = take_statement();
-    Statement& s = *statement;
-    s.caller = &caller;
-    caller.has_unit = true;
-    s.unit = unit;
-    s.reading = reading;
-    s.unformatted = true;
-    s.raw = UnformattedState{};
-    begin_unformatted(s);
     return statement;
 }
 

@@ -6,6 +6,7 @@
 #include <cstdint>
 
 #include "fio/gnu/fault.h"
+#include "fio/gnu/quick_record.h"
 #include "fio/gnu/statement.h"
 
 namespace tarn::gcc {
@@ -85,12 +86,14 @@ struct TypeWords {
 };
 static_assert(sizeof(TypeWords) == 16);
 
-enum class Owner : std::uint64_t { none, gnu, native };
+// Who does what is asked of a block.
+enum class Owner : std::uint64_t { none, gnu, quick, native };
 
 // The library's own part of a block.
 struct PrivatePart {
     Owner owner;
-    void* statement;
+    void* statement;               // `gnu`, `native`
+    fio::QuickRecord record;       // `quick`
     fio::NamelistGroup* namelist;  // under `has_variables`
     fio::Caller caller;
 };

@@ -150,6 +150,15 @@ void finish_external(Statement& s) {
     if (err != 0) fail_system(s, err);
 }
 
+// Behind `$` the next record follows in the same line, right behind the cursor.
+void finish_without_line_end(Statement& s) {
+    int err = 0;
+    end_record(s.unit->file, static_cast<std::size_t>(s.cursor - s.begin), leaves_at_once(*s.unit),
+               err);
+    s.pending = 0;
+    if (err != 0) fail_system(s, err);
+}
+
 void finish_direct(Statement& s) {
     Unit& unit = *s.unit;
     if (s.begin == nullptr) return;
@@ -212,7 +221,11 @@ void next_output_record(Statement& s) {
         ++s.record_number;
         begin_direct(s);
     } else {
-        finish_external(s);
+        if (s.no_line_end) {
+            finish_without_line_end(s);
+        } else {
+            finish_external(s);
+        }
         begin_external(s);
     }
 }

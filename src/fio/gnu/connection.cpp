@@ -76,6 +76,7 @@ void set_connection(Unit& unit, const Terms& terms) {
     gnu.encoding = terms.encoding;
     set_convert(unit, terms.convert);
     gnu.carriage = terms.carriage;
+    gnu.read_only = terms.read_only;
     gnu.asynchronous = terms.asynchronous;
     gnu.new_unit = number <= first_new_unit_number;
     gnu.unbuffered = gnu_options().unbuffered_all;

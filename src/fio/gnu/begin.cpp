@@ -208,7 +208,9 @@ bool apply_stream_position(Statement& s, std::int64_t pos) {
         return true;
     }
     FormatCache& formats = thread_state().formats;
-    s.cached = formats.acquire(format, length);
+    FormatRules rules = gnu_options().formats;
+    rules.natural_widths = s.modes.dec_extensions;
+    s.cached = formats.acquire(format, length, rules);
     if (s.cached == nullptr) return refuse_format(s, formats.error(), format, length);
     s.format = &s.cached->program;
     if (s.reading && s.format->unfit_for_input.number != 0) {
@@ -279,6 +281,7 @@ bool begin_on_unit(Statement& s, const TransferSpecifiers& specs) {
 bool open_statement(Statement& s, const TransferSpecifiers& specs) {
     if (specs.internal != nullptr ? !begin_on_internal(s, specs) : !begin_on_unit(s, specs))
         return false;
+    s.modes.dec_extensions = specs.dec_extensions;
     s.namelist = specs.namelist;
     s.unformatted = specs.format == nullptr && !specs.list_directed && s.namelist == nullptr;
     if (s.unformatted) s.raw = UnformattedState{};
@@ -388,6 +391,7 @@ bool open_child(Statement& s, Statement& parent, const TransferSpecifiers& specs
     if (!check_child(s, specs)) return false;
     if (s.unformatted) return true;
     if (s.unit != nullptr) s.modes = s.unit->gnu.modes;
+    s.modes.dec_extensions = specs.dec_extensions;
     if (s.modes.sign == SignMode::processor) s.modes.sign = processor_sign();
     if (!choose_format(s, specs.format, specs.format_length)) return false;
     if (specs.modes != nullptr && !apply_modes(s, *specs.modes)) return false;

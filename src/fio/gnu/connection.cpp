@@ -221,8 +221,6 @@ void report_open_failure(Caller& caller, const Terms& terms, int reason, std::st
 }
 
 // Two units on one file: an error before Fortran 2018.
-constexpr std::int32_t std_f2018 = 1 << 9;
-
 bool is_free(Caller& caller, const Unit& unit, std::string_view name) {
     if ((gnu_options().allow_std & std_f2018) != 0) return true;
     const Unit* other = sys_findUnitFromFilename(name);

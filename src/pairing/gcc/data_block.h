@@ -38,6 +38,7 @@ inline constexpr std::uint32_t has_delim = 1U << 21;
 inline constexpr std::uint32_t has_pad = 1U << 22;
 inline constexpr std::uint32_t has_round = 1U << 23;
 inline constexpr std::uint32_t has_sign = 1U << 24;
+inline constexpr std::uint32_t has_dec_extensions = 1U << 27;
 // The library's own, which compiled code leaves out: the block knows the variables of its group.
 inline constexpr std::uint32_t has_variables = 1U << 31;
 inline constexpr std::uint32_t has_some_mode = has_advance | has_asynchronous | has_blank |

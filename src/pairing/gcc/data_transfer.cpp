@@ -172,6 +172,7 @@ const char* format_of(const DataBlock& block) {
     specs.pos = specs.has_pos ? block.pos : 0;
     specs.has_end = (flags & has_end) != 0;
     specs.has_eor = (flags & has_eor) != 0;
+    specs.dec_extensions = (flags & has_dec_extensions) != 0;
     specs.size = (flags & has_size) != 0 ? block.size : nullptr;
     specs.id = (flags & has_id) != 0 ? block.id : nullptr;
     fio::ModeSpecifiers modes;

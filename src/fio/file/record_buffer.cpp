@@ -23,7 +23,12 @@ bool ensure_capacity(File& file, std::size_t capacity) {
     std::size_t wanted = file.capacity == 0 ? first_capacity : file.capacity;
     while (wanted < capacity) wanted *= 2;
     void* grown = std::realloc(file.buffer, wanted);
-    if (grown == nullptr) return false;
+    if (grown == nullptr) {
+        // A program that has used up its memory can still say so.
+        wanted = capacity;
+        grown = std::realloc(file.buffer, wanted);
+        if (grown == nullptr) return false;
+    }
     file.buffer = static_cast<char*>(grown);
     file.capacity = wanted;
     return true;
@@ -196,7 +201,8 @@ void prepare_input(File& file, int& err) {
     }
     file.write_index = 0;
     if (file.read_index == file.data_count) forget_buffer(file);
-    if (!ensure_capacity(file, first_capacity)) err = ENOMEM;
+    constexpr std::size_t least = 1024;
+    if (!ensure_capacity(file, least)) err = ENOMEM;
 }
 
 }  // namespace

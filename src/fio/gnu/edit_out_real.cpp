@@ -6,6 +6,7 @@
 #include "fio/gnu/edit_out_general.h"
 #include "fio/gnu/edit_out_hexadecimal.h"
 #include "fio/gnu/edit_out_quick.h"
+#include "fio/gnu/options.h"
 
 namespace tarn::fio {
 
@@ -111,8 +112,15 @@ bool shows_leading_zero(const Figures& figures, const Field& field, std::int64_t
     return figures.zeros + figures.after == 0 && (sign == 0 || !figures.cut_unseen);
 }
 
+bool shows_only_zeros(const Figures& figures) {
+    return std::all_of(figures.digits, figures.digits + figures.made,
+                       [](char digit) { return digit == '0'; });
+}
+
 char* put_number(char* out, const Figures& figures, const Field& field, bool negative,
                  const EditModes& modes) {
+    // -fno-sign-zero.
+    if (negative && !gnu_options().sign_zero && shows_only_zeros(figures)) negative = false;
     const char sign = sign_of(negative, modes.sign);
     const ExponentShape exponent = exponent_shape(figures, field);
     const std::int64_t needed =

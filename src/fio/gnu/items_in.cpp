@@ -45,12 +45,14 @@ std::size_t characters_left(const Statement& s) {
     return s.cursor < end ? static_cast<std::size_t>(end - s.cursor) : 0;
 }
 
-// The next `width` characters. On a file a comma ends a numeric field early and is passed.
+// The next `width` characters. On a file, and in memory by the rules of old, a comma ends a numeric
+// field early and is passed.
 Field take_number(Statement& s, std::size_t width) {
     meet_carriage_return(s, width);
     const std::size_t left = characters_left(s);
     Field field{s.cursor, std::min(width, left)};
-    const std::size_t end = s.internal ? field.width : field_end(field.text, field.width, s.modes);
+    const bool by_width = s.internal && !gnu_options().legacy;
+    const std::size_t end = by_width ? field.width : field_end(field.text, field.width, s.modes);
     if (end < field.width) {
         field.width = end;
         s.cursor += end + 1;

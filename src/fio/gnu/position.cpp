@@ -22,7 +22,6 @@ constexpr Fault move_of_direct{96, iostat_option_conflict};
 constexpr Fault backspace_of_stream{90, iostat_option_conflict};
 constexpr Fault backspace_of_nothing{94, iostat_bad_unit};
 constexpr Fault flush_of_nothing{94, -iostat_bad_unit};
-constexpr Fault wait_of_nothing{94, iostat_bad_unit};
 constexpr Fault behind_end{104, iostat_option_conflict};
 constexpr Fault bad_wait_id{81, iostat_bad_wait_id};
 constexpr Fault same_unit{433, iostat_option_conflict};
@@ -327,12 +326,12 @@ void flush_unit(Caller& caller) {
     report(caller, err);
 }
 
-// Every transfer is done when its statement ends: there is nothing to wait for.
+// Every transfer is done when its statement ends: there is nothing to wait for, least of all on a
+// unit without a file.
 void wait_for_unit(Caller& caller, const std::int32_t* id) {
     const Holding held(caller);
     Unit* unit = held.unit();
-    if (unit == nullptr) return raise_fault(caller, wait_of_nothing);
-    if (id == nullptr || !unit->gnu.asynchronous) return;
+    if (unit == nullptr || id == nullptr || !unit->gnu.asynchronous) return;
     if (*id < 0 || *id > unit->gnu.last_id) raise_fault(caller, bad_wait_id);
 }
 

@@ -59,6 +59,7 @@ void end_child(Statement& s) {
         if (!s.failed && s.end_of_record) fail_end_of_record(s);
         if (s.end_of_record) leave_record(s);
         if (s.size != nullptr) *s.size = s.size_count;
+        s.parent->size_count += s.size_count;
     }
     give_record_back(s);
     if (s.cached != nullptr) FormatCache::release(s.cached);

@@ -21,9 +21,9 @@ TARN_EXPORT void _gfortran_set_options(int count, const std::int32_t* words) {
     if (count > 1) options.allow_std = words[1];
     options.legacy = count > 0 && options.warn_std == 0;
     options.formats.bare_widths = options.legacy;
-    options.formats.before_f2018 = (options.allow_std & fio::std_f2018) == 0;
-    options.formats.before_f2008 = (options.allow_std & fio::std_f2008) == 0;
     if (count > 2) options.pedantic = words[2] != 0;
+    options.formats.before_f2008 = options.pedantic && (options.allow_std & fio::std_f2008) == 0;
+    options.formats.before_f2018 = options.pedantic && (options.allow_std & fio::std_f2018) == 0;
     if (count > 3) options.backtrace = words[3] != 0;
     if (count > 4) options.sign_zero = words[4] != 0;
     if (count > 5) options.bounds_check = words[5] != 0;

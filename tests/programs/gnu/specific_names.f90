@@ -1,11 +1,11 @@
 ! The specific names of the intrinsic functions handed on as arguments, with the conventions and the
 ! default kinds that options choose.
-! build: for o in "" -fdefault-real-8 "-fdefault-real-10 -fdefault-double-8" -ff2c "-O2 -fdefault-integer-8"; do $FC $FLAGS $o $SRC/specific_names.f90 $LINK -o "$PROGRAM$o"; done
-! run: $PROGRAM
-! run: $PROGRAM-fdefault-real-8
-! run: "$PROGRAM-fdefault-real-10 -fdefault-double-8"
-! run: $PROGRAM-ff2c
-! run: "$PROGRAM-O2 -fdefault-integer-8"
+! build: n=0; for o in "" "-fdefault-real-8 -fdefault-double-8" "-fdefault-real-10 -fdefault-double-8" -ff2c "-O2 -fdefault-integer-8"; do $FC $FLAGS $o $SRC/specific_names.f90 $LINK -o $PROGRAM$n || exit 1; n=$((n+1)); done
+! run: ${PROGRAM}0
+! run: ${PROGRAM}1
+! run: ${PROGRAM}2
+! run: ${PROGRAM}3
+! run: ${PROGRAM}4
 ! entries: specific__\w+
 ! entries: f2c_specific__\w+
 module applied

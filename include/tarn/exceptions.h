@@ -147,6 +147,11 @@ void __debugger_mode(void);
 int tarn_exception_handler(struct tarn_exception_record* record, void* frame,
                            struct tarn_machine_context* context);
 
+/* The handler of storage that grows (tarn/virtual_storage.h), which the filter asks first: 0 the
+ * access lies in a region and may be tried again, 1 it doesn't. */
+int __tarn_vc_handler(struct tarn_exception_record* record, void* frame,
+                      struct tarn_machine_context* context);
+
 /* ---- Frames of the filter on a block of the caller's stack ----
  * Code that installs and removes the filter by itself may go on doing so; the filter serves the whole
  * process anyway. `words` counts 4-byte words. */

@@ -1,21 +1,34 @@
+// clang-format off: each expectation is one line
 //> runs: illegal privileged jump constant heap smashed outside limit kept broken blocked
 //> illegal: Attempt to execute illegal instruction at address *
-//> illegal: in illegal, signals.c:30
+//> illegal: in illegal, signals.c:43
 //> privileged: Attempt to execute privileged instruction at address *
-//> privileged: in privileged, signals.c:34
+//> privileged: in privileged, signals.c:47
 //> jump: The instruction at address 00000123 attempted to read from location 00000123
 //> jump: in code at 0x123
-//> jump: called by jump, signals.c:40
+//> jump: called by jump, signals.c:53
 //> constant: The instruction at address * attempted to write to location *
 //> constant: (read-only data of the program: *)
-// changes it) > constant: in write_there, signals.c:54 > heap: Abnormal termination: the program
-// called abort > heap: in smash, signals.c:48 > smashed: The instruction at address * attempted to
-// write to location * > smashed: in write_there, signals.c:54 > outside: Quit (SIGQUIT), sent by
-// process * > outside: in wait_for_it, signals.c:* > limit: CPU time limit exceeded (SIGXCPU), sent
-// by the system > limit: in spin, signals.c:* > kept: our own handler > broken: Access violation: >
-// broken: in write_there, signals.c:54 > illegal: called by main, signals.c:* > jump: called by
-// main, signals.c:* > heap: called by main, signals.c:* > smashed: called by main, signals.c:* >
-// outside: called by main, signals.c:* > broken: called by main, signals.c:* > not: tarnlibc
+//> constant: in write_there, signals.c:67
+//> heap: Program aborted.
+//> heap: in smash, signals.c:61
+//> smashed: The instruction at address * attempted to write to location *
+//> smashed: in write_there, signals.c:67
+//> outside: Bad system call (SIGSYS), sent by process *
+//> outside: in wait_for_it, signals.c:*
+//> limit: CPU time limit exceeded (SIGXCPU), sent by the system
+//> limit: in spin, signals.c:*
+//> kept: our own handler
+//> broken: Access violation:
+//> broken: in write_there, signals.c:67
+//> illegal: called by main, signals.c:*
+//> jump: called by main, signals.c:*
+//> heap: called by main, signals.c:*
+//> smashed: called by main, signals.c:*
+//> outside: called by main, signals.c:*
+//> broken: called by main, signals.c:*
+//> not: tarnlibc
+// clang-format on
 #include <signal.h>
 #include <stdio.h>
 #include <stdlib.h>
@@ -55,7 +68,7 @@ NEVER_INLINED static void write_there(char* target) {
 }
 
 NEVER_INLINED static void wait_for_it(pid_t parent) {
-    if (fork() == 0) _exit(kill(parent, SIGQUIT));
+    if (fork() == 0) _exit(kill(parent, SIGSYS));
     for (;;) pause();
 }
 

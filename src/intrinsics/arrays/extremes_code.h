@@ -323,11 +323,59 @@ void ExtremePlace<T, largest>::end(Block& block, Index n, Run run, Index step, I
     }
 }
 
+// The quick search where all elements count: `found` is the place, if there is one for sure.
+template <class T, bool largest>
+bool find_extreme(const View& array, T start, bool back, Index& found) {
+    const Loops<1> loops = loops_over(array);
+    const Index stride = loops.stride[0][0];
+    constexpr Index piece = std::max<Index>(chunk_elements, 16384 / static_cast<Index>(sizeof(T)));
+    T best = start;
+    const std::byte* best_at = nullptr;
+    Index best_first = 0;
+    Index best_n = 0;
+    Index seen = 0;
+    walk(loops, {array.base}, [&](const std::array<std::byte*, 1>& at, Index n) {
+        for (Index first = 0; first < n; first += piece) {
+            const Index m = std::min(piece, n - first);
+            const std::byte* const from = at[0] + first * stride;
+            const T value = best_of<T, largest>(start, from, stride, m);
+            if (!beats<largest>(value, best) && !(back && value == best && value != start))
+                continue;
+            best = value;
+            best_at = from;
+            best_first = seen + first;
+            best_n = m;
+        }
+        seen += n;
+    });
+    if (best == start) return false;
+    const auto is_best = [&](Index i) {
+        return *reinterpret_cast<const T*>(best_at + i * stride) == best;
+    };
+    Index i = 0;
+    if (back) {
+        i = best_n - 1;
+        while (!is_best(i)) --i;
+    } else if (stride == static_cast<Index>(sizeof(T)) && best_n > few_counted) {
+        i = dispatch<FirstMatch<Equal<T>>>(Equal<T>{best}, reinterpret_cast<const T*>(best_at),
+                                           static_cast<const Flag*>(nullptr), best_n);
+    } else {
+        while (!is_best(i)) ++i;
+    }
+    found = best_first + i;
+    return true;
+}
+
 template <class T, bool largest>
 Index place_of_extreme(const View& array, const Mask* mask, T start, bool back) {
-    PlaceSearch<T, largest> quick(start, back);
-    for_runs(array, mask, [&](const Run& run) { quick.search(run); });
-    if (quick.decided()) return quick.found();
+    if (mask == nullptr) {
+        Index found = 0;
+        if (find_extreme<T, largest>(array, start, back, found)) return found;
+    } else {
+        PlaceSearch<T, largest> quick(start, back);
+        for_runs(array, mask, [&](const Run& run) { quick.search(run); });
+        if (quick.decided()) return quick.found();
+    }
     BestPlace<T, largest> careful{start, back};
     Index first = 0;
     for_runs(array, mask, [&](const Run& run) {

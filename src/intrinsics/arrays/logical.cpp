@@ -26,42 +26,6 @@ bool has(LogicalReduction what, LogicalReduction one, LogicalReduction other) {
     return what == one || what == other;
 }
 
-// ---- One row after the other ----
-
-// Whether all of a row have the truth `wanted`. Most answers are found at the start, so that the
-// pieces which are counted together grow.
-bool is_everywhere(bool wanted, const Row& row) {
-    constexpr Index few = 4;
-    for (Index i = 0; i < std::min(few, row.n); ++i) {
-        const std::byte low = row.at[i * row.stride];
-        // Any element of an ordinary LOGICAL tells by its low byte.
-        const bool is = row.truth == Truth::low_byte
-                            ? low != std::byte{0}
-                            : is_true(row.at + i * row.stride, row.size, row.truth);
-        if (is != wanted) return false;
-    }
-    Index length = 32;
-    for (Index first = few; first < row.n; first += length) {
-        if (first > few) length = std::min<Index>(2 * length, 4096);
-        const Index m = std::min(length, row.n - first);
-        const Index true_ones =
-            count_true(row.at + first * row.stride, row.stride, m, row.size, row.truth);
-        if (true_ones != (wanted ? m : 0)) return false;
-    }
-    return true;
-}
-
-std::int64_t reduced(LogicalReduction what, const Row& row) {
-    if (what == LogicalReduction::any) return is_everywhere(false, row) ? 0 : 1;
-    if (what == LogicalReduction::all) return is_everywhere(true, row) ? 1 : 0;
-    const Index true_ones = count_true(row.at, row.stride, row.n, row.size, row.truth);
-    return what == LogicalReduction::count ? true_ones : true_ones & 1;
-}
-
-// ---- Rows side by side ----
-
-constexpr Index block_width = 512;
-
 // Results as integers of result.element bytes.
 template <class Value>
 void store_results(std::byte* to, Index step, Index size, Index n, Value&& value) {
@@ -74,6 +38,60 @@ void store_results(std::byte* to, Index step, Index size, Index n, Value&& value
     for (Index i = 0; i < n; ++i)
         store_integer(to + i * step, size, static_cast<std::int64_t>(value(i)));
 }
+
+// ---- One row after the other ----
+
+// In pieces that grow: most answers are found at the start.
+[[gnu::noinline]] bool is_everywhere_from(Index first, bool wanted, const Row& row) {
+    Index length = 32;
+    for (; first < row.n; first += length, length = std::min<Index>(2 * length, 4096)) {
+        const Index m = std::min(length, row.n - first);
+        const Index true_ones =
+            count_true(row.at + first * row.stride, row.stride, m, row.size, row.truth);
+        if (true_ones != (wanted ? m : 0)) return false;
+    }
+    return true;
+}
+
+// Whether all of a row have the truth `wanted`.
+[[gnu::always_inline]] inline bool is_everywhere(bool wanted, const Row& row) {
+    Index first = 0;
+    if (row.truth == Truth::low_byte) {
+        constexpr Index few = 8;
+        for (; first < std::min(few, row.n); ++first)
+            if ((row.at[first * row.stride] != std::byte{0}) != wanted) return false;
+    }
+    return first == row.n || is_everywhere_from(first, wanted, row);
+}
+
+// The results of n rows, `step` bytes from one to the next.
+void reduce_rows(LogicalReduction what, Row row, Index step, Index n, std::byte* to, Index to_step,
+                 Index to_size) {
+    if (what == LogicalReduction::any || what == LogicalReduction::all) {
+        const bool wanted = what == LogicalReduction::all;
+        store_results(to, to_step, to_size, n, [&](Index) {
+            const bool everywhere = is_everywhere(wanted, row);
+            row.at += step;
+            return everywhere == wanted;
+        });
+        return;
+    }
+    const Index bits = what == LogicalReduction::parity ? 1 : ~Index{0};
+    while (n > 0) {
+        constexpr Index together = 64;
+        Index counts[together];
+        const Index some = std::min(together, n);
+        count_rows(counts, row.at, step, some, row.stride, row.n, row.size, row.truth);
+        store_results(to, to_step, to_size, some, [&](Index i) { return counts[i] & bits; });
+        row.at += some * step;
+        to += some * to_step;
+        n -= some;
+    }
+}
+
+// ---- Rows side by side ----
+
+constexpr Index block_width = 512;
 
 template <class Word>
 Word word_at(const std::byte* words, Index i) {
@@ -218,16 +236,13 @@ void reduce_logical(LogicalReduction what, const Mask& array, int dim, const Vie
                         : size == 8  ? reduce_block<std::uint64_t>
                                      : reduce_block<Flag>;
     walk(loops, {array.view.base, result.base}, [&](std::array<std::byte*, 2> at, Index n) {
-        const Index together = across ? block_width : 1;
-        for (Index first = 0; first < n; first += together) {
-            const Row row{at[0] + first * step, along.stride, along.extent, size, array.truth};
-            std::byte* const to = at[1] + first * to_step;
-            if (across) {
-                block(what, row, step, std::min(block_width, n - first), to, to_step,
-                      result.element);
-            } else {
-                store_integer(to, result.element, reduced(what, row));
-            }
+        const Row row{at[0], along.stride, along.extent, size, array.truth};
+        if (!across) return reduce_rows(what, row, step, n, at[1], to_step, result.element);
+        for (Index first = 0; first < n; first += block_width) {
+            Row next = row;
+            next.at += first * step;
+            block(what, next, step, std::min(block_width, n - first), at[1] + first * to_step,
+                  to_step, result.element);
         }
     });
 }

@@ -72,6 +72,29 @@ struct DenseCount {
     }
 };
 
+// The same for rows of words, or of words of which every second counts.
+template <class Word, class Half>
+struct CountRows {
+    static constexpr bool has_vectors = true;
+    [[gnu::always_inline]] static inline void run(Index* counts, const std::byte* mask, Index step,
+                                                  Index rows, Index n, Word low, bool exactly_one) {
+        for (Index r = 0; r < rows; ++r) {
+            const std::byte* const row = mask + r * step;
+            if constexpr (sizeof(Half) == sizeof(Word)) {
+                counts[r] = DenseCount<Word, 1>::run(row, n, low, exactly_one);
+            } else {
+                // Behind the last there may be nothing to read.
+                Half last;
+                __builtin_memcpy(&last, row + (n - 1) * static_cast<Index>(sizeof(Word)),
+                                 sizeof last);
+                last = static_cast<Half>(last & low);
+                counts[r] = DenseCount<Word, 1>::run(row, n - 1, low, exactly_one) +
+                            (exactly_one ? last == 1 : last != 0);
+            }
+        }
+    }
+};
+
 template <class Word>
 Index count_dense(const std::byte* mask, Index stride, Index n, Truth truth) {
     const Word low = truth == Truth::whole ? static_cast<Word>(~Word{0}) : Word{0xFF};
@@ -458,6 +481,30 @@ Index count_true(const std::byte* mask, Index stride, Index n, Index size, Truth
         total += sum_of(flags, m);
     }
     return total;
+}
+
+void count_rows(Index* counts, const std::byte* mask, Index step, Index rows, Index stride, Index n,
+                Index size, Truth truth) {
+    const bool exactly_one = truth == Truth::byte_is_one;
+    const auto count = [&]<class Word, class Half>(Word, Half) {
+        const Word low = truth == Truth::whole ? Word{static_cast<Half>(~Half{0})} : Word{0xFF};
+        dispatch<CountRows<Word, Half>>(counts, mask, step, rows, n, low, exactly_one);
+    };
+    constexpr Index few = 16;
+    const Index shape = n <= few ? 0 : 16 * size + stride;
+    switch (shape) {
+        case 16 * 1 + 1:
+            return count(std::uint8_t{}, std::uint8_t{});
+        case 16 * 4 + 4:
+            return count(std::uint32_t{}, std::uint32_t{});
+        case 16 * 8 + 8:
+            return count(std::uint64_t{}, std::uint64_t{});
+        case 16 * 4 + 8:
+            return count(std::uint64_t{}, std::uint32_t{});
+        default:
+            for (Index r = 0; r < rows; ++r)
+                counts[r] = count_true(mask + r * step, stride, n, size, truth);
+    }
 }
 
 Index compact(std::byte* to, Index room, const std::byte* from, const Flag* flags, Index n,

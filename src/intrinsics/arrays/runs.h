@@ -24,6 +24,10 @@ bool is_true(const std::byte* mask, Index size, Truth truth);
 // How many of n mask elements are true.
 Index count_true(const std::byte* mask, Index stride, Index n, Index size, Truth truth);
 
+// The same for rows of n, `step` bytes from one to the next.
+void count_rows(Index* counts, const std::byte* mask, Index step, Index rows, Index stride, Index n,
+                Index size, Truth truth);
+
 Index sum_of(const Flag* flags, Index n);
 
 // Copies the elements whose flag is set, one behind the other, and says how many there are. Writes

@@ -177,9 +177,16 @@ std::size_t difference(const Char* one, const Char* two, std::size_t length) {
         return none;
     }
     std::size_t at = 0;
+    const auto differ = [&](std::size_t i) {
+        return V::load(one + at + i) != V::load(two + at + i);
+    };
+    for (; at + 4 * lanes < length; at += 4 * lanes) {
+        const auto any = (differ(0) | differ(lanes)) | (differ(2 * lanes) | differ(3 * lanes));
+        if (bits_of(any) != 0) break;
+    }
     for (;; at += lanes) {
         if (at + lanes > length) at = length - lanes;
-        const std::uint32_t bits = bits_of(V::load(one + at) != V::load(two + at));
+        const std::uint32_t bits = bits_of(differ(0));
         if (bits != 0) return at + first_lane<Char>(bits);
         if (at + lanes == length) return none;
     }

@@ -19,7 +19,7 @@ struct JumpTable {
 
 inline constexpr std::size_t lane_count = 8;
 // How long a part may be: the longer, the less the jumps cost.
-inline constexpr std::size_t lane_lengths[] = {4096, 256};
+inline constexpr std::size_t lane_lengths[] = {4096, 512};
 
 // Fills lane_count * lane numbers and moves the generator past them. Only where AVX2 is there.
 void fill_lanes(Xoshiro& generator, const JumpTable& table, std::size_t lane, double* values);

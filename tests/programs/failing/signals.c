@@ -8,14 +8,26 @@
 //> jump: called by jump, signals.c:40
 //> constant: The instruction at address * attempted to write to location *
 //> constant: (read-only data of the program: *)
-// changes it) > constant: in write_there, signals.c:54 > heap: Abnormal termination: the program
-// called abort > heap: in smash, signals.c:48 > smashed: The instruction at address * attempted to
-// write to location * > smashed: in write_there, signals.c:54 > outside: Quit (SIGQUIT), sent by
-// process * > outside: in wait_for_it, signals.c:* > limit: CPU time limit exceeded (SIGXCPU), sent
-// by the system > limit: in spin, signals.c:* > kept: our own handler > broken: Access violation: >
-// broken: in write_there, signals.c:54 > illegal: called by main, signals.c:* > jump: called by
-// main, signals.c:* > heap: called by main, signals.c:* > smashed: called by main, signals.c:* >
-// outside: called by main, signals.c:* > broken: called by main, signals.c:* > not: tarnlibc
+//> heap: Program aborted.
+//> heap: in smash, signals.c:LINE
+//> smashed: The instruction at address * attempted to write to location *
+//> smashed: in write_there, signals.c:LINE
+//> outside: Quit (SIGQUIT), sent by process *
+//> outside: in wait_for_it, signals.c:*
+//> limit: CPU time limit exceeded (SIGXCPU), sent by the system
+//> limit: in spin, signals.c:*
+//> kept: our own handler
+//> broken: Access violation:
+//> broken: in write_there, signals.c:LINE
+//> blocked: Access violation:
+//> blocked: in write_there, signals.c:LINE
+//> illegal: called by main, signals.c:*
+//> jump: called by main, signals.c:*
+//> heap: called by main, signals.c:*
+//> smashed: called by main, signals.c:*
+//> outside: called by main, signals.c:*
+//> broken: called by main, signals.c:*
+//> not: tarnlibc
 #include <signal.h>
 #include <stdio.h>
 #include <stdlib.h>

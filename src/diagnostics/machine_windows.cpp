@@ -41,7 +41,9 @@ std::intptr_t memory_procedure(HWND window, UINT message, WPARAM wparam, LPARAM 
         address.hexadecimal(static_cast<std::uintptr_t>(lparam), 8);
         set_window_text(GetDlgItem(window, address_item), address.text());
         dump(window);
-        return 1;
+        SetFocus(GetDlgItem(window, address_item));
+        SendMessageA(GetDlgItem(window, address_item), EM_SETSEL, 0, -1);
+        return 0;
     }
     if (message == WM_CTLCOLORSTATIC) return box_colours(window, wparam, lparam);
     if (message != WM_COMMAND) return 0;

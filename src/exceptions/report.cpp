@@ -15,7 +15,7 @@ namespace {
 constexpr unsigned flush_patience = 3;
 constexpr unsigned traceback_patience = 10;
 constexpr unsigned file_patience = 10;
-constexpr unsigned dialog_patience = 10;  // until it is on the screen
+constexpr unsigned dialog_patience = 5;  // until it is on the screen
 
 traceback::Registers registers_of(const Context& context) {
     // The processor's numbers, in the order of a context.

@@ -167,7 +167,9 @@ Decision handle_floating_point(Exception& exception) {
     if ((raised & small) != 0) {
         count_underflow();
         const bool permitted = frame::debug_info().permit_underflow != 0;
-        if (permitted && !frame::underflow_repair_missing() && recover_from_underflow(context))
+        ucontext_t* const machine = exception.fault != nullptr ? exception.fault->context : nullptr;
+        if (permitted && !frame::underflow_repair_missing() &&
+            recover_from_underflow(context, machine))
             return Decision::proceed;
     }
     const char* reason = "";

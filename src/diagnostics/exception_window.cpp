@@ -60,8 +60,7 @@ void watch_letters(HWND edit) {
     window_state().edit = reinterpret_cast<WNDPROC>(before);
 }
 
-void fill(HWND window) {
-    const Report& report = *window_state().shown;
+void fill(HWND window, const Report& report) {
     show_headline(window, icon_item, headline_item, report.headline);
     show_text(window, detail_item, report.detail);
     show_text(window, callers_item, report.callers);
@@ -76,14 +75,13 @@ void fill(HWND window) {
 
 // One byte lower: what stands before the fault reads differently from each start, until the right
 // one is found.
-void move_back(HWND window) {
+void move_back(HWND window, const Report& report) {
     std::uint64_t& first = window_state().first_instruction;
     if (first > 0) --first;
-    show_columns(window, instructions_item, instructions_from(*window_state().shown, first));
+    show_columns(window, instructions_item, instructions_from(report, first));
 }
 
-std::intptr_t command(HWND window, std::int32_t id) {
-    const Report& report = *window_state().shown;
+std::intptr_t command(HWND window, std::int32_t id, const Report& report) {
     switch (id) {
         case exit_button:
             EndDialog(window, exit_button);
@@ -101,7 +99,7 @@ std::intptr_t command(HWND window, std::int32_t id) {
             run_memory_window(window, report.memory);
             return 1;
         case back_button:
-            move_back(window);
+            move_back(window, report);
             return 1;
         default:
             return 0;
@@ -155,15 +153,16 @@ std::string in_capitals(std::string text) {
 }  // namespace
 
 std::intptr_t exception_procedure(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
-    if (window_state().shown == nullptr) return 0;
+    const Report* const report = window_state().shown;
+    if (report == nullptr) return 0;
     switch (message) {
         case WM_INITDIALOG:
-            fill(window);
+            fill(window, *report);
             return 0;
         case WM_COMMAND:
-            return command(window, LOWORD(wparam));
+            return command(window, LOWORD(wparam), *report);
         case WM_SYSCOMMAND:
-            return wparam == copy_button ? command(window, copy_button) : 0;
+            return wparam == copy_button ? command(window, copy_button, *report) : 0;
         case WM_CTLCOLORSTATIC:
             return box_colours(window, wparam, lparam);
         default:

@@ -68,8 +68,7 @@ void send(HWND dialog, const Report& report) {
         message_box(dialog, "No page could be opened: xdg-open failed", "Report", MB_ICONHAND);
 }
 
-void fill(HWND dialog) {
-    const Report& report = *dialog_state().shown;
+void fill(HWND dialog, const Report& report) {
     show_headline(dialog, icon_item, headline_item, report.headline);
     show_text(dialog, detail_item, report.detail);
     show_text(dialog, callers_item, report.callers);
@@ -79,8 +78,7 @@ void fill(HWND dialog) {
     SetTimer(dialog, shown_timer, 0, nullptr);
 }
 
-std::intptr_t command(HWND dialog, std::int32_t id) {
-    const Report& report = *dialog_state().shown;
+std::intptr_t command(HWND dialog, std::int32_t id, const Report& report) {
     switch (id) {
         case save_button:
             mail_is_set_up() ? send(dialog, report) : save(dialog, report);
@@ -198,10 +196,11 @@ std::intptr_t box_colours(HWND, WPARAM dc, LPARAM control) {
 }
 
 std::intptr_t traceback_procedure(HWND dialog, UINT message, WPARAM wparam, LPARAM lparam) {
-    if (dialog_state().shown == nullptr) return 0;
+    const Report* const report = dialog_state().shown;
+    if (report == nullptr) return 0;
     switch (message) {
         case WM_INITDIALOG:
-            fill(dialog);
+            fill(dialog, *report);
             return 0;
         case WM_TIMER:
             KillTimer(dialog, shown_timer);
@@ -209,7 +208,7 @@ std::intptr_t traceback_procedure(HWND dialog, UINT message, WPARAM wparam, LPAR
             failure::set_being_read(true);
             return 1;
         case WM_COMMAND:
-            return command(dialog, LOWORD(wparam));
+            return command(dialog, LOWORD(wparam), *report);
         case WM_CTLCOLORSTATIC:
             return box_colours(dialog, wparam, lparam);
         default:

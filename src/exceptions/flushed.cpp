@@ -53,7 +53,8 @@ class UpperHalves {
     bool known() const { return area_ != nullptr; }
     Bytes16 get(unsigned which) const {
         Bytes16 value;
-        if ((used_ & in_use) != 0) std::memcpy(value.at, area_ + registers + which * half, half);
+        if (area_ != nullptr && (used_ & in_use) != 0)
+            std::memcpy(value.at, area_ + registers + which * half, half);
         return value;
     }
     void set(unsigned which, const Bytes16& value) {

@@ -1,26 +1,26 @@
 //> runs: illegal privileged jump constant heap smashed outside limit kept broken blocked
 //> illegal: Attempt to execute illegal instruction at address *
-//> illegal: in illegal, signals.c:30
+//> illegal: in illegal, @trap
 //> privileged: Attempt to execute privileged instruction at address *
-//> privileged: in privileged, signals.c:34
+//> privileged: in privileged, @hlt
 //> jump: The instruction at address 00000123 attempted to read from location 00000123
 //> jump: in code at 0x123
-//> jump: called by jump, signals.c:40
+//> jump: called by jump, @jump
 //> constant: The instruction at address * attempted to write to location *
 //> constant: (read-only data of the program: *)
 //> heap: Program aborted.
-//> heap: in smash, signals.c:LINE
+//> heap: in smash, @free
 //> smashed: The instruction at address * attempted to write to location *
-//> smashed: in write_there, signals.c:LINE
+//> smashed: in write_there, @write
 //> outside: Quit (SIGQUIT), sent by process *
 //> outside: in wait_for_it, signals.c:*
 //> limit: CPU time limit exceeded (SIGXCPU), sent by the system
 //> limit: in spin, signals.c:*
 //> kept: our own handler
 //> broken: Access violation:
-//> broken: in write_there, signals.c:LINE
+//> broken: in write_there, @write
 //> blocked: Access violation:
-//> blocked: in write_there, signals.c:LINE
+//> blocked: in write_there, @write
 //> illegal: called by main, signals.c:*
 //> jump: called by main, signals.c:*
 //> heap: called by main, signals.c:*
@@ -39,17 +39,17 @@
 #define NEVER_INLINED __attribute__((noinline, noclone))
 
 NEVER_INLINED static void illegal(void) {
-    __builtin_trap();
+    __builtin_trap();  // @trap
 }
 
 NEVER_INLINED static void privileged(void) {
-    __asm__ volatile("hlt");
+    __asm__ volatile("hlt");  // @hlt
 }
 
 NEVER_INLINED static void jump(void) {
     void (*volatile nowhere)(void) = (void (*)(void))0x123;
     // The call must not be the routine's last.
-    nowhere();
+    nowhere();  // @jump
     __asm__ volatile("");
 }
 
@@ -57,13 +57,13 @@ NEVER_INLINED static void smash(void) {
     char* volatile block = malloc(40);
     block[-8] = 3;
     __asm__ volatile("" : : : "memory");
-    free(block);
+    free(block);  // @free
     __asm__ volatile("");
 }
 
 NEVER_INLINED static void write_there(char* target) {
     __asm__ volatile("" : "+r"(target));
-    *target = 1;
+    *target = 1;  // @write
 }
 
 NEVER_INLINED static void wait_for_it(pid_t parent) {

@@ -146,6 +146,9 @@ Decision handle_access_violation(Exception& exception) {
         add_hexadecimal(text, record.parameters[1]);
     }
     text.buffer.add("\n");
+    if (record.parameters[1] == reinterpret_cast<std::uintptr_t>(record.address))
+        text.buffer.add(
+            "(no code is there: a call by a pointer that holds no routine's address)\n");
     if (is_write_to_constants(exception)) {
         text.buffer.add(
             "(read-only data of the program: perhaps a constant was passed to a routine that "

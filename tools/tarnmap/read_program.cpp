@@ -324,6 +324,10 @@ void Reader::read_routine(const Unit& unit, Dwarf_Die* die) {
     if (ranges.empty()) return;
     Routine routine;
     routine.name = name_of(unit, die);
+    // Routines of one file have no symbol in the debug information, but one in the table.
+    const auto own = symbols_.find(ranges.front().start);
+    if (!unit.fortran && own != symbols_.end() && own->second.starts_with("_Z"))
+        routine.name = demangled(own->second.substr(0, own->second.find('.')));
     if (routine.name == "main") {
         routine.flags = unit.fortran ? traceback::routine_hidden : traceback::routine_is_main;
     }

@@ -1,11 +1,15 @@
-//> runs: illegal privileged jump constant heap smashed outside limit kept broken blocked
+//> runs: illegal privileged jump null constant heap smashed outside limit kept broken blocked
 //> illegal: Attempt to execute illegal instruction at address *
 //> illegal: in illegal, @trap
 //> privileged: Attempt to execute privileged instruction at address *
 //> privileged: in privileged, @hlt
 //> jump: The instruction at address 00000123 attempted to read from location 00000123
+//> jump: (no code is there: *)
 //> jump: in code at 0x123
 //> jump: called by jump, @jump
+//> null: The instruction at address 00000000 attempted to read from location 00000000
+//> null: called by jump, @jump
+//> null: called by main, signals.c:*
 //> constant: The instruction at address * attempted to write to location *
 //> constant: (read-only data of the program: *)
 //> heap: Program aborted.
@@ -46,8 +50,8 @@ NEVER_INLINED static void privileged(void) {
     __asm__ volatile("hlt");  // @hlt
 }
 
-NEVER_INLINED static void jump(void) {
-    void (*volatile nowhere)(void) = (void (*)(void))0x123;
+NEVER_INLINED static void jump(long to) {
+    void (*volatile nowhere)(void) = (void (*)(void))to;
     // The call must not be the routine's last.
     nowhere();  // @jump
     __asm__ volatile("");
@@ -97,7 +101,8 @@ int main(int count, char** words) {
     const char* word = count > 1 ? words[1] : "";
     if (strcmp(word, "illegal") == 0) illegal();
     if (strcmp(word, "privileged") == 0) privileged();
-    if (strcmp(word, "jump") == 0) jump();
+    if (strcmp(word, "jump") == 0) jump(0x123);
+    if (strcmp(word, "null") == 0) jump(0);
     if (strcmp(word, "constant") == 0) write_there((char*)fixed);
     if (strcmp(word, "heap") == 0) smash();
     if (strcmp(word, "smashed") == 0) {

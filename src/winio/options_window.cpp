@@ -254,7 +254,10 @@ void apply_box_word(const option_reader& words, box& into) {
 // A word that doesn't go with another is dropped. The colour's argument is read all the same.
 void check_box(box& into) {
     const bool hidden = into.status || into.invisible;
-    if (into.no_border && (into.kind != 0 || into.rounded || into.wants_line_colour)) {
+    // A name stands on the border. A box without one may still be nameless, to stand level with
+    // boxes that have names.
+    if (into.no_border &&
+        (into.kind != 0 || into.rounded || into.wants_line_colour || into.named)) {
         quillpan_error("The no_border box option is inconsistent with other options specified");
         into.no_border = false;
     }

@@ -131,7 +131,7 @@ namespace {
 
 // Beside `anchor` (below it for a bar's, at its right for a sub-menu's), within the monitor.
 RECT place_popup(const RECT& anchor, SIZE size, bool below, UINT flags) {
-    const RECT area = display().work_area({anchor.left, anchor.top});
+    const RECT area = display().work_area(middle_of(anchor));
     size.cy = std::min(size.cy, area.height());
     std::int32_t x = below ? anchor.left : anchor.right - 2;
     std::int32_t y = below ? anchor.bottom : anchor.top - 4;

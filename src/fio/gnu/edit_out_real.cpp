@@ -112,15 +112,15 @@ bool shows_leading_zero(const Figures& figures, const Field& field, std::int64_t
     return figures.zeros + figures.after == 0 && (sign == 0 || !figures.cut_unseen);
 }
 
-bool shows_only_zeros(const Figures& figures) {
-    return std::all_of(figures.digits, figures.digits + figures.made,
-                       [](char digit) { return digit == '0'; });
+bool shows_zero(const Figures& figures) {
+    const auto shown = static_cast<std::size_t>(figures.before + figures.after);
+    const std::string_view digits(figures.digits, std::min(figures.made, shown));
+    return digits.find_first_not_of('0') == digits.npos;
 }
 
 char* put_number(char* out, const Figures& figures, const Field& field, bool negative,
                  const EditModes& modes) {
-    // -fno-sign-zero.
-    if (negative && !gnu_options().sign_zero && shows_only_zeros(figures)) negative = false;
+    if (negative && !gnu_options().sign_zero && shows_zero(figures)) negative = false;
     const char sign = sign_of(negative, modes.sign);
     const ExponentShape exponent = exponent_shape(figures, field);
     const std::int64_t needed =

@@ -13,7 +13,7 @@ program legacy_formats
     read (input, '(d4,a6)') x, text
     print *, x, text
     write (*, '(1pd24.15e8)') 1d0, 1.5
-    line = '101,1.5,,7'
-    read (line, '(i8,2f8.1,i8)') i, x, y, j
+    line = '101,1.5,,7,'
+    read (line, '(i8,2f8.1,i2)') i, x, y, j
     print *, i, x, y, j
 end program

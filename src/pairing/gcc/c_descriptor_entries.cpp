@@ -393,7 +393,7 @@ void from_c(ArrayDescriptor& to, const CDescriptor& from) {
     to.version = 0;
     to.rank = from.rank;
     to.type = gnu_type_of(from.type);
-    to.attribute = from.attribute;
+    to.attribute = static_cast<unsigned char>(from.attribute);
     to.offset = 0;
     to.span = static_cast<std::int64_t>(from.element_length);
     if (from.base == nullptr) return;

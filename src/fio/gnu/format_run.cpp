@@ -13,7 +13,8 @@ constexpr Fault text_on_input{71, iostat_format};
 
 void put_literal(Statement& s, const FormatNode& node) {
     if (s.reading) return fail(s, text_on_input);
-    char* at = room(s, node.length);
+    // A text of no characters leaves blanks where the format has moved to, as an item does.
+    char* at = s.pending > 0 ? make_room(s, node.length) : room(s, node.length);
     if (at == nullptr) return;
     std::memcpy(at, s.format->literals.data() + node.text, node.length);
     filled(s, at + node.length);

@@ -202,7 +202,6 @@ struct QuickRequest {
     if (real.negative && !gnu_options().sign_zero) return nullptr;
     field.mark = modes.decimal == DecimalMark::comma ? ',' : '.';
     // A zero's sign may be unwanted, and what will be shown isn't known yet.
-    if (real.negative && !gnu_options().sign_zero) return nullptr;
     field.sign = real.negative ? '-' : modes.sign == SignMode::plus ? '+' : '\0';
     int decimals = request.d;
     bool fixed = request.edit == Edit::F;

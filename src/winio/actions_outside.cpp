@@ -1,20 +1,25 @@
 // Standard actions that reach outside the program, and those whose room isn't there yet.
 #include <cerrno>
 #include <fcntl.h>
+#include <initializer_list>
 #include <signal.h>
 #include <string>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include "platform/dialogs/program_resources.h"
+#include "platform/display/display.h"
+#include "platform/user/user.h"
 #include "winio/actions.h"
 #include "winio/report.h"
 
 namespace tarn::winio {
 namespace {
 
-// The desktop's opener in a process of its own, whose parent is gone at once: nobody has to wait
-// for it. An error of the second process comes back through a pipe that its success closes.
-bool open_on_desktop(const char* what) {
+// The first of the programs that there is, in a process of its own, whose parent is gone at once:
+// nobody has to wait for it. An error of the second process comes back through a pipe that its
+// success closes.
+bool start_apart(std::initializer_list<const char*> programs, const char* what) {
     int told[2];
     if (pipe2(told, O_CLOEXEC) != 0) return false;
     const pid_t child = fork();
@@ -25,7 +30,8 @@ bool open_on_desktop(const char* what) {
             sigset_t none;
             sigemptyset(&none);
             sigprocmask(SIG_SETMASK, &none, nullptr);
-            execlp("xdg-open", "xdg-open", what, static_cast<char*>(nullptr));
+            for (const char* program : programs)
+                execlp(program, program, what, static_cast<char*>(nullptr));
             const int error = errno;
             if (write(told[1], &error, sizeof error) < 0) _exit(126);
         }
@@ -47,7 +53,7 @@ bool open_on_desktop(const char* what) {
 bool open_name(const char* name) {
     if (!name || !*name) return false;
     const std::string what = (name[0] == '-' ? "./" : "") + std::string(name);
-    return open_on_desktop(what.c_str());
+    return start_apart({"xdg-open"}, what.c_str());
 }
 
 void show_missing_file(const char* file) {
@@ -74,6 +80,21 @@ std::int32_t action_hyperlink() {
     const std::string link = text_at(callbacks().current_thunk ? callbacks().current_thunk->a : 0);
     if (!open_name(link.c_str()))
         quillpan_error("?%s can't be opened: xdg-open failed", link.c_str());
+    return 2;
+}
+
+// Without a player, or without somebody to listen, the beep has to do.
+std::int32_t action_sound() {
+    const std::string name = text_at(callbacks().current_thunk ? callbacks().current_thunk->a : 0);
+    std::string file = platform::resource_file(platform::resource_kind::sound, name);
+    if (file.empty()) {
+        quillpan_error("Sound resource %s not found", name.c_str());
+        return 2;
+    }
+    if (file[0] == '-') file = "./" + file;
+    if (platform::display().headless() ||
+        !start_apart({"pw-play", "paplay", "aplay"}, file.c_str()))
+        platform::MessageBeep(0);
     return 2;
 }
 

@@ -164,7 +164,7 @@ void read_utf8_characters(Statement& s, std::size_t width, char* item, int kind,
     const char* end = input_end(s);
     for (; read < wanted && s.cursor < end; ++read) {
         std::size_t size = 0;
-        const char32_t code = get_utf8(s.cursor, end, size);
+        const char32_t code = get_utf8(s.cursor, end, !s.internal, size);
         if (code == U'?' && *s.cursor != '?') return fail(s, bad_encoding);
         s.cursor += size;
         if (skip > 0) {

@@ -66,8 +66,9 @@ void end_output(Unit& unit, int& err) {
     finish_open_record(unit, err);
     gnu.record_open = false;
     write_out(unit.file, err);
+    // What ends a stream, a formatted one by its whole records, has done so.
     const bool cuts = written && unit.status.may_write && !unit.status.direct &&
-                      !is_unformatted_stream(unit) && !unit.file.append && !gnu.preconnected;
+                      !unit.status.stream && !unit.file.append && !gnu.preconnected;
     if (cuts) cut_here(unit.file, err);
     gnu.last_was_write = false;
 }

@@ -26,6 +26,12 @@ inline char* room(Statement& statement, std::size_t count) {
     return make_room(statement, count);
 }
 
+// What takes no room at all is written all the same where a move has led: the blanks before it
+// count.
+inline void write_nothing(Statement& statement) {
+    if (statement.pending > 0) make_room(statement, 0);
+}
+
 // Says that the characters up to `end` of the last room have been written.
 inline void filled(Statement& statement, char* end) {
     if (statement.wide) {

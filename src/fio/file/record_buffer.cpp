@@ -188,14 +188,23 @@ std::size_t read_more(File& file, std::size_t wanted, int& err) {
     return got;
 }
 
+// What was read from a pipe can't be read again: the buffer keeps it, as far as it has room, for
+// BACKSPACE and REWIND.
+bool keeps_what_was_read(const File& file) {
+    return !file.seekable && !file.terminal;
+}
+
 // Room for reading more behind what is still unread.
 bool make_input_room(File& file) {
     if (file.data_count < file.capacity) return true;
     if (file.read_index > 0) {
-        file.data_count -= file.read_index;
-        std::memmove(file.buffer, file.buffer + file.read_index, file.data_count);
-        file.buffer_position += static_cast<std::int64_t>(file.read_index);
-        file.read_index = 0;
+        const std::size_t kept = keeps_what_was_read(file) ? file.capacity / 4 : 0;
+        const std::size_t dropped =
+            file.read_index > kept ? file.read_index - kept : file.read_index;
+        file.data_count -= dropped;
+        std::memmove(file.buffer, file.buffer + dropped, file.data_count);
+        file.buffer_position += static_cast<std::int64_t>(dropped);
+        file.read_index -= dropped;
         return true;
     }
     return ensure_capacity(file, file.capacity + 1);
@@ -208,7 +217,7 @@ void prepare_input(File& file, int& err) {
         forget_buffer(file);
     }
     file.write_index = 0;
-    if (file.read_index == file.data_count) forget_buffer(file);
+    if (file.read_index == file.data_count && !keeps_what_was_read(file)) forget_buffer(file);
     if (!ensure_capacity(file, first_capacity)) err = ENOMEM;
 }
 
@@ -355,6 +364,7 @@ std::size_t take_bytes(File& file, char* bytes, std::size_t count, int& err) {
             prepare_input(file, err);
             if (err != 0) break;
             if (file.terminal) flush_console_output();
+            forget_buffer(file);
             // A little of what follows comes along: a record's markers, a short item.
             const Runs runs(bytes + done, left, file.buffer, read_ahead);
             const std::size_t got = read_at(file, file.logical_position, runs, err);

@@ -132,7 +132,11 @@ std::int64_t start_of_line_before(const File& file, std::int64_t end, int& err) 
         }
         at = file.buffer_position;
     }
-    if (!file.seekable) return at;
+    if (!file.seekable) {
+        // The record may have begun before what the buffer holds.
+        if (at > 0) err = ESPIPE;
+        return at;
+    }
     char block[8192];
     while (at > 0) {
         const auto length = static_cast<std::size_t>(std::min<std::int64_t>(at, sizeof block));
@@ -201,8 +205,9 @@ void go_to_start(Unit& unit, int& err) {
     File& file = unit.file;
     if (file.seekable) {
         set_place(unit, 0, err);
-    } else if (!has_places(file)) {
+    } else if (!has_places(file) && !step_in_buffer(file, 0)) {
         err = ESPIPE;
+        return;
     }
     file.position_state = 1;
     unit.current_record = 0;

@@ -1,4 +1,6 @@
 #include <algorithm>
+#include <cstring>
+#include <utility>
 
 #include "fio/gnu/edit_in_quick.h"
 #include "fio/gnu/format_run.h"
@@ -85,35 +87,40 @@ void report_field(Statement& s, const Field& field, const FieldResult& result) {
     fail(s, result.fault, {detail, before.size() + text.size() + 1});
 }
 
-[[gnu::noinline]] void read_number(Statement& s, const FormatNode& node, Edit edit, char* item,
-                                   int kind) {
-    const Field field = take_number(s, node.w < 0 ? 1 : static_cast<std::size_t>(node.w));
-    if (field.text == nullptr) return;
-    FieldResult result;
+FieldResult get_number(const Field& field, const FormatNode& node, Edit edit, char* item, int kind,
+                       const EditModes& modes) {
+    const auto size = static_cast<std::size_t>(kind);
     switch (edit) {
         case Edit::I:
-            result = get_integer(field.text, field.width, item, kind, s.modes);
-            break;
+            return get_integer(field.text, field.width, item, kind, modes);
         case Edit::B:
-            result =
-                get_bits(field.text, field.width, 2, item, static_cast<std::size_t>(kind), s.modes);
-            break;
+            return get_bits(field.text, field.width, 2, item, size, modes);
         case Edit::O:
-            result =
-                get_bits(field.text, field.width, 8, item, static_cast<std::size_t>(kind), s.modes);
-            break;
+            return get_bits(field.text, field.width, 8, item, size, modes);
         case Edit::Z:
-            result = get_bits(field.text, field.width, 16, item, static_cast<std::size_t>(kind),
-                              s.modes);
-            break;
+            return get_bits(field.text, field.width, 16, item, size, modes);
         case Edit::L:
-            result = get_logical(field.text, field.width, item, kind);
-            break;
+            return get_logical(field.text, field.width, item, kind);
         default:
-            result =
-                get_real(field.text, field.width, node.d < 0 ? 0 : node.d, item, kind, s.modes);
-            break;
+            return get_real(field.text, field.width, node.d < 0 ? 0 : node.d, item, kind, modes);
     }
+}
+
+// A byte of zero ends the field of an integer, as gfortran has it: programs read zeros from records
+// of a direct file that nobody has written.
+bool ends_at_zero(Field& field, Edit edit) {
+    if (edit != Edit::I && edit != Edit::B && edit != Edit::O && edit != Edit::Z) return false;
+    const std::size_t width = strnlen(field.text, field.width);
+    return std::exchange(field.width, width) != width;
+}
+
+[[gnu::noinline]] void read_number(Statement& s, const FormatNode& node, Edit edit, char* item,
+                                   int kind) {
+    Field field = take_number(s, node.w < 0 ? 1 : static_cast<std::size_t>(node.w));
+    if (field.text == nullptr) return;
+    FieldResult result = get_number(field, node, edit, item, kind, s.modes);
+    if (result.fault.number != 0 && ends_at_zero(field, edit))
+        result = get_number(field, node, edit, item, kind, s.modes);
     report_field(s, field, result);
 }
 

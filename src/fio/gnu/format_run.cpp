@@ -1,5 +1,6 @@
 #include "fio/gnu/format_run.h"
 
+#include <algorithm>
 #include <cstring>
 
 #include "fio/gnu/options.h"
@@ -33,7 +34,7 @@ void next_records(Statement& s, std::int32_t count) {
 // A move to the right on input passes characters, as far as the record has them.
 void skip_input(Statement& s, std::int64_t count) {
     meet_carriage_return(s, static_cast<std::size_t>(count));
-    const std::int64_t left = s.limit - s.cursor;
+    const std::int64_t left = std::max<std::ptrdiff_t>(input_end(s) - s.cursor, 0);
     const std::int64_t passed = count < left ? count : left;
     s.cursor += passed;
     s.size_count += passed;

@@ -35,13 +35,6 @@ bool meet_record_end(Statement& s, std::size_t at_hand) {
     return true;
 }
 
-// Where the record's characters end for a field. The trailing blanks of a scalar internal file
-// count only under BZ: A8 reading 'abc' into five characters gives 'abc', not the right-hand part
-// of the field.
-const char* input_end(const Statement& s) {
-    return s.internal && s.modes.blank == Blank::null ? s.text_end : s.limit;
-}
-
 std::size_t characters_left(const Statement& s) {
     const char* end = input_end(s);
     return s.cursor < end ? static_cast<std::size_t>(end - s.cursor) : 0;

@@ -42,6 +42,13 @@ inline void filled(Statement& statement, char* end) {
     if (end > statement.high) statement.high = end;
 }
 
+// Where the record's characters end for a field and for a move. The trailing blanks of a scalar
+// internal file count only under BZ: A8 reading 'abc' into five characters gives 'abc', not the
+// right-hand part of the field.
+inline const char* input_end(const Statement& s) {
+    return s.internal && s.modes.blank == Blank::null ? s.text_end : s.limit;
+}
+
 // Moves, in characters from the record's start.
 void move_right(Statement& statement, std::int64_t count);
 void move_left(Statement& statement, std::int64_t count);

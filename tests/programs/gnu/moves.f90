@@ -27,6 +27,21 @@ program moves
   write (*, '(a,5x,/,a,t9,a)', advance='no') 'c', 'd', 'e'
   print '(a)', '|'
 
+  ! The blanks behind a text in memory are passed by no move.
+  do i = 4, 9
+    write (narrow, '(i0)') i
+    read ('+.25    ', '('//trim(narrow)//'x,tl3,a)') narrow
+    print '(3a)', '[', narrow, ']'
+  end do
+
+  ! Integers in a record that nobody wrote.
+  open (10, file='holes.dat', access='direct', form='formatted', recl=12)
+  write (10, '(a)', rec=3) 'three'
+  numbers = -1
+  read (10, '(i3,b3,o3,z3)', rec=2, iostat=ios) numbers
+  print *, ios, numbers
+  close (10)
+
   ! A field that is cut short by its record's end ends a READ that doesn't advance, slash or not.
   open (10, file='moves.txt')
   write (10, '(a)') '12', '3', '45', '6'

@@ -130,7 +130,7 @@ TARN_EXPORT int set_machine_state(const Context* machine) {
 }
 
 TARN_EXPORT int clear_flt_underflow() {
-    return state().context != nullptr && recover_from_underflow(*state().context) ? 1 : 0;
+    return state().context != nullptr && recover_from_underflow(*state().context, nullptr) ? 1 : 0;
 }
 TARN_EXPORT int CLEAR_FLT_UNDERFLOW_h() {
     return clear_flt_underflow();

@@ -167,6 +167,9 @@ Decision handle_access_violation(Exception& exception) {
     }
     text.buffer.add("\n");
     add_missed_region(text, record.parameters[1]);
+    if (record.parameters[1] == reinterpret_cast<std::uintptr_t>(record.address))
+        text.buffer.add(
+            "(no code is there: a call by a pointer that holds no routine's address)\n");
     if (is_write_to_constants(exception)) {
         text.buffer.add(
             "(read-only data of the program: perhaps a constant was passed to a routine that "
@@ -188,7 +191,9 @@ Decision handle_floating_point(Exception& exception) {
     if ((raised & small) != 0) {
         count_underflow();
         const bool permitted = frame::debug_info().permit_underflow != 0;
-        if (permitted && !frame::underflow_repair_missing() && recover_from_underflow(context))
+        ucontext_t* const machine = exception.fault != nullptr ? exception.fault->context : nullptr;
+        if (permitted && !frame::underflow_repair_missing() &&
+            recover_from_underflow(context, machine))
             return Decision::proceed;
     }
     const char* reason = "";

@@ -11,6 +11,7 @@ module tarn
   use tarn_random
   use tarn_storage
   use tarn_virtual
+  use tarn_threads
   use tarn_windows
   implicit none
   public

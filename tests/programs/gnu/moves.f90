@@ -7,6 +7,8 @@ program moves
   character(1), parameter :: letters(5) = ['a', 'b', 'c', 'd', 'e']
   character(0) :: nothing
   character(4) :: narrow
+  character(8) :: blanks = '+.25'
+  character(12) :: move
   integer :: i, n, numbers(4), ios
 
   do i = 1, size(repeats)
@@ -29,8 +31,8 @@ program moves
 
   ! The blanks behind a text in memory are passed by no move.
   do i = 4, 9
-    write (narrow, '(i0)') i
-    read ('+.25    ', '('//trim(narrow)//'x,tl3,a)') narrow
+    write (move, '(a,i0,a)') '(', i, 'x,tl3,a)'
+    read (blanks, move) narrow
     print '(3a)', '[', narrow, ']'
   end do
 

@@ -4,7 +4,9 @@
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
+#include <fcntl.h>
 #include <poll.h>
+#include <string>
 #include <sys/stat.h>
 #include <sys/uio.h>
 #include <unistd.h>
@@ -136,9 +138,25 @@ bool grow_runs(Runs runs) {
     return changed;
 }
 
+// Once a writer has sent something: who opened the pipe for reading alone before that would be at
+// its end at once.
+void become_reader(File& file) {
+    file.undecided_pipe = false;
+    pollfd wait{file.descriptor, POLLIN, 0};
+    while (poll(&wait, 1, -1) < 0 && errno == EINTR) {
+    }
+    const std::string name = "/proc/self/fd/" + std::to_string(file.descriptor);
+    const int reader = open(name.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    if (reader < 0) return;
+    fcntl(reader, F_SETFL, fcntl(reader, F_GETFL) & ~O_NONBLOCK);
+    dup3(reader, file.descriptor, O_CLOEXEC);
+    close(reader);
+}
+
 // Reads once, whatever interrupts it, into the one and then the other run; 0 at the end of the file
 // or on failure.
 std::size_t read_at(File& file, std::int64_t position, Runs runs, int& err) {
+    if (file.undecided_pipe) become_reader(file);
     const bool elsewhere = lies_elsewhere(file, position);
     for (bool grown = false;;) {
         iovec* const to = runs.begin();

@@ -182,13 +182,16 @@ int descriptor_of_name(std::string_view path) {
     return -1;
 }
 
+bool is_pipe(int descriptor) {
+    struct stat status {};
+    return fstat(descriptor, &status) == 0 && S_ISFIFO(status.st_mode);
+}
+
 // Who opens an end of a pipe for both would be a writer of what it reads, and the end would never
 // come. False: it isn't an end of a pipe.
 bool find_pipe_end(const char* path, Action& action) {
     const int descriptor = descriptor_of_name(path);
-    struct stat status {};
-    if (descriptor < 0 || fstat(descriptor, &status) != 0 || !S_ISFIFO(status.st_mode))
-        return false;
+    if (descriptor < 0 || !is_pipe(descriptor)) return false;
     const int mode = fcntl(descriptor, F_GETFL) & O_ACCMODE;
     action = mode == O_WRONLY ? Action::write : Action::read;
     return mode != O_RDWR;
@@ -324,6 +327,8 @@ bool connect(Caller& caller, Unit& unit, const Terms& terms, std::string_view na
     file.buffered = true;
     file.append = file.keep_tabs = false;
     file_adopt(file, opened.descriptor, access_bits(opened.action), true);
+    file.undecided_pipe =
+        !terms.action_given && opened.action == Action::readwrite && is_pipe(opened.descriptor);
     file.shared = terms.share != Share::unspecified;
     unit.share = terms.share == Share::deny_rw ? 1 : terms.share == Share::deny_none ? 4 : 0;
     if (!scratch) {

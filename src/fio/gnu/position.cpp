@@ -102,10 +102,17 @@ void set_place(Unit& unit, std::int64_t target, int& err) {
     file.position_state = position_unknown;
 }
 
-// Reads `count` bytes that end at `end`, without the buffer. False: they can't be had.
+// Reads `count` bytes that end at `end`, from the buffer where that has them. False: they can't be
+// had.
 bool read_before(const File& file, std::int64_t end, char* bytes, std::size_t count, int& err) {
     std::size_t done = 0;
     const std::int64_t start = end - static_cast<std::int64_t>(count);
+    const std::int64_t buffer_end =
+        file.buffer_position + static_cast<std::int64_t>(file.data_count);
+    if (!file.dirty && start >= file.buffer_position && end <= buffer_end) {
+        std::memcpy(bytes, file.buffer + (start - file.buffer_position), count);
+        return true;
+    }
     while (done < count) {
         const ssize_t n = ::pread(file.descriptor, bytes + done, count - done,
                                   start + static_cast<std::int64_t>(done));

@@ -16,6 +16,9 @@ program redirected
     call execute_command_line("printf '1\n2\n3' | " // trim(me) // " few")
     call execute_command_line(rows // trim(me) // " many")
     call execute_command_line(trim(me) // " writer | " // trim(me) // " reader")
+    call execute_command_line("mkfifo named; seq 1 1000 > named & " // trim(me) // " named; rm named")
+    call execute_command_line("mkfifo named; " // trim(me) // " records > named & " // trim(me) // &
+      " back; rm named")
   case ('few')
     read *, i
     read (*, '(a)') line
@@ -55,6 +58,33 @@ program redirected
     do i = 1, 50000
       write (10) [integer(8) :: i, i, i]
     end do
+  case ('named')
+    open (10, file='named')
+    n = 0
+    do
+      read (10, *, iostat=ios) i
+      if (ios /= 0) exit
+      n = n + i
+    end do
+    print *, n, ios
+  case ('records')
+    open (10, file='/dev/stdout', form='unformatted')
+    do i = 1, 2000
+      write (10) i, numbers
+    end do
+  case ('back')
+    open (10, file='named', form='unformatted')
+    do i = 1, 2000
+      read (10) n
+      if (mod(i, 100) /= 0) cycle
+      backspace 10
+      backspace 10
+      read (10) n
+      if (n /= i - 1) print *, 'wrong', i, n
+      read (10) n, numbers
+    end do
+    read (10, iostat=ios) n
+    print *, n, ios
   case ('reader')
     open (10, file='/dev/stdin', access='stream', form='unformatted')
     n = 0

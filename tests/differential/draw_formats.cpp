@@ -215,9 +215,10 @@ string draw_format(const std::vector<Item>& items, bool structured) {
     } else {
         std::size_t next = 0;
         text += draw_format_list(items, next, 0);
-        if (chance(8))
-            text += ",*(" + string(pick({"", "'<',", "1X,"})) + draw_descriptor(items.back()) +
-                    pick({")", ",1X)", ",:,',')", ",'>')"});
+        if (chance(8)) {
+            text += ",*(" + string(pick({"", "", "1X,'<',", "/,", "'a',:,", "2('['),", "SP,"}));
+            text += draw_descriptor(items.back()) + pick({")", ",1X)", ",:,',')", ",'>')", ",/)"});
+        }
         text += ")";
     }
     text = mixed_case(text);

@@ -74,12 +74,9 @@ T best_of(T best, const std::byte* at, Index stride, Index n) {
 template <class T, bool largest>
 T best_counted(T best, const Run& run) {
     if (run.n <= few_counted) {
-        for (Index i = 0; i < run.n; ++i) {
-            const T x = *reinterpret_cast<const T*>(run.at + i * run.stride);
-            best = static_cast<int>(run.counts(i)) & static_cast<int>(beats<largest>(x, best))
-                       ? x
-                       : best;
-        }
+        for_each_element<T>(run, [&](T x, bool counts) {
+            best = static_cast<int>(counts) & static_cast<int>(beats<largest>(x, best)) ? x : best;
+        });
         return best;
     }
     for_counted<T>(run, [&](const T* x, Index n) {

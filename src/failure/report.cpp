@@ -139,6 +139,11 @@ void fail_text(std::string_view text) {
     fail_at(free_text, line, nullptr, nullptr);
 }
 
+void set_statement(const char* file, int line) {
+    if (file != nullptr && line > 0)
+        traceback::set_statement(file, static_cast<std::uint32_t>(line));
+}
+
 void warn(std::string_view text) {
     std::string line = "*** Warning: ";
     line.append(text);

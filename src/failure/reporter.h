@@ -9,8 +9,12 @@ namespace tarn::failure {
 enum class Claim { first, again, other };
 Claim claim_report();
 
+// Whether this thread is reporting: the program's own routines aren't called then.
+bool is_reporting();
 // The program goes on behind a report.
 void release_report();
+// While somebody reads it in a window, another thread's failure ends nothing.
+void set_being_read(bool read);
 
 // What the report says. Both must stay where they are.
 void set_report(std::string_view text);

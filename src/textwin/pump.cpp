@@ -1,6 +1,7 @@
 // The message pump: every wait of the window library goes through it.
 #include <cstdio>
 #include <cstdlib>
+#include <pthread.h>
 #include <unistd.h>
 #include <utility>
 
@@ -29,6 +30,7 @@ struct pump_state {
     hook_entry* loop_hooks;
     dialog_entry* dialogs;
     bool started;
+    pthread_t thread;
 };
 pump_state& pump() {
     static pump_state all;
@@ -108,9 +110,14 @@ bool pump_started() {
     return pump().started;
 }
 
+bool on_pump_thread() {
+    return pump().started && pthread_equal(pump().thread, pthread_self()) != 0;
+}
+
 void start_pump() {
     if (pump().started) return;
     pump().started = true;
+    pump().thread = pthread_self();
     unanswered_wait = give_up;
     end_after_script = end_with;
     somebody_answers = script_active;

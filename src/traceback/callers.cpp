@@ -42,6 +42,14 @@ void Callers::clear() {
     lacks_lines_ = false;
 }
 
+void Callers::correct_first(std::string_view file, std::uint32_t line) {
+    if (first_count_ == 0 || line == 0) return;
+    Location& place = first_[0].location;
+    // Each is told as its compiler was given it: one may stand behind a folder.
+    const auto name = [](std::string_view path) { return path.substr(path.rfind('/') + 1); };
+    if (place.line != 0 && name(place.file) == name(file)) place.line = line;
+}
+
 const CallerLine& Callers::line(std::size_t index) const {
     if (index < first_count_) return first_[index];
     const std::uint64_t start = total_last_ > most_last ? total_last_ - most_last : 0;

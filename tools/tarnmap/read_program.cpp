@@ -63,6 +63,7 @@ class Reader {
         std::string folder;
         bool fortran;
         Dwarf_Files* files = nullptr;
+        std::vector<Dwarf_Die> routines = {};  // as they are declared, of Fortran
     };
 
     void read_sections();
@@ -76,6 +77,9 @@ class Reader {
     bool is_code(std::uint64_t address) const;
     std::string name_of(const Unit& unit, Dwarf_Die* die);
     std::string fortran_name(const Unit& unit, Dwarf_Die* die);
+    std::string spelled(const Unit& unit, Dwarf_Die* die);
+    std::string host_of(const Unit& unit, Dwarf_Die* die);
+    std::string parallel_name(const Unit& unit, const std::string& symbol);
     std::string shown_path(const Unit& unit, const char* path) const;
     std::uint32_t file_index(const std::string& file);
 
@@ -200,32 +204,96 @@ std::vector<Range> Reader::code_of(Dwarf_Die* die) const {
     return ranges;
 }
 
+std::string source_of(const std::string& folder, Dwarf_Die* die) {
+    const char* file = dwarf_decl_file(die);
+    return file != nullptr ? (std::filesystem::path(folder) / file).string() : std::string();
+}
+
+int line_of(Dwarf_Die* die) {
+    int line = 0;
+    return dwarf_decl_line(die, &line) == 0 ? line : 0;
+}
+
+std::string Reader::spelled(const Unit& unit, Dwarf_Die* die) {
+    const std::string name = attribute_text(die, DW_AT_name);
+    const std::string file = source_of(unit.folder, die);
+    const int line = line_of(die);
+    if (file.empty() || line == 0) return name;
+    // The symbol of a main program stands for its name where that is another's.
+    if (name != "MAIN__") return spelling_.in_line(file, line, name);
+    const std::string program = spelling_.of_program(file, line);
+    return program.empty() ? "main program" : program;
+}
+
+// Debug information of the first level doesn't tell whose an internal procedure is. It has no
+// symbol of its own, and its source stands behind its host's CONTAINS.
+std::string Reader::host_of(const Unit& unit, Dwarf_Die* die) {
+    const std::string file = source_of(unit.folder, die);
+    const int contains = spelling_.contains_before(file, line_of(die));
+    const Dwarf_Die* host = nullptr;
+    int nearest = 0;
+    for (const Dwarf_Die& each : unit.routines) {
+        Dwarf_Die candidate = each;
+        const int line = line_of(&candidate);
+        if (line >= contains || line <= nearest || source_of(unit.folder, &candidate) != file)
+            continue;
+        nearest = line;
+        host = &each;
+    }
+    if (host == nullptr) return {};
+    Dwarf_Die found = *host;
+    return fortran_name(unit, &found);
+}
+
+bool has(Dwarf_Die* die, unsigned name) {
+    Dwarf_Attribute attribute;
+    return dwarf_attr(die, name, &attribute) != nullptr;
+}
+
+bool is_main_program(Dwarf_Die* die) {
+    return has(die, DW_AT_main_subprogram) || attribute_text(die, DW_AT_name) == "MAIN__";
+}
+
+bool is_internal(Dwarf_Die* die) {
+    return attribute_text(die, DW_AT_linkage_name).empty() && !has(die, DW_AT_external) &&
+           !is_main_program(die);
+}
+
 // MODULE::PROCEDURE, and what is contained in it behind that.
 std::string Reader::fortran_name(const Unit& unit, Dwarf_Die* die) {
-    auto spelled = [&](Dwarf_Die* which) {
-        const std::string name = attribute_text(which, DW_AT_name);
-        int line = 0;
-        const char* file = dwarf_decl_file(which);
-        if (file == nullptr || dwarf_decl_line(which, &line) != 0) return name;
-        const std::filesystem::path path = std::filesystem::path(unit.folder) / file;
-        return spelling_.in_line(path.string(), line, name);
-    };
     Dwarf_Die* scopes = nullptr;
     const int count = dwarf_getscopes_die(die, &scopes);
     const std::unique_ptr<Dwarf_Die, decltype(&std::free)> owned(scopes, &std::free);
-    std::string name = spelled(die);
+    std::string name = spelled(unit, die);
     std::string symbol = attribute_text(die, DW_AT_linkage_name);
+    bool nested = false;
     for (int i = 1; i < count; ++i) {
         if (dwarf_tag(&scopes[i]) != DW_TAG_subprogram) continue;
-        name = spelled(&scopes[i]) + "::" + name;
+        nested = true;
+        name = spelled(unit, &scopes[i]) + "::" + name;
         symbol = attribute_text(&scopes[i], DW_AT_linkage_name);
+    }
+    if (!nested && is_internal(die)) {
+        const std::string host = host_of(unit, die);
+        return host.empty() ? name : host + "::" + name;
     }
     const std::string module = module_in_symbol(symbol);
     if (module.empty()) return name;
-    const char* file = dwarf_decl_file(die);
-    if (file == nullptr) return module + "::" + name;
-    const std::filesystem::path path = std::filesystem::path(unit.folder) / file;
-    return spelling_.of_module(path.string(), module) + "::" + name;
+    const std::string file = source_of(unit.folder, die);
+    if (file.empty()) return module + "::" + name;
+    return spelling_.of_module(file, module) + "::" + name;
+}
+
+// The body of a parallel region is a routine that the compiler names after the one it stands in.
+std::string Reader::parallel_name(const Unit& unit, const std::string& symbol) {
+    for (const Dwarf_Die& each : unit.routines) {
+        Dwarf_Die die = each;
+        if (attribute_text(&die, DW_AT_linkage_name) == symbol ||
+            attribute_text(&die, DW_AT_name) == symbol ||
+            (symbol == "MAIN__" && is_main_program(&die)))
+            return fortran_name(unit, &die);
+    }
+    return symbol;
 }
 
 std::string Reader::name_of(const Unit& unit, Dwarf_Die* die) {
@@ -247,8 +315,8 @@ std::string Reader::name_of(const Unit& unit, Dwarf_Die* die) {
         name = symbol.empty() ? attribute_text(&origin, DW_AT_name) : demangled(symbol);
     }
     const std::size_t parallel = name.find("._omp_fn");
-    if (parallel != std::string::npos) name = name.substr(0, parallel) + " (parallel region)";
-    return name;
+    if (parallel == std::string::npos) return name;
+    return parallel_name(unit, name.substr(0, parallel)) + " (parallel region)";
 }
 
 void Reader::read_routine(const Unit& unit, Dwarf_Die* die) {
@@ -256,6 +324,10 @@ void Reader::read_routine(const Unit& unit, Dwarf_Die* die) {
     if (ranges.empty()) return;
     Routine routine;
     routine.name = name_of(unit, die);
+    // Routines of one file have no symbol in the debug information, but one in the table.
+    const auto own = symbols_.find(ranges.front().start);
+    if (!unit.fortran && own != symbols_.end() && own->second.starts_with("_Z"))
+        routine.name = demangled(own->second.substr(0, own->second.find('.')));
     if (routine.name == "main") {
         routine.flags = unit.fortran ? traceback::routine_hidden : traceback::routine_is_main;
     }
@@ -263,7 +335,7 @@ void Reader::read_routine(const Unit& unit, Dwarf_Die* die) {
         auto symbol = symbols_.find(each.start);
         if (symbol != symbols_.end() && symbol->second == "MAIN__") {
             routine.flags = traceback::routine_is_main;
-            if (routine.name == "MAIN__" || routine.name.empty()) routine.name = "main program";
+            if (routine.name.empty()) routine.name = "main program";
         }
         if (symbol != symbols_.end() && symbol->second.find(".part.") != std::string::npos)
             routine.flags |= traceback::routine_is_rest;
@@ -320,10 +392,25 @@ void Reader::read_children(const Unit& unit, Dwarf_Die* parent, int inline_depth
     } while (dwarf_siblingof(&child, &child) == 0);
 }
 
+void list_routines(Dwarf_Die* parent, std::vector<Dwarf_Die>& routines) {
+    Dwarf_Die child;
+    if (dwarf_child(parent, &child) != 0) return;
+    do {
+        const int tag = dwarf_tag(&child);
+        const bool declared =
+            tag == DW_TAG_subprogram && line_of(&child) != 0 && !has(&child, DW_AT_abstract_origin);
+        // What the C library calls as `main` is the compiler's.
+        const bool made = attribute_text(&child, DW_AT_name) == "main";
+        if (declared && !made && !is_internal(&child)) routines.push_back(child);
+        if (tag == DW_TAG_module) list_routines(&child, routines);
+    } while (dwarf_siblingof(&child, &child) == 0);
+}
+
 void Reader::read_unit(Dwarf_Die* die) {
     const int tag = dwarf_tag(die);
     if (tag != DW_TAG_compile_unit && tag != DW_TAG_partial_unit) return;
     Unit unit{die, attribute_text(die, DW_AT_comp_dir), is_fortran(dwarf_srclang(die))};
+    if (unit.fortran) list_routines(die, unit.routines);
     std::size_t count = 0;
     if (dwarf_getsrcfiles(die, &unit.files, &count) != 0) unit.files = nullptr;
     read_lines(unit);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <emmintrin.h>
 #include <numeric>
 
 #include "intrinsics/arrays/loops.h"
@@ -17,9 +18,46 @@ constexpr Index mask_chunk = 1024;
 
 constexpr Index tile = 32;
 
+// A square of elements, in registers: rows that lie in one piece in `from` become columns of those
+// that do in `to`.
+template <Index size>
+void turn_square(std::byte* to, Index to_step, const std::byte* from, Index from_step) {
+    if constexpr (size == 4) {
+        __m128 row[4];
+        for (Index i = 0; i < 4; ++i)
+            row[i] = _mm_loadu_ps(reinterpret_cast<const float*>(from + i * from_step));
+        _MM_TRANSPOSE4_PS(row[0], row[1], row[2], row[3]);
+        for (Index i = 0; i < 4; ++i)
+            _mm_storeu_ps(reinterpret_cast<float*>(to + i * to_step), row[i]);
+    } else {
+        const __m128d first = _mm_loadu_pd(reinterpret_cast<const double*>(from));
+        const __m128d second = _mm_loadu_pd(reinterpret_cast<const double*>(from + from_step));
+        _mm_storeu_pd(reinterpret_cast<double*>(to), _mm_unpacklo_pd(first, second));
+        _mm_storeu_pd(reinterpret_cast<double*>(to + to_step), _mm_unpackhi_pd(first, second));
+    }
+}
+
+// The squares of a tile that is whole, whose rows lie in one piece; false where it isn't such a
+// one.
+template <Index size>
+bool turn_tile(std::byte* to, const std::byte* from, const Index (&inner)[2], Index inner_count,
+               const Index (&outer)[2], Index outer_count) {
+    constexpr Index side = 16 / size;
+    if (outer[0] != size || inner[1] != size) return false;
+    if (inner_count % side != 0 || outer_count % side != 0) return false;
+    for (Index i = 0; i < inner_count; i += side)
+        for (Index o = 0; o < outer_count; o += side)
+            turn_square<size>(to + i * inner[0] + o * size, inner[0],
+                              from + i * size + o * outer[1], outer[1]);
+    return true;
+}
+
 template <Index size>
 void copy_tile(std::byte* to, const std::byte* from, const Index (&inner)[2], Index inner_count,
                const Index (&outer)[2], Index outer_count) {
+    if constexpr (size == 4 || size == 8) {
+        if (turn_tile<size>(to, from, inner, inner_count, outer, outer_count)) return;
+    }
     for (Index i = 0; i < inner_count; ++i) {
         std::byte* const t = to + i * inner[0];
         const std::byte* const f = from + i * inner[1];

@@ -431,6 +431,8 @@ TARN_SHIFTS_BY_MANY(16, __int128)
 // An argument that must lie together: itself if it does, otherwise a copy, which compiled code
 // frees. Afterwards the copy's elements go back.
 TARN_EXPORT void* _gfortran_internal_pack(const ArrayDescriptor* from) {
+    // An absent argument, whose extents are anything.
+    if (from->base == nullptr) return nullptr;
     const View array = view_of(*from, element_of(*from));
     Index step = array.element;
     bool together = true;

@@ -9,7 +9,8 @@ The head of the program tells, in comment lines that begin with //> or !>:
     WORD: TEXT          the same, for the run of that word only
     not: TEXT           what no line may hold
     options: WORD...    more of the compiler's options
-A `*` in a line's text stands for anything.
+A `*` in a line's text stands for anything, and `@name` for the file and line, as a report writes
+them, of the one line of the program that ends with a comment `@name`.
 """
 import os
 import pathlib
@@ -22,8 +23,19 @@ DRIVERS = {".f90": "tarnfc", ".c": "tarncc", ".cpp": "tarnc++"}
 BUILDS = [["-O0"], ["-O2"], ["-O2", "-no-pie"], ["-O1", "-s"]]
 
 
+def places_in(source):
+    places = {}
+    for number, line in enumerate(source.read_text().splitlines(), 1):
+        match = re.search(r"(?:// |! |/\* )@(\w+)(?: \*/)?$", line)
+        if match is not None:
+            assert match[1] not in places, match[1]
+            places[match[1]] = f"{source.name}:{number}"
+    return places
+
+
 def read_head(source):
     words, lines, never, options = [], [], [], []
+    places = places_in(source)
     for line in source.read_text().splitlines():
         match = re.match(r"(?://|!)> (\w+): (.*)$", line)
         if match is None:
@@ -35,7 +47,8 @@ def read_head(source):
         elif match[1] == "not":
             never.append(match[2])
         else:
-            lines.append((match[1], match[2]))
+            text = re.sub(r"@(\w+)", lambda mark: places[mark[1]], match[2])
+            lines.append((match[1], text))
     return words or [""], lines, never, options
 
 

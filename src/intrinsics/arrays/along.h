@@ -72,6 +72,27 @@ inline constexpr Index chunk_elements = 512;
 // So few elements under a mask are looked at one by one.
 inline constexpr Index few_counted = 32;
 
+// Calls work(element, counts) for each element of a run.
+template <class T, class Work>
+[[gnu::always_inline]] inline void for_each_element(const Run& run, Work&& work) {
+    const std::byte* at = run.at;
+    const auto next = [&] {
+        T element;
+        __builtin_memcpy(&element, at, sizeof element);
+        at += run.stride;
+        return element;
+    };
+    if (run.mask == nullptr) {
+        for (Index i = 0; i < run.n; ++i) work(next(), true);
+    } else if (run.truth == Truth::low_byte) {
+        const std::byte* mask = run.mask;
+        for (Index i = 0; i < run.n; ++i, mask += run.mask_stride)
+            work(next(), *mask != std::byte{0});
+    } else {
+        for (Index i = 0; i < run.n; ++i) work(next(), run.counts(i));
+    }
+}
+
 // The elements of a run, copied together if they don't lie so, and the flags of its mask.
 template <class T>
 struct Chunk {

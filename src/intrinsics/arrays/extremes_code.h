@@ -12,26 +12,44 @@ template <bool largest, class T>
     return largest ? a > b : a < b;
 }
 
-// The best of n elements, `step` elements from one to the next, and of `best`; several at a time,
-// whose results come together at the end.
-template <class T, bool largest, Index step>
+// The best of n elements that lie together, and of `best`; n isn't less than `lanes`.
+template <class T, bool largest>
 struct BestOf {
     static constexpr bool has_vectors = true;
-    static constexpr Index lanes = 128 / sizeof(T);
-    // For `lanes` elements at least.
-    [[gnu::always_inline]] static inline T run(T best, const T* x, Index n) {
-        T lane[lanes];
-        for (Index l = 0; l < lanes; ++l) lane[l] = best;
-        const auto join = [&](const T* from) {
-            for (Index l = 0; l < lanes; ++l)
-                lane[l] = beats<largest>(from[l * step], lane[l]) ? from[l * step] : lane[l];
-        };
-        for (Index i = 0; i + lanes <= n; i += lanes) join(x + i * step);
-        join(x + (n - lanes) * step);  // some of them twice, which changes nothing
+    using Vector [[gnu::vector_size(32)]] = T;
+    static constexpr Index lanes = 32 / sizeof(T);
+
+    [[gnu::always_inline]] static inline void join(Vector& best, Vector next) {
+        if constexpr (largest) {
+            best = next > best ? next : best;
+        } else {
+            best = next < best ? next : best;
+        }
+    }
+    [[gnu::always_inline]] static inline void join(Vector& best, const T* x) {
+        Vector next;
+        __builtin_memcpy(&next, x, sizeof next);
+        join(best, next);
+    }
+    [[gnu::always_inline]] static inline T run(T start, const T* x, Index n) {
+        T all[lanes];
+        for (T& lane : all) lane = start;
+        Vector best[4];
+        for (Vector& vector : best) __builtin_memcpy(&vector, all, sizeof vector);
+        Index i = 0;
+        for (; i + 4 * lanes <= n; i += 4 * lanes)
+            for (Index v = 0; v < 4; ++v) join(best[v], x + i + v * lanes);
+        for (; i + lanes <= n; i += lanes) join(best[0], x + i);
+        join(best[0], x + n - lanes);  // some of them twice, which changes nothing
+        join(best[0], best[1]);
+        join(best[2], best[3]);
+        join(best[0], best[2]);
+        __builtin_memcpy(all, best, sizeof all);
+#pragma GCC unroll 5
         for (Index half = lanes / 2; half > 0; half /= 2)
             for (Index l = 0; l < half; ++l)
-                lane[l] = beats<largest>(lane[l + half], lane[l]) ? lane[l + half] : lane[l];
-        return lane[0];
+                all[l] = beats<largest>(all[l + half], all[l]) ? all[l + half] : all[l];
+        return all[0];
     }
 };
 
@@ -59,13 +77,9 @@ T best_apart(T best, const std::byte* at, Index stride, Index n) {
 
 template <class T, bool largest>
 T best_of(T best, const std::byte* at, Index stride, Index n) {
-    constexpr auto size = static_cast<Index>(sizeof(T));
     if constexpr (vectors_help<T>) {
-        const auto* const x = reinterpret_cast<const T*>(at);
-        if (n >= BestOf<T, largest, 1>::lanes) {
-            if (stride == size) return dispatch<BestOf<T, largest, 1>>(best, x, n);
-            if (stride == 2 * size) return dispatch<BestOf<T, largest, 2>>(best, x, n);
-        }
+        if (stride == static_cast<Index>(sizeof(T)) && n >= BestOf<T, largest>::lanes)
+            return dispatch<BestOf<T, largest>>(best, reinterpret_cast<const T*>(at), n);
     }
     return best_apart<T, largest>(best, at, stride, n);
 }
@@ -74,12 +88,9 @@ T best_of(T best, const std::byte* at, Index stride, Index n) {
 template <class T, bool largest>
 T best_counted(T best, const Run& run) {
     if (run.n <= few_counted) {
-        for (Index i = 0; i < run.n; ++i) {
-            const T x = *reinterpret_cast<const T*>(run.at + i * run.stride);
-            best = static_cast<int>(run.counts(i)) & static_cast<int>(beats<largest>(x, best))
-                       ? x
-                       : best;
-        }
+        for_each_element<T>(run, [&](T x, bool counts) {
+            best = static_cast<int>(counts) & static_cast<int>(beats<largest>(x, best)) ? x : best;
+        });
         return best;
     }
     for_counted<T>(run, [&](const T* x, Index n) {

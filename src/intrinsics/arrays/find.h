@@ -32,10 +32,7 @@ Index first_match_apart(Match match, const std::byte* at, Index stride, Index n)
     const auto matches = [&](Index i) {
         return match(*reinterpret_cast<const T*>(at + i * stride));
     };
-    Index i = 0;
-    for (; i + 4 <= n; i += 4)
-        if (matches(i) | matches(i + 1) | matches(i + 2) | matches(i + 3)) break;
-    for (; i < n; ++i)
+    for (Index i = 0; i < n; ++i)
         if (matches(i)) return i;
     return -1;
 }

@@ -57,7 +57,7 @@ void store_results(std::byte* to, Index step, Index size, Index n, Value&& value
 [[gnu::always_inline]] inline bool is_everywhere(bool wanted, const Row& row) {
     Index first = 0;
     if (row.truth == Truth::low_byte) {
-        constexpr Index few = 8;
+        constexpr Index few = 16;
         for (; first < std::min(few, row.n); ++first)
             if ((row.at[first * row.stride] != std::byte{0}) != wanted) return false;
     }
@@ -219,31 +219,37 @@ void reduce_block(LogicalReduction what, const Row& first, Index step, Index n, 
 }  // namespace
 
 void reduce_logical(LogicalReduction what, const Mask& array, int dim, const View& result) {
-    const View outer = without(array.view, dim);
-    Loops<2> loops = loops_over(outer, result);
-    loops.nearest_first(0);
     const Dimension along = array.view.dims[dim];
     const Index size = array.view.element;
-    const Index step = loops.stride[0][0];
-    const Index to_step = loops.stride[0][1];
-    // With few elements side by side costs more than it gains.
-    const bool across = loops.extent[0] > 1 && loops.extent[0] * along.extent > 256 &&
-                        std::abs(step) < std::abs(along.stride) && along.extent > 1 &&
-                        along.extent < INT32_MAX;
-    auto* const block = step != size ? reduce_block<Flag>
-                        : size == 2  ? reduce_block<std::uint16_t>
-                        : size == 4  ? reduce_block<std::uint32_t>
-                        : size == 8  ? reduce_block<std::uint64_t>
-                                     : reduce_block<Flag>;
-    walk(loops, {array.view.base, result.base}, [&](std::array<std::byte*, 2> at, Index n) {
-        const Row row{at[0], along.stride, along.extent, size, array.truth};
-        if (!across) return reduce_rows(what, row, step, n, at[1], to_step, result.element);
+    // The results of n rows, which lie `step` apart.
+    const auto reduce = [&](std::byte* from, Index step, Index n, std::byte* to, Index to_step) {
+        const Row row{from, along.stride, along.extent, size, array.truth};
+        // With few elements side by side costs more than it gains.
+        const bool across = n * along.extent > 256 && n > 1 &&
+                            std::abs(step) < std::abs(along.stride) && along.extent > 1 &&
+                            along.extent < INT32_MAX;
+        if (!across) return reduce_rows(what, row, step, n, to, to_step, result.element);
+        auto* const block = step != size ? reduce_block<Flag>
+                            : size == 2  ? reduce_block<std::uint16_t>
+                            : size == 4  ? reduce_block<std::uint32_t>
+                            : size == 8  ? reduce_block<std::uint64_t>
+                                         : reduce_block<Flag>;
         for (Index first = 0; first < n; first += block_width) {
             Row next = row;
             next.at += first * step;
-            block(what, next, step, std::min(block_width, n - first), at[1] + first * to_step,
-                  to_step, result.element);
+            block(what, next, step, std::min(block_width, n - first), to + first * to_step, to_step,
+                  result.element);
         }
+    };
+    if (array.view.rank == 2) {
+        const Dimension& other = array.view.dims[1 - dim];
+        return reduce(array.view.base, other.stride, other.extent, result.base,
+                      result.dims[0].stride);
+    }
+    Loops<2> loops = loops_over(without(array.view, dim), result);
+    loops.nearest_first(0);
+    walk(loops, {array.view.base, result.base}, [&](std::array<std::byte*, 2> at, Index n) {
+        reduce(at[0], loops.stride[0][0], n, at[1], loops.stride[0][1]);
     });
 }
 

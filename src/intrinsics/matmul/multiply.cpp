@@ -406,6 +406,30 @@ Matrix<const T> parts_of(const Matrix<const Complex<T>>& m) {
     return {&m.base->re, 2 * m.rows, m.columns, 2 * m.row_step, 2 * m.column_step};
 }
 
+// The small product of any a; the columns of one that don't lie together are copied. False: there
+// are too many.
+template <class T>
+bool multiply_small_any(const Matrix<const T>& a, const Matrix<const T>& b, const Matrix<T>& c) {
+    constexpr Index room = 16384 / static_cast<Index>(sizeof(T));
+    T copied[room];
+    Matrix<const T> together = a;
+    if (a.row_step != 1) {
+        if (a.rows * a.columns > room) return false;
+        for (Index p = 0; p < a.columns; ++p)
+            for (Index i = 0; i < a.rows; ++i)
+                copied[p * a.rows + i] = a.base[i * a.row_step + p * a.column_step];
+        together = {copied, a.rows, a.columns, 1, a.rows};
+    }
+    if constexpr (arrays::is_complex<T>) {
+        using P = decltype(T::re);
+        const Matrix<P> parts = {&c.base->re, 2 * c.rows, c.columns, 1, 2 * c.column_step};
+        multiply_small_together<true>(parts_of(together), parts_of(b), parts);
+    } else {
+        multiply_small_together<false>(together, b, c);
+    }
+    return true;
+}
+
 // Small complex products, where a's columns lie together: as real products of the interleaved parts
 // of a with the real parts of b, and with its imaginary ones.
 template <class Level, class Kernel, class T>
@@ -600,8 +624,7 @@ void multiply_real(const Matrix<const T>& a, const Matrix<const T>& b, const Mat
                 case platform::VectorLevel::avx512:
                 case platform::VectorLevel::avx2:
                     if constexpr (sizeof(T) >= 4)
-                        if (a.row_step == 1 && c.row_step == 1)
-                            return multiply_small_together<false>(a, b, c);
+                        if (c.row_step == 1 && multiply_small_any(a, b, c)) return;
                     // Four rows at least; half a vector will do for the narrow types.
                     return multiply_small<Avx2, SmallTile<T, sizeof(T) < 8 ? 16 : 32, 1>,
                                           SmallTile<T, 32, 1>, SmallTile<T, 32, 2>>(a, b, c);
@@ -629,13 +652,10 @@ template <class T>
 void multiply_complex(const Matrix<const Complex<T>>& a, const Matrix<const Complex<T>>& b,
                       const Matrix<Complex<T>>& c) {
     bool done = false;
-    if (a.row_step == 1 && c.rows * c.columns * a.columns <= small_size) {
+    if (c.rows * c.columns * a.columns <= small_size) {
         if (platform::vector_level() >= platform::VectorLevel::avx2) {
-            if (c.row_step == 1) {
-                const Matrix<T> parts = {&c.base->re, 2 * c.rows, c.columns, 1, 2 * c.column_step};
-                return multiply_small_together<true>(parts_of(a), parts_of(b), parts);
-            }
-        } else if (c.rows >= 16 / static_cast<Index>(sizeof(T))) {
+            if (c.row_step == 1 && multiply_small_any(a, b, c)) return;
+        } else if (a.row_step == 1 && c.rows >= 16 / static_cast<Index>(sizeof(T))) {
             return multiply_small_complex<Sse2, SmallTile<T, 16, 2>>(a, b, c);
         }
     }

@@ -81,6 +81,8 @@ void allocate_result(ArrayDescriptor& result, int rank, const Index* extents, In
 
 View reduced_result_for(ArrayDescriptor& result, const View& array, int dim, Index element,
                         const char* intrinsic) {
+    if (result.base != nullptr && result.rank == array.rank - 1 && !checks_bounds())
+        return view_of(result, element);
     View shape = without(array, dim);
     if (result.base == nullptr && shape.count() == 0) shape.dims[0].extent = 0;
     return result_for(result, shape, element, intrinsic);

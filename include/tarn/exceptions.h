@@ -147,6 +147,11 @@ void __debugger_mode(void);
 int tarn_exception_handler(struct tarn_exception_record* record, void* frame,
                            struct tarn_machine_context* context);
 
+/* The handler of storage that grows (tarn/virtual_storage.h), which the filter asks first: 0 the
+ * access lies in a region and may be tried again, 1 it doesn't. */
+int __tarn_vc_handler(struct tarn_exception_record* record, void* frame,
+                      struct tarn_machine_context* context);
+
 /* ---- Windows that show a report ----
  * A program that opened a window shows its own failures in them, as one does that runs on a desktop
  * with no standard error. These entries show any other text in the same way. */

@@ -132,14 +132,14 @@ word as_word(call_back callback) {
 }  // namespace
 
 std::int32_t char_from_name(const char* text, bool report) {
-    const std::string lower = folded(text, std::tolower);
+    const std::string lower = folded(text != nullptr ? text : "", std::tolower);
     const char* name = lower.c_str();
     const std::int32_t flags = take_prefixes(name);
     if (name[0] != 0 && name[1] == 0)
         return single(std::toupper(static_cast<unsigned char>(name[0])), flags);
     for (std::size_t i = std::size(key_names); i-- > 0;)
         if (std::strcmp(name, key_names[i].name) == 0) return key_names[i].code | flags;
-    if (report) quillpan_error("?Invalid accelerator key [%s]", folded(text, std::toupper).c_str());
+    if (report) quillpan_error("?Invalid accelerator key [%s]", folded(lower.c_str(), std::toupper).c_str());
     return 0;
 }
 

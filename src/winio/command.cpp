@@ -156,11 +156,12 @@ after serve_control(fancy_window* window, window_control* control, const command
     }
 }
 
-// A menu's or an accelerator's: no sender. 1 and 2 are the Enter and the Escape key, but in a
-// window with an enhanced menu, whose items are numbered from 1.
+// A menu's or an accelerator's: no sender. 1 and 2 are the Enter and the Escape key, and items of
+// an enhanced menu, which are numbered from 1.
 bool menu_served(fancy_window* window, const command& what) {
     if (what.sender) return false;
-    if (what.id <= std::int32_t{IDCANCEL} && !window->enhanced_menu && !window->enhanced_popup)
+    if (what.id <= std::int32_t{IDCANCEL} &&
+        (procedures().dialog_key || (!window->enhanced_menu && !window->enhanced_popup)))
         return false;
     return menu_command(window, what.id);
 }

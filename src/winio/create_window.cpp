@@ -17,25 +17,6 @@ bool opened_from_a_window(const fancy_window* window) {
     return !window->flags.leave || window->flags.owned;
 }
 
-// The window named by %pa; without one, a window that a call-back opens belongs to the window of
-// the call-back, so that it stays in front of it.
-HWND owner_of(const fancy_window* window) {
-    if (window->owner_hwnd) return window->owner_hwnd;
-    if (window->raw_parent) return IsWindow(window->raw_parent) ? window->raw_parent : HWND{};
-    if (!opened_from_a_window(window)) return HWND{};
-    if (window->parent_hwnd) return IsWindow(window->parent_hwnd) ? window->parent_hwnd : HWND{};
-    if (callbacks().callback_depth == 0) return HWND{};
-    fancy_window* previous = window->previous;
-    if (!previous || !window_listed(previous) || !previous->flags.open) return HWND{};
-    HWND owner = previous->hwnd;
-    while (GetWindowLong(owner, GWL_STYLE) & static_cast<LPARAM>(WS_CHILD)) {
-        HWND parent = GetParent(owner);
-        if (!parent) break;
-        owner = parent;
-    }
-    return owner;
-}
-
 HWND make_window(fancy_window* window, HWND parent, HMENU id) {
     DWORD style = window->style, ex_style = window->ex_style;
     if (window->owner_hwnd) ex_style |= WS_EX_TOPMOST;
@@ -135,6 +116,23 @@ void send_group_boxes_down(fancy_window* window) {
 }
 
 }  // namespace
+
+HWND owner_of(const fancy_window* window) {
+    if (window->owner_hwnd) return window->owner_hwnd;
+    if (window->raw_parent) return IsWindow(window->raw_parent) ? window->raw_parent : HWND{};
+    if (!opened_from_a_window(window)) return HWND{};
+    if (window->parent_hwnd) return IsWindow(window->parent_hwnd) ? window->parent_hwnd : HWND{};
+    if (callbacks().callback_depth == 0) return HWND{};
+    fancy_window* previous = window->previous;
+    if (!previous || !window_listed(previous) || !previous->flags.open) return HWND{};
+    HWND owner = previous->hwnd;
+    while (GetWindowLong(owner, GWL_STYLE) & static_cast<LPARAM>(WS_CHILD)) {
+        HWND parent = GetParent(owner);
+        if (!parent) break;
+        owner = parent;
+    }
+    return owner;
+}
 
 const char* class_of(const fancy_window* window) {
     if (window->class_name) return window->class_name;

@@ -3,6 +3,7 @@
 #include "platform/controls/controls.h"
 #include "platform/script/script.h"
 #include "textwin/textwin.h"
+#include "winio/actions.h"
 #include "winio/callbacks.h"
 #include "winio/menus.h"
 #include "winio/winproc.h"
@@ -43,7 +44,10 @@ fancy_window* window_above(const fancy_window* window) {
 // The keys that move between controls, press the default button, open mnemonics.
 bool navigated(fancy_window* window, MSG& message) {
     if (GetFocus() == window->hwnd) return false;
-    return IsDialogMessageA(window->hwnd, message);
+    procedures().dialog_key = true;
+    const bool served = IsDialogMessageA(window->hwnd, message);
+    procedures().dialog_key = false;
+    return served;
 }
 
 // Ctrl+F6 and Ctrl+Tab go through the children of an MDI frame, Ctrl+F4 closes one.
@@ -133,10 +137,11 @@ void cursor_moved(const MSG& message) {
 
 void focus_moved() {
     procedures_state& state = procedures();
-    if (state.focus.empty()) return;
     HWND focus = GetFocus();
     if (focus == state.focus_window) return;
     state.focus_window = focus;
+    note_clipboard_client(focus);
+    if (state.focus.empty()) return;
     callbacks().context.focussed_window = static_cast<std::int32_t>(focus);
     state.focus.run();
 }
@@ -190,6 +195,7 @@ std::int32_t key_word_of(const MSG& message) {
 
 bool pre_message_loop_filter(MSG& message) {
     procedures_state& state = procedures();
+    state.dialog_key = false;  // this one may come within a call-back that a key started
     if (message.message == WM_PAINT) return false;
     if (state.interception && state.interception(&message)) return true;
     note_input(message);

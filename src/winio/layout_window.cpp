@@ -2,6 +2,7 @@
 // them when the user gives the window another size.
 #include <algorithm>
 
+#include "platform/display/display.h"
 #include "platform/user/user.h"
 #include "winio/callbacks.h"
 #include "winio/layout.h"
@@ -56,6 +57,8 @@ void style_ww_window(fancy_window* window, additions& frame) {
         add_border(frame, SM_CXFRAME, SM_CYFRAME);
     } else if (flags.sizable) {
         add_border(frame, SM_CXEDGE, SM_CYEDGE);
+    } else if (flags.caption) {
+        add_border(frame, SM_CXBORDER, SM_CYBORDER);  // a caption's own
     }
     if (flags.minimise_box) window->style |= WS_MINIMIZEBOX;
     if (flags.maximise_box) window->style |= WS_MAXIMIZEBOX;
@@ -82,12 +85,23 @@ struct origin {
     bool centred;
 };
 
+// The monitor of the window that it belongs to, or of the one that the user works in.
+RECT screen_of(const fancy_window* window) {
+    HWND near = owner_of(window);
+    if (!near) near = GetActiveWindow();
+    RECT place;
+    if (near && !IsIconic(near) && GetWindowRect(near, place))
+        return display().monitor(middle_of(place));
+    return display().monitors()[0];
+}
+
 origin choose_origin(const fancy_window* window, std::int32_t width, std::int32_t height) {
     if (window->flags.dragged) return {window->left - width / 2, window->top - height / 2, false};
     if (window->flags.explicit_position) return {window->left, window->top, false};
     if (window->flags.child) return {0, 0, false};
-    return {std::max((GetSystemMetrics(SM_CXSCREEN) - width) / 2, 0),
-            std::max((GetSystemMetrics(SM_CYSCREEN) - height) / 2, 0), true};
+    const RECT screen = screen_of(window);
+    return {screen.left + std::max((screen.width() - width) / 2, 0),
+            screen.top + std::max((screen.height() - height) / 2, 0), true};
 }
 
 void take_location(fancy_window* window) {

@@ -57,6 +57,9 @@ void install_window_procedures();
 // The last step of a `winio` call: the real window of a finished record, shown. Works out its
 // size and place first (layout.h).
 void create_real_window(fancy_window* window);
+// The window named by %pa; without one, a window that a call-back opens belongs to the window of
+// the call-back, so that it stays in front of it.
+HWND owner_of(const fancy_window* window);
 // The modal wait: until the window has closed. The result is the window's; the record stays for
 // cleanup_winio.
 std::int32_t wait_for_window(fancy_window* window);

@@ -155,7 +155,7 @@ POINT tip_place(const help_target& target, SIZE size, bool at_control) {
     if (!at_cursor && props && props->centre) at.x = (corners[0].x + corners[1].x - size.cx) / 2;
     if (at_control || (!at_cursor && props && props->left_align)) at.x = corners[0].x;
 
-    const RECT area = display().work_area(pointer);
+    const RECT area = display().work_area(at_control ? at : pointer);
     at.x = std::clamp(at.x, area.left, std::max(area.left, area.right - size.cx));
     if (at.y + size.cy > area.bottom)
         at.y = (at_cursor ? pointer.y : corners[0].y) - size.cy - below_control;

@@ -221,6 +221,28 @@ TEST_F(Boxes, SpinStepsAndServesOneBox) {
     EXPECT_EQ(value, 9);
 }
 
+// One call for a step, and none for a step that a limit stops.
+TEST_F(Boxes, SpinRunsTheCallBackAndSaysSo) {
+    static std::int32_t value;
+    static std::vector<std::int32_t> seen;
+    value = 9;
+    seen.clear();
+    const call_back note = +[]() -> std::int32_t {
+        seen.push_back(value * 10 + static_cast<std::int32_t>(quillpan_info("SPIN_CONTROL_USED")));
+        return 2;
+    };
+    window_control* control =
+        box("%il%dd%^rd", "III*I*E", {0, 10, 1, w(&value), w(note)}, control_type::integer_box);
+    for (const std::int32_t y : {2, 2, 18}) {
+        LPARAM at = MAKELPARAM(3, y);
+        SendMessageA(control->spin->hwnd, WM_LBUTTONDOWN, MK_LBUTTON, at);
+        SendMessageA(control->spin->hwnd, WM_LBUTTONUP, 0, at);
+    }
+    EXPECT_EQ(seen, (std::vector<std::int32_t>{101, 91}));
+    type(control, "4");
+    EXPECT_EQ(seen.back(), 40);
+}
+
 TEST_F(Boxes, LiveLimits) {
     std::int32_t value = 7;
     window_control* control = box("%rd", "*I", {w(&value)}, control_type::integer_box);

@@ -24,6 +24,7 @@ inline word w(call_back function) {
 inline std::int32_t form(const char* format, const char* types,
                          std::initializer_list<word> words = {}) {
     setenv("TARN_DISPLAY", "memory", 1);
+    setenv("TARN_SCREEN", "1280x1024,1600x900+1280+100", 1);  // two monitors
     return internal_winio(format, types, words.begin(), static_cast<std::int32_t>(words.size()));
 }
 

@@ -4,6 +4,7 @@
 #include <cstring>
 #include <gtest/gtest.h>
 
+#include "platform/display/geometry.h"
 #include "winio/callbacks.h"
 #include "winio/form.h"
 #include "winio/winproc.h"
@@ -19,6 +20,7 @@ class Windows : public testing::Test {
     void SetUp() override { calls = 0; }
     void TearDown() override { close_all(); }
     static std::int32_t calls;
+    std::int32_t control_of[2] = {-1, -1};
 };
 std::int32_t Windows::calls;
 
@@ -30,6 +32,21 @@ std::int32_t do_work() {
 }
 void press_first_button() {
     press_later(nth(newest(), control_type::button));
+}
+
+// ---- Places
+
+TEST_F(Windows, OpenOnTheMonitorOfTheWindowThatTheyComeFrom) {
+    form("First%lw%bt[OK]", "*I", {w(&control_of[0])});
+    const HWND first = newest()->hwnd;
+    RECT place;
+    GetWindowRect(first, place);
+    EXPECT_EQ(middle_of(place).x / 2, 1280 / 4);
+    MoveWindow(first, 1300, 600, place.width(), place.height(), true);
+    form("Second%lw%bt[OK]", "*I", {w(&control_of[1])});
+    GetWindowRect(newest()->hwnd, place);
+    EXPECT_EQ(middle_of(place).x / 2, (1280 + 1600 / 2) / 2);
+    EXPECT_EQ(middle_of(place).y / 4, (100 + 900 / 2) / 4);
 }
 
 // ---- Results

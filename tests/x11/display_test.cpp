@@ -165,6 +165,71 @@ TEST_P(AnyDesktop, TypesAsTheKeyboardSays) {
     EXPECT_EQ(downs, repeats + 1);
 }
 
+#ifdef TARN_INPUT_METHOD
+TEST_P(AnyDesktop, TakesTextFromAnInputMethodWhereTextIsTyped) {
+    setenv("XMODIFIERS", "@im=tarntest", 1);
+    std::string said = "/tmp/tarn-x11-method-" + std::to_string(getpid());
+    auto method = [&] {
+        int out = open(said.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
+        helpers.push_back(start({TARN_INPUT_METHOD}, -1, out));
+        ::close(out);
+    };
+    auto heard = [&](const char* words) {
+        return until([&] { return run("cat " + said).find(words) != std::string::npos; });
+    };
+    auto pressed = [&](const char* keys, const char* text) {
+        seen.clear();
+        run(std::string("xdotool key ") + keys);
+        std::string all;
+        auto result = until([&] {
+            all.clear();
+            for (const Event& event : seen) {
+                if (event.kind == Kind::key_down || event.kind == Kind::text) all += event.text;
+            }
+            return all == text;
+        });
+        return result ? result : result << ", but: " << all;
+    };
+    method();
+    ASSERT_TRUE(heard("ready"));
+    connect(2.0);
+    shown(1, {50, 50, 300, 200});
+    ASSERT_TRUE(until([&] { return focused == 1; }));
+    EXPECT_TRUE(pressed("a b", "ab"));  // nothing takes text
+    display->set_input_place(1, {10, 20, 11, 36});
+    ASSERT_TRUE(heard("spot 20,72"));
+    ASSERT_TRUE(heard("focus"));
+    EXPECT_TRUE(pressed("a b",
+                        "\xE3\x81\x82"
+                        "b"));
+    EXPECT_TRUE(pressed("q z q x c",
+                        "\xE6\xBC\xA2\xE5\xAD\x97\xE6\xBC\xA2\xE5\xAD\x97"
+                        "c"));
+    display->set_input_place(1, {30, 20, 31, 36});
+    ASSERT_TRUE(heard("spot 60,72"));
+    shown(2, {350, 50, 400, 100});
+    ASSERT_TRUE(until([&] { return focused == 2; }));
+    ASSERT_TRUE(heard("no focus"));
+    EXPECT_TRUE(pressed("a", "a"));
+    display->set_input_place(2, {1, 1, 2, 2});
+    EXPECT_TRUE(until([&] { return pressed("a", "\xE3\x81\x82"); }));
+    display->set_input_place(2, {});
+    EXPECT_TRUE(pressed("a", "a"));
+    display->close(2);
+    ASSERT_TRUE(heard("gone"));
+    ASSERT_TRUE(until([&] { return focused == 1; }));
+    EXPECT_TRUE(pressed("a", "\xE3\x81\x82"));
+    // It ends: keys are plain. Another one starts: it is used.
+    stop(helpers.back());
+    EXPECT_TRUE(until([&] { return pressed("a", "a"); }));
+    method();
+    ASSERT_TRUE(heard("focus"));
+    EXPECT_TRUE(pressed("a", "\xE3\x81\x82"));
+    run("rm -f " + said);
+    unsetenv("XMODIFIERS");  // for the managers of other tests
+}
+#endif
+
 TEST_P(AnyDesktop, ExchangesTextWithOtherPrograms) {
     connect();
     std::string text;
@@ -398,6 +463,35 @@ TEST_F(Alone, EndsWhenTheServerGoes) {
         std::_Exit(4);
     };
     EXPECT_EXIT(program(), testing::ExitedWithCode(3), "");
+}
+
+TEST_F(Alone, PlacesCountFromThePrimaryMonitor) {
+    if (!have("xrandr")) GTEST_SKIP() << "xrandr is missing";
+    Server server;
+    run("xrandr --setmonitor left 500/130x1024/270+0+0 screen");
+    run("xrandr --setmonitor '*right' 780/200x900/240+500+50 none");
+    connect();
+    ASSERT_EQ(display->monitors().size(), 2u);
+    EXPECT_EQ(display->monitors()[0], (RECT{0, 0, 780, 900}));
+    EXPECT_EQ(display->monitors()[1], (RECT{-500, -50, 0, 974}));
+    EXPECT_EQ(display->work_area({-10, 10}), (RECT{-500, -50, 0, 974}));
+    shown(1, {10, 20, 210, 120});
+    ASSERT_TRUE(until([&] { return focused == 1 && place[1] == RECT{10, 20, 210, 120}; }));
+    EXPECT_EQ(screen_pixel(511, 71), 0x336699u);
+    run("xdotool mousemove 515 77 click 1");
+    ASSERT_TRUE(until([&] { return last(Kind::button_down) != nullptr; }));
+    EXPECT_EQ(last(Kind::button_down)->point, (POINT{5, 7}));
+    EXPECT_EQ(last(Kind::button_down)->screen, (POINT{15, 27}));
+    EXPECT_EQ(display->pointer(), (POINT{15, 27}));
+    display->place(1, {-300, 20, -100, 120});
+    ASSERT_TRUE(until([&] { return place[1] == RECT{-300, 20, -100, 120}; }));
+    display->set_state(1, WindowState::full_screen);
+    ASSERT_TRUE(until([&] { return place[1] == RECT{-500, -50, 0, 974}; }));
+    display->set_state(1, WindowState::normal);
+    ASSERT_TRUE(until([&] { return place[1] == RECT{-300, 20, -100, 120}; }));
+    // Another monitor becomes the primary one: windows stay, their places are told anew.
+    run("xrandr --delmonitor right; xrandr --delmonitor left");
+    ASSERT_TRUE(until([&] { return place[1] == RECT{200, 70, 400, 170}; }));
 }
 
 TEST_F(Alone, SaysWhyThereIsNoDesktop) {

@@ -1,10 +1,12 @@
 // What needs no server: texts and numbers that come from other programs.
+#include <cmath>
 #include <gtest/gtest.h>
 
 #include "platform/display/geometry.h"
 #include "platform/display/keys.h"
 #include "platform/x11/connection.h"
 #include "platform/x11/keys.h"
+#include "platform/x11/pointer_input.h"
 #include "platform/x11/selections.h"
 
 namespace tarn::x11 {
@@ -26,6 +28,31 @@ TEST(SelectionTextTest, PathsAreFoundAmongAddresses) {
     EXPECT_EQ(paths_from_uris("http://a/b\nfile:relative\nfile://host\nfile:"), "");
     EXPECT_EQ(paths_from_uris("file:///a%0Ab\nfile:///a%00b\nfile:///ok%"), "/ok%");
     EXPECT_EQ(paths_from_uris("file:///%zz%4"), "/%zz%4");
+}
+
+TEST(ScrollAxesTest, PartsOfANotchAddUpAndTurningBackBeginsAnew) {
+    ScrollAxes axes;
+    axes.add({5, 2, false, 15.0, 0.0, false, 0.0});   // 15 a notch, down
+    axes.add({5, 3, true, -40.0, 100.0, true, 0.0});  // to the left
+    EXPECT_TRUE(axes.scrolls(5, false) && axes.scrolls(5, true) && !axes.scrolls(6, false));
+    EXPECT_FALSE(axes.changed(5, 1, 7.0));
+    EXPECT_FALSE(axes.changed(6, 2, 7.0));
+    struct {
+        std::uint16_t number;
+        double value;
+        std::int32_t delta;
+    } steps[] = {
+        {2, 1000.0, 0},  // where it stood isn't known
+        {2, 1015.0, -120}, {2, 1015.1, 0},       {2, 1015.25, -2}, {2, 1015.2, 0}, {2, 1000.2, 120},
+        {2, 1e6, 0},       {2, 1e6 - 15.0, 120}, {2, 1e300, 0},    {2, NAN, 0},    {2, 0.0, 0},
+        {2, 15.0, -120},   {3, 80.0, -60},       {3, 120.0, 120},
+    };
+    for (auto& step : steps) {
+        auto scroll = axes.changed(5, step.number, step.value);
+        ASSERT_TRUE(scroll);
+        EXPECT_EQ(scroll->delta, step.delta) << step.value;
+        EXPECT_EQ(scroll->horizontal, step.number == 3);
+    }
 }
 
 TEST(ResourceTest, FindsAnEntryByItsWholeName) {

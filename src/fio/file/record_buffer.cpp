@@ -8,9 +8,11 @@
 #include <sys/stat.h>
 #include <sys/uio.h>
 #include <unistd.h>
+#include <utility>
 
 #include "fio/file/file.h"
 #include "fio/file/pipe_guard.h"
+#include "storage/regions.h"
 
 namespace tarn::fio {
 namespace {
@@ -124,11 +126,21 @@ bool goes_past_buffer(std::size_t count) {
     return count >= first_capacity / 2;
 }
 
+// An item may lie in storage of which the system hasn't given all pages yet.
+bool grow_runs(Runs runs) {
+    bool changed = false;
+    for (int i = 0; i < runs.count(); ++i) {
+        const iovec& run = runs.begin()[i];
+        changed |= storage::grow_for_system(run.iov_base, run.iov_len);
+    }
+    return changed;
+}
+
 // Reads once, whatever interrupts it, into the one and then the other run; 0 at the end of the file
 // or on failure.
 std::size_t read_at(File& file, std::int64_t position, Runs runs, int& err) {
     const bool elsewhere = lies_elsewhere(file, position);
-    for (;;) {
+    for (bool grown = false;;) {
         iovec* const to = runs.begin();
         ssize_t n = 0;
         if (file.window != nullptr) {
@@ -143,6 +155,7 @@ std::size_t read_at(File& file, std::int64_t position, Runs runs, int& err) {
             file.size = std::max(file.size, position + n);
             return static_cast<std::size_t>(n);
         }
+        if (errno == EFAULT && !std::exchange(grown, true) && grow_runs(runs)) continue;
         if (errno == EAGAIN) {
             pollfd wait{file.descriptor, POLLIN, 0};
             poll(&wait, 1, -1);

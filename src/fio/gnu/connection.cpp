@@ -76,6 +76,7 @@ void set_connection(Unit& unit, const Terms& terms) {
     gnu.encoding = terms.encoding;
     set_convert(unit, terms.convert);
     gnu.carriage = terms.carriage;
+    gnu.read_only = terms.read_only;
     gnu.asynchronous = terms.asynchronous;
     gnu.new_unit = number <= first_new_unit_number;
     gnu.unbuffered = gnu_options().unbuffered_all;
@@ -220,8 +221,6 @@ void report_open_failure(Caller& caller, const Terms& terms, int reason, std::st
 }
 
 // Two units on one file: an error before Fortran 2018.
-constexpr std::int32_t std_f2018 = 1 << 9;
-
 bool is_free(Caller& caller, const Unit& unit, std::string_view name) {
     if ((gnu_options().allow_std & std_f2018) != 0) return true;
     const Unit* other = sys_findUnitFromFilename(name);

@@ -144,10 +144,11 @@ const FormatNode* run_format(Statement& s, bool pending) {
                 ++s.next;
                 break;
             case Edit::close:
+                // It doesn't end the statement: what stands ahead of its next data edit descriptor
+                // is still carried out.
                 if (s.counters[node.level] == unlimited) {
-                    if (!pending) return nullptr;
                     if (round_without_data) {
-                        fail(s, no_repeatable_edit);
+                        if (pending) fail(s, no_repeatable_edit);
                         return nullptr;
                     }
                     round_without_data = true;

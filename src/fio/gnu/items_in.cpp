@@ -199,9 +199,15 @@ void read_utf8_characters(Statement& s, std::size_t width, char* item, int kind,
     }
 }
 
+[[gnu::noinline]] void read_with_natural_width(Statement& s, const FormatNode& node, ItemType type,
+                                               char* item, int kind, std::size_t size);
+
 void read_through(Statement& s, const FormatNode& node, ItemType type, char* item, int kind,
                   std::size_t size) {
     if (!has_input_record(s)) return s.failed ? void() : fail_end_of_file(s);
+    if (lacks_width(s, node, type)) [[unlikely]] {
+        return read_with_natural_width(s, node, type, item, kind, size);
+    }
     ++s.items;
     switch (node.edit) {
         case Edit::I:
@@ -213,6 +219,8 @@ void read_through(Statement& s, const FormatNode& node, ItemType type, char* ite
         case Edit::B:
         case Edit::O:
         case Edit::Z:
+            if (is_bits_of_real_refused(type)) return fail_mismatch(s, node, type);
+            return read_number(s, node, node.edit, item, kind);
         case Edit::L:
             return read_number(s, node, node.edit, item, kind);
         case Edit::G:
@@ -226,6 +234,13 @@ void read_through(Statement& s, const FormatNode& node, ItemType type, char* ite
             if (type != ItemType::real) return fail_mismatch(s, node, type);
             return read_real(s, node, item, kind);
     }
+}
+
+void read_with_natural_width(Statement& s, const FormatNode& node, ItemType type, char* item,
+                             int kind, std::size_t size) {
+    FormatNode full = node;
+    fill_natural_width(full, type == ItemType::integer, kind);
+    read_through(s, full, type, item, kind, size);
 }
 
 // An item before which control edit descriptors stand.

@@ -201,9 +201,14 @@ bool make_terms(Caller& caller, const OpenSpecifiers& s, const Request& r, std::
         raise_fault(caller, bad_combination, "FILE= with STATUS='SCRATCH'");
         return false;
     }
+    if (s.read_only && r.action.value_or(Action::read) != Action::read) {
+        raise_fault(caller, conflict, "ACTION conflicts with READONLY");
+        return false;
+    }
     terms.recl = s.has_recl ? s.recl : 0;
-    terms.action_given = r.action.has_value();
-    terms.action = r.action.value_or(Action::readwrite);
+    terms.read_only = s.read_only;
+    terms.action_given = s.read_only || r.action.has_value();
+    terms.action = r.action.value_or(s.read_only ? Action::read : Action::readwrite);
     terms.position = r.position.value_or(Position::asis);
     terms.share = r.share.value_or(Share::unspecified);
     terms.asynchronous = r.asynchronous.value_or(false);

@@ -71,6 +71,9 @@ void finish_open_record(Unit& unit, int& err);
 inline bool leaves_at_once(const Unit& unit) {
     return unit.gnu.unbuffered || unit.file.terminal || unit.file.shared;
 }
+// Room behind what the record at hand holds, for what isn't part of it and RECL= doesn't count.
+// False: there is no memory for it.
+bool make_room_behind(Statement& statement, std::size_t size);
 // A direct record has been written.
 void tell_record(Unit& unit, std::int64_t number);
 // A sequential WRITE makes its record the last one of the file.

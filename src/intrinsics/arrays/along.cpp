@@ -1,11 +1,11 @@
 #include "intrinsics/arrays/along.h"
 
-#include "intrinsics/arrays/loops.h"
-
 namespace tarn::arrays {
 namespace {
 
 constexpr Index largest_element = 32;
+// With so few elements the blocks cost more than they gain.
+constexpr Index few_elements = 256;
 
 // n runs of `run.n` elements, all in step; each is a result.
 void reduce_block(const Reduction& reduction, const Run& run, Index step, Index mask_step, Index n,
@@ -14,7 +14,7 @@ void reduce_block(const Reduction& reduction, const Run& run, Index step, Index 
     alignas(64) std::byte gathered[block_width * largest_element];
     Flag flags[block_width];
     reduction.begin(block, n);
-    const bool gather = !reduction.flags_only() && step != run.element;
+    const bool gather = step != run.element;
     const std::byte* at = run.at;
     const std::byte* mask = run.mask;
     for (Index k = 0; k < run.n; ++k) {
@@ -27,9 +27,6 @@ void reduce_block(const Reduction& reduction, const Run& run, Index step, Index 
             load_flags(flags, mask, mask_step, n, run.mask_size, run.truth);
             mask += run.mask_stride;
         }
-        constexpr Index steps_between_looks = 8;
-        if (k % steps_between_looks == steps_between_looks - 1 && reduction.decided(block, n))
-            break;
         reduction.step(block, x, run.mask != nullptr ? flags : nullptr, n, k);
         at += run.stride;
     }
@@ -56,8 +53,9 @@ void reduce_along(const Reduction& reduction, const View& array, const Mask* mas
         run.truth = mask->truth;
     }
     const Index* const step = loops.stride[0];
-    const bool across = loops.extent[0] > 1 && std::abs(step[0]) < std::abs(run.stride) &&
-                        run.n < INT32_MAX && reduction.side_by_side();
+    const bool across = loops.extent[0] > 1 && loops.extent[0] * run.n > few_elements &&
+                        std::abs(step[0]) < std::abs(run.stride) && run.n < INT32_MAX &&
+                        reduction.side_by_side();
     std::byte* const mask_base = mask != nullptr ? mask->view.base : array.base;
 
     walk(loops, {array.base, result.base, mask_base}, [&](std::array<std::byte*, 3> at, Index n) {

@@ -117,6 +117,13 @@ struct Fold final : Reduction {
 
     static Element whole(const Run& run) {
         Element result = start_of<Step, Element>();
+        if (run.n <= few_counted || (run.mask == nullptr && run.stride != sizeof(Element))) {
+            for (Index i = 0; i < run.n; ++i)
+                if (run.counts(i))
+                    result = Step::join(result,
+                                        *reinterpret_cast<const Element*>(run.at + i * run.stride));
+            return result;
+        }
         for_counted<Element>(run, [&](const Element* x, Index n) {
             result = dispatch<FoldRun<Step, Element>>(result, x, n);
         });

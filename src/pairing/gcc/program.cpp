@@ -129,6 +129,13 @@ TARN_EXPORT void _gfortran_pause_string(const char* text, std::size_t length) {
     std::exit(status ? static_cast<int>(*status) : 0);
 }
 
+// Where the program stands and who called; it goes on.
+TARN_EXPORT void _gfortran_backtrace() {
+    tarn::frame::ensure_up();
+    say(std::string(tarn::traceback::console_text(tarn::traceback::registers_here(),
+                                                  tarn::traceback::Place::call)));
+}
+
 // The signal tells a debugger, a core file or a batch system; what was written comes out first.
 [[noreturn]] TARN_EXPORT void _gfortran_abort() {
     tarn::frame::ensure_up();

@@ -11,6 +11,7 @@
 #include "fio/gnu/fault.h"
 #include "frame/link_name.h"
 #include "pairing/gcc/data_block.h"
+#include "pairing/gcc/unit_blocks.h"
 
 namespace tarn::gcc {
 namespace {
@@ -109,18 +110,6 @@ void append_line(std::string& lines, std::string_view text) {
     fail_with(number_of_errno(errno_value), said, where);
 }
 
-// The head of every parameter block.
-struct BlockHead {
-    std::uint32_t flags;
-    std::int32_t unit;
-    const char* source_file;
-    std::int32_t line;
-    std::size_t iomsg_length;
-    char* iomsg;
-    std::int32_t* iostat;
-};
-static_assert(sizeof(BlockHead) == 48);
-
 int number_of_family(int family) {
     switch (family) {
         case fio::iostat_end:
@@ -199,7 +188,7 @@ extern "C" {
 
 // A fault that the compiled code finds in a statement before it starts it.
 TARN_EXPORT void _gfortran_generate_error(void* block, int family, const char* message) {
-    auto& head = *static_cast<BlockHead*>(block);
+    auto& head = *static_cast<CommonBlock*>(block);
     fio::Caller caller;
     caller.source_file = head.source_file;
     caller.line = head.line;

@@ -2,6 +2,7 @@
 #include <algorithm>
 
 #include "platform/controls/combobox.h"
+#include "platform/display/display.h"
 
 namespace tarn::platform {
 namespace {
@@ -14,7 +15,7 @@ bool is_down(const ListBox& list) {
 
 }  // namespace
 
-// Below the box, or above it where there is more room.
+// Below the box, or above it where there is more room; on the box's monitor.
 RECT ComboBox::list_place() const {
     RECT box;
     GetWindowRect(hwnd, box);
@@ -25,12 +26,13 @@ RECT ComboBox::list_place() const {
     const std::int32_t rows = std::clamp(items.count(), 1, std::max(1, (most - 2) / each));
     const std::int32_t height = rows * each + 2;
     const std::int32_t width = std::max(box.width(), dropped_width);
-    const std::int32_t screen = GetSystemMetrics(SM_CYSCREEN);
+    const RECT screen = display().work_area(middle_of(box));
     std::int32_t y = box.bottom + 1;
-    if (y + height > screen && box.top > screen - box.bottom) {
-        y = std::max(0, box.top - 1 - height);
+    if (y + height > screen.bottom && box.top - screen.top > screen.bottom - box.bottom) {
+        y = std::max(screen.top, box.top - 1 - height);
     }
-    return {box.left, y, box.left + width, y + height};
+    const std::int32_t x = std::max(std::min(box.left, screen.right - width), screen.left);
+    return {x, y, x + width, y + height};
 }
 
 void ComboBox::drop() {

@@ -17,9 +17,14 @@ void Edit::create(const CREATESTRUCT& made) {
     rebuild_lines();
 }
 
+void Edit::make_caret() {
+    CreateCaret(hwnd, 1, line_height);
+    if (password != 0) KeepInputMethodsOut();
+}
+
 void Edit::gain_focus() {
     focused = true;
-    CreateCaret(hwnd, 1, line_height);
+    make_caret();
     has_caret = true;
     show_caret(false);
     ShowCaret(hwnd);

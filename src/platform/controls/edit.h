@@ -86,6 +86,7 @@ struct Edit : Control {
     LRESULT get_selection(WPARAM start, LPARAM end) const;
     void select_by_message(WPARAM start, LPARAM end);
     LRESULT dialog_code(LPARAM lparam) const;
+    void make_caret();
     void gain_focus();
     void lose_focus();
     void create(const CREATESTRUCT& made);

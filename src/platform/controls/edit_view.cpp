@@ -362,7 +362,7 @@ void Edit::font_changed() {
     rebuild_lines();
     update_scroll_bars();
     if (has_caret) {
-        CreateCaret(hwnd, 1, line_height);
+        make_caret();
         ShowCaret(hwnd);
         show_caret(true);
     }

@@ -95,11 +95,16 @@ void make_items(HWND dialog, const DialogTemplate& pattern) {
     }
 }
 
+// Over the owner, but all of it on the monitor.
 POINT middle(HWND owner, SIZE size) {
     RECT area;
-    if (owner == 0 || !GetWindowRect(owner, area) || IsIconic(owner))
-        area = display().work_area(display().pointer());
-    return {area.left + (area.width() - size.cx) / 2, area.top + (area.height() - size.cy) / 2};
+    const bool owned = owner != 0 && GetWindowRect(owner, area) && !IsIconic(owner);
+    const RECT screen = display().work_area(owned ? middle_of(area) : display().pointer());
+    if (!owned) area = screen;
+    const std::int32_t x = area.left + (area.width() - size.cx) / 2;
+    const std::int32_t y = area.top + (area.height() - size.cy) / 2;
+    const RECT place = moved_inside({x, y, x + size.cx, y + size.cy}, screen);
+    return {place.left, place.top};
 }
 
 HWND make_dialog(const DialogTemplate& pattern, HWND owner, DLGPROC procedure, LPARAM parameter) {

@@ -47,7 +47,7 @@ Display* make_display() {
         if (Display* made = load_x11(scale, why_not)) return made;
         write_error_output("Warning: windows stay invisible: " + why_not + ".\n");
     }
-    return make_memory_display(scale == 0.0 ? 1.0 : scale, wanted_screen());
+    return make_memory_display(scale == 0.0 ? 1.0 : scale, wanted_monitors());
 }
 
 }  // namespace

@@ -10,6 +10,7 @@
 
 #include "platform/base/surface.h"
 #include "platform/base/types.h"
+#include "platform/display/geometry.h"
 
 namespace tarn::platform {
 
@@ -117,9 +118,16 @@ struct CaretOverlay {
 
 class Display {
   public:
-    virtual const char* name() const = 0;          // "memory", "x11"
-    virtual SIZE screen_size() const = 0;          // logical, of the primary monitor
-    virtual RECT work_area(POINT near) const = 0;  // of the monitor at that place
+    virtual const char* name() const = 0;  // "memory", "x11"
+    // Logical, the primary one first. Places on the screen count from its top left corner, so that
+    // others may lie left of 0 or above it.
+    virtual std::span<const RECT> monitors() const = 0;
+    // What panels leave free of the monitor at that place or nearest to it.
+    virtual RECT work_area(POINT near) const = 0;
+    // All of the monitor at that place or nearest to it.
+    RECT monitor(POINT near) const { return monitors()[monitor_at(monitors(), near)]; }
+    // Of the primary monitor.
+    SIZE screen_size() const { return {monitors()[0].width(), monitors()[0].height()}; }
     virtual double scale() const = 0;
     // Nobody watches: a question without a script is answered as its caller's documents say.
     virtual bool headless() const = 0;
@@ -163,7 +171,8 @@ class Display {
     // The next event, waiting at most `timeout` milliseconds (-1: for ever, 0: not at all).
     // False: none came.
     virtual bool next_event(Event& event, std::int32_t timeout) = 0;
-    // Where the text caret is, for input methods.
+    // Where the text caret is, in logical pixels of the surface, for input methods; empty where
+    // keys aren't text.
     virtual void set_input_place(TopLevel window, const RECT& caret) = 0;
     // Reports what was sent so far; called once a batch of presents is out.
     virtual void flush() = 0;

@@ -31,6 +31,35 @@ std::int32_t take_number(std::string_view& text) {
     return value;
 }
 
+// A place along an axis, with its sign. Clears `sound` when there is none.
+std::int32_t take_place(std::string_view& text, bool& sound) {
+    constexpr std::int32_t farthest = 16384;
+    bool negative = !text.empty() && text[0] == '-';
+    sound &= negative || (!text.empty() && text[0] == '+');
+    if (!sound) return 0;
+    text.remove_prefix(1);
+    std::int32_t place = take_number(text);
+    sound &= place >= 0 && place <= farthest;
+    return negative ? -place : place;
+}
+
+// "1280x1024" with "+0-200" behind it, or `beside` where there is no place.
+bool take_monitor(std::string_view& text, POINT beside, RECT& monitor) {
+    constexpr std::int32_t least = 160, most = 16384;
+    std::int32_t width = take_number(text);
+    if (text.empty() || (text[0] != 'x' && text[0] != 'X')) return false;
+    text.remove_prefix(1);
+    std::int32_t height = take_number(text);
+    if (width < least || width > most || height < least || height > most) return false;
+    bool sound = true;
+    if (!text.empty() && text[0] != ',') {
+        beside.x = take_place(text, sound);
+        beside.y = take_place(text, sound);
+    }
+    monitor = {beside.x, beside.y, beside.x + width, beside.y + height};
+    return sound;
+}
+
 // Digits with a point among them or none; independent of the program's locale. -1 for others.
 double parse_scale(std::string_view text) {
     double value = 0.0, place = 0.0;
@@ -72,22 +101,24 @@ double wanted_scale() {
     return 1.0;
 }
 
-SIZE wanted_screen() {
-    constexpr std::int32_t least = 160, most = 16384;
+std::vector<RECT> wanted_monitors() {
+    constexpr std::size_t most = 16;
+    constexpr RECT usual{0, 0, 1280, 1024};
     std::string_view value = variable("TARN_SCREEN"), rest = value;
-    if (value.empty()) return {1280, 1024};
-    SIZE size;
-    size.cx = take_number(rest);
-    bool sound = !rest.empty() && (rest[0] == 'x' || rest[0] == 'X');
-    if (sound) {
+    if (value.empty()) return {usual};
+    std::vector<RECT> monitors;
+    while (monitors.size() < most) {
+        RECT monitor;
+        POINT beside{monitors.empty() ? 0 : monitors.back().right, 0};
+        if (!take_monitor(rest, beside, monitor)) break;
+        monitors.push_back(monitor);
+        if (rest.empty() && monitors[0].left == 0 && monitors[0].top == 0) return monitors;
+        if (rest.empty() || rest[0] != ',') break;
         rest.remove_prefix(1);
-        size.cy = take_number(rest);
-        sound = rest.empty() && size.cx >= least && size.cx <= most && size.cy >= least &&
-                size.cy <= most;
     }
-    if (sound) return size;
-    complain("TARN_SCREEN", value, "a size like 1280x1024, from 160 to 16384,");
-    return {1280, 1024};
+    complain("TARN_SCREEN", value,
+             "a size like 1280x1024, from 160 to 16384, or several with commas between");
+    return {usual};
 }
 
 std::string resource_folder() {
@@ -96,7 +127,7 @@ std::string resource_folder() {
     if (!wanted.empty()) return std::string(wanted);
     Dl_info info;
     std::string folder;
-    if (dladdr(reinterpret_cast<const void*>(&wanted_screen), &info) && info.dli_fname) {
+    if (dladdr(reinterpret_cast<const void*>(&wanted_monitors), &info) && info.dli_fname) {
         folder = info.dli_fname;
         std::size_t slash = folder.rfind('/');
         folder.resize(slash == std::string::npos ? 0 : slash + 1);

@@ -1,8 +1,11 @@
 // Between logical pixels and the real ones of a screen with a factor.
 #pragma once
 
+#include <algorithm>
 #include <cmath>
+#include <cstddef>
 #include <cstdint>
+#include <span>
 
 #include "platform/base/types.h"
 
@@ -31,6 +34,46 @@ inline std::int32_t logical_edge(std::int32_t real, double scale) {
 inline std::int32_t logical_length(std::int32_t real, std::int32_t asked, double scale) {
     if (real_edge(asked, scale) == real) return asked;
     return static_cast<std::int32_t>(std::ceil(real / scale - 1e-6));
+}
+
+inline POINT middle_of(const RECT& rect) {
+    return {rect.left + rect.width() / 2, rect.top + rect.height() / 2};
+}
+
+// The rectangle around all of these.
+inline RECT bounds_of(std::span<const RECT> rects) {
+    RECT whole = rects.empty() ? RECT{} : rects.front();
+    for (const RECT& each : rects) {
+        whole = {std::min(whole.left, each.left), std::min(whole.top, each.top),
+                 std::max(whole.right, each.right), std::max(whole.bottom, each.bottom)};
+    }
+    return whole;
+}
+
+// `rect` moved into `area`, by its top left corner where it is too large.
+inline RECT moved_inside(RECT rect, const RECT& area) {
+    std::int32_t x = std::max(std::min(rect.left, area.right - rect.width()), area.left);
+    std::int32_t y = std::max(std::min(rect.top, area.bottom - rect.height()), area.top);
+    return {x, y, x + rect.width(), y + rect.height()};
+}
+
+// The monitor that a place belongs to: the one it lies in, or else the nearest; 0 when there is
+// none.
+inline std::size_t monitor_at(std::span<const RECT> monitors, POINT at) {
+    auto beside = [](std::int64_t place, std::int64_t from, std::int64_t to) {
+        return std::max({from - place, place - (to - 1), std::int64_t{0}});
+    };
+    std::size_t nearest = 0;
+    std::int64_t least = INT64_MAX;
+    for (std::size_t i = 0; i < monitors.size(); ++i) {
+        const RECT& area = monitors[i];
+        std::int64_t distance =
+            beside(at.x, area.left, area.right) + beside(at.y, area.top, area.bottom);
+        if (distance >= least) continue;
+        least = distance;
+        nearest = i;
+    }
+    return nearest;
 }
 
 // A factor as desktops have it, in quarters, from the resolution that a desktop tells.

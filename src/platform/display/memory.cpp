@@ -41,12 +41,14 @@ struct Window {
 
 class MemoryDisplay final : public Display {
   public:
-    MemoryDisplay(double scale, SIZE screen)
-        : scale_(scale), screen_(screen), pointer_{screen.cx / 2, screen.cy / 2} {}
+    MemoryDisplay(double scale, std::vector<RECT> monitors)
+        : scale_(scale),
+          monitors_(std::move(monitors)),
+          pointer_{monitors_[0].right / 2, monitors_[0].bottom / 2} {}
 
     const char* name() const override { return "memory"; }
-    SIZE screen_size() const override { return screen_; }
-    RECT work_area(POINT) const override { return {0, 0, screen_.cx, screen_.cy}; }
+    std::span<const RECT> monitors() const override { return monitors_; }
+    RECT work_area(POINT near) const override { return monitor(near); }
     double scale() const override { return scale_; }
     bool headless() const override { return true; }
 
@@ -100,7 +102,7 @@ class MemoryDisplay final : public Display {
     void focus_another(TopLevel owner);
 
     double scale_;
-    SIZE screen_;
+    std::vector<RECT> monitors_;
     POINT pointer_;
     TopLevel focused_ = 0, grab_ = 0;
     std::vector<std::unique_ptr<Window>> windows_;  // from the lowest to the topmost
@@ -201,20 +203,20 @@ void MemoryDisplay::close(TopLevel id) {
     }
 }
 
-// Inside the screen with all of its frame, by its wish or else centred over its owner.
+// Inside its monitor with all of its frame, by its wish or else centred over its owner.
 void MemoryDisplay::choose_place(Window& window) {
     RECT client = window.client;
     if (!window.placed) {
-        RECT around{0, 0, screen_.cx, screen_.cy};
+        RECT around = monitors_[0];
         Window* owner = find(window.options.owner);
         if (owner && owner->mapped) around = owner->client;
         client = moved_to(client, (around.left + around.right - client.width()) / 2,
                           (around.top + around.bottom - client.height()) / 2);
     }
     RECT frame = window.options.framed ? frame_extents : RECT{};
-    std::int32_t x = std::min(client.left, screen_.cx - frame.right - client.width());
-    std::int32_t y = std::min(client.top, screen_.cy - frame.bottom - client.height());
-    window.client = moved_to(client, std::max(x, frame.left), std::max(y, frame.top));
+    RECT area = monitor(middle_of(client));
+    window.client = moved_inside(client, {area.left + frame.left, area.top + frame.top,
+                                          area.right - frame.right, area.bottom - frame.bottom});
     window.placed = true;
 }
 
@@ -296,10 +298,12 @@ void MemoryDisplay::fill(Window& window, WindowState state) {
     if (state == WindowState::normal) {
         move(window, window.restored);
     } else if (state == WindowState::full_screen) {
-        move(window, {0, 0, screen_.cx, screen_.cy});
+        move(window, monitor(middle_of(window.client)));
     } else {
         RECT frame = window.options.framed ? frame_extents : RECT{};
-        move(window, {frame.left, frame.top, screen_.cx - frame.right, screen_.cy - frame.bottom});
+        RECT area = monitor(middle_of(window.client));
+        move(window, {area.left + frame.left, area.top + frame.top, area.right - frame.right,
+                      area.bottom - frame.bottom});
     }
 }
 
@@ -378,7 +382,9 @@ Surface MemoryDisplay::surface(TopLevel id, std::int32_t width, std::int32_t hei
 }
 
 void MemoryDisplay::warp_pointer(POINT screen) {
-    pointer_ = {std::clamp(screen.x, 0, screen_.cx - 1), std::clamp(screen.y, 0, screen_.cy - 1)};
+    RECT area = monitor(screen);
+    pointer_ = {std::clamp(screen.x, area.left, area.right - 1),
+                std::clamp(screen.y, area.top, area.bottom - 1)};
     Window* under = find(grab_);
     for (std::size_t i = windows_.size(); !under && i-- > 0;) {
         Window& window = *windows_[i];
@@ -404,8 +410,8 @@ bool MemoryDisplay::request_text(bool primary, std::string& utf8) {
 
 }  // namespace
 
-Display* make_memory_display(double scale, SIZE screen) {
-    return new MemoryDisplay(scale, screen);
+Display* make_memory_display(double scale, std::vector<RECT> monitors) {
+    return new MemoryDisplay(scale, std::move(monitors));
 }
 
 }  // namespace tarn::platform

@@ -50,6 +50,14 @@ void restart_blinking() {
 
 }  // namespace
 
+void tell_input_place() {
+    const Caret& caret = state().caret;
+    Window* const window = find(caret.hwnd);
+    if (window == nullptr || !top_of(*window).top->shown) return;
+    const RECT place = caret.takes_text ? caret_on_surface(*window) : RECT{};
+    display().set_input_place(display_id(top_of(*window)), place);
+}
+
 bool CreateCaret(HWND hwnd, std::int32_t width, std::int32_t height) {
     if (find(hwnd) == nullptr) return false;
     DestroyCaret();
@@ -58,12 +66,19 @@ bool CreateCaret(HWND hwnd, std::int32_t width, std::int32_t height) {
     caret.rect = {0, 0, std::clamp(width, 1, 256), std::clamp(height, 1, 4096)};
     caret.hidden = 1;
     caret.lit = true;
+    tell_input_place();
     return true;
+}
+
+void KeepInputMethodsOut() {
+    state().caret.takes_text = false;
+    tell_input_place();
 }
 
 bool DestroyCaret() {
     Caret& caret = state().caret;
     if (caret.hwnd == HWND{}) return false;
+    KeepInputMethodsOut();
     repaint_caret();
     stop_timer(caret.hwnd, blink_timer, true);
     caret = {};
@@ -87,8 +102,7 @@ bool SetCaretPos(std::int32_t x, std::int32_t y) {
     caret.rect = moved(caret.rect, x - caret.rect.left, y - caret.rect.top);
     restart_blinking();
     if (caret.hidden == 0) repaint_caret();
-    if (window->handle == state().input.focus && top_of(*window).top->shown)
-        display().set_input_place(display_id(top_of(*window)), caret_on_surface(*window));
+    tell_input_place();
     return true;
 }
 

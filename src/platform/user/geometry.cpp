@@ -45,15 +45,16 @@ std::int32_t GetSystemMetrics(std::int32_t which) {
         if (m.which == which) return m.value;
     Display& d = display();
     const SIZE screen = d.screen_size();
+    const RECT desktop = bounds_of(d.monitors());
     switch (which) {
         case SM_CXSCREEN:
             return screen.cx;
         case SM_CYSCREEN:
             return screen.cy;
         case SM_CXMAXTRACK:
-            return screen.cx + track_margin;
+            return desktop.width() + track_margin;
         case SM_CYMAXTRACK:
-            return screen.cy + track_margin;
+            return desktop.height() + track_margin;
         case SM_CXFULLSCREEN:
             return d.work_area({}).width();
         case SM_CYFULLSCREEN:

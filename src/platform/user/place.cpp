@@ -180,6 +180,7 @@ void show_top(Window& window, bool may_activate) {
         link_child(*w, nullptr, nullptr, false);
     }
     display().show(display_id(*w), true, with_focus);
+    tell_input_place();  // the caret may have been made before
     fit_surface(*w);
     invalidate_all(*w);
     if (with_focus) activate(w.get(), WA_ACTIVE);
@@ -258,7 +259,7 @@ void set_state(Window& window, WindowState wanted) {
         rect = filling_parent(*w);  // the parent may have another size by now
     } else if (fills && (old & WS_MAXIMIZE) == 0) {
         if (!was_icon) w->normal_rect = w->rect;
-        rect = w->top ? filling(*w, display().work_area({w->rect.left, w->rect.top}))
+        rect = w->top ? filling(*w, display().work_area(middle_of(w->rect)))
                       : filling_parent(*w);
     } else if (!fills && ((old & WS_MAXIMIZE) != 0 || was_icon)) {
         rect = w->normal_rect;

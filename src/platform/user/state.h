@@ -117,6 +117,7 @@ struct Caret {
     RECT rect;                // client
     std::int32_t hidden = 1;  // HideCaret calls not undone
     bool lit = true;          // phase of the blinking
+    bool takes_text = true;   // input methods may compose here
     std::int64_t still_from = 0;
 };
 
@@ -179,6 +180,8 @@ void take_key_event(const Event& event);
 void take_drop_event(const Event& event);
 void forget_configures(HWND hwnd);  // asked for another place: older answers don't count
 void queue_input(HWND hwnd, UINT message, WPARAM wparam, LPARAM lparam, std::string_view text = {});
+// Input methods show what they compose at the caret, and have the keys only while there is one.
+void tell_input_place();
 void caret_presented(Window& top, CaretOverlay& overlay);
 void caret_owner_changed(HWND hwnd);
 void refresh_cursor();

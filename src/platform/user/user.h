@@ -167,6 +167,7 @@ HCURSOR CreateCursorFromPixels(std::int32_t width, std::int32_t height, const st
 bool DestroyCursor(HCURSOR cursor);
 std::int32_t ShowCursor(bool show);
 bool CreateCaret(HWND hwnd, std::int32_t width, std::int32_t height);
+void KeepInputMethodsOut();  // of this caret's place: passwords
 bool DestroyCaret();
 bool SetCaretPos(std::int32_t x, std::int32_t y);
 bool ShowCaret(HWND hwnd);

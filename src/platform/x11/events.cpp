@@ -120,7 +120,8 @@ void X11Display::inject(const Event& event) {
 
 // ---- Events by kind -------------------------------------------------------------------------
 
-void X11Display::handle(const xcb_generic_event_t& event) {
+void X11Display::handle(xcb_generic_event_t& event) {
+    if (input_method_.filter(event)) return take_answers();
     int kind = event.response_type & 0x7F;
     auto lost = Selections::Lost::none;
     if (selections_.handle(connection_, event, lost)) {
@@ -132,10 +133,13 @@ void X11Display::handle(const xcb_generic_event_t& event) {
     }
     if (keyboard_.handle(event)) return;
     if (randr_event_ != 0 && kind == randr_event_ + XCB_RANDR_SCREEN_CHANGE_NOTIFY) {
-        read_monitors();
+        monitors_changed();
         return;
     }
     switch (kind) {
+        case XCB_GE_GENERIC:
+            handle_device(event);
+            break;
         case XCB_MOTION_NOTIFY:
         case XCB_ENTER_NOTIFY:
         case XCB_LEAVE_NOTIFY:
@@ -147,7 +151,8 @@ void X11Display::handle(const xcb_generic_event_t& event) {
             break;
         case XCB_KEY_PRESS:
         case XCB_KEY_RELEASE:
-            handle_key(as<xcb_key_press_event_t>(event), kind == XCB_KEY_PRESS);
+            if (!input_method_.take_key(as<xcb_key_press_event_t>(event)))
+                handle_key(as<xcb_key_press_event_t>(event));
             break;
         case XCB_FOCUS_IN:
         case XCB_FOCUS_OUT:
@@ -239,9 +244,61 @@ void X11Display::handle_pointer(const xcb_generic_event_t& event) {
             crossing.detail == XCB_NOTIFY_DETAIL_INFERIOR)
             return;
     }
+    if (kind == XCB_ENTER_NOTIFY) pointer_came();
     bool leaves = kind == XCB_LEAVE_NOTIFY;
     Event told = about(leaves ? Event::Kind::pointer_leave : Event::Kind::pointer_move, window);
     place_pointer(told, *window, motion.event_x, motion.event_y, motion.state);
+    queue_.push(std::move(told));
+}
+
+// Only a program that the pointer comes to asks for the extension.
+void X11Display::pointer_came() {
+    if (pointer_input_.started()) return pointer_input_.entered(connection_);
+    pointer_input_.start(connection_);
+    for (auto& window : windows_) pointer_input_.select(connection_, window->handle);
+}
+
+// Events of the X Input extension become the core ones that they stand for; scrolling comes
+// besides.
+void X11Display::handle_device(const xcb_generic_event_t& event) {
+    switch (pointer_input_.kind_of(event)) {
+        case XCB_INPUT_HIERARCHY:
+        case XCB_INPUT_DEVICE_CHANGED:
+            pointer_input_.devices_changed(connection_);
+            return;
+        case XCB_INPUT_MOTION:
+        case XCB_INPUT_BUTTON_PRESS:
+        case XCB_INPUT_BUTTON_RELEASE:
+            break;
+        default:
+            return;
+    }
+    constexpr int fraction_bits = 16;
+    const auto& told = as<xcb_input_button_press_event_t>(event);
+    xcb_button_press_event_t core{};
+    core.time = told.time;
+    core.event = told.event;
+    core.event_x = static_cast<std::int16_t>(told.event_x >> fraction_bits);
+    core.event_y = static_cast<std::int16_t>(told.event_y >> fraction_bits);
+    core.state = core_state(told);
+    Window* window = find_handle(told.event);
+    if (!window) return;
+    if (told.event_type == XCB_INPUT_MOTION) {
+        core.response_type = XCB_MOTION_NOTIFY;
+        handle_pointer(reinterpret_cast<const xcb_generic_event_t&>(core));
+        for (const Scroll& by : pointer_input_.scrolled(told)) scroll(*window, core, by);
+    } else if (!pointer_input_.is_told_twice(told) && told.detail <= UINT8_MAX) {
+        core.detail = static_cast<xcb_button_t>(told.detail);
+        handle_button(core, told.event_type == XCB_INPUT_BUTTON_PRESS);
+    }
+}
+
+void X11Display::scroll(const Window& window, const xcb_button_press_event_t& at,
+                        const Scroll& by) {
+    Event told = about(Event::Kind::wheel, &window);
+    place_pointer(told, window, at.event_x, at.event_y, at.state);
+    told.delta = by.delta;
+    told.horizontal = by.horizontal;
     queue_.push(std::move(told));
 }
 
@@ -253,34 +310,43 @@ void X11Display::handle_button(const xcb_button_press_event_t& button, bool down
     constexpr int wheel_up = 4, wheel_down = 5, wheel_left = 6, wheel_right = 7;
     bool wheel = button.detail >= wheel_up && button.detail <= wheel_right;
     if (wheel && !down) return;
-    Event told = about(wheel  ? Event::Kind::wheel
-                       : down ? Event::Kind::button_down
-                              : Event::Kind::button_up,
-                       window);
-    place_pointer(told, *window, button.event_x, button.event_y, button.state);
     if (wheel) {
         constexpr std::int32_t notch = 120;
         bool back = button.detail == wheel_down || button.detail == wheel_right;
-        told.delta = back ? -notch : notch;
-        told.horizontal = button.detail >= wheel_left;
-    } else {
-        told.button = button.detail;
-        const std::uint32_t held = button.detail == 1   ? mod_left
-                                   : button.detail == 2 ? mod_middle
-                                   : button.detail == 3 ? mod_right
-                                                        : 0u;
-        told.modifiers = down ? told.modifiers | held : told.modifiers & ~held;
-        if (down && !window->focused && !is_managed()) {
-            if (Window* target = focus_target(window->id); target && target->viewable) {
-                raise(target->id);
-                take_focus(*target, XCB_CURRENT_TIME);
-            }
+        return scroll(*window, button, {back ? -notch : notch, button.detail >= wheel_left});
+    }
+    Event told = about(down ? Event::Kind::button_down : Event::Kind::button_up, window);
+    place_pointer(told, *window, button.event_x, button.event_y, button.state);
+    told.button = button.detail;
+    const std::uint32_t held = button.detail == 1   ? mod_left
+                               : button.detail == 2 ? mod_middle
+                               : button.detail == 3 ? mod_right
+                                                    : 0u;
+    told.modifiers = down ? told.modifiers | held : told.modifiers & ~held;
+    if (down && !window->focused && !is_managed()) {
+        if (Window* target = focus_target(window->id); target && target->viewable) {
+            raise(target->id);
+            take_focus(*target, XCB_CURRENT_TIME);
         }
     }
     queue_.push(std::move(told));
 }
 
-void X11Display::handle_key(const xcb_key_press_event_t& key, bool down) {
+// Texts that an input method made, and keys that it has no use for.
+void X11Display::take_answers() {
+    for (MethodAnswer answer; input_method_.next_answer(answer);) {
+        if (answer.is_key) {
+            handle_key(answer.key);
+            continue;
+        }
+        Event told = about(Event::Kind::text, find_handle(answer.window));
+        told.text = std::move(answer.text);
+        queue_.push(std::move(told));
+    }
+}
+
+void X11Display::handle_key(const xcb_key_press_event_t& key) {
+    bool down = (key.response_type & 0x7F) == XCB_KEY_PRESS;
     Window* window = find_handle(key.event);
     if (!window) return;
     connection_.time = key.time;
@@ -299,6 +365,7 @@ void X11Display::handle_focus(const xcb_focus_in_event_t& focus, bool in) {
     if (window->focused == in) return;
     window->focused = in;
     keyboard_.reset();
+    input_method_.focus(window->handle, in);
     queue_.push(about(in ? Event::Kind::focus_in : Event::Kind::focus_out, window));
 }
 
@@ -337,6 +404,8 @@ void X11Display::handle_message(const xcb_client_message_event_t& message) {
 // ---- Place and state ------------------------------------------------------------------------
 
 void X11Display::handle_configure(const xcb_configure_notify_event_t& change) {
+    // Monitors that are only divided anew are told by this alone.
+    if (change.window == connection_.root()) return monitors_changed();
     Window* window = find_handle(change.window);
     if (!window) return;
     bool from_manager = (change.response_type & 0x80) != 0;  // then in coordinates of the screen
@@ -438,15 +507,16 @@ void X11Display::change_scale() {
     std::vector<RECT> wishes;
     for (auto& window : windows_) wishes.push_back(client(*window));
     scale_ = scale;
+    scale_monitors();
     for (std::size_t i = 0; i < windows_.size(); ++i) {
         Window& window = *windows_[i];
         queue_.push(about(Event::Kind::scale, &window));
         // It stays where it is and keeps its logical size.
         RECT wish = wishes[i];
-        std::int32_t left = logical_edge(window.real.left, scale_);
-        std::int32_t top = logical_edge(window.real.top, scale_);
+        RECT place = logical_rect(window.real);
         window.answer_due = true;
-        configure(window, {left, top, left + wish.width(), top + wish.height()});
+        configure(window,
+                  {place.left, place.top, place.left + wish.width(), place.top + wish.height()});
         write_size_hints(window);
     }
     xcb_flush(connection_.xcb);

@@ -68,6 +68,7 @@ bool X11Display::open(TopLevel id, const TopLevelOptions& options) {
                       XCB_CW_BORDER_PIXEL | XCB_CW_BIT_GRAVITY | XCB_CW_OVERRIDE_REDIRECT |
                           XCB_CW_EVENT_MASK | XCB_CW_COLORMAP,
                       values);
+    pointer_input_.select(connection_, window->handle);
     const std::uint32_t protocols[] = {connection_[Atom::wm_delete_window],
                                        connection_[Atom::wm_take_focus],
                                        connection_[Atom::net_wm_ping]};
@@ -96,6 +97,7 @@ void X11Display::close(TopLevel id) {
     if (!window) return;
     TopLevel owner = window->options.owner;
     bool focused = window->focused;
+    input_method_.forget(window->handle);
     xcb_destroy_window(connection_.xcb, window->handle);
     std::erase_if(windows_, [id](const auto& each) { return each->id == id; });
     queue_.drop(id);
@@ -335,12 +337,9 @@ void X11Display::make_state(Window& window, WindowState state) {
     }
     RECT area = window.restored;
     if (fills(state)) {
-        POINT middle{(window.real.left + window.real.right) / 2,
-                     (window.real.top + window.real.bottom) / 2};
-        RECT real =
-            state == WindowState::full_screen ? monitor_at(middle).real : real_work_area(middle);
-        area = {logical_edge(real.left, scale_), logical_edge(real.top, scale_),
-                logical_edge(real.right, scale_), logical_edge(real.bottom, scale_)};
+        POINT middle = middle_of(window.real);
+        area = logical_rect(state == WindowState::full_screen ? real_monitor(middle)
+                                                              : real_work_area(middle));
     }
     if (fills(state) || (filled && state == WindowState::normal)) configure(window, area);
     xcb_flush(connection_.xcb);

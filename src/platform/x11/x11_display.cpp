@@ -42,7 +42,7 @@ X11Display::X11Display(const DisplaySetup& setup, Connection& connection)
     : connection_(connection), lost_(setup.lost), own_scale_(setup.scale > 0.0) {
     scale_ = own_scale_ ? setup.scale : desktop_scale(connection_);
     // Scale, monitors, managers that come and go.
-    const std::uint32_t events = XCB_EVENT_MASK_PROPERTY_CHANGE;
+    const std::uint32_t events = XCB_EVENT_MASK_PROPERTY_CHANGE | XCB_EVENT_MASK_STRUCTURE_NOTIFY;
     xcb_change_window_attributes(connection_.xcb, connection_.root(), XCB_CW_EVENT_MASK, &events);
     keyboard_.start(connection_);
     selections_.start(connection_);
@@ -91,7 +91,7 @@ bool X11Display::manager_supports(Atom feature) const {
 }
 
 void X11Display::read_monitors() {
-    monitors_.clear();
+    real_monitors_.clear();
     if (randr_event_ != 0) {
         Reply<xcb_randr_get_monitors_reply_t> reply(xcb_randr_get_monitors_reply(
             connection_.xcb, xcb_randr_get_monitors(connection_.xcb, connection_.root(), 1),
@@ -100,36 +100,43 @@ void X11Display::read_monitors() {
             for (auto each = xcb_randr_get_monitors_monitors_iterator(reply.get()); each.rem;
                  xcb_randr_monitor_info_next(&each)) {
                 const xcb_randr_monitor_info_t& info = *each.data;
-                monitors_.push_back({{info.x, info.y, info.x + info.width, info.y + info.height},
-                                     info.primary != 0});
+                RECT area{info.x, info.y, info.x + info.width, info.y + info.height};
+                if (area.empty()) continue;
+                auto place = info.primary ? real_monitors_.begin() : real_monitors_.end();
+                real_monitors_.insert(place, area);
             }
         }
     }
-    if (!monitors_.empty()) return;
-    Reply<xcb_get_geometry_reply_t> root(xcb_get_geometry_reply(
-        connection_.xcb, xcb_get_geometry(connection_.xcb, connection_.root()), nullptr));
-    RECT whole{0, 0, connection_.screen->width_in_pixels, connection_.screen->height_in_pixels};
-    if (root) whole = {0, 0, root->width, root->height};
-    monitors_.push_back({whole, true});
-}
-
-const Monitor& X11Display::monitor_at(POINT real) const {
-    const Monitor* chosen = &monitors_.front();
-    for (const Monitor& monitor : monitors_) {
-        if (monitor.real.contains(real)) return monitor;
-        if (monitor.primary) chosen = &monitor;
+    if (real_monitors_.empty()) {
+        Reply<xcb_get_geometry_reply_t> root(xcb_get_geometry_reply(
+            connection_.xcb, xcb_get_geometry(connection_.xcb, connection_.root()), nullptr));
+        RECT whole{0, 0, connection_.screen->width_in_pixels, connection_.screen->height_in_pixels};
+        if (root) whole = {0, 0, root->width, root->height};
+        real_monitors_.push_back(whole);
     }
-    return *chosen;
+    scale_monitors();
 }
 
-SIZE X11Display::screen_size() const {
-    const RECT& real = monitor_at({INT32_MIN, INT32_MIN}).real;
-    return {logical_edge(real.width(), scale_), logical_edge(real.height(), scale_)};
+void X11Display::scale_monitors() {
+    monitors_.clear();
+    for (const RECT& real : real_monitors_) monitors_.push_back(logical_rect(real));
+}
+
+// Windows stay where they are, but that place may count from another corner now.
+void X11Display::monitors_changed() {
+    POINT before{real_monitors_[0].left, real_monitors_[0].top};
+    read_monitors();
+    if (before == POINT{real_monitors_[0].left, real_monitors_[0].top}) return;
+    for (auto& window : windows_) window->configured = true;
+}
+
+RECT X11Display::real_monitor(POINT real) const {
+    return real_monitors_[monitor_at(real_monitors_, real)];
 }
 
 // The manager tells one area for all monitors together.
 RECT X11Display::real_work_area(POINT real) const {
-    RECT area = monitor_at(real).real;
+    RECT area = real_monitor(real);
     xcb_window_t root = connection_.root();
     std::vector<std::uint32_t> areas =
         get_property(connection_, root, connection_[Atom::net_workarea]).words();
@@ -145,18 +152,38 @@ RECT X11Display::real_work_area(POINT real) const {
 }
 
 RECT X11Display::work_area(POINT near) const {
-    RECT real = real_work_area({real_edge(near.x, scale_), real_edge(near.y, scale_)});
-    return {logical_edge(real.left, scale_), logical_edge(real.top, scale_),
-            logical_edge(real.right, scale_), logical_edge(real.bottom, scale_)};
+    return logical_rect(real_work_area(real_point(near)));
+}
+
+// Logical places count from the corner of the primary monitor.
+RECT X11Display::logical_rect(const RECT& real) const {
+    const RECT& origin = real_monitors_[0];
+    return {logical_edge(real.left - origin.left, scale_),
+            logical_edge(real.top - origin.top, scale_),
+            logical_edge(real.right - origin.left, scale_),
+            logical_edge(real.bottom - origin.top, scale_)};
+}
+
+POINT X11Display::real_point(POINT logical) const {
+    const RECT& origin = real_monitors_[0];
+    return {origin.left + real_edge(logical.x, scale_), origin.top + real_edge(logical.y, scale_)};
+}
+
+POINT X11Display::logical_point(POINT real) const {
+    const RECT& origin = real_monitors_[0];
+    return {logical_pixel(real.x - origin.left, scale_),
+            logical_pixel(real.y - origin.top, scale_)};
 }
 
 // Where a window's client area is, logical. What was asked for and granted comes back unchanged.
 RECT X11Display::client(const Window& window) const {
     const RECT &real = window.real, &asked = window.asked;
+    const RECT& origin = real_monitors_[0];
     auto edge = [&](std::int32_t at, std::int32_t wish) {
         return real_edge(wish, scale_) == at ? wish : logical_edge(at, scale_);
     };
-    RECT result{edge(real.left, asked.left), edge(real.top, asked.top), 0, 0};
+    RECT result{edge(real.left - origin.left, asked.left), edge(real.top - origin.top, asked.top),
+                0, 0};
     result.right = result.left + logical_length(real.width(), asked.width(), scale_);
     result.bottom = result.top + logical_length(real.height(), asked.height(), scale_);
     return result;
@@ -165,9 +192,10 @@ RECT X11Display::client(const Window& window) const {
 // A surface of a logical size begins at its own corner, so sizes map by themselves.
 RECT X11Display::real_rect(const RECT& logical) const {
     constexpr std::int32_t far = 32000;
+    POINT corner = real_point({logical.left, logical.top});
     RECT real;
-    real.left = std::clamp(real_edge(logical.left, scale_), -far, far);
-    real.top = std::clamp(real_edge(logical.top, scale_), -far, far);
+    real.left = std::clamp(corner.x, -far, far);
+    real.top = std::clamp(corner.y, -far, far);
     real.right = real.left + std::clamp(real_edge(logical.width(), scale_), 1, far);
     real.bottom = real.top + std::clamp(real_edge(logical.height(), scale_), 1, far);
     return real;
@@ -194,6 +222,14 @@ void X11Display::present(TopLevel id, std::span<const RECT> rects, const CaretOv
     const Surface& shown = window->pixels.surface();
     for (const RECT& rect : rects)
         staging_.put(connection_, window->handle, shown, rect, caret_real);
+}
+
+void X11Display::set_input_place(TopLevel id, const RECT& caret) {
+    Window* window = find(id);
+    if (!window) return;
+    if (caret.empty()) return input_method_.leave(window->handle);
+    input_method_.place(connection_, window->handle,
+                        {real_edge(caret.left, scale_), real_edge(caret.bottom, scale_)});
 }
 
 void X11Display::flush() {
@@ -243,14 +279,14 @@ POINT X11Display::pointer() const {
     Reply<xcb_query_pointer_reply_t> reply(xcb_query_pointer_reply(
         connection_.xcb, xcb_query_pointer(connection_.xcb, connection_.root()), nullptr));
     if (!reply) return {};
-    return {logical_pixel(reply->root_x, scale_), logical_pixel(reply->root_y, scale_)};
+    return logical_point({reply->root_x, reply->root_y});
 }
 
 void X11Display::warp_pointer(POINT screen) {
     pointer_injected_ = false;
+    POINT real = real_point(screen);
     xcb_warp_pointer(connection_.xcb, XCB_NONE, connection_.root(), 0, 0, 0, 0,
-                     static_cast<std::int16_t>(real_edge(screen.x, scale_)),
-                     static_cast<std::int16_t>(real_edge(screen.y, scale_)));
+                     static_cast<std::int16_t>(real.x), static_cast<std::int16_t>(real.y));
     xcb_flush(connection_.xcb);
 }
 

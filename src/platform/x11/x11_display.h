@@ -13,7 +13,9 @@
 #include "platform/display/event_queue.h"
 #include "platform/display/pixel_store.h"
 #include "platform/x11/connection.h"
+#include "platform/x11/input_method.h"
 #include "platform/x11/keyboard.h"
+#include "platform/x11/pointer_input.h"
 #include "platform/x11/selections.h"
 #include "platform/x11/staging.h"
 
@@ -50,11 +52,6 @@ struct Window {
     PixelStore pixels;
 };
 
-struct Monitor {
-    RECT real;
-    bool primary = false;
-};
-
 // A drag of another program that is over one of our windows.
 struct Drag {
     xcb_window_t source = 0;
@@ -70,7 +67,7 @@ class X11Display final : public Display {
     X11Display(const DisplaySetup& setup, Connection& connection);
 
     const char* name() const override { return "x11"; }
-    SIZE screen_size() const override;
+    std::span<const RECT> monitors() const override { return monitors_; }
     RECT work_area(POINT near) const override;
     double scale() const override { return scale_; }
     bool headless() const override { return false; }
@@ -103,7 +100,7 @@ class X11Display final : public Display {
     bool has_text(bool primary) override;
 
     bool next_event(Event& event, std::int32_t timeout) override;
-    void set_input_place(TopLevel, const RECT&) override {}
+    void set_input_place(TopLevel id, const RECT& caret) override;
     void flush() override;
     void inject(const Event& event) override;
     bool injected_waiting() const override { return !injected_.empty(); }
@@ -133,11 +130,15 @@ class X11Display final : public Display {
     void drain();
     void settle();
     bool wait(std::int32_t timeout);
-    void handle(const xcb_generic_event_t& event);
+    void handle(xcb_generic_event_t& event);
     void handle_window_event(const xcb_generic_event_t& event);
     void handle_pointer(const xcb_generic_event_t& event);
     void handle_button(const xcb_button_press_event_t& button, bool down);
-    void handle_key(const xcb_key_press_event_t& key, bool down);
+    void pointer_came();
+    void handle_device(const xcb_generic_event_t& event);
+    void scroll(const Window& window, const xcb_button_press_event_t& at, const Scroll& by);
+    void handle_key(const xcb_key_press_event_t& key);
+    void take_answers();
     void handle_focus(const xcb_focus_in_event_t& focus, bool in);
     void handle_configure(const xcb_configure_notify_event_t& change);
     void handle_message(const xcb_client_message_event_t& message);
@@ -162,9 +163,14 @@ class X11Display final : public Display {
     bool is_managed() const;
     bool manager_supports(Atom feature) const;
     void read_monitors();
-    const Monitor& monitor_at(POINT real) const;
+    void monitors_changed();
+    void scale_monitors();
+    RECT real_monitor(POINT real) const;
     RECT real_work_area(POINT real) const;
     RECT client(const Window& window) const;
+    RECT logical_rect(const RECT& real) const;
+    POINT logical_point(POINT real) const;
+    POINT real_point(POINT logical) const;
     RECT real_rect(const RECT& logical) const;
     xcb_cursor_t cursor(CursorShape shape);
     Property fetch(xcb_atom_t selection, xcb_atom_t target, std::int32_t patience,
@@ -178,11 +184,14 @@ class X11Display final : public Display {
     bool own_scale_ = false;  // the user's wish, not the desktop's
     double scale_ = 1.0;
     Keyboard keyboard_;
+    InputMethod input_method_;
+    PointerInput pointer_input_;
     Selections selections_;
     Staging staging_;
     Drag drag_;
     std::vector<std::unique_ptr<Window>> windows_;
-    std::vector<Monitor> monitors_;
+    std::vector<RECT> real_monitors_;  // the primary one first
+    std::vector<RECT> monitors_;       // the same, logical
     std::uint8_t randr_event_ = 0;
     xcb_cursor_t cursors_[static_cast<std::size_t>(CursorShape::none) + 1] = {};
     TopLevel grab_ = 0;

@@ -226,6 +226,32 @@ TEST(ComboBox, IsAsHighAsItsFieldAndKeepsTheHeightOfItsList) {
     EXPECT_EQ(below.height(), 4 * send(combo, CB_GETITEMHEIGHT) + 2);
 }
 
+TEST(ComboBox, ItsListStaysOnTheMonitorOfTheBox) {
+    const TestWindow w;
+    const HWND combo = combo_with_items(w, CBS_DROPDOWNLIST);
+    RECT box;
+    GetWindowRect(combo, box);
+    struct {
+        POINT box;
+        bool above;
+    } cases[] = {
+        {{1300, 300}, false}, {{1300, 960}, true}, {{2750, 300}, false}, {{400, 900}, false}};
+    for (const auto& c : cases) {
+        // The window is moved so that its box is there.
+        RECT whole;
+        GetWindowRect(w.hwnd, whole);
+        MoveWindow(w.hwnd, c.box.x - box.left + 20, c.box.y - box.top + 20, whole.width(),
+                   whole.height(), true);
+        settle();
+        send(combo, CB_SETDROPPEDWIDTH, 300);
+        RECT list;
+        send(combo, CB_GETDROPPEDCONTROLRECT, 0, reinterpret_cast<LPARAM>(&list));
+        const RECT screen = display().work_area(c.box);
+        EXPECT_EQ(moved_inside(list, screen), list) << c.box.x << "," << c.box.y;
+        EXPECT_EQ(list.bottom <= c.box.y, c.above) << c.box.x << "," << c.box.y;
+    }
+}
+
 TEST(ComboBox, ChoosingTellsInOrder) {
     for (const std::uint32_t style : {CBS_DROPDOWNLIST, CBS_DROPDOWN}) {
         SCOPED_TRACE(style);

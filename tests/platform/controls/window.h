@@ -86,6 +86,7 @@ struct TestWindow {
 
     explicit TestWindow(std::int32_t width = 400, std::int32_t height = 300) {
         setenv("TARN_DISPLAY", "memory", 1);
+        setenv("TARN_SCREEN", "1280x1024,1600x900+1280+100", 1);  // two monitors
         register_standard_controls();
         WNDCLASS description;
         description.lpfnWndProc = test_procedure;

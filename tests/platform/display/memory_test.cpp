@@ -22,7 +22,7 @@ class MemoryDisplayTest : public testing::Test {
         static auto* all = new std::vector<Display*>;
         return *all;
     }
-    Display& screen = *made().emplace_back(make_memory_display(1.5, {1280, 1024}));
+    Display& screen = *made().emplace_back(make_memory_display(1.5, {{0, 0, 1280, 1024}}));
 
     TopLevelOptions options(RECT client, TopLevel owner = 0) {
         TopLevelOptions wanted;
@@ -97,6 +97,37 @@ TEST_F(MemoryDisplayTest, PlacesANewWindowWithItsFrameOnTheScreen) {
     screen.open(5, popup);
     screen.show(5, true, true);
     EXPECT_EQ(events(), "5:configure 1270,-10,1300,10 5:expose");
+}
+
+TEST_F(MemoryDisplayTest, WindowsKeepToTheMonitorThatTheyAreOn) {
+    Display& wide =
+        *made().emplace_back(make_memory_display(1.0, {{0, 0, 800, 600}, {-1000, 100, 0, 900}}));
+    EXPECT_EQ(wide.screen_size(), (SIZE{800, 600}));
+    EXPECT_EQ(wide.work_area({-1, 200}), (RECT{-1000, 100, 0, 900}));
+    EXPECT_EQ(wide.work_area({700, 5000}), (RECT{0, 0, 800, 600}));
+    auto place = [&](TopLevel id) {
+        RECT at;
+        Event event;
+        while (wide.next_event(event, 0)) {
+            if (event.kind == Kind::configure && event.window == id) at = event.rect;
+        }
+        return at;
+    };
+    wide.open(1, options({-150, 200, 50, 300}));
+    wide.show(1, true, true);
+    EXPECT_EQ(place(1), (RECT{-201, 200, -1, 300}));
+    TopLevelOptions owned;
+    owned.owner = 1;
+    owned.client = {0, 0, 100, 50};
+    wide.open(2, owned);
+    wide.show(2, true, true);
+    EXPECT_EQ(place(2), (RECT{-151, 225, -51, 275}));
+    wide.set_state(1, WindowState::maximized);
+    EXPECT_EQ(place(1), (RECT{-999, 128, -1, 899}));
+    wide.set_state(1, WindowState::full_screen);
+    EXPECT_EQ(place(1), (RECT{-1000, 100, 0, 900}));
+    wide.warp_pointer({-5000, 5000});
+    EXPECT_EQ(wide.pointer(), (POINT{-1000, 899}));
 }
 
 TEST_F(MemoryDisplayTest, FocusFollowsModalWindowsAndOwners) {
@@ -249,13 +280,19 @@ TEST_F(EnvironmentTest, ScaleIsAFactorOrIsNamed) {
               "Warning: TARN_SCALE=1e0 is ignored: a factor from 0.5 to 4 is expected there.\n");
 }
 
-TEST_F(EnvironmentTest, ScreenIsASizeOrIsNamed) {
-    for (const char* wrong : {"800", "800x", "x600", "800x600x2", "1x1", "800x99999999999",
-                              "-800x600", "800 x 600", "99999x600"}) {
-        EXPECT_EQ(with("TARN_SCREEN", wrong, wanted_screen), (SIZE{1280, 1024})) << wrong;
+TEST_F(EnvironmentTest, ScreenIsASizeOrSeveralOrIsNamed) {
+    const std::vector<RECT> usual{{0, 0, 1280, 1024}};
+    for (const char* wrong :
+         {"800", "800x", "x600", "800x600x2", "1x1", "800x99999999999", "-800x600", "800 x 600",
+          "99999x600", "800x600,", ",800x600", "800x600+0", "800x600+5+0", "800x600+-5+0",
+          "800x600,800x600+99999+0"}) {
+        EXPECT_EQ(with("TARN_SCREEN", wrong, wanted_monitors), usual) << wrong;
         EXPECT_NE(said, "") << wrong;
     }
-    EXPECT_EQ(with("TARN_SCREEN", "800x600", wanted_screen), (SIZE{800, 600}));
+    EXPECT_EQ(with("TARN_SCREEN", "800x600", wanted_monitors),
+              (std::vector<RECT>{{0, 0, 800, 600}}));
+    EXPECT_EQ(with("TARN_SCREEN", "800x600,1024x768,640x480-640+20", wanted_monitors),
+              (std::vector<RECT>{{0, 0, 800, 600}, {800, 0, 1824, 768}, {-640, 20, 0, 500}}));
     EXPECT_EQ(said, "");
 }
 

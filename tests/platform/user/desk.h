@@ -28,6 +28,7 @@ class Desk : public testing::Test {
 
     static void SetUpTestSuite() {
         setenv("TARN_DISPLAY", "memory", 1);
+        setenv("TARN_SCREEN", "1280x1024,1600x900+1280+100", 1);  // two monitors
         unsetenv("TARN_SCALE");
         WNDCLASS c;
         c.lpfnWndProc = procedure;

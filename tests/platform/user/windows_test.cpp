@@ -1,5 +1,6 @@
 // The life of windows: messages in order, stale handles, trees, sizes.
 #include "platform/user/desk.h"
+#include "platform/user/menus.h"
 
 namespace tarn::platform {
 namespace {
@@ -22,6 +23,39 @@ TEST_F(Windows, AChildHearsOfItsSizeWhenItIsMadeATopLevelWhenItIsShown) {
               (std::vector<UINT>{WM_SHOWWINDOW, WM_NCACTIVATE, WM_ACTIVATE, WM_SETFOCUS, WM_SIZE,
                                  WM_MOVE}));
     EXPECT_EQ(GetFocus(), parent);
+}
+
+TEST_F(Windows, MenusAndFilledScreensStayOnTheirMonitor) {
+    EXPECT_EQ(GetSystemMetrics(SM_CXSCREEN), 1280);
+    EXPECT_EQ(GetSystemMetrics(SM_CXMAXTRACK), 2880 + 12);
+    const HWND second = top(WS_OVERLAPPEDWINDOW, {}, {1400, 200, 1800, 500});
+    static RECT menu_place;
+    const HMENU menu = CreatePopupMenu();
+    AppendMenuA(menu, MF_STRING, 1, "An item of a menu");
+    for (const POINT at :
+         {POINT{1290, 110}, POINT{2870, 990}, POINT{1270, 1020}, POINT{2870, 105}}) {
+        SetTimer(second, 7, 1, [](HWND hwnd, UINT, std::uintptr_t, DWORD) {
+            KillTimer(hwnd, 7);
+            for (HWND each = first_window(); each != HWND{}; each = next_top_level(each))
+                if (each != hwnd) GetWindowRect(each, menu_place);
+            Event escape;  // for the menu's own loop
+            escape.kind = Event::Kind::key_down;
+            escape.window = static_cast<TopLevel>(hwnd);
+            escape.key = VK_ESCAPE;
+            inject_event(escape);
+        });
+        menu_place = {};
+        TrackPopupMenu(menu, 0, at.x, at.y, second);
+        settle();
+        EXPECT_FALSE(menu_place.empty());
+        EXPECT_EQ(moved_inside(menu_place, display().monitor(at)), menu_place) << at.x;
+    }
+    DestroyMenu(menu);
+    ShowWindow(second, SW_SHOWMAXIMIZED);
+    settle();
+    RECT client;
+    GetClientRect(second, client);
+    EXPECT_EQ(client.width(), 1600 - 2);  // the manager's border
 }
 
 TEST_F(Windows, DestructionGoesDownAndRecordsGoUp) {

@@ -80,7 +80,7 @@ bool Callers::fold() {
 
 void Callers::add(const Location& location) {
     ++total_;
-    if (location.is_code && !location.has_map && location.module.empty()) lacks_lines_ = true;
+    if (location.is_code && location.line == 0 && location.module.empty()) lacks_lines_ = true;
     if (total_last_ == 0 && first_count_ < most_first) {
         first_[first_count_++] = {location, 0, 0};
         fold();

@@ -97,10 +97,21 @@ void append_line(std::string& lines, std::string_view text) {
     if (!text.empty()) lines.append("    ").append(text).append("\n");
 }
 
+// "At line 9 of file name", of a call that the compiler may have made one of several.
+void remember_place(const char* where) {
+    int line = 0;
+    int name = 0;
+    if (std::sscanf(where, "At line %d of file %n", &line, &name) == 1 && name > 0)
+        failure::set_statement(where + name, line);
+}
+
 [[noreturn]] void fail_with(int number, std::string_view text, const char* where) {
     std::string lines;
     append_line(lines, text);
-    if (where) append_line(lines, where);
+    if (where) {
+        append_line(lines, where);
+        remember_place(where);
+    }
     failure::fail(number, lines);
 }
 

@@ -22,7 +22,7 @@ import tempfile
 
 DRIVERS = {".f90": "tarnfc", ".c": "tarncc", ".cpp": "tarnc++"}
 KINDS = ("failure", "exception", "signal")
-BUILDS = [["-O0"], ["-O2"], ["-O2", "-no-pie"], ["-O1", "-s"]]
+BUILDS = [["-O0"], ["-O2"], ["-O2", "-no-pie"], ["-O1", "-s"], ["-O2", "-flto"]]
 
 
 def places_in(source):

@@ -30,6 +30,8 @@ CASES = [
      ["00400000 7f454c46 02010100 .* .ELF"]),
     ("null", DETAILS + 'key B 3\ntree "tree"\nfocus #3\nkey C\nkey X\n', SEGV,
      [r'value.*|" [0-9a-f]+  .*\\n>[0-9a-f]+  mov']),
+    # The callers' box takes what the window has more.
+    ("null", OPEN + 'resize 900 500\ntree "tree"\n' + CLOSE, SEGV, [r" 20,84 860x344\n"]),
     ("divide", OPEN + 'tree "tree"\n' + CLOSE, FPE,
      ["Integer divide by zero", "in go, callback.c:", "called by main"]),
     ("stack", OPEN + 'tree "tree"\n' + CLOSE, SEGV,

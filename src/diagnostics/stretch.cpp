@@ -6,7 +6,7 @@ namespace tarn::diagnostics {
 
 using namespace platform;
 
-void Stretch::begin(HWND window, std::vector<Anchor> anchors) {
+void Stretch::begin(HWND window, const std::vector<Anchor>& anchors) {
     RECT client;
     RECT outer;
     GetClientRect(window, client);

@@ -17,7 +17,7 @@ struct Anchor {
 class Stretch {
   public:
     // At the window's start: as it is now, it is smallest.
-    void begin(platform::HWND window, std::vector<Anchor> anchors);
+    void begin(platform::HWND window, const std::vector<Anchor>& anchors);
     // For WM_SIZE and WM_GETMINMAXINFO; false for other messages.
     bool take(platform::HWND window, platform::UINT message, platform::LPARAM lparam) const;
 

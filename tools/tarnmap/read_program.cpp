@@ -224,7 +224,7 @@ int line_of(Dwarf_Die* die) {
 }
 
 std::string Reader::spelled(const Unit& unit, Dwarf_Die* die) {
-    const std::string name = attribute_text(die, DW_AT_name);
+    std::string name = attribute_text(die, DW_AT_name);
     const std::string file = source_of(unit.folder, die);
     const int line = line_of(die);
     if (file.empty() || line == 0) return name;
@@ -274,7 +274,7 @@ std::string Reader::fortran_name(const Unit& unit, Dwarf_Die* die) {
     for (int i = 1; i < count; ++i) {
         if (dwarf_tag(&scopes[i]) != DW_TAG_subprogram) continue;
         nested = true;
-        name = spelled(unit, &scopes[i]) + "::" + name;
+        name.insert(0, spelled(unit, &scopes[i]) + "::");
         symbol = attribute_text(&scopes[i], DW_AT_linkage_name);
     }
     if (!nested && is_internal(die)) {

@@ -125,8 +125,8 @@ bool pump_started() {
     return pump().started;
 }
 
-bool on_pump_thread() {
-    return pump().started && pthread_equal(pump().thread, pthread_self()) != 0;
+pthread_t pump_thread() {
+    return pump().thread;
 }
 
 void start_pump() {

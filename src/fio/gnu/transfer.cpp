@@ -53,8 +53,8 @@ void finish_format(Statement& s) {
     run_format(s, false);
 }
 
-// A list-directed child has passed the separator behind its last value: at the end of the record that
-// is the record itself, for a parent with a format.
+// A list-directed child has passed the separator behind its last value: at the end of the record
+// that is the record itself, for a parent with a format.
 void pass_last_separator(Statement& s) {
     const Statement& parent = *s.parent;
     if (!s.list_directed || s.failed || parent.list_directed || parent.namelist != nullptr) return;

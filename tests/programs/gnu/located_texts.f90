@@ -17,5 +17,5 @@ program located_texts
     wide = maxloc(c2, dim=1, back=.true.)
     after = maxloc(c2, mask=c2 < 'cc')
     print *, before, after, d, e, wide
-    print *, minloc(c, 1, back=.true.), minloc(c2, back=.true.)
+    print *, minloc(c2, back=.true.)
 end program

@@ -62,6 +62,16 @@ TARN_ORDERED_TYPES(TARN_ALONG, MINVAL)
 TARN_ORDERED_TYPES(TARN_ALONG, MAXLOCD)
 TARN_ORDERED_TYPES(TARN_ALONG, MINLOCD)
 
+/* The root of the sum of squares, which is taken unscaled in the element's type. Failure 453: a
+ * REAL*4 result that doesn't fit. (Of a whole array: NORM2# in tarn/numbers.h.) */
+#define TARN_NORM2(type)                                                                 \
+    void NORM2##type##_h(const int32_t* rank, const void* array, const int32_t* extents, \
+                         const int32_t* dim, struct tarn_array_result* result)           \
+        TARN_LINK_NAME("NORM2" #type "#");
+TARN_NORM2(R4)
+TARN_NORM2(R8)
+#undef TARN_NORM2
+
 /* COUNT, ANY and ALL of logicals; integers or logicals of the result's element_size. */
 void COUNT_h(const int32_t* rank, const void* mask, const int32_t* extents,
              const int32_t* mask_element_size, const int32_t* dim, struct tarn_array_result* result)

@@ -63,6 +63,15 @@ void SYSTEM_CLOCK_hJ(int32_t* count, int32_t* rate, int32_t* maximum)
     TARN_LINK_NAME("SYSTEM_CLOCK#J");
 void SYSTEM_CLOCK_hW(int64_t* count, int64_t* rate, int64_t* maximum)
     TARN_LINK_NAME("SYSTEM_CLOCK#W");
+/* DATE_AND_TIME for integers of 16, 32 and 64 bits: yyyymmdd, hhmmss.sss, +hhmm, and year, month,
+ * day, minutes ahead of UTC, hour, minute, second, millisecond. Any argument may be null; a length
+ * then doesn't matter. */
+void DATE_AND_TIME_hI(char* date, char* time, char* zone, int16_t* values, intptr_t date_length,
+                      intptr_t time_length, intptr_t zone_length) TARN_LINK_NAME("DATE_AND_TIME#I");
+void DATE_AND_TIME_hJ(char* date, char* time, char* zone, int32_t* values, intptr_t date_length,
+                      intptr_t time_length, intptr_t zone_length) TARN_LINK_NAME("DATE_AND_TIME#J");
+void DATE_AND_TIME_hW(char* date, char* time, char* zone, int64_t* values, intptr_t date_length,
+                      intptr_t time_length, intptr_t zone_length) TARN_LINK_NAME("DATE_AND_TIME#W");
 /* Seconds that the process has used the processor. */
 void CPU_TIME_R4_h(float* time) TARN_LINK_NAME("CPU_TIME_R4#");
 void CPU_TIME_R8_h(double* time) TARN_LINK_NAME("CPU_TIME_R8#");

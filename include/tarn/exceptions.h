@@ -134,7 +134,7 @@ void __Put_exception_message(const char* text);
 void __Put_exception_title(const char* text);
 /* Reports where the program stands, under this text, and goes on. */
 void __At_Breakpoint(const char* text);
-/* Lines of disassembly in a report's file: 1 to 20, 5 for 0. */
+/* Lines of disassembly in a report's file and window: 1 to 20, 5 for 0. */
 void __set_disassamble_inst(int count);
 /* Whether the instructions' bytes are shown too. */
 void __display_codebytes(int on);
@@ -146,6 +146,31 @@ void __debugger_mode(void);
 /* The filter itself: 0 the program goes on with `context`, 1 somebody else may want it. */
 int tarn_exception_handler(struct tarn_exception_record* record, void* frame,
                            struct tarn_machine_context* context);
+
+/* The handler of storage that grows (tarn/virtual_storage.h), which the filter asks first: 0 the
+ * access lies in a region and may be tried again, 1 it doesn't. */
+int __tarn_vc_handler(struct tarn_exception_record* record, void* frame,
+                      struct tarn_machine_context* context);
+
+/* ---- Windows that show a report ----
+ * A program that opened a window shows its own failures in them, as one does that runs on a desktop
+ * with no standard error. These entries show any other text in the same way. */
+
+/* Text, callers and, where `state` isn't null, the machine; 1. With the option kill_dialogbox the
+ * text is printed and the program ends. */
+int __showExceptiondlg(const char* text, struct tarn_machine_context* state);
+/* The same report again; 1, or 0 where nobody can see it. */
+int __showRegisterDialog(intptr_t instance);
+/* What the windows of a report do with their messages. */
+intptr_t __TRACEOUTPUT_PROC(int32_t dialog, uint32_t message, uintptr_t wparam, intptr_t lparam);
+intptr_t __REGSOUTPUT_PROC(int32_t window, uint32_t message, uintptr_t wparam, intptr_t lparam);
+/* Asks for the name of a file to write. `name` holds what is offered and gets the path; `filter` is
+ * pairs of a name and patterns, each ended by a zero, with one more zero at the end. A name without an
+ * extension gets `extension`. 1, or 0 where none was chosen or `size` is too small. */
+int get_file_names(int32_t owner, const char* title, char* name, int32_t size, const char* filter,
+                   const char* extension);
+/* Stores the exit code of a process that was started, for the development environment. */
+void NotifyRegistryExitCode(int32_t code);
 
 /* ---- Frames of the filter on a block of the caller's stack ----
  * Code that installs and removes the filter by itself may go on doing so; the filter serves the whole

@@ -137,8 +137,15 @@ int32_t __create_bitmap(const void* file_image);
 int32_t __create_cursor(const void* file_image);
 int32_t __create_icon(const void* file_image);
 
-/* A menu, or a dialog, that the program carries as a resource (a name, or a number below 65536 in
- * its place). Programs can't carry any yet: both report that, and the dialog's result is -1. */
+/* A menu of the program's for a text window: its name, or a number below 65536 in the place of the
+ * address. It stands in PROGRAM.rc beside the program, as a resource compiler reads it:
+ *     MAIN MENU BEGIN POPUP "&File" BEGIN MENUITEM "&Save\tCtrl+S", 101  MENUITEM SEPARATOR
+ *     MENUITEM "E&xit", 102, GRAYED END END
+ * (#define and #include "file" count.) The function gets each choice: window, message, the item's
+ * number in the word's lower half. Without such a menu there is a report.
+ *
+ * A dialog of the program's: there is nothing to read its controls with, so that one is reported as
+ * not available and the result is -1. */
 void __attach_menu(int32_t window, const char* resource,
                    int32_t (*function)(int32_t, int32_t, uintptr_t, intptr_t));
 void __attach_fortran_menu(int32_t window, const char* resource,

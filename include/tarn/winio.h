@@ -34,6 +34,12 @@
  * with Trace, on standard error where nobody can answer. Those that a program can't survive (an
  * unknown code, a wrong argument) end it.
  *
+ * Pictures have names: "warnIcon", "errorIcon", "infoIcon", "questionIcon", "appIcon", "checkIcon"
+ * and the cursors "CURSOR_WAIT", "IDC_HAND" ... are built in; any other is a file in the working
+ * folder or beside the program (`%bb[save/&Save]` reads save.ico or save.bmp, `%cu[grip]` grip.cur),
+ * or what PROGRAM.rc beside the program says of it (`save ICON "pictures/save.ico"`), the text that
+ * resource compilers read. The sounds of "SOUND" are found in the same way (.wav).
+ *
  * The codes. I an int, I* the address of an int, F and F* the same for double, S a text, T a text
  * in the format or behind `@`, B a char array (in C with its length as I), L a table of texts ended
  * by a null pointer, H a handle, H* the address of one, C a call-back, K a colour `[red]`,
@@ -168,6 +174,15 @@ void __set_passive_winio(void (*hook)(const char* text));
 const char* const* get_quillpan_options(int32_t code);
 /* A colour by its name or as #RRGGBB; -1 and a message for none. */
 int32_t __get_quillpan_colour(const char* name);
+/* A button's face as a bitmap, from a bitmap (0: none) and a label (null: none, `\n` a new line).
+ * `state`: 0 grey, 1 up, 2 down, 3 checked. `style`: 0 plain, 1 flat, and without colours unless
+ * `coloured`, 2 flat with the pointer over it. What has the colour 0xC0C0C0 or that of the bitmap's
+ * first pixel is background. `width` and `height` (null: none) are the least that is wanted, and
+ * get what it has; `min_lines` lines of label have room. `measure_only`: only that. The result is
+ * a handle for ``%`bm``; 0 for none. */
+int32_t __make_button_image(int32_t bitmap, int32_t state, int32_t style, int32_t coloured,
+                            const char* text, int32_t* width, int32_t* height, int32_t min_lines,
+                            int32_t measure_only);
 /* Brushes and pens that are kept are deleted at the start of a window when there are more than
  * `limit` of them and of fonts; 0, as at the start, for never. */
 void __max_gdi_objects(int32_t limit);

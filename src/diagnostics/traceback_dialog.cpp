@@ -1,25 +1,19 @@
-// The window in which a program with windows tells its user that it failed: the failure, where it
-// came up, who called; to be read, copied or saved. It comes after the same text was written to
-// standard error, so nothing is lost where no window can open.
-#include <cerrno>
-#include <cstdlib>
+// The first window of a report, for everybody: what failed, where, and who called.
+#include <algorithm>
 #include <cstring>
-#include <fcntl.h>
-#include <string>
-#include <string_view>
-#include <sys/stat.h>
-#include <sys/sysmacros.h>
 #include <unistd.h>
 
-#include "failure/failure.h"
-#include "frame/hooks.h"
+#include "diagnostics/mail_report.h"
+#include "diagnostics/stretch.h"
+#include "diagnostics/windows.h"
+#include "exceptions/attempt.h"
+#include "failure/reporter.h"
 #include "platform/controls/controls.h"
 #include "platform/dialogs/dialogs.h"
 #include "platform/dialogs/file_dialog.h"
 #include "platform/gdi/gdi.h"
-#include "platform/kernel/module.h"
+#include "platform/gdi/theme.h"
 #include "platform/user/user.h"
-#include "textwin/window_info.h"
 
 namespace tarn::diagnostics {
 
@@ -30,71 +24,27 @@ namespace {
 enum Item : std::int32_t {
     save_button = 1,
     close_button = 2,
+    copy_button = 110,
     icon_item = 401,
     callers_item = 402,
     details_button = 403,
-    place_item = 404,
-    failure_item = 405,
-    copy_button = 110
+    detail_item = 404,
+    headline_item = 405,
 };
+constexpr std::uintptr_t shown_timer = 1;
 
-struct Report {
-    std::string failure;  // its sentence
-    std::string place;    // file, line, unit
-    std::string callers;
-};
 struct State {
     const Report* shown = nullptr;
+    Stretch stretch;
+    bool details_wanted = false;
+    std::string page;  // of the report that was sent last
 };
-constinit State the_state;
-
-std::string without_indent(std::string_view lines) {
-    std::string text;
-    while (!lines.empty()) {
-        const std::size_t end = std::min(lines.find('\n'), lines.size());
-        std::string_view line = lines.substr(0, end);
-        line.remove_prefix(std::min(line.find_first_not_of(' '), line.size()));
-        if (!line.empty()) text.append(line).append("\r\n");
-        lines.remove_prefix(std::min(end + 1, lines.size()));
-    }
-    return text;
+State& dialog_state() {
+    static State state;
+    return state;
 }
 
-Report parts_of(std::string_view text, std::string_view callers) {
-    Report report;
-    if (text.substr(0, 4) == "*** ") text.remove_prefix(4);
-    const std::size_t end = std::min(text.find('\n'), text.size());
-    report.failure = text.substr(0, end);
-    report.place = without_indent(text.substr(std::min(end + 1, text.size())));
-    report.callers = without_indent(callers);
-    return report;
-}
-
-std::string whole_text(const Report& report) {
-    std::string text = "Runtime error from program:" + program_path() + "\n";
-    for (const std::string* part : {&report.failure, &report.place, &report.callers}) {
-        for (char each : *part) {
-            if (each != '\r') text.push_back(each);
-        }
-        if (text.back() != '\n') text.push_back('\n');
-    }
-    return text;
-}
-
-bool write_file(const std::string& path, const std::string& text) {
-    const int file = open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
-    if (file < 0) return false;
-    std::size_t done = 0;
-    while (done < text.size()) {
-        const ssize_t written = write(file, text.data() + done, text.size() - done);
-        if (written < 0 && errno == EINTR) continue;
-        if (written <= 0) break;
-        done += static_cast<std::size_t>(written);
-    }
-    return close(file) == 0 && done == text.size();
-}
-
-void save(HWND dialog) {
+void save(HWND dialog, const Report& report) {
     OPENFILENAME request;
     request.hwndOwner = dialog;
     request.lpstrFilter = std::string("All files (*.*)\0*\0", 18);
@@ -102,45 +52,60 @@ void save(HWND dialog) {
     request.lpstrTitle = "Save traceback...";
     request.Flags = OFN_HIDEREADONLY | OFN_OVERWRITEPROMPT;
     if (!GetSaveFileNameA(request) || request.files.empty()) return;
-    if (!write_file(request.files[0], whole_text(*the_state.shown)))
+    if (!write_file(request.files[0], saved_text(report)))
         message_box(dialog, "Failed to open file:" + request.files[0], "Save traceback...",
                     MB_ICONHAND);
 }
 
-void fill(HWND dialog) {
-    const Report& report = *the_state.shown;
-    LOGFONT large{};
-    large.lfHeight = 23;
-    large.lfWeight = 700;
-    std::strcpy(large.lfFaceName, "Arial");
-    SendMessageA(GetDlgItem(dialog, failure_item), WM_SETFONT,
-                 static_cast<WPARAM>(CreateFontIndirectA(large)), 1);
-    SendMessageA(GetDlgItem(dialog, icon_item), STM_SETICON,
-                 static_cast<WPARAM>(LoadSystemIcon(IDI_HAND)), 0);
-    set_window_text(GetDlgItem(dialog, failure_item), report.failure);
-    set_window_text(GetDlgItem(dialog, place_item), report.place);
-    set_window_text(GetDlgItem(dialog, callers_item), report.callers);
-    SetFocus(GetDlgItem(dialog, close_button));
+void remove_page() {
+    std::string& page = dialog_state().page;
+    if (!page.empty()) unlink(page.c_str());
+    page.clear();
 }
 
-std::intptr_t dialog_procedure(HWND dialog, UINT message, WPARAM wparam, LPARAM) {
-    if (message == WM_INITDIALOG) {
-        fill(dialog);
-        return 0;
-    }
-    if (message != WM_COMMAND) return 0;
-    switch (LOWORD(wparam)) {
+void send(HWND dialog, const Report& report) {
+    remove_page();
+    dialog_state().page = send_mail(saved_text(report));
+    if (dialog_state().page.empty())
+        message_box(dialog, "No page could be opened: xdg-open failed", "Report", MB_ICONHAND);
+}
+
+void fill(HWND dialog, const Report& report) {
+    show_headline(dialog, icon_item, headline_item, report.headline);
+    show_text(dialog, detail_item, report.detail);
+    show_text(dialog, callers_item, report.callers);
+    if (mail_is_set_up()) set_window_text(GetDlgItem(dialog, save_button), "&Report");
+    dialog_state().stretch.begin(dialog, {{headline_item, false, false, true, false},
+                                          {detail_item, false, false, true, false},
+                                          {callers_item, false, false, true, true},
+                                          {save_button, false, true, false, false},
+                                          {copy_button, false, true, false, false},
+                                          {details_button, false, true, false, false},
+                                          {close_button, true, true, false, false}});
+    SetFocus(GetDlgItem(dialog, close_button));
+    // Comes when all is painted: the window stands.
+    SetTimer(dialog, shown_timer, 0, nullptr);
+}
+
+std::intptr_t command(HWND dialog, std::int32_t id, const Report& report) {
+    switch (id) {
         case save_button:
-            save(dialog);
+            mail_is_set_up() ? send(dialog, report) : save(dialog, report);
             return 1;
         case copy_button:
-            set_clipboard_text(whole_text(*the_state.shown));
+            set_clipboard_text(saved_text(report));
             return 1;
         case details_button:
-            message_box(dialog, "No further details available with this error", "Details",
-                        MB_ICONASTERISK);
+            if (!report.has_machine) {
+                message_box(dialog, "No further details available with this error", "Details",
+                            MB_ICONASTERISK);
+                return 1;
+            }
+            dialog_state().details_wanted = true;
+            EndDialog(dialog, details_button);
             return 1;
         case close_button:
+            remove_page();
             EndDialog(dialog, close_button);
             return 1;
         default:
@@ -148,62 +113,127 @@ std::intptr_t dialog_procedure(HWND dialog, UINT message, WPARAM wparam, LPARAM)
     }
 }
 
-DialogTemplate traceback_dialog() {
+DialogTemplate traceback_template(const Report& report) {
     constexpr DWORD shown = WS_CHILD | WS_VISIBLE;
     constexpr DWORD button = shown | WS_TABSTOP;
-    constexpr DWORD box = button | WS_BORDER | WS_VSCROLL | WS_HSCROLL | ES_MULTILINE | ES_READONLY;
-    return {"Run-time Error",
-            340,
-            196,
-            WS_POPUP | WS_CAPTION | WS_SYSMENU,
-            WS_EX_TOPMOST | WS_EX_DLGMODALFRAME,
-            {{"static", "", icon_item, 10, 10, 20, 20, shown | SS_ICON, 0},
-             {"static", "", failure_item, 40, 8, 290, 26, shown, 0},
-             {"static", "", place_item, 40, 36, 290, 28, shown, 0},
-             {"edit", "", callers_item, 10, 68, 320, 98, box, 0},
-             {"button", "&Save As...", save_button, 10, 174, 72, 16, button, 0},
-             {"button", "&Copy", copy_button, 88, 174, 58, 16, button, 0},
-             {"button", "&Details", details_button, 152, 174, 58, 16, button, 0},
-             {"button", "Close", close_button, 272, 174, 58, 16, button | BS_DEFPUSHBUTTON, 0}}};
+    const std::int32_t detail = 8 * label_lines(report.detail, 96);
+    const std::int32_t callers = 34 + detail;
+    const std::int32_t buttons = callers + 112;
+    const DWORD box = box_style(report.callers, 13, 106);
+    return {
+        "Run-time Error",
+        341,
+        buttons + 27,
+        WS_POPUP | WS_CAPTION | WS_SYSMENU | WS_THICKFRAME,
+        WS_EX_TOPMOST | WS_EX_DLGMODALFRAME,
+        {{"static", "", icon_item, 10, 9, 20, 20, shown | SS_ICON, 0},
+         {"static", "", headline_item, 36, 9, 294, 15, shown | SS_NOPREFIX, 0},
+         {"static", "", detail_item, 36, 26, 294, detail, shown | SS_NOPREFIX, 0},
+         {"edit", "", callers_item, 10, callers, 320, 102, box, 0},
+         {"button", "&Save As...", save_button, 10, buttons, 66, 16, button, 0},
+         {"button", "&Copy", copy_button, 82, buttons, 58, 16, button, 0},
+         {"button", "&Details", details_button, 146, buttons, 58, 16, button, 0},
+         {"button", "Close", close_button, 272, buttons, 58, 16, button | BS_DEFPUSHBUTTON, 0}}};
 }
 
-// Under these nobody sits before the screen, even where one is named.
-bool in_a_batch_job() {
-    for (const char* name : {"SLURM_JOB_ID", "PBS_JOBID", "LSB_JOBID", "JOB_ID", "PMI_RANK",
-                             "OMPI_COMM_WORLD_RANK", "MPI_LOCALRANKID"}) {
-        if (std::getenv(name) != nullptr) return true;
+// Edit boxes end their lines by CR LF.
+std::string with_returns(std::string_view text) {
+    std::string lines;
+    for (char each : text) {
+        if (each == '\n') lines.push_back('\r');
+        lines.push_back(each);
     }
-    return false;
+    return lines;
 }
-
-// Standard error that nobody can read: closed, or the null device, as a desktop starts programs.
-bool errors_go_nowhere() {
-    struct stat status;
-    if (fstat(STDERR_FILENO, &status) != 0) return true;
-    return S_ISCHR(status.st_mode) && major(status.st_rdev) == 1 && minor(status.st_rdev) == 3;
-}
-
-bool wanted() {
-    if (in_a_batch_job()) return false;
-    if (textwin::pump_started()) return true;
-    return errors_go_nowhere() && std::getenv("DISPLAY") != nullptr;
-}
-
-bool show_report(std::string_view text, std::string_view callers) {
-    if (the_state.shown != nullptr || !wanted()) return false;
-    textwin::start_pump();
-    if (!can_ask()) return false;
-    const Report report = parts_of(text, callers);
-    the_state.shown = &report;
-    DialogBoxParamA(traceback_dialog(), HWND{}, dialog_procedure, 0);
-    the_state.shown = nullptr;
-    return true;
-}
-
-void install_report_dialog() {
-    failure::hooks().report_dialog = show_report;
-}
-TARN_PREAMBLE(install_report_dialog)
 
 }  // namespace
+
+void show_text(HWND dialog, std::int32_t item, std::string_view text) {
+    while (text.ends_with('\n')) text.remove_suffix(1);
+    set_window_text(GetDlgItem(dialog, item), with_returns(text));
+}
+
+void show_columns(HWND dialog, std::int32_t item, std::string_view text) {
+    SendMessageA(GetDlgItem(dialog, item), WM_SETFONT,
+                 static_cast<WPARAM>(GetStockObject(ANSI_FIXED_FONT)), 1);
+    show_text(dialog, item, text);
+}
+
+void show_headline(HWND dialog, std::int32_t icon, std::int32_t item, const std::string& text) {
+    LOGFONT large{};
+    large.lfHeight = 23;
+    large.lfWeight = 700;
+    std::strcpy(large.lfFaceName, "Arial");
+    HFONT font = CreateFontIndirectA(large);
+    if (font == 0) font = GetStockObject(ANSI_FIXED_FONT);
+    SendMessageA(GetDlgItem(dialog, item), WM_SETFONT, static_cast<WPARAM>(font), 1);
+    SendMessageA(GetDlgItem(dialog, icon), STM_SETICON,
+                 static_cast<WPARAM>(LoadSystemIcon(IDI_HAND)), 0);
+    set_window_text(GetDlgItem(dialog, item), text);
+}
+
+DWORD box_style(std::string_view text, std::size_t lines, std::size_t columns) {
+    std::size_t count = 0;
+    std::size_t longest = 0;
+    while (!text.empty()) {
+        const std::size_t end = std::min(text.find('\n'), text.size());
+        ++count;
+        longest = std::max(longest, end);
+        text.remove_prefix(std::min(end + 1, text.size()));
+    }
+    return WS_CHILD | WS_VISIBLE | WS_TABSTOP | WS_BORDER | ES_MULTILINE | ES_READONLY |
+           (count > lines ? DWORD{WS_VSCROLL} : 0) | (longest > columns ? DWORD{WS_HSCROLL} : 0);
+}
+
+std::int32_t label_lines(std::string_view text, std::size_t columns) {
+    std::size_t lines = 0;
+    while (!text.empty()) {
+        const std::size_t end = std::min(text.find('\n'), text.size());
+        lines += end / columns + 1;
+        text.remove_prefix(std::min(end + 1, text.size()));
+    }
+    constexpr std::size_t most = 8;
+    return static_cast<std::int32_t>(std::min(lines, most));
+}
+
+std::intptr_t box_colours(HWND, WPARAM dc, LPARAM control) {
+    const HWND box{static_cast<std::int32_t>(control)};
+    if ((GetWindowLong(box, GWL_STYLE) & WS_BORDER) == 0) return 0;
+    SetTextColor(HDC{static_cast<std::int32_t>(dc)}, GetSysColor(COLOR_WINDOWTEXT));
+    SetBkColor(HDC{static_cast<std::int32_t>(dc)}, GetSysColor(COLOR_WINDOW));
+    return GetSysColorBrush(COLOR_WINDOW);
+}
+
+std::intptr_t traceback_procedure(HWND dialog, UINT message, WPARAM wparam, LPARAM lparam) {
+    const Report* const report = dialog_state().shown;
+    if (report == nullptr) return 0;
+    if (dialog_state().stretch.take(dialog, message, lparam)) return 1;
+    switch (message) {
+        case WM_INITDIALOG:
+            fill(dialog, *report);
+            return 0;
+        case WM_TIMER:
+            KillTimer(dialog, shown_timer);
+            exceptions::lift_limit();
+            failure::set_being_read(true);
+            return 1;
+        case WM_COMMAND:
+            return command(dialog, LOWORD(wparam), *report);
+        case WM_CTLCOLORSTATIC:
+            return box_colours(dialog, wparam, lparam);
+        default:
+            return 0;
+    }
+}
+
+bool run_traceback_dialog(const Report& report) {
+    State& state = dialog_state();
+    state.shown = &report;
+    state.stretch = {};
+    state.details_wanted = false;
+    DialogBoxParamA(traceback_template(report), HWND{}, traceback_procedure, 0);
+    state.shown = nullptr;
+    return state.details_wanted;
+}
+
 }  // namespace tarn::diagnostics

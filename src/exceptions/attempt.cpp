@@ -10,9 +10,12 @@
 namespace tarn::exceptions {
 namespace {
 
+class Watchdog;
+
 struct Attempt {
     std::atomic<pid_t> thread{0};  // 0: nobody is in a step
     sigjmp_buf* back = nullptr;
+    Watchdog* watchdog = nullptr;
 };
 constinit Attempt current;
 
@@ -42,6 +45,10 @@ class Watchdog {
         event._sigev_un._tid = this_thread();
         // The C library's own routine may allocate.
         made_ = syscall(SYS_timer_create, CLOCK_MONOTONIC, &event, &timer_) == 0;
+        set(seconds);
+    }
+    // 0 stops the clock.
+    void set(unsigned seconds) {
         if (!made_) return;
         itimerspec when = {};
         when.it_value.tv_sec = static_cast<time_t>(seconds);
@@ -66,18 +73,25 @@ bool attempt(unsigned seconds, void (*step)(void* data), void* data) {
     sigjmp_buf back;
     sigjmp_buf* const outer = current.back;
     const pid_t outer_thread = current.thread;
+    Watchdog* const outer_watchdog = current.watchdog;
     Watchdog watchdog(seconds);
     volatile bool done = false;
     if (sigsetjmp(back, 0) == 0) {
         current.back = &back;
+        current.watchdog = &watchdog;
         current.thread = this_thread();
         step(data);
         done = true;
     }
     current.thread = outer_thread;
     current.back = outer;
+    current.watchdog = outer_watchdog;
     watchdog.stop();
     return done;
+}
+
+void lift_limit() {
+    if (current.thread == this_thread() && current.watchdog != nullptr) current.watchdog->set(0);
 }
 
 void leave_attempt() {

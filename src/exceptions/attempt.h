@@ -5,9 +5,6 @@
 
 namespace tarn::exceptions {
 
-// For a step that waits for the user.
-inline constexpr unsigned no_limit = 0;
-
 // False when the step was left. One thread at a time; steps may nest.
 bool attempt(unsigned seconds, void (*step)(void* data), void* data);
 
@@ -16,6 +13,9 @@ bool attempt(unsigned seconds, Step step) {
     return attempt(
         seconds, [](void* data) { (*static_cast<Step*>(data))(); }, &step);
 }
+
+// For a step that has come to where it waits for the user: it may take as long as it likes.
+void lift_limit();
 
 // For the handler of a fault: leaves the step that this thread is in. Returns where it is in none.
 void leave_attempt();

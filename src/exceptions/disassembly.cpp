@@ -1,5 +1,6 @@
 // Instructions in words come from the system's disassembler, where it is installed. It is loaded
-// when a report's file is written, and by nobody else.
+// when a report's file or its window is made, and by nobody else.
+#include <algorithm>
 #include <cstring>
 #include <dlfcn.h>
 
@@ -13,14 +14,16 @@ namespace {
 using Handle = std::size_t;
 
 struct Disassembler {
+    bool looked_for = false;
     int (*open)(int architecture, int mode, Handle* handle) = nullptr;
     void* (*make)(Handle handle) = nullptr;
     bool (*next)(Handle handle, const std::uint8_t** code, std::size_t* size,
                  std::uint64_t* address, void* instruction) = nullptr;
     Handle handle = 0;
     char* instruction = nullptr;
-    std::size_t words = 0;  // where the instruction's name stands in its record
+    std::size_t words = 0;  // where the instruction's name stands in its record; 0: there is none
 };
+constinit Disassembler the_disassembler;
 
 constexpr std::size_t operands_behind_name = 32;
 
@@ -48,6 +51,8 @@ bool find_words(Disassembler& disassembler) {
 }
 
 bool load(Disassembler& disassembler) {
+    if (disassembler.looked_for) return disassembler.words != 0;
+    disassembler.looked_for = true;
     constexpr int x86 = 3;
     constexpr int wide = 8;
     void* module = nullptr;
@@ -68,43 +73,72 @@ void add_bytes(FileWriter& file, const std::uint8_t* bytes, std::size_t count) {
     for (std::size_t i = 0; i < count; ++i) file.hexadecimal(bytes[i], 2).add(" ");
 }
 
-// Decodes at a reference to an address, which goes on behind the instruction.
+void add_address(FileWriter& file, std::uint64_t address, std::uint64_t fault) {
+    file.add(address == fault ? ">" : " ").hexadecimal(address, 8).add("  ");
+}
+
+void add_invalid(FileWriter& file, std::uint64_t address) {
+    file.add("Invalid instruction address = ").hexadecimal(address, 8).add("\n");
+}
+
+// Decodes at a reference to an address, which goes on behind the instruction. Where the bytes make
+// none, one of them is shown.
 bool decode_instruction(const Disassembler& disassembler, std::uint64_t& address,
-                        FileWriter& file) {
+                        std::uint64_t fault, FileWriter& file) {
     std::uint8_t bytes[longest_instruction];
     std::size_t size = read_code(address, bytes);
     if (size == 0) {
-        file.add("Invalid instruction address = ").hexadecimal(address, 8).add("\n");
+        add_invalid(file, address);
         return false;
     }
     const std::uint8_t* code = bytes;
     const std::uint64_t start = address;
-    if (!disassembler.next(disassembler.handle, &code, &size, &address, disassembler.instruction))
-        return false;
-    file.add(" ").hexadecimal(start, 8).add("  ");
+    add_address(file, start, fault);
+    if (!disassembler.next(disassembler.handle, &code, &size, &address, disassembler.instruction)) {
+        file.add("db ").hexadecimal(bytes[0], 2).add("\n");
+        ++address;
+        return true;
+    }
     if (state().code_bytes) add_bytes(file, bytes, address - start);
     const char* name = disassembler.instruction + disassembler.words;
     file.add(name).add(" ").add(name + operands_behind_name).add("\n");
     return true;
 }
 
-}  // namespace
-
-void add_instructions(FileWriter& file, std::uint64_t address, int count) {
-    Disassembler disassembler;
-    if (load(disassembler)) {
-        while (count > 0 && decode_instruction(disassembler, address, file)) --count;
-        return;
-    }
+// Without a disassembler nobody knows where an instruction ends.
+bool show_bytes(std::uint64_t& address, std::uint64_t end, std::uint64_t fault, FileWriter& file) {
     std::uint8_t bytes[longest_instruction];
     const std::size_t size = read_code(address, bytes);
     if (size == 0) {
-        file.add("Invalid instruction address = ").hexadecimal(address, 8).add("\n");
-        return;
+        add_invalid(file, address);
+        return false;
     }
-    file.add(" ").hexadecimal(address, 8).add("  ");
-    add_bytes(file, bytes, size);
+    const std::size_t shown = address < end ? std::min<std::uint64_t>(size, end - address) : size;
+    add_address(file, address, fault);
+    add_bytes(file, bytes, shown);
     file.add("\n");
+    address += shown;
+    return true;
+}
+
+}  // namespace
+
+void add_instructions(FileWriter& file, std::uint64_t address, int count) {
+    add_instructions(file, address, address, count);
+}
+
+void add_instructions(FileWriter& file, std::uint64_t from, std::uint64_t fault, int count) {
+    const Disassembler& disassembler = the_disassembler;
+    const bool words = load(the_disassembler);
+    bool more = true;
+    while (from < fault && more) {
+        more = words ? decode_instruction(disassembler, from, fault, file)
+                     : show_bytes(from, fault, fault, file);
+    }
+    // What was decoded from the middle of an instruction may have gone past the fault.
+    from = fault;
+    if (!words && more) show_bytes(from, fault, fault, file);
+    while (words && more && count-- > 0) more = decode_instruction(disassembler, from, fault, file);
 }
 
 }  // namespace tarn::exceptions

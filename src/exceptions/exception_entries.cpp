@@ -10,6 +10,7 @@
 #include "frame/link_name.h"
 #include "frame/state.h"
 #include "platform/kernel/float_unit.h"
+#include "storage/regions.h"
 
 using namespace tarn::exceptions;
 
@@ -34,7 +35,9 @@ void keep_text(char (&kept)[text_size], const char* text) {
 FrameHandler filter_entry() {
     return reinterpret_cast<FrameHandler>(&tarn_exception_handler);
 }
-void storage_handler() {}
+FrameHandler storage_entry() {
+    return reinterpret_cast<FrameHandler>(&__tarn_vc_handler);
+}
 
 std::size_t block_size(std::int32_t words) {
     return static_cast<std::size_t>(std::max(words, 0)) * 4;
@@ -51,6 +54,17 @@ TARN_EXPORT int tarn_exception_handler(Record* record, void*, Context* context) 
     const Decision decision = filter(exception);
     if (decision == Decision::end) tarn::frame::zap_out();
     return decision == Decision::proceed ? 0 : 1;
+}
+
+TARN_EXPORT int __tarn_vc_handler(Record* record, void*, Context* context) {
+    tarn::frame::ensure_up();
+    if ((context->flags & TARN_CONTEXT_INTEGER) == 0) {
+        Exception exception{*record, *context, find_row(record->code), nullptr};
+        if (end_with(exception, unknown_processor) == Decision::end) tarn::frame::zap_out();
+        return 1;
+    }
+    const bool may_grow = record->code == TARN_ACCESS_VIOLATION;
+    return may_grow && tarn::storage::commit_at(record->parameters[1]) ? 0 : 1;
 }
 
 TARN_EXPORT Trap __set_exception_trap(int exception_class, Trap routine) {
@@ -116,7 +130,7 @@ TARN_EXPORT int set_machine_state(const Context* machine) {
 }
 
 TARN_EXPORT int clear_flt_underflow() {
-    return state().context != nullptr && recover_from_underflow(*state().context) ? 1 : 0;
+    return state().context != nullptr && recover_from_underflow(*state().context, nullptr) ? 1 : 0;
 }
 TARN_EXPORT int CLEAR_FLT_UNDERFLOW_h() {
     return clear_flt_underflow();
@@ -153,7 +167,7 @@ TARN_EXPORT void __debugger_mode() {
 TARN_EXPORT void __register_tarnick_handler(int storage, void* block, std::int32_t words) {
     tarn::frame::ensure_up();
     if (storage != 0) {
-        register_frames(FrameKind::storage, storage_handler, block, block_size(words));
+        register_frames(FrameKind::storage, storage_entry(), block, block_size(words));
     } else {
         register_frames(FrameKind::faults, filter_entry(), block, block_size(words));
     }

@@ -1,7 +1,6 @@
 #include "exceptions/file_writer.h"
 
 #include "platform/kernel/console.h"
-#include "traceback/text_buffer.h"
 
 namespace tarn::exceptions {
 namespace {
@@ -71,7 +70,11 @@ FileWriter& FileWriter::json_text(std::string_view text) {
 }
 
 bool FileWriter::flush() {
-    if (length_ > 0 && !platform::write_descriptor(descriptor_, {buffer_, length_})) good_ = false;
+    if (memory_ != nullptr) {
+        memory_->add({buffer_, length_});
+    } else if (length_ > 0 && !platform::write_descriptor(descriptor_, {buffer_, length_})) {
+        good_ = false;
+    }
     length_ = 0;
     return good_;
 }

@@ -1,15 +1,18 @@
-// Writes text to a descriptor, with no heap.
+// Writes text to a descriptor, or into memory, with no heap.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
 #include <string_view>
 
+#include "traceback/text_buffer.h"
+
 namespace tarn::exceptions {
 
 class FileWriter {
   public:
     explicit FileWriter(int descriptor) : descriptor_(descriptor) {}
+    explicit FileWriter(traceback::TextBuffer& memory) : memory_(&memory) {}
     ~FileWriter() { flush(); }
     FileWriter(const FileWriter&) = delete;
     FileWriter& operator=(const FileWriter&) = delete;
@@ -23,7 +26,8 @@ class FileWriter {
     bool flush();
 
   private:
-    int descriptor_;
+    int descriptor_ = -1;
+    traceback::TextBuffer* memory_ = nullptr;
     bool good_ = true;
     std::size_t length_ = 0;
     char buffer_[4096];

@@ -10,6 +10,7 @@
 #include "frame/hooks.h"
 #include "frame/state.h"
 #include "platform/kernel/float_unit.h"
+#include "storage/regions.h"
 
 namespace tarn::exceptions {
 namespace {
@@ -18,7 +19,6 @@ constexpr std::uint32_t debug_print = 0x40010006;
 constexpr std::uint32_t noncontinuable_code = 0xC0000025;
 constexpr std::uint32_t noncontinuable_flag = 1;
 
-constinit Hooks the_hooks;
 // A fault inside a trap isn't given to traps.
 [[gnu::tls_model("initial-exec")]] thread_local bool in_trap = false;
 
@@ -26,10 +26,10 @@ bool is_small_float(std::uint32_t code) {
     return code == TARN_FLOAT_UNDERFLOW || code == TARN_FLOAT_DENORMAL;
 }
 
+// An access may have reached into storage that grows.
 bool grown(const Record& record) {
-    constexpr auto unknown = ~std::uintptr_t{0};
-    return record.code == TARN_ACCESS_VIOLATION && the_hooks.grow_storage != nullptr &&
-           record.parameters[1] != unknown && the_hooks.grow_storage(record.parameters[1]);
+    return record.code == TARN_ACCESS_VIOLATION &&
+           storage::grow_region(record.parameters[1], record.parameters[0] != 0);
 }
 
 void show_exception(const Exception& exception) {
@@ -59,14 +59,6 @@ Decision pass_breakpoint(Exception& exception) {
     state().breakpoint_message[0] = 0;
     return failure::state().last_failure == 0 ? Decision::proceed : Decision::end;
 }
-
-}  // namespace
-
-Hooks& hooks() {
-    return the_hooks;
-}
-
-namespace {
 
 void end_trap() {
     State& s = state();
@@ -111,7 +103,7 @@ Decision call_trap(Trap trap, Exception& exception) {
 Decision filter(Exception& exception) {
     Record& record = exception.record;
     if ((exception.context.flags & TARN_CONTEXT_INTEGER) == 0)
-        return end_with(exception, "Tarnick run-time library.\nUnknown processor type\n");
+        return end_with(exception, unknown_processor);
     if (record.code == debug_print || grown(record)) return Decision::proceed;
     if (Trap trap = trap_for(exception)) {
         if (call_trap(trap, exception) == Decision::proceed) {

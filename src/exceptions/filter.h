@@ -5,13 +5,8 @@
 
 namespace tarn::exceptions {
 
-// What other rooms give this one. Null: not there.
-struct Hooks {
-    // An access may have reached into storage that grows: true, it has grown, and the access is
-    // tried again.
-    bool (*grow_storage)(std::uintptr_t address) = nullptr;
-};
-Hooks& hooks();
+inline constexpr const char* unknown_processor =
+    "Tarnick run-time library.\nUnknown processor type\n";
 
 // The trap that an exception has, or null.
 Trap trap_for(const Exception& exception);

@@ -4,6 +4,7 @@
 #include <sys/uio.h>
 #include <unistd.h>
 
+#include "exceptions/flushed.h"
 #include "exceptions/instruction.h"
 
 namespace tarn::exceptions {
@@ -121,35 +122,6 @@ bool begin_flushed_step(Context& context) {
     return true;
 }
 
-// The instructions of one number that compiled code is made of have one place for their zero, and
-// need no second run: a signal less.
-bool zero_scalar_result(Context& context) {
-    constexpr std::uint64_t page = 4096;
-    if (context.instruction % page > page - longest_instruction) return false;
-    std::uint8_t code[longest_instruction];
-    // It has just been carried out, so its page can be read.
-    std::memcpy(code, reinterpret_cast<const void*>(context.instruction), sizeof code);
-    Instruction instruction;
-    decode(code, context, instruction);
-    const bool real8 = instruction.prefix == 0xF2;
-    if (instruction.vector || instruction.map != 1 || (!real8 && instruction.prefix != 0xF3))
-        return false;
-    const std::uint8_t opcode = instruction.opcode;
-    const bool narrows = real8 && opcode == 0x5A;
-    const bool computes = opcode == 0x58 || opcode == 0x59 || opcode == 0x5C || opcode == 0x5E;
-    if (!narrows && !computes) return false;
-    std::memset(&context.floating.xmm[instruction.reg], 0, real8 && !narrows ? 8 : 4);
-    context.floating.sse_control &= ~std::uint32_t{platform::fp_underflow};
-    context.instruction += instruction.length;
-    return true;
-}
-
-bool recover_sse(Context& context) {
-    const std::uint16_t raised = raised_exceptions(context.floating, FloatUnit::sse);
-    if ((raised & platform::fp_denormal) == 0 && zero_scalar_result(context)) return true;
-    return begin_flushed_step(context);
-}
-
 }  // namespace
 
 FloatUnit faulting_unit(const Context& context) {
@@ -171,11 +143,12 @@ bool recover_x87(const std::uint8_t (&code)[2], tarn_float_area& area) {
     return true;
 }
 
-bool recover_from_underflow(Context& context) {
+bool recover_from_underflow(Context& context, ucontext_t* machine) {
     constexpr std::uint16_t small = platform::fp_underflow | platform::fp_denormal;
     const FloatUnit unit = faulting_unit(context);
     if ((raised_exceptions(context.floating, unit) & small) == 0) return false;
-    if (unit == FloatUnit::sse) return recover_sse(context);
+    if (unit == FloatUnit::sse)
+        return carry_out_flushed(context, machine) || begin_flushed_step(context);
     std::uint8_t code[2];
     return read_x87_code(context.floating.instruction, code) && recover_x87(code, context.floating);
 }

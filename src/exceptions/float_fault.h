@@ -14,8 +14,9 @@ FloatUnit faulting_unit(const Context& context);
 std::uint16_t raised_exceptions(const tarn_float_area& area, FloatUnit unit);
 
 // Puts a zero in place of the result of an underflow, for either unit. For SSE the instruction is
-// carried out once more, alone, with underflows flushed to zero.
-bool recover_from_underflow(Context& context);
+// carried out with small numbers flushed to zero. `machine` is what the context was read from; null
+// where nobody knows.
+bool recover_from_underflow(Context& context, ucontext_t* machine);
 // The x87's: the bytes of the instruction decide where its result is.
 bool recover_x87(const std::uint8_t (&code)[2], tarn_float_area& area);
 

@@ -14,6 +14,7 @@
 #include "frame/end.h"
 #include "frame/float_control.h"
 #include "frame/state.h"
+#include "storage/regions.h"
 #include "traceback/module.h"
 #include "traceback/text_buffer.h"
 
@@ -75,6 +76,25 @@ bool is_write_to_constants(const Exception& exception) {
     traceback::Module module;
     return exception.fault->info->si_code == SEGV_ACCERR &&
            traceback::find_module(exception.record.parameters[1], module);
+}
+
+// A loop that runs over the end of a region ends here, in the fence behind it.
+void add_missed_region(Text& text, std::uintptr_t address) {
+    const storage::ExpandingRegion* region = storage::find_missed_region(address);
+    if (region == nullptr) return;
+    const storage::AddressRange& range = region->range;
+    text.buffer.add("(");
+    if (range.holds(address)) {
+        text.buffer.add("the system has no memory left for a page of");
+    } else if (address < range.start) {
+        text.buffer.decimal(range.start - address).add(" bytes before");
+    } else {
+        text.buffer.add("byte ").decimal(address - range.start + 1).add(" of");
+    }
+    text.buffer.add(" the region ").add(region->name).add(", which has ");
+    text.buffer.decimal(range.end - range.start).add(", from ");
+    add_hexadecimal(text, range.start);
+    text.buffer.add(" on)\n");
 }
 
 std::string_view float_cause(std::uint16_t raised) {
@@ -146,6 +166,10 @@ Decision handle_access_violation(Exception& exception) {
         add_hexadecimal(text, record.parameters[1]);
     }
     text.buffer.add("\n");
+    add_missed_region(text, record.parameters[1]);
+    if (record.parameters[1] == reinterpret_cast<std::uintptr_t>(record.address))
+        text.buffer.add(
+            "(no code is there: a call by a pointer that holds no routine's address)\n");
     if (is_write_to_constants(exception)) {
         text.buffer.add(
             "(read-only data of the program: perhaps a constant was passed to a routine that "
@@ -167,7 +191,9 @@ Decision handle_floating_point(Exception& exception) {
     if ((raised & small) != 0) {
         count_underflow();
         const bool permitted = frame::debug_info().permit_underflow != 0;
-        if (permitted && !frame::underflow_repair_missing() && recover_from_underflow(context))
+        ucontext_t* const machine = exception.fault != nullptr ? exception.fault->context : nullptr;
+        if (permitted && !frame::underflow_repair_missing() &&
+            recover_from_underflow(context, machine))
             return Decision::proceed;
     }
     const char* reason = "";

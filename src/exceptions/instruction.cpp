@@ -42,9 +42,12 @@ void read_prefixes(Cursor& code, Instruction& instruction) {
             case 0x2E:
             case 0x36:
             case 0x3E:
+                break;
             case 0x64:
             case 0x65:
             case 0x67:
+                instruction.relocated = true;
+                break;
             case 0xF0:
                 break;
             default:
@@ -68,6 +71,8 @@ void read_vector_opcode(Cursor& code, Instruction& instruction, Extension& exten
         instruction.wide = (last & 0x80) != 0;
     }
     instruction.prefix = prefixes[last & 3];
+    instruction.longer = (last & 4) != 0;
+    instruction.source = static_cast<std::uint8_t>(~last >> 3 & 15);
     instruction.opcode = code.byte();
 }
 

@@ -12,6 +12,8 @@ void add_float_registers(FileWriter& file, const Context& context);
 // The next `count` instructions from an address on, where the system has a disassembler; without
 // one their bytes.
 void add_instructions(FileWriter& file, std::uint64_t address, int count);
+// Those from `from` up to the fault before them; a mark stands at the fault.
+void add_instructions(FileWriter& file, std::uint64_t from, std::uint64_t fault, int count);
 
 inline constexpr const char* integer_register_names[16] = {"rax", "rcx", "rdx", "rbx", "rsp", "rbp",
                                                            "rsi", "rdi", "r8",  "r9",  "r10", "r11",

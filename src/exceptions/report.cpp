@@ -3,10 +3,9 @@
 #include "exceptions/attempt.h"
 #include "exceptions/report_file.h"
 #include "failure/failure.h"
+#include "failure/report.h"
 #include "failure/reporter.h"
 #include "frame/state.h"
-#include "traceback/location.h"
-#include "traceback/module.h"
 #include "traceback/registers.h"
 #include "traceback/traceback.h"
 
@@ -17,6 +16,7 @@ namespace {
 constexpr unsigned flush_patience = 3;
 constexpr unsigned traceback_patience = 10;
 constexpr unsigned file_patience = 10;
+constexpr unsigned dialog_patience = 5;  // until it is on the screen
 
 traceback::Registers registers_of(const Context& context) {
     // The processor's numbers, in the order of a context.
@@ -40,40 +40,39 @@ void write_files(const Cause& cause) {
                         registers_of(exception.context), &exception.context});
 }
 
-// A dialog uses the heap and the display's libraries. Where the fault struck in one of them, or in
-// this library, a lock may be held that nobody gives back.
-bool dialog_is_safe(const Context& context) {
-    traceback::Module module;
-    if (traceback::is_own_code(context.instruction) ||
-        !traceback::find_module(context.instruction, module))
-        return false;
-    return module.path[0] == 0;  // the program itself
-}
+constinit const Cause* the_reported = nullptr;
 
 void tell(const Cause& cause) {
     failure::set_report(cause.text);
     failure::set_report_callers({});
     // What the program wrote comes first. The fault may have struck inside the library or the
     // system's heap, with a lock held or a list half linked.
-    const bool flushed = attempt(flush_patience, [] { failure::flush_for_report(); });
-    if ((frame::traceback_flags() & frame::tb_no_traceback) == 0) {
-        const traceback::Registers registers = registers_of(cause.exception->context);
-        const platform::Fault* fault = cause.exception->fault;
-        const auto place = fault != nullptr && fault->was_sent() ? traceback::Place::signal
-                                                                 : traceback::Place::fault;
-        attempt(traceback_patience,
-                [&] { failure::set_report_callers(traceback::console_text(registers, place)); });
-    }
+    attempt(flush_patience, [] { failure::flush_for_report(); });
+    const traceback::Registers registers = registers_of(cause.exception->context);
+    const platform::Fault* fault = cause.exception->fault;
+    const auto place =
+        fault != nullptr && fault->was_sent() ? traceback::Place::signal : traceback::Place::fault;
+    attempt(traceback_patience, [&] {
+        const std::string_view callers = traceback::console_text(registers, place);
+        if (failure::shows_callers()) failure::set_report_callers(callers);
+    });
     failure::print_report();
     attempt(file_patience, [&] { write_files(cause); });
-    const bool console = (frame::traceback_flags() & frame::tb_kill_dialogbox) != 0;
-    if (console || !flushed || !dialog_is_safe(cause.exception->context)) return;
+    if ((frame::traceback_flags() & frame::tb_kill_dialogbox) != 0) return;
     auto* const dialog = failure::hooks().report_dialog;
-    if (dialog != nullptr)
-        attempt(no_limit, [&] { dialog(cause.text, failure::report_callers()); });
+    if (dialog == nullptr) return;
+    // It needs the heap, the fonts and the display. Where one of these is what broke, or a lock of
+    // theirs is held by the code that faulted, no window comes, and the text above has to do.
+    the_reported = &cause;
+    attempt(dialog_patience, [&] { dialog(cause.text, failure::report_callers()); });
+    the_reported = nullptr;
 }
 
 }  // namespace
+
+const Cause* reported_cause() {
+    return the_reported;
+}
 
 void add_at_address(traceback::TextBuffer& text, std::string_view what, const void* address) {
     text.add(what).add(" at address ");

@@ -21,6 +21,10 @@ bool report(const Cause& cause);
 // The same for a place at which the program goes on afterwards.
 void report_and_go_on(const Cause& cause);
 
+// The exception that is being reported, for the window that shows it; null: none, or a failure of
+// the catalogue.
+const Cause* reported_cause();
+
 // Appends "Access violation at address 00401136\n".
 void add_at_address(traceback::TextBuffer& text, std::string_view what, const void* address);
 inline constexpr unsigned address_digits = 8;

@@ -34,10 +34,13 @@ std::string_view plain_text(int number);
 // "*** Warning: %s\n" on standard error; the program goes on.
 void warn(std::string_view text);
 
+// The statement of the source that fails next. Both stay where they are.
+void set_statement(const char* file, int line);
+
 // What the rooms above give this one at their start. Null: not there yet.
 struct Hooks {
-    void (*flush_everything)() = nullptr;               // every dirty unit and handle buffer
-    std::int32_t (*current_io_unit)() = nullptr;        // unit of the statement in progress, or 0
+    void (*flush_everything)() = nullptr;         // every dirty unit and handle buffer
+    std::int32_t (*current_io_unit)() = nullptr;  // unit of the statement in progress, or 0
     // Shows a report, and who called, in a window; false: there is nobody to see it.
     bool (*report_dialog)(std::string_view text, std::string_view callers) = nullptr;
     // Writes the report's file, where the user asked for one.

@@ -16,6 +16,7 @@ struct Reporter {
     std::atomic<bool> taken{false};
     std::atomic<pthread_t> thread{};
     std::atomic<bool> printed{false};
+    std::atomic<bool> being_read{false};
     std::string_view text;
     std::string_view callers;
 };
@@ -41,7 +42,23 @@ Claim claim_report() {
     return pthread_equal(reporter.thread, pthread_self()) ? Claim::again : Claim::other;
 }
 
+bool is_reporting() {
+    return reporter.taken.load(std::memory_order_relaxed) &&
+           pthread_equal(reporter.thread, pthread_self());
+}
+
+ReportingHere::ReportingHere() : before_(reporter.thread.exchange(pthread_self())) {}
+
+ReportingHere::~ReportingHere() {
+    reporter.thread = before_;
+}
+
+void set_being_read(bool read) {
+    reporter.being_read = read;
+}
+
 void release_report() {
+    reporter.being_read = false;
     reporter.text = reporter.callers = {};
     reporter.printed = false;
     reporter.taken = false;
@@ -76,7 +93,9 @@ void flush_for_report() {
 }
 
 void wait_for_other_report() {
-    sleep(other_thread_patience);
+    do {
+        sleep(other_thread_patience);
+    } while (reporter.being_read);
     print_report();
     _exit(1);
 }

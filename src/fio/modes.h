@@ -36,6 +36,8 @@ struct EditModes {
     SignMode sign = SignMode::processor;
     Delim delim = Delim::none;
     bool pad = true;
+    // -fdec: an edit descriptor may lack its width, an exponent its digits.
+    bool dec_extensions = false;
     std::int32_t scale = 0;  // k of kP
 };
 

@@ -72,6 +72,8 @@ struct GnuConnection {
     Endian endian = Endian::native;
     bool native_records = false;  // unformatted records have the frames of the native layout
     CarriageControl carriage = CarriageControl::list;
+    bool returns_carriage = true;  // the record at hand ends with one, by its first character
+    bool read_only = false;        // OPEN said READONLY: CLOSE doesn't remove the file either
     bool asynchronous = false;
     bool delim_given = false;   // INQUIRE tells an unset DELIM= from NONE
     bool preconnected = false;  // units 0, 5 and 6 as the program found them

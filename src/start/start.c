@@ -13,6 +13,7 @@
  */
 #include <stddef.h>
 #include <stdint.h>
+#include <string.h>
 
 typedef void routine(void);
 
@@ -46,6 +47,24 @@ extern const char __ehdr_start[] HIDDEN;
 extern const char __start_tarnmap[] __attribute__((weak)) HIDDEN;
 extern routine* __start_tarn_crt[] HIDDEN;
 extern routine* __stop_tarn_crt[] HIDDEN;
+
+/* Ranges of address space that the program wants at an address of its own choice: a mark, and a
+ * record of the library's. */
+struct virtual_common {
+    char mark[16];
+    uint64_t record[6];
+};
+extern struct virtual_common __start_tarnvc[] __attribute__((weak)) HIDDEN;
+extern struct virtual_common __stop_tarnvc[] __attribute__((weak)) HIDDEN;
+void* __get_virtual_common_block(const void* instance, void* record);
+
+static void make_virtual_common(void) {
+    static const char mark[16] = "Tarnick_VC_data";
+    for (struct virtual_common* each = __start_tarnvc; each < __stop_tarnvc; ++each) {
+        if (memcmp(each->mark, mark, sizeof mark) == 0)
+            __get_virtual_common_block(__ehdr_start, each->record);
+    }
+}
 
 /* The image's preamble section is an array of routines, with zero words wherever they come from.
  * This one makes sure that there is a section. */
@@ -84,6 +103,7 @@ static void start(int argc, char** argv, char** envp) {
     __initialise_cpplib();
     __init_cpplib_info(&info);
     __Register_map_info(__ehdr_start, __start_tarnmap);
+    make_virtual_common();
     __execute_preamble(__start_tarn_crt, last_word);
 #ifdef TARN_FORTRAN_MAIN
     static const int32_t interface_version = 2;

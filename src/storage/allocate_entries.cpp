@@ -6,8 +6,8 @@
 #include "frame/hooks.h"
 #include "frame/link_name.h"
 #include "storage/allocate.h"
+#include "storage/global_blocks.h"
 #include "storage/large_blocks.h"
-#include "storage/regions.h"
 #include "storage/storage.h"
 #include "tarn/allocate.h"
 

@@ -194,7 +194,7 @@ std::intptr_t free_empty_vmalloc_blocks() {
         }
         *link = block->next;
         freed += block->size;
-        release_virtual_region(block->base);
+        remove_virtual_region(block->base, Removal::release);
         std::free(block->free);
         std::free(block);
     }

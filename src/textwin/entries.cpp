@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "frame/link_name.h"
+#include "platform/dialogs/program_resources.h"
 #include "tarn/text_window.h"
 #include "textwin/error_report.h"
 #include "textwin/input.h"
@@ -97,6 +98,14 @@ void no_resource(const char* kind, const char* name) {
     const auto number = reinterpret_cast<std::uintptr_t>(name);
     const std::string shown = number < numbers ? std::to_string(number) : name;
     report_error((kind + (" resource " + shown) + " is not available").c_str(), true);
+}
+
+// False, and said so: the window or the menu isn't there.
+bool attach_menu(std::int32_t window, const char* resource) {
+    if (find_window(HWND{window}) == nullptr) return false;
+    const platform::HMENU menu = platform::LoadMenuA(resource);
+    if (menu == 0) no_resource("Menu", resource);
+    return menu != 0 && platform::SetMenu(HWND{window}, menu);
 }
 
 }  // namespace
@@ -344,17 +353,19 @@ TARN_EXPORT std::int32_t __create_icon(const void* file_image) {
                                               hot);
 }
 
-// Programs carry no menus and dialogs as resources yet: what asks for one hears of it.
-TARN_EXPORT void __attach_menu(std::int32_t, const char* resource,
-                               std::int32_t (*)(std::int32_t, std::int32_t, std::uintptr_t,
-                                                std::intptr_t)) {
-    no_resource("Menu", resource);
+TARN_EXPORT void __attach_menu(std::int32_t window, const char* resource,
+                               std::int32_t (*function)(std::int32_t, std::int32_t, std::uintptr_t,
+                                                        std::intptr_t)) {
+    if (attach_menu(window, resource))
+        __add_window_callback(window, tarn::platform::WM_COMMAND, function);
 }
-TARN_EXPORT void __attach_fortran_menu(std::int32_t, const char* resource,
-                                       std::int32_t (*)(std::int32_t*, std::int32_t*,
-                                                        std::uintptr_t*, std::intptr_t*)) {
-    no_resource("Menu", resource);
+TARN_EXPORT void __attach_fortran_menu(std::int32_t window, const char* resource,
+                                       std::int32_t (*function)(std::int32_t*, std::int32_t*,
+                                                                std::uintptr_t*, std::intptr_t*)) {
+    if (attach_menu(window, resource))
+        __add_fortran_window_callback(window, tarn::platform::WM_COMMAND, function);
 }
+// A program has nothing to read a dialog's controls with: what asks for one hears of it.
 TARN_EXPORT std::intptr_t __make_dialog_box(std::int32_t, const char* resource,
                                             std::intptr_t (*)(std::int32_t, std::uint32_t,
                                                               std::uintptr_t, std::intptr_t)) {

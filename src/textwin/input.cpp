@@ -46,8 +46,18 @@ bool has_input(const window_info& window) {
     return window.pending_character != 0 || window.event_waiting;
 }
 
+// A control of the active window that waits for keys gets them: the button that led here has the
+// focus.
+void take_keyboard(const window_info& window) {
+    if (!window.embedded || GetFocus() == window.hwnd) return;
+    HWND top = window.hwnd;
+    while (const HWND parent = GetParent(top)) top = parent;
+    if (GetActiveWindow() == top && IsWindowEnabled(top)) SetFocus(window.hwnd);
+}
+
 // What is in the queue may be what is waited for: only then is there a wait.
 void wait_for_key(HWND hwnd) {
+    if (!has_input(still_there(hwnd))) take_keyboard(still_there(hwnd));
     while (!has_input(still_there(hwnd))) {
         window_info& window = still_there(hwnd);
         window.waiting = true;

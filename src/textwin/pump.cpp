@@ -1,6 +1,7 @@
 // The message pump: every wait of the window library goes through it.
 #include <cstdio>
 #include <cstdlib>
+#include <pthread.h>
 #include <unistd.h>
 #include <utility>
 
@@ -30,6 +31,7 @@ struct pump_state {
     hook_entry* loop_hooks;
     dialog_entry* dialogs;
     bool started;
+    pthread_t thread;
     bool desktop_lost;
 };
 pump_state& pump() {
@@ -123,9 +125,14 @@ bool pump_started() {
     return pump().started;
 }
 
+pthread_t pump_thread() {
+    return pump().thread;
+}
+
 void start_pump() {
     if (pump().started) return;
     pump().started = true;
+    pump().thread = pthread_self();
     unanswered_wait = give_up;
     end_after_script = end_with;
     display_lost = end_without_desktop;

@@ -25,6 +25,9 @@ class Callers {
     void clear();
     void add(const Location& location);
 
+    // The line of the first, where its file is the one that is meant.
+    void correct_first(std::string_view file, std::uint32_t line);
+
     std::size_t count() const {
         return first_count_ + (total_last_ < most_last ? total_last_ : most_last);
     }

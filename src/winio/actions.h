@@ -68,5 +68,7 @@ std::int32_t action_absent();  // its room isn't built yet: says so
 enum class clipboard_client : std::uint8_t { none, edit, edit_box, text_window, graphics };
 clipboard_client get_clipboard_client();
 bool test_selection();
+bool can_undo_edit();
+void note_clipboard_client(platform::HWND focus);  // that `focus` has the keyboard now
 
 }  // namespace tarn::winio

@@ -7,6 +7,7 @@
 #include "textwin/textwin.h"
 #include "winio/actions.h"
 #include "winio/text_layer.h"
+#include "winio/winproc.h"
 
 namespace tarn::winio {
 namespace {
@@ -18,16 +19,41 @@ bool is_edit(HWND hwnd) {
     return hwnd && GetClassNameA(hwnd, name, sizeof name) > 0 && strcasecmp(name, "edit") == 0;
 }
 
-// The change is the user's own: the window hears of it though a call-back runs.
-void send_to_focus(UINT message) {
+bool is_button(HWND hwnd) {
+    const window_control* control = control_from_window(hwnd, false);
+    if (!control) return false;
+    switch (control->type) {
+        case control_type::button:
+        case control_type::fancy_button:
+        case control_type::option_button:
+        case control_type::button_block:
+            return true;
+        default:
+            return false;
+    }
+}
+
+// A button that is clicked takes the focus: what had it before in that window is meant.
+HWND client_at_hand() {
+    const HWND focus = GetFocus();
+    const HWND before = procedures().last_client;
+    if (!before || !IsWindow(before) || !is_button(focus)) return focus;
+    return our_window(before) == our_window(focus) ? before : focus;
+}
+
+// The change is the user's own: the window hears of it though a call-back runs. The user goes on
+// in the field.
+void send_to_client(UINT message) {
+    const HWND client = client_at_hand();
     callbacks().clipboard_refresh = true;
-    SendMessageA(GetFocus(), message, 0, 0);
+    if (client != GetFocus()) SetFocus(client);
+    SendMessageA(client, message, 0, 0);
     callbacks().clipboard_refresh = false;
 }
 
 HWND text_window_at_hand() {
-    const HWND focus = GetFocus();
-    return textwin::is_text_window(focus) ? focus : first_quillpan_hwnd();
+    const HWND client = client_at_hand();
+    return textwin::is_text_window(client) ? client : first_quillpan_hwnd();
 }
 
 bool has_selection(HWND edit) {
@@ -37,17 +63,26 @@ bool has_selection(HWND edit) {
 
 }  // namespace
 
+void note_clipboard_client(HWND focus) {
+    if (is_edit(focus) || textwin::is_text_window(focus)) procedures().last_client = focus;
+}
+
 clipboard_client get_clipboard_client() {
-    const HWND focus = GetFocus();
-    if (is_edit(focus)) return clipboard_client::edit;
+    if (is_edit(client_at_hand())) return clipboard_client::edit;
     if (text_window_at_hand()) return clipboard_client::text_window;
     return clipboard_client::none;
+}
+
+bool can_undo_edit() {
+    constexpr UINT can_undo = 0xC6;
+    const HWND client = client_at_hand();
+    return is_edit(client) && SendMessageA(client, can_undo, 0, 0) != 0;
 }
 
 bool test_selection() {
     switch (get_clipboard_client()) {
         case clipboard_client::edit:
-            return has_selection(GetFocus());
+            return has_selection(client_at_hand());
         case clipboard_client::text_window:
             return textwin::selected_text(text_window_at_hand(), true) != nullptr;
         default:
@@ -56,13 +91,13 @@ bool test_selection() {
 }
 
 std::int32_t action_cut() {
-    if (get_clipboard_client() == clipboard_client::edit) send_to_focus(WM_CUT);
+    if (get_clipboard_client() == clipboard_client::edit) send_to_client(WM_CUT);
     return 2;
 }
 
 std::int32_t action_copy() {
     const clipboard_client client = get_clipboard_client();
-    if (client == clipboard_client::edit) SendMessageA(GetFocus(), WM_COPY, 0, 0);
+    if (client == clipboard_client::edit) send_to_client(WM_COPY);
     if (client == clipboard_client::text_window) {
         char* text = textwin::selected_text(text_window_at_hand(), false);
         if (text) copy_text_to_clipboardAW(text);
@@ -72,20 +107,23 @@ std::int32_t action_copy() {
 }
 
 std::int32_t action_paste() {
-    if (get_clipboard_client() == clipboard_client::edit) send_to_focus(WM_PASTE);
+    if (get_clipboard_client() == clipboard_client::edit) send_to_client(WM_PASTE);
     return 2;
 }
 
 std::int32_t action_select_all() {
-    if (is_edit(GetFocus()))
-        SendMessageA(GetFocus(), EM_SETSEL, 0, -1);
-    else
+    const HWND client = client_at_hand();
+    if (is_edit(client)) {
+        if (client != GetFocus()) SetFocus(client);
+        SendMessageA(client, EM_SETSEL, 0, -1);
+    } else {
         MessageBeep(0);
+    }
     return 1;
 }
 
 std::int32_t action_edit_undo() {
-    if (is_edit(GetFocus())) send_to_focus(EM_UNDO);
+    if (is_edit(client_at_hand())) send_to_client(EM_UNDO);
     return 2;
 }
 

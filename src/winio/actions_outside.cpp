@@ -1,54 +1,17 @@
 // Standard actions that reach outside the program, and those whose room isn't there yet.
-#include <cerrno>
 #include <fcntl.h>
-#include <signal.h>
 #include <string>
-#include <sys/wait.h>
 #include <unistd.h>
 
+#include "platform/dialogs/program_resources.h"
+#include "platform/display/display.h"
+#include "platform/kernel/desktop.h"
+#include "platform/user/user.h"
 #include "winio/actions.h"
 #include "winio/report.h"
 
 namespace tarn::winio {
 namespace {
-
-// The desktop's opener in a process of its own, whose parent is gone at once: nobody has to wait
-// for it. An error of the second process comes back through a pipe that its success closes.
-bool open_on_desktop(const char* what) {
-    int told[2];
-    if (pipe2(told, O_CLOEXEC) != 0) return false;
-    const pid_t child = fork();
-    if (child == 0) {
-        setsid();
-        const pid_t opener = fork();
-        if (opener == 0) {
-            sigset_t none;
-            sigemptyset(&none);
-            sigprocmask(SIG_SETMASK, &none, nullptr);
-            execlp("xdg-open", "xdg-open", what, static_cast<char*>(nullptr));
-            const int error = errno;
-            if (write(told[1], &error, sizeof error) < 0) _exit(126);
-        }
-        _exit(opener < 0 ? 126 : 0);
-    }
-    close(told[1]);
-    int error = child < 0 ? errno : 0;
-    if (child > 0) {
-        while (waitpid(child, nullptr, 0) < 0 && errno == EINTR) {
-        }
-        while (read(told[0], &error, sizeof error) < 0 && errno == EINTR) {
-        }
-    }
-    close(told[0]);
-    return error == 0;
-}
-
-// An argument that begins with a hyphen would be an option of the opener.
-bool open_name(const char* name) {
-    if (!name || !*name) return false;
-    const std::string what = (name[0] == '-' ? "./" : "") + std::string(name);
-    return open_on_desktop(what.c_str());
-}
 
 void show_missing_file(const char* file) {
     const word arguments[1] = {reinterpret_cast<word>(file)};
@@ -72,8 +35,23 @@ std::string text_at(word pointer) {
 
 std::int32_t action_hyperlink() {
     const std::string link = text_at(callbacks().current_thunk ? callbacks().current_thunk->a : 0);
-    if (!open_name(link.c_str()))
+    if (!platform::open_on_desktop(link.c_str()))
         quillpan_error("?%s can't be opened: xdg-open failed", link.c_str());
+    return 2;
+}
+
+// Without a player, or without somebody to listen, the beep has to do.
+std::int32_t action_sound() {
+    const std::string name = text_at(callbacks().current_thunk ? callbacks().current_thunk->a : 0);
+    std::string file = platform::resource_file(platform::resource_kind::sound, name);
+    if (file.empty()) {
+        quillpan_error("Sound resource %s not found", name.c_str());
+        return 2;
+    }
+    if (file[0] == '-') file = "./" + file;
+    if (platform::display().headless() ||
+        !platform::start_apart({"pw-play", "paplay", "aplay"}, file.c_str()))
+        platform::MessageBeep(0);
     return 2;
 }
 
@@ -84,7 +62,7 @@ std::int32_t action_help() {
         show_missing_file(file.c_str());
         return 1;
     }
-    if (!open_name(file.c_str()))
+    if (!platform::open_on_desktop(file.c_str()))
         quillpan_error("?%s can't be opened: xdg-open failed", file.c_str());
     return 1;
 }

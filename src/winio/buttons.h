@@ -58,7 +58,7 @@ struct multibutton {  // %mb
     char *strip, *texts, *help;
 };
 
-// ---- Pictures: built-in ones by name, and bitmap files.
+// ---- Pictures: built-in ones by name, and the program's files.
 // A name is a resource's, or the byte 0xFF and a system icon's number of 16 bits.
 HICON find_icon(const char* name);
 std::int32_t GetIconSize(const char* name);  // pixels; 0: none
@@ -73,6 +73,13 @@ enum class picture_look : std::uint8_t { plain, grey, colourless, count };
 // Light grey (0xC0C0C0) is background; with `corner` the colour of the first pixel is too.
 void draw_button_picture(platform::HDC dc, const RECT& place, platform::HBITMAP bitmap,
                          picture_look look, bool corner);
+
+// A button with its picture, label and edges as a bitmap (include/tarn/winio.h). The sizes are what
+// it shall have at least, and what it has.
+platform::HBITMAP make_button_image(platform::HBITMAP shown, std::int32_t state, std::int32_t style,
+                                    bool coloured, const char* text, std::int32_t& width,
+                                    std::int32_t& height, std::int32_t min_lines,
+                                    bool measure_only);
 
 // ---- Drawing
 struct button_look {

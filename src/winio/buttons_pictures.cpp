@@ -1,12 +1,12 @@
-// Pictures that formats name: the system's icons, and bitmap files beside the program.
+// Pictures that formats name: built-in icons, and files of the program.
 #include <algorithm>
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <new>
 #include <string>
 #include <vector>
 
+#include "platform/dialogs/program_resources.h"
 #include "platform/gdi/paint.h"
 #include "platform/gdi/theme.h"
 #include "platform/user/user.h"
@@ -32,21 +32,6 @@ loaded_bitmap*& loaded() {
 }
 
 constexpr std::int32_t stand_in_size = 24, usual_icon = 32;
-constexpr long largest_file = 64L << 20;
-
-bool read_file(const std::string& path, std::string& bytes) {
-    std::FILE* file = std::fopen(path.c_str(), "rb");
-    if (!file) return false;
-    bool sound = std::fseek(file, 0, SEEK_END) == 0;
-    long size = sound ? std::ftell(file) : 0;
-    sound = size > 0 && size <= largest_file && std::fseek(file, 0, SEEK_SET) == 0;
-    if (sound) {
-        bytes.resize(static_cast<std::size_t>(size));
-        sound = std::fread(bytes.data(), 1, bytes.size(), file) == bytes.size();
-    }
-    std::fclose(file);
-    return sound;
-}
 
 struct loaded_icon {
     loaded_icon* next;
@@ -61,13 +46,10 @@ loaded_icon*& loaded_icons() {
 
 HBITMAP read_bitmap(const std::string& name) {
     constexpr std::size_t header = 14;
-    for (const std::string& path : {name, name + ".bmp"}) {
-        std::string bytes;
-        if (!read_file(path, bytes)) continue;
-        if (bytes.size() <= header || bytes[0] != 'B' || bytes[1] != 'M') continue;
-        return CreateDIBitmap(reinterpret_cast<const unsigned char*>(bytes.data()), bytes.size());
-    }
-    return HBITMAP{};
+    std::string bytes;
+    if (!read_picture_resource(resource_kind::bitmap, name, bytes)) return HBITMAP{};
+    if (bytes.size() <= header || bytes[0] != 'B' || bytes[1] != 'M') return HBITMAP{};
+    return CreateDIBitmap(reinterpret_cast<const unsigned char*>(bytes.data()), bytes.size());
 }
 
 struct pixel_block {
@@ -122,11 +104,21 @@ HICON icon_of_look(HBITMAP bitmap, picture_look look, bool corner) {
     return icon_of_pixels(block);
 }
 
+HICON read_icon(const char* name) {
+    std::string bytes;
+    if (!read_picture_resource(resource_kind::icon, name, bytes)) return HICON{};
+    POINT hot;
+    return CreateIconFromFile(reinterpret_cast<const unsigned char*>(bytes.data()), bytes.size(),
+                              false, hot);
+}
+
+// An icon file, or a bitmap whose background is left out.
 HICON icon_of_file(const char* name) {
     for (const loaded_icon* each = loaded_icons(); each; each = each->next)
         if (each->name == name) return each->icon;
-    auto* fresh = new (std::nothrow) loaded_icon{
-        loaded_icons(), name, icon_of_look(load_resource(name), picture_look::plain, false)};
+    HICON icon = read_icon(name);
+    if (!icon) icon = icon_of_look(load_resource(name), picture_look::plain, false);
+    auto* fresh = new (std::nothrow) loaded_icon{loaded_icons(), name, icon};
     if (!fresh) heap_exhausted();
     loaded_icons() = fresh;
     return fresh->icon;
@@ -147,11 +139,11 @@ HICON find_icon(const char* name) {
 
 std::int32_t GetIconSize(const char* name) {
     if (!name || !*name) return 0;
-    // A name that isn't found counts as a picture of the usual size: programs don't carry resources
-    // of their own, and one that names them shall run. In a check no picture is looked for.
+    if (records().check_mode) return usual_icon;  // the program's pictures needn't be there
+    HICON icon = find_icon(name);
     SIZE size;
-    HICON icon = records().check_mode ? HICON{} : find_icon(name);
-    return icon && platform::GetIconSize(icon, size) ? std::max(size.cx, size.cy) : usual_icon;
+    if (!icon) return 0;
+    return platform::GetIconSize(icon, size) ? std::max(size.cx, size.cy) : usual_icon;
 }
 
 HBITMAP load_resource(const char* name) {

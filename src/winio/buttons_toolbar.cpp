@@ -375,6 +375,12 @@ void block_mouse(window_control* control, HWND hwnd, UINT message, LPARAM place)
 
 // ---- %mb
 
+char* required_list(code_call& call, const char* missing, const char* what) {
+    if (*call.format == '[' || *call.format == '@') return get_standard_string(call, what);
+    quillpan_error("%s", missing);
+    return nullptr;
+}
+
 constexpr std::uint8_t bar_standard = 1, bar_adjustable = 8, bar_strings = 0x20, bar_list = 0x40;
 
 }  // namespace
@@ -460,11 +466,11 @@ void handle_mb(code_call& call) {
     if ((block->flags & bar_adjustable) != 0) block->order = user_int_pointer(call.arguments);
     read_callback(call, *control, "should be a %MB call-back function");
     if ((block->flags & bar_strings) != 0) {
-        block->texts = get_standard_string(call, "button text");
+        block->texts = required_list(call, "Missing button text", "button text");
         if (call.question) quillpan_error("?%%MB cannot have both text and help strings.");
         block->style |= (block->flags & bar_list) != 0 ? 0x1000 : 0;
     } else if (call.question) {
-        block->help = get_standard_string(call, "help");
+        block->help = required_list(call, "Missing help string", "help");
         block->style |= 0x100;
     }
     call.question = false;

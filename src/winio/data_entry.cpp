@@ -190,6 +190,7 @@ void make_edit_box_control(code_call& call, const box_kind& kind) {
         std::free(control);
         return;
     }
+    deepen_line(control->height + extra);
     place_box(control, extra);
 }
 

@@ -45,17 +45,11 @@ void set_selection(const window_control* control, selection what) {
         SendMessageA(control->hwnd, EM_SETSEL, static_cast<WPARAM>(what.start), what.end);
 }
 
-// The spin speaks for itself: its call-back waits, but where the grey variable is off.
-bool call_held_back(const box_event& event) {
-    if (callbacks().context.spin_control_used == 0 || !event.control->spin) return false;
-    return !(event.control->grey && *event.control->grey == 0);
-}
-
 bool call_wanted(const box_event& event, bool changed) {
     const window_control* control = event.control;
     if (!control->callback) return false;
-    if (control->flags.spin_used) return true;
-    return changed && (control->flags.focus_loss_check || GetFocus() == control->hwnd);
+    return changed && (control->flags.spin_used || control->flags.focus_loss_check ||
+                       GetFocus() == control->hwnd);
 }
 
 // "DATA_ALTERATION". False: the window has gone, or goes.
@@ -80,8 +74,7 @@ void value_stored(const box_event& event, Value* variable, Value before) {
     if (call_wanted(event, changed)) {
         window_watch watch(event.window);
         Value stored = *variable;
-        event.control->flags.spin_used = false;
-        if (!call_held_back(event) && !call_altered(event, result)) return;
+        if (!call_altered(event, result)) return;
         if (watch.gone()) return;
         window_control* held = callbacks().no_update_control;
         if (*variable == stored) callbacks().no_update_control = event.control;

@@ -3,6 +3,7 @@
 #include "platform/controls/controls.h"
 #include "platform/script/script.h"
 #include "textwin/textwin.h"
+#include "winio/actions.h"
 #include "winio/callbacks.h"
 #include "winio/menus.h"
 #include "winio/winproc.h"
@@ -43,7 +44,10 @@ fancy_window* window_above(const fancy_window* window) {
 // The keys that move between controls, press the default button, open mnemonics.
 bool navigated(fancy_window* window, MSG& message) {
     if (GetFocus() == window->hwnd) return false;
-    return IsDialogMessageA(window->hwnd, message);
+    procedures().dialog_key = true;
+    const bool served = IsDialogMessageA(window->hwnd, message);
+    procedures().dialog_key = false;
+    return served;
 }
 
 // Ctrl+F6 and Ctrl+Tab go through the children of an MDI frame, Ctrl+F4 closes one.
@@ -90,12 +94,13 @@ std::int32_t modifiers() {
 
 std::int32_t word_of_key(std::int32_t key, bool alt) {
     std::int32_t flags = modifiers();
-    // With both held a letter types no character that could be looked at instead.
-    const bool letter = flags == (key_control | key_shift) && key >= 'A' && key <= 'Z';
-    if (!alt && !letter && !key_may_accelerate(key, (flags & key_control) != 0)) return 0;
-    if (alt && key >= 'A' && key <= 'Z') return 0;  // its WM_SYSCHAR follows
-    if (key == VK_TAB && (flags & key_control) != 0)
-        return (flags & key_shift) != 0 ? VK_TAB : 0x32C;
+    const bool control = (flags & key_control) != 0;
+    const bool letter = key >= 'A' && key <= 'Z';
+    // With Ctrl and another one held a letter types no character that could be looked at instead.
+    const bool typeless = letter && control && (alt || (flags & key_shift) != 0);
+    if (!alt && !typeless && !key_may_accelerate(key, control)) return 0;
+    if (alt && letter && !control) return 0;  // its WM_SYSCHAR follows
+    if (key == VK_TAB && flags == key_control && !alt) return key_control_tab;
     return key | flags | (alt ? key_alt : 0);
 }
 
@@ -133,10 +138,11 @@ void cursor_moved(const MSG& message) {
 
 void focus_moved() {
     procedures_state& state = procedures();
-    if (state.focus.empty()) return;
     HWND focus = GetFocus();
     if (focus == state.focus_window) return;
     state.focus_window = focus;
+    note_clipboard_client(focus);
+    if (state.focus.empty()) return;
     callbacks().context.focussed_window = static_cast<std::int32_t>(focus);
     state.focus.run();
 }
@@ -176,7 +182,8 @@ std::int32_t key_word_of(const MSG& message) {
     auto key = static_cast<std::int32_t>(message.wParam);
     switch (message.message) {
         case WM_KEYDOWN:
-            return word_of_key(key, false);
+            return word_of_key(key,
+                               (message.lParam >> 29 & 1) != 0);  // with Ctrl it's no system key
         case WM_SYSKEYDOWN:
             return word_of_key(key, key_down(VK_MENU));
         case WM_CHAR:
@@ -190,6 +197,7 @@ std::int32_t key_word_of(const MSG& message) {
 
 bool pre_message_loop_filter(MSG& message) {
     procedures_state& state = procedures();
+    state.dialog_key = false;  // this one may come within a call-back that a key started
     if (message.message == WM_PAINT) return false;
     if (state.interception && state.interception(&message)) return true;
     note_input(message);

@@ -109,12 +109,7 @@ void adjust_window(fancy_window* window, std::int32_t what) {
 
 // ---- Standard tests: 1 is grey -----------------------------------------------------------------
 std::int32_t nothing_to_undo() {
-    // An edit field of the platform knows by itself.
-    constexpr UINT can_undo = 0xC6;
-    return get_clipboard_client() == clipboard_client::edit &&
-                   SendMessageA(GetFocus(), can_undo, 0, 0)
-               ? 0
-               : 1;
+    return can_undo_edit() ? 0 : 1;
 }
 std::int32_t nothing_to_paste() {
     const bool picture = get_clipboard_client() == clipboard_client::graphics;

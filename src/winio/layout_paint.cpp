@@ -132,20 +132,21 @@ RECT area_with_bars(const window_control* control) {
 void draw_control_frame(HDC dc, const window_control* control, std::int32_t kind) {
     const auto row = static_cast<std::size_t>(kind & 3);
     const RECT area = area_with_bars(control);
-    for (std::int32_t outside = 3; outside >= 0; --outside) {
-        const auto step = static_cast<std::size_t>(3 - outside);
+    // The control covers its own pixels: the innermost edge stands beside them.
+    for (std::int32_t outside = 4; outside >= 1; --outside) {
+        const auto step = static_cast<std::size_t>(4 - outside);
         draw_edges(
             dc,
             {area.left - outside, area.top - outside, area.right + outside, area.bottom + outside},
             colour_of(top_left_tones[row][step]), colour_of(bottom_right_tones[row][step]));
     }
-    ExcludeClipRect(dc, {area.left - 3, area.top - 3, area.right + 3, area.bottom + 3});
+    ExcludeClipRect(dc, {area.left - 4, area.top - 4, area.right + 4, area.bottom + 4});
 }
 
 bool has_frame(const window_control* control) {
     return control->hwnd && type_properties(control->type) & framed_in_3d &&
            control->type != control_type::spin &&
-           (control->flags.data_border || !control->flags.data_control);
+           !(control->flags.data_control && control->flags.no_data_frame);
 }
 
 // ---- Boxes -------------------------------------------------------------------------------------

@@ -57,6 +57,8 @@ void style_ww_window(fancy_window* window, additions& frame) {
         add_border(frame, SM_CXFRAME, SM_CYFRAME);
     } else if (flags.sizable) {
         add_border(frame, SM_CXEDGE, SM_CYEDGE);
+    } else if (flags.caption) {
+        add_border(frame, SM_CXBORDER, SM_CYBORDER);  // a caption's own
     }
     if (flags.minimise_box) window->style |= WS_MINIMIZEBOX;
     if (flags.maximise_box) window->style |= WS_MAXIMIZEBOX;

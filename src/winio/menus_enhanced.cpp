@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "platform/user/menus.h"
+#include "winio/buttons.h"
 #include "winio/callbacks.h"
 #include "winio/codes.h"
 #include "winio/menus.h"
@@ -105,8 +106,12 @@ void add_bitmap(Decoder& d) {
         return;
     const std::string path = d.path.empty() ? name : d.path + "~" + name;
     const std::int32_t id = record(d, path);
-    // Programs don't carry pictures by name yet: the name shows in its place.
-    AppendMenuAW(d.levels.back(), d.flags, static_cast<std::uintptr_t>(id), name.c_str());
+    const HBITMAP picture = load_resource(name.c_str());
+    if (picture != 0)
+        AppendMenuA(d.levels.back(), d.flags | MF_BITMAP, static_cast<std::uintptr_t>(id),
+                    reinterpret_cast<const char*>(static_cast<word>(picture)));
+    else  // its name says more than an empty item
+        AppendMenuAW(d.levels.back(), d.flags, static_cast<std::uintptr_t>(id), name.c_str());
     finish_item(d);
 }
 
@@ -177,6 +182,8 @@ bool decode(Decoder& d, HMENU into) {
             if (expect_item) fail(d, "Comma found where not expected in enhanced menu definition");
             ++d.at;
             expect_item = true;
+        } else if (!expect_item) {
+            fail(d, "Syntax error in enhanced menu");
         } else if (!take_option(d)) {
             const std::size_t depth = d.levels.size();
             if (!d.failed) read_item(d);
@@ -214,7 +221,7 @@ void keep_tables(fancy_window* window, const Decoder& d, bool popup) {
 }
 
 bool fill(fancy_window* window, const char* text, HMENU menu, bool popup) {
-    Decoder d{text, popup ? popup_base : 0};
+    Decoder d{text != nullptr ? text : "", popup ? popup_base : 0};
     if (!decode(d, menu)) return false;
     keep_tables(window, d, popup);
     return true;
@@ -248,7 +255,7 @@ void read_enhanced_menu(code_call& call, bool popup) {
     const call_back callback =
         get_callback_function(call.arguments, "should be an enhanced menu call-back function");
     if (records().passive || records().check_mode) return;
-    decode_enhanced_menu(window, text != nullptr ? text : "", popup);
+    decode_enhanced_menu(window, text, popup);
     if (popup) {
         window->popup_callback = callback;
     } else {

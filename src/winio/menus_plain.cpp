@@ -37,7 +37,7 @@ struct Reading {
     bool build;     // false in a passive pass: arguments are read, nothing is made
     bool in_popup;  // %pm, %cm: no mnemonics of the window, no width
     int depth = 0;
-    std::int32_t resource_id = 0;
+    std::int32_t leaves = 0;  // separators too
 };
 
 struct Item {
@@ -150,13 +150,15 @@ void note_keys(Reading& reading, const Item& item, const menu_info& info, bool t
 HMENU read_level(Reading& reading, HMENU into, std::int32_t kind, bool top_of_bar);
 
 void add_leaf(Reading& reading, HMENU menu, Item& item, std::int32_t kind, bool top_of_bar) {
-    const bool separator = item.caption == "|";
+    const bool separator =
+        item.caption.find_first_not_of(' ', 1) == std::string::npos && item.caption[0] == '|';
     if (separator && top_of_bar) quillpan_error("Menu separator not permitted at the top level ");
     if (!separator) {
         take_resource_id(reading, item);
         item.callback =
             get_callback_function(reading.call.arguments, "should be a menu call-back function");
     }
+    ++reading.leaves;
     if (!reading.build) return;
     menu_info* info = new_item(reading, menu, item, kind);
     if (separator) {
@@ -253,11 +255,19 @@ HMENU target_of(fancy_window* window, std::int32_t kind, HMENU existing) {
     return kind == kind_popup ? CreatePopupMenu() : CreateMenu();
 }
 
-HMENU read_into(code_call& call, std::int32_t kind, HMENU existing) {
+// `leaves` receives how many items can have help.
+HMENU read_into(code_call& call, std::int32_t kind, HMENU existing, std::int32_t& leaves) {
     fancy_window* window = current_window();
     Reading reading{call, window, !records().passive && !records().check_mode, kind == kind_popup};
     const HMENU menu = reading.build ? target_of(window, kind, existing) : HMENU{};
-    return read_level(reading, menu, kind, kind == kind_bar);
+    read_level(reading, menu, kind, kind == kind_bar);
+    leaves = reading.leaves;
+    return menu;
+}
+
+HMENU read_into(code_call& call, std::int32_t kind, HMENU existing) {
+    std::int32_t leaves = 0;
+    return read_into(call, kind, existing, leaves);
 }
 
 // The list of a menu from a dialog resource: one item with the code's modifiers and a text
@@ -278,9 +288,21 @@ HMENU read_resource_menu(code_call& call, std::int32_t kind, HMENU existing) {
     return read_into(inner, kind, existing);
 }
 
-void help_of(code_call& call, menu_info* old_head) {
+// Null: there is none, and that was said.
+char* menu_help(code_call& call) {
+    if (*call.format == '[' || *call.format == '@') return get_standard_string(call, "menu help");
+    quillpan_error("Missing menu help string");
+    return nullptr;
+}
+
+// Where no items are made their texts are read all the same.
+void help_of(code_call& call, menu_info* old_head, std::int32_t leaves) {
     if (!call.question) return;
     call.question = false;
+    if (records().passive || records().check_mode) {
+        while (leaves-- > 0) menu_help(call);
+        return;
+    }
     get_menu_help(old_head, current_window()->menu_items, call);
 }
 
@@ -288,11 +310,8 @@ void read_help(menu_info* from, const menu_info* until, code_call& call) {
     if (from == nullptr || from == until) return;
     read_help(from->next, until, call);  // oldest first
     if (from->submenu != 0) return;
-    if (*call.format != '[' && *call.format != '@') {
-        quillpan_error("Missing menu help string");
-        return;
-    }
-    from->help = get_standard_string(call, "menu help");
+    from->help = menu_help(call);
+    if (from->help == nullptr) return;
     std::int32_t columns = 0, lines = 0;
     text_size(from->help, columns, lines);
     fancy_window* window = current_window();
@@ -332,7 +351,6 @@ void peek_menu(code_call& call, std::int32_t kind) {
 }
 
 void get_menu_help(menu_info* old_head, menu_info* new_head, code_call& call) {
-    if (records().passive || records().check_mode) return;
     current_window()->flags.menu_help = true;
     current_window()->flags.help_wanted = true;
     read_help(new_head, old_head, call);
@@ -350,6 +368,7 @@ void handle_mn(code_call& call) {
     window->menu_height = GetSystemMetrics(SM_CYMENU);
     check_sq_bra(call.format, "MN");
     menu_info* old_head = window->menu_items;
+    std::int32_t leaves = 0;
     fancy_window* target = nullptr;
     if (builder().nw_mode != 0) {
         if (pending().nw_target_control != nullptr)
@@ -360,9 +379,9 @@ void handle_mn(code_call& call) {
             window->menu = target->menu;
         }
     }
-    window->menu = read_into(call, kind_bar, window->menu);
+    window->menu = read_into(call, kind_bar, window->menu, leaves);
     if (target != nullptr) target->menu = window->menu;
-    help_of(call, old_head);
+    help_of(call, old_head, leaves);
 }
 
 void handle_sm(code_call& call) {
@@ -370,8 +389,9 @@ void handle_sm(code_call& call) {
     call.grave = false;  // the manager's own items aren't ours to delete
     check_sq_bra(call.format, "SM");
     menu_info* old_head = window->menu_items;
-    window->system_menu = read_into(call, kind_system, window->system_menu);
-    help_of(call, old_head);
+    std::int32_t leaves = 0;
+    window->system_menu = read_into(call, kind_system, window->system_menu, leaves);
+    help_of(call, old_head, leaves);
 }
 
 void handle_pm(code_call& call) {
@@ -386,19 +406,20 @@ void handle_pm(code_call& call) {
     if (call.grave) return read_enhanced_menu(call, true);
     check_sq_bra(call.format, "PM");
     menu_info* old_head = window->menu_items;
+    std::int32_t leaves = 0;
     if (builder().nw_mode != 0 && pending().nw_target_control != nullptr) {
         HMENU& menu = pending().nw_target_control->popup_menu;
         destroy_replaced(pending().nw_target_control->window, menu, 4);
-        menu = read_into(call, kind_popup, menu);
+        menu = read_into(call, kind_popup, menu, leaves);
     } else if (fancy_window* target = builder().nw_mode != 0
                                           ? fancy_window_from_handle(pending().nw_target_window)
                                           : nullptr) {
         destroy_replaced(target, target->popup_menu, 4);
-        target->popup_menu = read_into(call, kind_popup, target->popup_menu);
+        target->popup_menu = read_into(call, kind_popup, target->popup_menu, leaves);
     } else {
-        window->popup_menu = read_into(call, kind_popup, window->popup_menu);
+        window->popup_menu = read_into(call, kind_popup, window->popup_menu, leaves);
     }
-    help_of(call, old_head);
+    help_of(call, old_head, leaves);
 }
 
 void handle_cm(code_call& call) {
@@ -409,9 +430,10 @@ void handle_cm(code_call& call) {
     }
     check_sq_bra(call.format, "CM");
     menu_info* old_head = current_window()->menu_items;
-    const HMENU menu = read_into(call, kind_popup, HMENU{});
+    std::int32_t leaves = 0;
+    const HMENU menu = read_into(call, kind_popup, HMENU{}, leaves);
     if (menu != 0) pending().context_menu = menu;
-    help_of(call, old_head);
+    help_of(call, old_head, leaves);
 }
 
 // The look of this platform's menus is the same with and without; the options are kept.

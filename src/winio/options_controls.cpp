@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "platform/base/constants.h"
+#include "platform/gdi/theme.h"
 #include "winio/options.h"
 #include "winio/report.h"
 
@@ -193,6 +194,9 @@ void mb_block(const option_reader& words, void* block) {
         bar.style |= 0x81;
         bar.position = 0x81;
         if (!window.flags.margins_given) window.margin_left = 16;
+        if (window.flags.own_background) quillpan_error("?%%BG can't be used with %%MB[left]");
+        window.flags.own_background = false;
+        window.background = platform::GetSysColor(platform::COLOR_BTNFACE);
         window.flags.multi_button_left = true;
     }
 }

@@ -145,6 +145,7 @@ void collect_ch_options(code_call& call, window_control* control) {
 void collect_co_reset(fancy_window& window) {
     window_flags& flags = window.flags;
     flags.data_border = true;
+    flags.no_data_frame = false;
     flags.focus_loss_check = flags.right_justify = flags.read_only = flags.client_edge = false;
     window.update_policy = 0;
 }
@@ -167,8 +168,14 @@ void collect_co_options(code_call& call) {
         for (const policy_word& policy : policies) {
             if (words.is(policy.word)) window->update_policy |= policy.bits;
         }
-        if (words.is("data_border")) flags.data_border = true;
-        if (words.is("no_data_border")) flags.data_border = false;
+        if (words.is("data_border")) {
+            flags.data_border = true;
+            flags.no_data_frame = false;
+        }
+        if (words.is("no_data_border")) {
+            flags.data_border = false;
+            flags.no_data_frame = true;
+        }
         if (words.is("full_check")) flags.full_check = true;
         if (words.is("check_on_focus_loss")) flags.focus_loss_check = true;
         if (words.is("right_justify")) flags.right_justify = true;
@@ -254,7 +261,10 @@ void apply_box_word(const option_reader& words, box& into) {
 // A word that doesn't go with another is dropped. The colour's argument is read all the same.
 void check_box(box& into) {
     const bool hidden = into.status || into.invisible;
-    if (into.no_border && (into.kind != 0 || into.rounded || into.wants_line_colour)) {
+    // A name stands on the border. A box without one may still be nameless, to stand level with
+    // boxes that have names.
+    if (into.no_border &&
+        (into.kind != 0 || into.rounded || into.wants_line_colour || into.named)) {
         quillpan_error("The no_border box option is inconsistent with other options specified");
         into.no_border = false;
     }

@@ -97,6 +97,7 @@ void copy_data_words(window_control& control, control_type type, const fancy_win
     using enum control_type;
     const window_flags& from = window.flags;
     control.flags.data_border = from.data_border;
+    control.flags.no_data_frame = from.no_data_frame;
     control.flags.right_justify = from.right_justify;
     const bool numeric = is_one_of(type, integer_box, float_box);
     const bool textual = is_one_of(type, string_box, buffer_box);

@@ -201,6 +201,7 @@ struct window_flags {
     // The default words of %co:
     bool data_border : 1, focus_loss_check : 1, right_justify : 1, read_only : 1, client_edge : 1;
     bool full_check : 1;
+    bool no_data_frame : 1;  // no_data_border was said, and isn't only the look's default
     bool no_right_move : 1, no_down_move : 1;  // %nr, %nd
     bool horizontal_bar : 1, vertical_bar : 1;
     bool super_maximised : 1;
@@ -369,7 +370,7 @@ struct control_flags {
     bool full_width : 1;  // %ln
     bool undrawn : 1;     // frame of a no_border box
     bool data_control : 1, read_form : 1, data_border : 1, focus_loss_check : 1, full_check : 1;
-    bool right_justify : 1, read_only : 1, client_edge : 1;
+    bool right_justify : 1, read_only : 1, client_edge : 1, no_data_frame : 1;
     bool wide : 1, bound_limits : 1, initially_blank : 1, has_data : 1;
     bool prompt_shown : 1, prompt_hidden : 1, spin_used : 1, being_set : 1, password : 1;
     bool keep_focus : 1, h_bar : 1, v_bar : 1, no_h_scroll : 1, no_v_scroll : 1;

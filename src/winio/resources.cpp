@@ -1,7 +1,10 @@
 #include "winio/resources.h"
 
 #include <cstring>
+#include <map>
+#include <string>
 
+#include "platform/dialogs/program_resources.h"
 #include "platform/gdi/gdi.h"
 #include "platform/user/user.h"
 #include "winio/layout.h"
@@ -21,6 +24,19 @@ std::int32_t find(const char* name, const named_number* table, std::size_t count
     return 0;
 }
 
+// Each file is read once.
+HCURSOR cursor_of_file(const std::string& name) {
+    static auto* loaded = new std::map<std::string, HCURSOR>;
+    const auto [entry, fresh] = loaded->try_emplace(name, HCURSOR{});
+    std::string bytes;
+    if (fresh && platform::read_picture_resource(platform::resource_kind::cursor, name, bytes)) {
+        platform::POINT hot;
+        entry->second = platform::CreateIconFromFile(
+            reinterpret_cast<const unsigned char*>(bytes.data()), bytes.size(), true, hot);
+    }
+    return entry->second;
+}
+
 }  // namespace
 
 HCURSOR load_cursor_resource(const char* name) {
@@ -37,7 +53,7 @@ HCURSOR load_cursor_resource(const char* name) {
         {"IDC_SIZENWSE", platform::IDC_SIZENWSE},  {"IDC_SIZENESW", platform::IDC_SIZENESW},
         {"IDC_HELP", platform::IDC_HELP}};
     const std::int32_t which = find(name, cursors, std::size(cursors));
-    return which != 0 ? platform::LoadSystemCursor(which) : HCURSOR{};
+    return which != 0 ? platform::LoadSystemCursor(which) : cursor_of_file(name);
 }
 
 bool font_exists(const char* name, LOGFONT& description) {

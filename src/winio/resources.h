@@ -1,5 +1,4 @@
-// Cursors and fonts by name (icons and bitmaps: buttons.h). Programs don't carry resources of their
-// own yet: what is found are the built-in ones.
+// Cursors and fonts by name (icons and bitmaps: buttons.h).
 #pragma once
 
 #include "platform/base/types.h"
@@ -7,7 +6,7 @@
 
 namespace tarn::winio {
 
-HCURSOR load_cursor_resource(const char* name);  // 0: none of that name
+HCURSOR load_cursor_resource(const char* name);  // built-in, or a file; 0: none
 // Looks for the family; its description goes to `description`.
 bool font_exists(const char* name, LOGFONT& description);
 

@@ -60,6 +60,14 @@ void queue(Value value, const char* token) {
     std::memcpy(get_aux_arg_pointer(sizeof(word), token), &value, sizeof value);
 }
 
+// A blank or a comma would end the value, a bracket the list.
+std::string quoted_where_needed(const std::string& value) {
+    if (value.find_first_of(" ,]") == std::string::npos) return value;
+    if (value[0] == '\'' || value[0] == '"') return value;
+    const char quote = value.find('\'') == std::string::npos ? '\'' : '"';
+    return quote + value + quote;
+}
+
 }  // namespace
 
 namespace tarn::winio {
@@ -177,7 +185,7 @@ TARN_EXPORT void __winop_clr(const char* text, std::int32_t colour) {
     winop_with(text, printed("#%0x", exchanged), "winop_clr");
 }
 TARN_EXPORT void __winop_str(const char* text, const char* value) {
-    winop_with(text, value ? value : "", "winop_str");
+    winop_with(text, quoted_where_needed(value ? value : ""), "winop_str");
 }
 TARN_EXPORT void __winop_chr(const char* text, const char* value) {
     winop_with(text, printed("%lu", reinterpret_cast<unsigned long>(value)), "winop_chr");

@@ -58,6 +58,7 @@ void step_box(window_control* box, bool up) {
                  static_cast<LPARAM>(box->hwnd));
     callbacks().context.spin_control_used = 0;
     if (watch.gone()) return;
+    box->flags.spin_used = false;  // at a limit nothing has changed
     if (box->type != control_type::float_box || !format_of(box)) return;
     // The rounding of the format doesn't stick.
     auto* variable = static_cast<double*>(box->variable);

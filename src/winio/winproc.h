@@ -52,8 +52,10 @@ struct procedures_state {
     platform::WPARAM last_key;           // the last character typed into a box
     bool (*interception)(platform::MSG*);
     monitor_list idle, cursor, focus, keyboard;
-    platform::HWND cursor_window, focus_window;  // as the monitors were told last
-    platform::LRESULT message_result;            // __set_mg_return_value
+    platform::HWND cursor_window, focus_window;  // as they were last
+    bool dialog_key;  // the command that comes is the Enter or the Escape key's
+    platform::HWND last_client;  // of the clipboard: the field or text window that had the focus
+    platform::LRESULT message_result;  // __set_mg_return_value
     tool_help_state tool_help;
     struct text_exchange *sending, *exchange;  // text messages: on its way, being answered
 };

@@ -2,6 +2,7 @@
 #include "tarn/dates.h"
 
 #include <cmath>
+#include <cstdio>
 #include <cstdlib>
 #include <ctime>
 #include <gtest/gtest.h>
@@ -115,6 +116,38 @@ TEST(Texts, Today) {
                 "411, This access of date facilities is not Millenium compatible");
     EXPECT_EXIT(shown(EDATE, 9), testing::ExitedWithCode(1), "411");
     unsetenv("DATE_FAIL");
+}
+
+TEST(DateAndTime, TextsAndValuesOfOneMoment) {
+    const Zone east("IST-5:30");
+    std::string date(10, '#'), time(10, '#'), zone(5, '#');
+    std::int32_t values[8] = {};
+    const std::time_t before = std::time(nullptr);
+    DATE_AND_TIME_hJ(date.data(), time.data(), zone.data(), values, 10, 10, 5);
+    char expected[40];
+    std::snprintf(expected, sizeof expected, "%04d%02d%02d  %02d%02d%02d.%03d", values[0],
+                  values[1], values[2], values[4], values[5], values[6], values[7]);
+    EXPECT_EQ(date + time, expected);
+    EXPECT_EQ(zone, "+0530");
+    EXPECT_EQ(values[3], 330);
+    tm fields{};
+    fields.tm_year = values[0] - 1900, fields.tm_mon = values[1] - 1, fields.tm_mday = values[2];
+    fields.tm_hour = values[4], fields.tm_min = values[5], fields.tm_sec = values[6];
+    EXPECT_NEAR(static_cast<double>(std::mktime(&fields)), static_cast<double>(before), 2);
+
+    // A short text is cut; what is absent is left alone.
+    const Zone west("NST3:30");
+    auto* const absent = reinterpret_cast<char*>(0xF0F0F0F0F0F0F0F0);
+    std::int16_t narrow[8] = {};
+    std::int64_t wide[8] = {};
+    zone = "#####";
+    DATE_AND_TIME_hI(absent, nullptr, zone.data(), narrow, 8, 10, 3);
+    EXPECT_EQ(zone, "-03##");
+    DATE_AND_TIME_hW(date.data(), absent, absent, wide, 4, 0, 0);
+    EXPECT_EQ(date.substr(0, 4), std::to_string(wide[0]));
+    EXPECT_EQ(narrow[3], -210);
+    EXPECT_EQ(wide[3], -210);
+    DATE_AND_TIME_hJ(absent, absent, absent, nullptr, 0, 0, 0);
 }
 
 TEST(Seconds, SinceAYear) {

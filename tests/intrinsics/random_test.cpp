@@ -175,26 +175,38 @@ TEST(Streams, ThePublishedGenerator) {
     for (const std::uint64_t number : published) EXPECT_EQ(generator.next(), number);
 }
 
+// Arrays of all lengths and single numbers by turns, with the thread's stream where one number
+// after the other leaves a generator.
 template <class Real>
-void lanes_equal_draws() {
-    for (const std::size_t count : {100000, 0, 1, 255, 256, 257, 2048, 3000, 32768, 70001}) {
-        Xoshiro one{{1, 2, 3, count}};
-        Xoshiro many = one;
+void arrays_equal_numbers(Xoshiro& one) {
+    for (const std::size_t count :
+         {1, 7, 8, 100, 255, 1000, 2000, 4095, 4096, 4097, 6000, 32768, 70001, 5, 60}) {
         std::vector<Real> single(count);
         std::vector<Real> array(count);
         for (Real& value : single) value = random_real<Real>(one);
-        fill_random(many, array.data(), count);
+        thread_stream().fill(array.data(), count);
         ASSERT_EQ(single, array) << count;
-        ASSERT_EQ(one.next(), many.next());
+        ASSERT_EQ(random_real<Real>(one), random_real<Real>(thread_stream()));
+        const Xoshiro here = thread_stream().position();
+        for (int word = 0; word < 4; ++word) ASSERT_EQ(here.s[word], one.s[word]) << count;
     }
 }
 
-TEST(Streams, ArraysEqualDraws) {
-    lanes_equal_draws<float>();
-    lanes_equal_draws<double>();
-    lanes_equal_draws<long double>();
-    platform::known_vector_level = platform::VectorLevel::base;
-    lanes_equal_draws<double>();
+TEST(Streams, ArraysEqualNumbers) {
+    for (const auto level : {platform::VectorLevel::unknown, platform::VectorLevel::base}) {
+        platform::known_vector_level = level;
+        Xoshiro one{{1, 2, 3, 4}};
+        thread_stream().restart(one);
+        arrays_equal_numbers<double>(one);
+        arrays_equal_numbers<float>(one);
+        arrays_equal_numbers<long double>(one);
+        arrays_equal_numbers<__float128>(one);
+        arrays_equal_numbers<float>(one);
+        // A new seed does away with what was made ahead.
+        one = Xoshiro{{5, 6, 7, 8}};
+        thread_stream().restart(one);
+        arrays_equal_numbers<float>(one);
+    }
     platform::known_vector_level = platform::VectorLevel::unknown;
 }
 
@@ -202,11 +214,16 @@ TEST(Streams, ThreadsHaveStreamsOfTheirOwn) {
     const Seed seed{1, 2, 3, 4};
     set_seed(seed);
     EXPECT_EQ(thread_seed(), seed);
-    Xoshiro expected = thread_stream();
+    Xoshiro expected = thread_stream().position();
     for (int i = 0; i < 3; ++i) {
         expected.jump();
         Xoshiro seen{};
-        std::thread([&] { seen = thread_stream(); }).join();
+        std::thread([&] {
+            seen = thread_stream().position();
+            // With storage that ends with the thread.
+            float some[100];
+            for (int turn = 0; turn < 1000; ++turn) thread_stream().fill(some, 100);
+        }).join();
         for (int word = 0; word < 4; ++word) EXPECT_EQ(seen.s[word], expected.s[word]);
     }
     EXPECT_EQ(thread_seed(), seed);

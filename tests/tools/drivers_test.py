@@ -165,6 +165,33 @@ class Drivers(unittest.TestCase):
             self.assertEqual(b"Infinity" in result.stdout, quiet)
             self.assertEqual(result.returncode == 0, quiet)
 
+    def test_virtual_common(self):
+        block = "real(8) a(2_8**32), b\n common /big/ a, b\n integer i(1000)\n common i\n"
+        self.put(main_f90=f"{block} a(2_8**32) = 1.5\n i(1000) = 3\n call s\nend\n",
+                 s_f90=f"subroutine s\n{block} print '(2f6.1,i3,z17.16,z9.8)', a(2_8**32), b, i(1000), &\n"
+                       " transfer(a(7), 0_8), i(9)\nend\n")  # fmt: skip
+        self.tarnfc("--virtual-common=big,//", "-c", "s.f90")
+        for blocks, shown in (
+            ("big,//", "   1.5   0.0  3 0000000000000000 00000000\n"),
+            ("/BIG/:0x310000000000:undefined,//", "   1.5  -0.0  3 8080808080808080 00000000\n"),
+        ):
+            self.tarnfc("-O2", f"--virtual-common={blocks}", "main.f90", "s.o", "-o", "program")
+            self.assertEqual(self.output("program"), shown)
+        for blocks, expected in (
+            ("nothing", "no object has a COMMON block /nothing/"),
+            ("big:12", "NAME:ADDRESS"),
+            ("big:0x310000000001", "multiple of 4096"),
+            ("big:0x1000", "from 0x40000000"),
+            ("", "is what goes here"),
+        ):
+            result = self.tarnfc(f"--virtual-common={blocks}", "main.f90", "s.o", status=1)
+            self.assertIn(expected, text_of(result), blocks)
+        result = self.tarnfc("--virtual-common=big", "-fPIC", "main.f90", status=1)
+        self.assertIn("-fPIC", text_of(result))
+        self.put(data_f90="block data\nreal c(999)\ncommon /big/ c\ndata c(1) /2.0/\nend\n")
+        result = self.tarnfc("--virtual-common=big", "data.f90", "main.f90", "s.o", status=1)
+        self.assertIn("/big/ has values at the start", text_of(result))
+
     def test_shared_object(self):
         self.put(part_f90="subroutine part()\n print *, 1\nend\n",
                  main_c="void part_(void);\nint main(void) { part_(); return 0; }\n")  # fmt: skip

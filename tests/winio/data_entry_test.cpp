@@ -198,6 +198,35 @@ TEST_F(Boxes, CheckOnFocusLossWaits) {
     EXPECT_EQ(value, 77);
 }
 
+// A button doesn't close the window over an entry that was refused, by the mouse or by a key.
+TEST_F(Boxes, ARefusedEntryStopsTheButton) {
+    std::int32_t value = 7;
+    window_control* control = box("%co[check_on_focus_loss]%il%rd%`bt[OK]", "II*I",
+                                  {5, 10, w(&value)}, control_type::integer_box);
+    window_control* button = nth(newest(), control_type::button);
+    const auto by_mouse = [&] {
+        SendMessageA(button->hwnd, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(5, 5));
+        SendMessageA(button->hwnd, WM_LBUTTONUP, 0, MAKELPARAM(5, 5));
+        settle();
+    };
+    const auto by_key = [&] {
+        PostMessageA(control->hwnd, WM_KEYDOWN, VK_RETURN, 0);
+        settle();
+    };
+    type(control, "99");
+    by_mouse();
+    EXPECT_EQ(open_windows(), 1);
+    EXPECT_EQ(field(control), "7");
+    EXPECT_EQ(GetFocus(), control->hwnd);
+    type(control, "4");
+    by_key();
+    EXPECT_EQ(open_windows(), 1);
+    type(control, "9");
+    by_key();
+    EXPECT_EQ(open_windows(), 0);
+    EXPECT_EQ(value, 9);
+}
+
 TEST_F(Boxes, SpinStepsAndServesOneBox) {
     std::int32_t value = 7, other = 0;
     window_control* control =
@@ -219,6 +248,28 @@ TEST_F(Boxes, SpinStepsAndServesOneBox) {
     EXPECT_EQ(set_increment(control->hwnd, 1), 5);
     press(18);
     EXPECT_EQ(value, 9);
+}
+
+// One call for a step, and none for a step that a limit stops.
+TEST_F(Boxes, SpinRunsTheCallBackAndSaysSo) {
+    static std::int32_t value;
+    static std::vector<std::int32_t> seen;
+    value = 9;
+    seen.clear();
+    const call_back note = +[]() -> std::int32_t {
+        seen.push_back(value * 10 + static_cast<std::int32_t>(quillpan_info("SPIN_CONTROL_USED")));
+        return 2;
+    };
+    window_control* control =
+        box("%il%dd%^rd", "III*I*E", {0, 10, 1, w(&value), w(note)}, control_type::integer_box);
+    for (const std::int32_t y : {2, 2, 18}) {
+        LPARAM at = MAKELPARAM(3, y);
+        SendMessageA(control->spin->hwnd, WM_LBUTTONDOWN, MK_LBUTTON, at);
+        SendMessageA(control->spin->hwnd, WM_LBUTTONUP, 0, at);
+    }
+    EXPECT_EQ(seen, (std::vector<std::int32_t>{101, 91}));
+    type(control, "4");
+    EXPECT_EQ(seen.back(), 40);
 }
 
 TEST_F(Boxes, LiveLimits) {

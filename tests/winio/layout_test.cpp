@@ -11,6 +11,7 @@
 #include <string>
 #include <vector>
 
+#include "platform/gdi/gdi.h"
 #include "winio/form.h"
 #include "winio/layout_map.h"
 
@@ -413,6 +414,31 @@ TEST_F(Placing, TextsAreMeasured) {
     get_text_dimensions(current_window()->font, "", width, depth);
     EXPECT_EQ(width, 0);
     EXPECT_GT(depth, 0);
+}
+
+// The frame that the look promises stands around the field, unless it was declined.
+TEST(LayoutPaint, FieldsOfTheThreeDimensionalLookHaveFrames) {
+    static std::int32_t variable, number;
+    for (const char* kind : {"3d", "3d_depressed", "3d_raised", "3d_thin"}) {
+        const std::string format = std::string("%sy[") + kind + "]%rd%co[no_data_border]%rd%lw";
+        test::form(format.c_str(), "*I*I*I",
+                   {test::w(&number), test::w(&number), test::w(&variable)});
+        fancy_window* window = test::newest();
+        ASSERT_NE(window, nullptr);
+        const platform::HDC dc = platform::CreateCompatibleDC(platform::HDC{});
+        const platform::HBITMAP bitmap = platform::CreateCompatibleBitmap(dc, 400, 100);
+        platform::SelectObject(dc, bitmap);
+        fill_main_window(window, dc, {0, 0, 400, 100});
+        const auto beside = [&](const window_control* field) {
+            return platform::GetPixel(dc, field->left - 1, field->top + 5);
+        };
+        const COLORREF ground = platform::GetPixel(dc, 1, 1);
+        EXPECT_NE(beside(test::nth(window, control_type::integer_box)), ground) << kind;
+        EXPECT_EQ(beside(test::nth(window, control_type::integer_box, 1)), ground) << kind;
+        platform::DeleteDC(dc);
+        platform::DeleteObject(bitmap);
+        test::close_all();
+    }
 }
 
 }  // namespace

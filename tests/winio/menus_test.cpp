@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "form.h"
+#include "scanner_call.h"
 #include "winio/callbacks.h"
 #include "winio/menus.h"
 
@@ -67,7 +68,7 @@ TEST(Keys, HaveNames) {
 
 TEST(Menus, PlainListsBuildBarsAndPopups) {
     static std::int32_t control, grey = 0, check = 1;
-    form("%ca[Menus]%mn[Help,&File[&Open,~Save^Ctrl+S,|,100%%]]&", "*E*E*I*E*E",
+    form("%ca[Menus]%mn[Help,&File[&Open,~Save^Ctrl+S, | ,100%%]]&", "*E*E*I*E*E",
          {w(note_choice), w(note_choice), w(&grey), w(note_choice), w(note_choice)});
     form("%mn[[Late]]%mn[View[#Big,^State]]&", "*E*I*E*E*E",
          {w(note_choice), w(&check), w(note_choice), w(grey_and_checked), w(note_choice)});
@@ -134,6 +135,34 @@ TEST(Menus, OfAnOpenWindowAreReplacedOverSeveralCalls) {
     settle();
 }
 
+// The Enter and the Escape key send the commands 1 and 2, which are items there.
+TEST(Menus, KeysDontChooseItemsOfEnhancedMenus) {
+    static std::int32_t control;
+    form("%ca[Enhanced]%`mn%^bt[OK]%lw", "*C*E*C*I",
+         {w("[One,Two]"), w(note_choice), w("CONTINUE"), w(&control)});
+    fancy_window* window = newest();
+    ASSERT_NE(window, nullptr);
+    chosen.clear();
+    const HWND button = nth(window, control_type::button)->hwnd;
+    SetFocus(button);
+    for (const int key : {VK_ESCAPE, VK_RETURN}) PostMessageA(button, WM_KEYDOWN, WPARAM(key), 0);
+    settle();
+    EXPECT_TRUE(chosen.empty());
+    for (const std::int32_t item : {0, 1})
+        PostMessageA(window->hwnd, WM_COMMAND, GetMenuItemID(window->enhanced_menu, item), 0);
+    settle();
+    EXPECT_EQ(chosen, (std::vector<std::string>{"One", "Two"}));
+    close_all();
+}
+
+TEST(Menus, HelpIsReadWhereNoMenuIsBuilt) {
+    checking check;
+    const char text[] = "help";
+    check.call("%?mn[A,B[C,|]]@@[x]&", "*E*E*C*C",
+               {w(note_choice), w(note_choice), w(text), w(text)});
+    EXPECT_EQ(check.report(), "");
+}
+
 TEST(Menus, EnhancedDefinitionsAreOneText) {
     static std::int32_t control;
     form("%ca[Enhanced]%`mntext%lw", "*C*E*I",
@@ -165,6 +194,11 @@ TEST(MenuDefinitions, ThatCannotBeReadEndTheProgram) {
         {"[-xx File]", "Unrecognised option in enhanced menu definition"},
         {"[-he File]", "-he must be folowed by"},
         {"[-he[ File]", "Brackets not paired"},
+        {"[-he[ File", "Closing '.' missing on -he in enhanced menu definition"},
+        {"[-bm disk]", "Missing '.' after -bm in enhanced menu definition"},
+        {"[-bm[disk", "Brackets not paired in enhanced menu definition"},
+        {"[File[Open] Help]", "Syntax error in enhanced menu"},
+        {"[File\nHelp]", "Syntax error in enhanced menu"},
     };
     testing::FLAGS_gtest_death_test_style = "threadsafe";
     for (const auto& c : cases)

@@ -140,6 +140,12 @@ TEST(ScannerArguments, NamesTheArgumentThatHasTheWrongType) {
         {"text", "I", c, "Unused arguments in winio call"},
         {"%wd", "*I*I", fortran, "Unused arguments in WINIO@ call"},
         {"%sc", "*I", c, "Argument number 2 of winio\nshould be a call-back function"},
+        {"%ph", "*F", fortran, "Argument number 2 of WINIO@ should be an INTEGER(7)"},
+        {"%ph", "F", c, "Argument number 2 of winio\nshould be a pointer"},
+        {"%ca@", "*I", fortran,
+         "Argument number 2 of WINIO@ should be a character variable or array"},
+        {"%rs", "*I", fortran, "Argument number 2 of WINIO@ should be a character variable"},
+        {"%20.3`eb", "*C*I*F", fortran, "Argument number 4 of WINIO@ should be an integer array"},
     };
     std::int32_t integer = 1;
     for (const wrong& each : cases) {
@@ -151,6 +157,18 @@ TEST(ScannerArguments, NamesTheArgumentThatHasTheWrongType) {
                   each.report)
             << each.format << " " << each.descriptor;
     }
+}
+
+TEST(ScannerArguments, TextsNeedTheTableOfLengths) {
+    checking check;
+    argument_source source;
+    const word name = text("name");
+    source.words = &name;
+    source.word_count = 1;
+    source.lengths = nullptr;
+    source.fortran = true;
+    winio("%ca@", 4, nullptr, source);
+    EXPECT_EQ(check.report(), "Internal error in C_string.");
 }
 
 TEST(ScannerArguments, UsesTheTableOfNamesInCheckMode) {

@@ -140,7 +140,9 @@ def link_arguments(command, language, float_rules):
     if language == "fortran":
         # Contained procedures that are handed on need it, and nobody can do anything about it.
         out.append("-Wl,--no-warn-execstack")
-    return out + paths.LINK + ["-Wl,-z,separate-code", "-Wl,--as-needed", "-ltarnlibc"]
+    # Data and code in pages of their own, which the linker `gold` has no word for.
+    pages = [] if command.has("-fuse-ld=gold") else ["-Wl,-z,separate-code"]
+    return out + paths.LINK + pages + ["-Wl,--as-needed", "-ltarnlibc"]
 
 
 def debug_arguments(command):

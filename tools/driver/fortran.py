@@ -20,6 +20,7 @@ import tempfile
 
 import calls
 import paths
+import virtual_common
 from command import (FORTRAN_FIXED, FORTRAN_FREE, PREPROCESSED, CommandLine, UserError,
                      add_map, compiler_of, debug_arguments, include_arguments, link_arguments,
                      main_of, missing, run_compiler, take_choice, take_strip, version_text)  # fmt: skip
@@ -42,13 +43,17 @@ of the library's own routines may be written as they are, with their `@`.
   --dialect=native       input and output as the library's own compilers expect them
   --float=system         floating-point exceptions give their results quietly (the default)
   --float=native         all of them but the inexact one trap, as the library's own compilers start
+  --virtual-common=NAME  the COMMON block NAME takes memory only where it is touched and may be as
+                         large as the address space; all sources that have it want the option.
+                         NAME:0x300000000000 is at that address, NAME:undefined reads as bytes of
+                         80 (hexadecimal) until it is set, // is the block without a name
   --version              the versions of driver and compiler
   --help                 this text
 
 A source that calls winio@ is compiled without -flto, so that the arguments of its calls can be
 checked.
 
-Environment: TARN_FC names another gfortran, TARN_OBJCOPY another objcopy.
+Environment: TARN_FC names another gfortran, TARN_OBJCOPY another objcopy, TARN_NM another nm.
 """
 
 
@@ -92,10 +97,11 @@ def is_fortran(path, language):
 class Build:
     """One command whose sources need work."""
 
-    def __init__(self, compiler, command, native, folder):
+    def __init__(self, compiler, command, native, common_blocks, folder):
         self.compiler = compiler
         self.command = command
         self.native = native
+        self.common_blocks = common_blocks  # the virtual ones
         self.folder = folder  # for what lives as long as the command
         self.count = 0
         # What each compilation is given: everything but inputs, the output and the language.
@@ -227,11 +233,13 @@ class Build:
     def compile_and_link(self, sources, added):
         by_path = {source.path: source for source in sources}
         arguments = []
+        objects = []
         forced = False
         for kind, words, language in self.command.items:
             source = by_path.get(words[0]) if kind == "input" else None
             if source is None:
                 arguments += words
+                objects += words if kind == "input" else []
                 forced = forced or words[0].startswith("-x")
                 continue
             output = self.temporary(".o")
@@ -248,10 +256,32 @@ class Build:
                 done = self.compile(source, output, "-c")
             if not done:
                 return 1
+            objects.append(output)
             arguments += ["-x", "none", output] if forced else [output]
             if forced and language:
                 arguments += ["-x", language]
+        if self.common_blocks:
+            if forced:
+                arguments += ["-x", "none"]
+            arguments += virtual_common.LINK + [self.common_records(objects)]
         return self.run(arguments + added)
+
+    def common_records(self, objects):
+        assembly, output = self.temporary(".s"), self.temporary(".o")
+        with open(assembly, "w", encoding="ascii") as file:
+            file.write(virtual_common.assembly(self.common_blocks, objects))
+        if self.run(["-c", assembly, "-o", output]) != 0:
+            raise UserError(f"{virtual_common.OPTION}: the assembler failed")
+        return output
+
+
+def check_virtual_common(blocks, command):
+    if not blocks:
+        return
+    options = [words[0] for kind, words, _ in command.items if kind == "option"]
+    for option in options:
+        if option.startswith("-flto") or option in ("-shared", "-pie", "-fpie", "-fPIE", "-fPIC"):
+            raise UserError(f"{virtual_common.OPTION} does not go with {option}")
 
 
 def needs_work(sources, native, command):
@@ -270,11 +300,15 @@ def run(arguments):
         return 0
     dialect, arguments = take_choice(arguments, "--dialect", ["gnu", "native"])
     float_rules, arguments = take_choice(arguments, "--float", ["system", "native"])
+    common_blocks, arguments = virtual_common.take(arguments)
     native = dialect == "native"
     command = CommandLine(arguments)
+    check_virtual_common(common_blocks, command)
     if native and any(w[0].startswith("-flto") for k, w, _ in command.items if k == "option"):
         raise UserError("--dialect=native does not go with -flto: it works on finished objects")
     strip = take_strip(command)
+    if common_blocks:
+        command.items += [("option", [word], None) for word in virtual_common.COMPILE]
     added = include_arguments([paths.INCLUDE, paths.MODULES])
     command.items = [("option", [word], None) for word in debug_arguments(command)] + command.items
     command.items += [("option", [word], None) for word in added]
@@ -292,12 +326,12 @@ def run(arguments):
         or command.modes & {"-E", "-M", "-MM"}
         or (only and command.output and len(inputs) > 1)  # gfortran has the words for that
     )
-    if plain or not needs_work(sources, native, command):
+    if plain or not (needs_work(sources, native, command) or common_blocks and command.links()):
         return run_compiler(compiler, command.arguments() + linked, command, strip, VARIABLE)
     if not shutil.which(compiler[0]):
         raise missing(compiler, VARIABLE)
     with tempfile.TemporaryDirectory(prefix="tarnfc-") as folder:
-        build = Build(compiler, command, native, folder)
+        build = Build(compiler, command, native, common_blocks, folder)
         if only:
             return build.compile_only(sources, only)
         status = build.compile_and_link(sources, linked)

@@ -48,6 +48,14 @@ bool is_fortran(int language) {
     }
 }
 
+// A procedure as its source declares it. What is inlined across files, or moved about by the
+// linker, has it in another unit.
+struct Declared {
+    Dwarf_Die die;
+    std::string source;
+    int line;
+};
+
 class Reader {
   public:
     explicit Reader(const std::string& path);
@@ -76,6 +84,9 @@ class Reader {
     bool is_code(std::uint64_t address) const;
     std::string name_of(const Unit& unit, Dwarf_Die* die);
     std::string fortran_name(const Unit& unit, Dwarf_Die* die);
+    std::string spelled(const Unit& unit, Dwarf_Die* die);
+    std::string host_of(const Unit& unit, Dwarf_Die* die);
+    std::string parallel_name(const Unit& unit, const std::string& symbol);
     std::string shown_path(const Unit& unit, const char* path) const;
     std::uint32_t file_index(const std::string& file);
 
@@ -83,6 +94,7 @@ class Reader {
     Elf* elf_ = nullptr;
     Dwarf* dwarf_ = nullptr;
     std::vector<Range> code_;
+    std::vector<Declared> declared_;  // of Fortran, but internal procedures
     std::unordered_map<std::uint64_t, std::string> symbols_;
     std::unordered_map<std::string, std::uint32_t> files_;
     Spelling spelling_;
@@ -140,11 +152,12 @@ std::vector<Routine> Reader::read_symbols() {
             const char* name = elf_strptr(elf_, header.sh_link, symbol.st_name);
             if (name == nullptr || *name == 0 || !is_code(symbol.st_value)) continue;
             if (!symbols_.emplace(symbol.st_value, name).second) continue;
-            const std::uint32_t flags =
-                std::strcmp(name, "_start") == 0 ? traceback::routine_hidden : 0;
+            std::uint32_t flags = 0;
+            if (std::strcmp(name, "_start") == 0) flags = traceback::routine_hidden;
+            if (std::strcmp(name, "MAIN__") == 0) flags = traceback::routine_is_main;
             routines.push_back({symbol.st_value,
                                 symbol.st_value + std::max<std::uint64_t>(symbol.st_size, 1),
-                                demangled(name), flags});
+                                readable(name), flags});
         }
     }
     return routines;
@@ -200,32 +213,91 @@ std::vector<Range> Reader::code_of(Dwarf_Die* die) const {
     return ranges;
 }
 
+std::string source_of(const std::string& folder, Dwarf_Die* die) {
+    const char* file = dwarf_decl_file(die);
+    return file != nullptr ? (std::filesystem::path(folder) / file).string() : std::string();
+}
+
+int line_of(Dwarf_Die* die) {
+    int line = 0;
+    return dwarf_decl_line(die, &line) == 0 ? line : 0;
+}
+
+std::string Reader::spelled(const Unit& unit, Dwarf_Die* die) {
+    std::string name = attribute_text(die, DW_AT_name);
+    const std::string file = source_of(unit.folder, die);
+    const int line = line_of(die);
+    if (file.empty() || line == 0) return name;
+    // The symbol of a main program stands for its name where that is another's.
+    if (name != "MAIN__") return spelling_.in_line(file, line, name);
+    const std::string program = spelling_.of_program(file, line);
+    return program.empty() ? "main program" : program;
+}
+
+// Debug information of the first level doesn't tell whose an internal procedure is. It has no
+// symbol of its own, and its source stands behind its host's CONTAINS.
+std::string Reader::host_of(const Unit& unit, Dwarf_Die* die) {
+    const std::string file = source_of(unit.folder, die);
+    const int contains = spelling_.contains_before(file, line_of(die));
+    const Declared* host = nullptr;
+    for (const Declared& each : declared_) {
+        const bool nearer = host == nullptr || each.line > host->line;
+        if (each.line < contains && nearer && each.source == file) host = &each;
+    }
+    if (host == nullptr) return {};
+    Dwarf_Die found = host->die;
+    return fortran_name(unit, &found);
+}
+
+bool has(Dwarf_Die* die, unsigned name) {
+    Dwarf_Attribute attribute;
+    return dwarf_attr(die, name, &attribute) != nullptr;
+}
+
+bool is_main_program(Dwarf_Die* die) {
+    return has(die, DW_AT_main_subprogram) || attribute_text(die, DW_AT_name) == "MAIN__";
+}
+
+bool is_internal(Dwarf_Die* die) {
+    return attribute_text(die, DW_AT_linkage_name).empty() && !has(die, DW_AT_external) &&
+           !is_main_program(die);
+}
+
 // MODULE::PROCEDURE, and what is contained in it behind that.
 std::string Reader::fortran_name(const Unit& unit, Dwarf_Die* die) {
-    auto spelled = [&](Dwarf_Die* which) {
-        const std::string name = attribute_text(which, DW_AT_name);
-        int line = 0;
-        const char* file = dwarf_decl_file(which);
-        if (file == nullptr || dwarf_decl_line(which, &line) != 0) return name;
-        const std::filesystem::path path = std::filesystem::path(unit.folder) / file;
-        return spelling_.in_line(path.string(), line, name);
-    };
     Dwarf_Die* scopes = nullptr;
     const int count = dwarf_getscopes_die(die, &scopes);
     const std::unique_ptr<Dwarf_Die, decltype(&std::free)> owned(scopes, &std::free);
-    std::string name = spelled(die);
+    std::string name = spelled(unit, die);
     std::string symbol = attribute_text(die, DW_AT_linkage_name);
+    bool nested = false;
     for (int i = 1; i < count; ++i) {
         if (dwarf_tag(&scopes[i]) != DW_TAG_subprogram) continue;
-        name = spelled(&scopes[i]) + "::" + name;
+        nested = true;
+        name.insert(0, spelled(unit, &scopes[i]) + "::");
         symbol = attribute_text(&scopes[i], DW_AT_linkage_name);
+    }
+    if (!nested && is_internal(die)) {
+        const std::string host = host_of(unit, die);
+        return host.empty() ? name : host + "::" + name;
     }
     const std::string module = module_in_symbol(symbol);
     if (module.empty()) return name;
-    const char* file = dwarf_decl_file(die);
-    if (file == nullptr) return module + "::" + name;
-    const std::filesystem::path path = std::filesystem::path(unit.folder) / file;
-    return spelling_.of_module(path.string(), module) + "::" + name;
+    const std::string file = source_of(unit.folder, die);
+    if (file.empty()) return module + "::" + name;
+    return spelling_.of_module(file, module) + "::" + name;
+}
+
+// The body of a parallel region is a routine that the compiler names after the one it stands in.
+std::string Reader::parallel_name(const Unit& unit, const std::string& symbol) {
+    for (const Declared& each : declared_) {
+        Dwarf_Die die = each.die;
+        if (attribute_text(&die, DW_AT_linkage_name) == symbol ||
+            attribute_text(&die, DW_AT_name) == symbol ||
+            (symbol == "MAIN__" && is_main_program(&die)))
+            return fortran_name(unit, &die);
+    }
+    return symbol;
 }
 
 std::string Reader::name_of(const Unit& unit, Dwarf_Die* die) {
@@ -247,8 +319,8 @@ std::string Reader::name_of(const Unit& unit, Dwarf_Die* die) {
         name = symbol.empty() ? attribute_text(&origin, DW_AT_name) : demangled(symbol);
     }
     const std::size_t parallel = name.find("._omp_fn");
-    if (parallel != std::string::npos) name = name.substr(0, parallel) + " (parallel region)";
-    return name;
+    if (parallel == std::string::npos) return name;
+    return parallel_name(unit, name.substr(0, parallel)) + " (parallel region)";
 }
 
 void Reader::read_routine(const Unit& unit, Dwarf_Die* die) {
@@ -256,6 +328,10 @@ void Reader::read_routine(const Unit& unit, Dwarf_Die* die) {
     if (ranges.empty()) return;
     Routine routine;
     routine.name = name_of(unit, die);
+    // Routines of one file have no symbol in the debug information, but one in the table.
+    const auto own = symbols_.find(ranges.front().start);
+    if (!unit.fortran && own != symbols_.end() && own->second.starts_with("_Z"))
+        routine.name = demangled(own->second.substr(0, own->second.find('.')));
     if (routine.name == "main") {
         routine.flags = unit.fortran ? traceback::routine_hidden : traceback::routine_is_main;
     }
@@ -263,7 +339,7 @@ void Reader::read_routine(const Unit& unit, Dwarf_Die* die) {
         auto symbol = symbols_.find(each.start);
         if (symbol != symbols_.end() && symbol->second == "MAIN__") {
             routine.flags = traceback::routine_is_main;
-            if (routine.name == "MAIN__" || routine.name.empty()) routine.name = "main program";
+            if (routine.name.empty()) routine.name = "main program";
         }
         if (symbol != symbols_.end() && symbol->second.find(".part.") != std::string::npos)
             routine.flags |= traceback::routine_is_rest;
@@ -320,6 +396,20 @@ void Reader::read_children(const Unit& unit, Dwarf_Die* parent, int inline_depth
     } while (dwarf_siblingof(&child, &child) == 0);
 }
 
+void list_declared(Dwarf_Die* parent, const std::string& folder, std::vector<Declared>& all) {
+    Dwarf_Die child;
+    if (dwarf_child(parent, &child) != 0) return;
+    do {
+        const int tag = dwarf_tag(&child);
+        if (tag == DW_TAG_module) list_declared(&child, folder, all);
+        const int line = tag == DW_TAG_subprogram ? line_of(&child) : 0;
+        // What the C library calls as `main` is the compiler's.
+        const bool made = line == 0 || has(&child, DW_AT_abstract_origin) ||
+                          attribute_text(&child, DW_AT_name) == "main";
+        if (!made && !is_internal(&child)) all.push_back({child, source_of(folder, &child), line});
+    } while (dwarf_siblingof(&child, &child) == 0);
+}
+
 void Reader::read_unit(Dwarf_Die* die) {
     const int tag = dwarf_tag(die);
     if (tag != DW_TAG_compile_unit && tag != DW_TAG_partial_unit) return;
@@ -335,11 +425,17 @@ ProgramMap Reader::read() {
     // The symbols first, for they tell which routine is a Fortran main program.
     const std::vector<Routine> from_symbols = read_symbols();
     map_.files.emplace_back();  // the file of no line
+    std::vector<Dwarf_Die> units;
     Dwarf_CU* unit = nullptr;
     Dwarf_Die die;
     while (dwarf_ != nullptr &&
            dwarf_get_units(dwarf_, unit, &unit, nullptr, nullptr, &die, nullptr) == 0)
-        read_unit(&die);
+        units.push_back(die);
+    for (Dwarf_Die& each : units) {
+        if (is_fortran(dwarf_srclang(&each)))
+            list_declared(&each, attribute_text(&each, DW_AT_comp_dir), declared_);
+    }
+    for (Dwarf_Die& each : units) read_unit(&each);
     // What the debug information told counts before the symbols.
     map_.routines.insert(map_.routines.end(), from_symbols.begin(), from_symbols.end());
     return std::move(map_);

@@ -69,6 +69,31 @@ std::string Spelling::of_module(const std::string& file, const std::string& name
     return name;
 }
 
+std::string Spelling::of_program(const std::string& file, int line) {
+    const std::vector<std::string>& lines = lines_of(file);
+    if (line < 1 || line > static_cast<int>(lines.size())) return {};
+    const std::string& text = lines[static_cast<std::size_t>(line - 1)];
+    std::size_t at = find_word(text, "program");
+    if (at == std::string::npos || text.find_first_not_of(" \t") != at) return {};
+    at = std::min(text.find_first_not_of(" \t", at + 7), text.size());
+    std::size_t end = at;
+    while (end < text.size() && is_name_character(text[end])) ++end;
+    return text.substr(at, end - at);
+}
+
+// Internal procedures hold no others, so that the nearest CONTAINS is their host's.
+int Spelling::contains_before(const std::string& file, int line) {
+    const std::vector<std::string>& lines = lines_of(file);
+    for (int i = std::min(line - 1, static_cast<int>(lines.size())); i > 0; --i) {
+        const std::string& text = lines[static_cast<std::size_t>(i - 1)];
+        const std::size_t at = find_word(text, "contains");
+        if (at == std::string::npos || text.find_first_not_of(" \t") != at) continue;
+        const std::size_t behind = text.find_first_not_of(" \t\r", at + 8);
+        if (behind == std::string::npos || text[behind] == '!') return i;
+    }
+    return 0;
+}
+
 std::string module_in_symbol(const std::string& symbol) {
     const std::size_t middle = symbol.find("_MOD_");
     if (symbol.compare(0, 2, "__") != 0 || middle == std::string::npos) return {};
@@ -82,6 +107,13 @@ std::string demangled(const std::string& symbol) {
     std::string result = text != nullptr ? text : symbol;
     std::free(text);
     return result;
+}
+
+std::string readable(const std::string& symbol) {
+    if (symbol == "MAIN__") return "main program";
+    const std::string module = module_in_symbol(symbol);
+    if (module.empty()) return demangled(symbol);
+    return module + "::" + symbol.substr(module.size() + 7);
 }
 
 }  // namespace tarn::map

@@ -10,6 +10,8 @@ module tarn
   use tarn_handles
   use tarn_random
   use tarn_storage
+  use tarn_virtual
+  use tarn_threads
   use tarn_windows
   implicit none
   public

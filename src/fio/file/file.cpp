@@ -9,12 +9,14 @@
 #include <poll.h>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <utility>
 
 #include "fio/file/names.h"
 #include "fio/file/pipe_guard.h"
 #include "fio/file/share.h"
 #include "fio/unit.h"
 #include "platform/kernel/error.h"
+#include "storage/regions.h"
 
 namespace tarn::fio {
 namespace {
@@ -64,8 +66,12 @@ std::size_t write_all(const File& file, const char* bytes, std::size_t count) {
 // One read; 0 at the end of the file, -1 on failure.
 ssize_t read_some(const File& file, char* bytes, std::size_t count) {
     if (file.window != nullptr) return window_stream().read(file.window, bytes, count);
-    for (;;) {
+    for (bool grown = false;;) {
         const ssize_t n = ::read(file.descriptor, bytes, count);
+        // The bytes may lie in storage of which the system hasn't given all pages yet.
+        if (n < 0 && errno == EFAULT && !std::exchange(grown, true) &&
+            storage::grow_for_system(bytes, count))
+            continue;
         if (n >= 0 || !wait_until_ready(file.descriptor, POLLIN)) return n;
     }
 }
@@ -137,6 +143,7 @@ void file_adopt(File& file, int descriptor, std::uint32_t access_bits, bool owne
     file.seekable = known && (S_ISREG(about.st_mode) || S_ISBLK(about.st_mode));
     file.size = known && S_ISREG(about.st_mode) ? about.st_size : 0;
     file.terminal = !file.seekable && ::isatty(descriptor) == 1;
+    file.undecided_pipe = false;
     forget_buffer(file);
     // A descriptor that another program opened may stand anywhere.
     const off_t here = file.seekable && !owned ? ::lseek(descriptor, 0, SEEK_CUR) : 0;

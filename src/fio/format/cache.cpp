@@ -67,14 +67,16 @@ CachedFormat* FormatCache::place_for(std::uint64_t hash) {
     return oldest;
 }
 
-CachedFormat* FormatCache::parse(const char* text, std::size_t length, std::uint64_t hash) {
+CachedFormat* FormatCache::parse(const char* text, std::size_t length, FormatRules rules,
+                                 std::uint64_t hash) {
     CachedFormat* slot = place_for(hash);
     const bool kept = slot != nullptr;
     if (!kept) slot = new CachedFormat;
     slot->hash = hash;
     slot->text.assign(text, length);
+    slot->rules = rules.word();
     slot->program = FormatProgram{};
-    error_ = parse_gnu_format(slot->text.data(), length, slot->program);
+    error_ = parse_gnu_format(slot->text.data(), length, rules, slot->program);
     slot->filled = kept && error_.number == 0;
     if (error_.number != 0) {
         if (!kept) delete slot;
@@ -85,18 +87,18 @@ CachedFormat* FormatCache::parse(const char* text, std::size_t length, std::uint
     return slot;
 }
 
-CachedFormat* FormatCache::acquire(const char* text, std::size_t length) {
+CachedFormat* FormatCache::acquire(const char* text, std::size_t length, FormatRules rules) {
     const std::uint64_t hash = hash_text(text, length);
     CachedFormat** const set = slots_ + (hash % sets) * ways;
     for (CachedFormat** way = set; way != set + ways && *way != nullptr; ++way) {
         CachedFormat& slot = **way;
         if (slot.hash != hash || !slot.filled || slot.text.size() != length) continue;
-        if (!same_text(slot.text.data(), text, length)) continue;
+        if (!same_text(slot.text.data(), text, length) || slot.rules != rules.word()) continue;
         slot.last_use = ++clock_;
         ++slot.users;
         return &slot;
     }
-    return parse(text, length, hash);
+    return parse(text, length, rules, hash);
 }
 
 void FormatCache::drop(CachedFormat* format) {

@@ -16,6 +16,7 @@ namespace tarn::fio {
 struct CachedFormat {
     std::uint64_t hash = 0;
     std::string text;
+    std::uint32_t rules = 0;
     FormatProgram program;
     std::uint32_t users = 0;  // running statements
     std::uint64_t last_use = 0;
@@ -26,9 +27,9 @@ class FormatCache {
   public:
     ~FormatCache();
 
-    // The format of this text, parsed if it hasn't been; null when it is wrong, and `error` says
-    // why. Give it back with `release`.
-    CachedFormat* acquire(const char* text, std::size_t length);
+    // The format of this text by these rules, parsed if it hasn't been; null when it is wrong, and
+    // `error` says why. Give it back with `release`.
+    CachedFormat* acquire(const char* text, std::size_t length, FormatRules rules);
     const FormatError& error() const { return error_; }
     static void release(CachedFormat* format) {
         if (--format->users == 0 && !format->filled) drop(format);
@@ -40,7 +41,8 @@ class FormatCache {
 
     static void drop(CachedFormat* format);
     CachedFormat* place_for(std::uint64_t hash);
-    CachedFormat* parse(const char* text, std::size_t length, std::uint64_t hash);
+    CachedFormat* parse(const char* text, std::size_t length, FormatRules rules,
+                        std::uint64_t hash);
 
     CachedFormat* slots_[sets * ways] = {};
     std::uint64_t clock_ = 0;

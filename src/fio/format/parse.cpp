@@ -34,8 +34,8 @@ enum Sentence : std::int32_t {
 
 class Parser {
   public:
-    Parser(const char* text, std::size_t length, FormatProgram& program)
-        : scanner_(text, length), program_(program) {}
+    Parser(const char* text, std::size_t length, FormatRules rules, FormatProgram& program)
+        : scanner_(text, length), rules_(rules), program_(program) {}
 
     FormatError run() {
         const Token token = scanner_.next();
@@ -285,6 +285,7 @@ class Parser {
     }
 
     bool integer_widths(FormatNode& node) {
+        if (rules_.natural_widths && !width_follows()) return true;
         if (!number(node.w, true)) return false;
         const Token token = scanner_.next();
         if (node.w == 0) unfit_for_input(token);
@@ -301,7 +302,14 @@ class Parser {
         return true;
     }
 
+    bool width_follows() {
+        const Token token = scanner_.next();
+        scanner_.put_back();
+        return token.kind == Token::positive || token.kind == Token::zero;
+    }
+
     bool real_widths(FormatNode& node) {
+        if (rules_.natural_widths && !width_follows()) return true;
         const Token width = scanner_.next();
         if (width.kind != Token::positive && width.kind != Token::zero) {
             // No width: the natural one is taken. What stands in its place is passed over,
@@ -315,9 +323,16 @@ class Parser {
         if (width.overflow) return fault(width_too_large, width);
         node.w = width.value;
         if (node.w == 0) unfit_for_input(width);
+        if (node.w == 0 && node.edit != Edit::F &&
+            (node.edit == Edit::G ? rules_.before_f2008 : rules_.before_f2018)) {
+            return fault(zero_width_on_input, width);
+        }
         const Token period = scanner_.next();
         if (period.kind != Token::period) {
-            if (node.w != 0) return unexpected(period, decimal_point_missing);
+            if (node.w != 0 && !rules_.bare_widths) {
+                return unexpected(period, decimal_point_missing);
+            }
+            if (node.w != 0) node.d = 0;
             scanner_.put_back();
             return true;
         }
@@ -369,6 +384,7 @@ class Parser {
     }
 
     Scanner scanner_;
+    FormatRules rules_;
     FormatProgram& program_;
     FormatError error_;
     Token swallowed_close_;
@@ -377,14 +393,25 @@ class Parser {
 
 }  // namespace
 
-FormatError parse_gnu_format(const char* text, std::size_t length, FormatProgram& program) {
+void fill_natural_width(FieldEdit& edit, bool integer, int kind) {
+    if (integer || is_bits_edit(edit.edit)) {
+        edit.w = kind <= 2 ? 7 : kind == 4 ? 12 : kind == 8 ? 23 : 44;
+        return;
+    }
+    edit.w = kind == 4 ? 15 : kind == 8 ? 25 : 42;
+    edit.d = kind == 4 ? 7 : kind == 8 ? 16 : 33;
+    edit.e = 2;
+}
+
+FormatError parse_gnu_format(const char* text, std::size_t length, FormatRules rules,
+                             FormatProgram& program) {
     program.nodes.clear();
     program.literals.clear();
     program.values.clear();
     program.depth = 0;
     program.has_data_edit = false;
     program.unfit_for_input = {};
-    return Parser(text, length, program).run();
+    return Parser(text, length, rules, program).run();
 }
 
 }  // namespace tarn::fio

@@ -59,6 +59,10 @@ constexpr bool is_data_edit(Edit edit) {
     return edit <= Edit::DT;
 }
 
+constexpr bool is_bits_edit(Edit edit) {
+    return edit == Edit::B || edit == Edit::O || edit == Edit::Z;
+}
+
 inline constexpr std::int32_t absent = -1;
 inline constexpr std::int32_t unlimited = -2;  // repeat of *( ... )
 
@@ -88,6 +92,10 @@ struct FormatError {
     std::size_t position = 0;  // offset in the text at fault
 };
 
+// The width, digits and exponent's digits that an edit without a width has for an item of this
+// kind, where programs may leave them out.
+void fill_natural_width(FieldEdit& edit, bool integer, int kind);
+
 struct FormatProgram {
     std::vector<FormatNode> nodes;
     std::string literals;
@@ -99,7 +107,22 @@ struct FormatProgram {
 
 inline constexpr std::uint32_t max_format_depth = 64;
 
+// What programs are compiled for decides about some formats.
+struct FormatRules {
+    bool natural_widths = false;  // a data edit may come without a width (-fdec-format-defaults)
+    bool bare_widths = false;     // REAL edits need no point behind their width (-std=legacy)
+    bool before_f2008 = false;    // the standard chosen (-std=f95, -std=f2003) doesn't have G0
+    bool before_f2018 = false;    // it has no zero width of exponential edits
+
+    // As a number, different for different rules.
+    std::uint32_t word() const {
+        return (natural_widths ? 1U : 0U) | (bare_widths ? 2U : 0U) | (before_f2008 ? 4U : 0U) |
+               (before_f2018 ? 8U : 0U);
+    }
+};
+
 // Parses the text of a format in the gnu dialect. Text behind the closing parenthesis is ignored.
-FormatError parse_gnu_format(const char* text, std::size_t length, FormatProgram& program);
+FormatError parse_gnu_format(const char* text, std::size_t length, FormatRules rules,
+                             FormatProgram& program);
 
 }  // namespace tarn::fio

@@ -15,9 +15,7 @@ struct ArrayWalk {
     int rank = 0;
     Dimension dimension[15];  // the first `rank` of them are filled
 
-    void add(std::int64_t extent, std::int64_t stride) {
-        dimension[rank++] = {extent, stride, 0};
-    }
+    void add(std::int64_t extent, std::int64_t stride) { dimension[rank++] = {extent, stride, 0}; }
     std::int64_t count() const {
         std::int64_t elements = 1;
         for (int i = 0; i < rank; ++i) elements *= dimension[i].extent;

@@ -208,7 +208,9 @@ bool apply_stream_position(Statement& s, std::int64_t pos) {
         return true;
     }
     FormatCache& formats = thread_state().formats;
-    s.cached = formats.acquire(format, length);
+    FormatRules rules = gnu_options().formats;
+    rules.natural_widths = s.modes.dec_extensions;
+    s.cached = formats.acquire(format, length, rules);
     if (s.cached == nullptr) return refuse_format(s, formats.error(), format, length);
     s.format = &s.cached->program;
     if (s.reading && s.format->unfit_for_input.number != 0) {
@@ -279,6 +281,7 @@ bool begin_on_unit(Statement& s, const TransferSpecifiers& specs) {
 bool open_statement(Statement& s, const TransferSpecifiers& specs) {
     if (specs.internal != nullptr ? !begin_on_internal(s, specs) : !begin_on_unit(s, specs))
         return false;
+    s.modes.dec_extensions = specs.dec_extensions;
     s.namelist = specs.namelist;
     s.unformatted = specs.format == nullptr && !specs.list_directed && s.namelist == nullptr;
     if (s.unformatted) s.raw = UnformattedState{};
@@ -307,16 +310,6 @@ bool goes_on(const Unit& unit, bool reading) {
     const IOStatus& status = unit.status;
     const GnuConnection& connection = unit.gnu;
     return status.connected && status.formatted && !status.direct && !status.stream &&
-           (reading ? status.may_read : status.may_write) && unit.statements == 1 &&
-           connection.end != EndState::after && connection.last_was_write != reading &&
-           !connection.record_open;
-}
-
-// The same of an unformatted one.
-bool records_go_on(const Unit& unit, bool reading) {
-    const IOStatus& status = unit.status;
-    const GnuConnection& connection = unit.gnu;
-    return status.connected && !status.formatted && !status.direct && !status.transparent &&
            (reading ? status.may_read : status.may_write) && unit.statements == 1 &&
            connection.end != EndState::after && connection.last_was_write != reading &&
            !connection.record_open;
@@ -368,25 +361,6 @@ Statement* begin_usual_transfer(Caller& caller, bool reading, const char* format
     return statement;
 }
 
-Statement* begin_usual_records(Caller& caller, bool reading) {
-    Unit* unit = acquire_unit(caller.unit);
-    if (unit == nullptr) return nullptr;
-    if (!records_go_on(*unit, reading)) {
-        release_unit(unit);
-        return nullptr;
-    }
-    Statement* statement = take_statement();
-    Statement& s = *statement;
-    s.caller = &caller;
-    caller.has_unit = true;
-    s.unit = unit;
-    s.reading = reading;
-    s.unformatted = true;
-    s.raw = UnformattedState{};
-    begin_unformatted(s);
-    return statement;
-}
-
 namespace {
 
 // What a child may not ask for, since the record is its parent's.
@@ -417,6 +391,7 @@ bool open_child(Statement& s, Statement& parent, const TransferSpecifiers& specs
     if (!check_child(s, specs)) return false;
     if (s.unformatted) return true;
     if (s.unit != nullptr) s.modes = s.unit->gnu.modes;
+    s.modes.dec_extensions = specs.dec_extensions;
     if (s.modes.sign == SignMode::processor) s.modes.sign = processor_sign();
     if (!choose_format(s, specs.format, specs.format_length)) return false;
     if (specs.modes != nullptr && !apply_modes(s, *specs.modes)) return false;

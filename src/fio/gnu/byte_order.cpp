@@ -1,11 +1,12 @@
 #include "fio/gnu/byte_order.h"
 
-#include <atomic>
 #include <cstdint>
 #include <cstring>
 #ifdef __x86_64__
 #include <immintrin.h>
 #endif
+
+#include "platform/kernel/cpu.h"
 
 namespace tarn::fio {
 namespace {
@@ -92,18 +93,6 @@ __attribute__((target("avx2"))) std::size_t turn_blocks(char* to, const char* fr
     return done;
 }
 
-bool has_wide_vectors() {
-    // 0: not asked yet.
-    static constinit std::atomic<int> answer{0};
-    int known = answer.load(std::memory_order_relaxed);
-    if (known == 0) {
-        __builtin_cpu_init();
-        known = __builtin_cpu_supports("avx2") != 0 ? 1 : 2;
-        answer.store(known, std::memory_order_relaxed);
-    }
-    return known == 1;
-}
-
 #endif
 
 }  // namespace
@@ -114,7 +103,8 @@ void copy_turned(char* to, const char* from, std::size_t unit, std::size_t count
     constexpr std::size_t worthwhile = 64;
     const unsigned char* const order = sources_of(unit);
     const std::size_t bytes = unit * count;
-    if (order != nullptr && bytes >= worthwhile && has_wide_vectors()) {
+    if (order != nullptr && bytes >= worthwhile &&
+        platform::vector_level() >= platform::VectorLevel::avx2) {
         done = turn_blocks(to, from, order, bytes);
     }
 #endif

@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "failure/failure.h"
 #include "fio/gnu/connection.h"
 #include "fio/gnu/keyword.h"
 #include "fio/unit.h"
@@ -35,6 +36,10 @@ void close_unit(Caller& caller, std::string_view status) {
         // A scratch file can't be kept; it goes all the same.
         const bool kept = unit->status.scratch && wanted == CloseStatus::keep;
         int err = 0;
+        if (wanted == CloseStatus::remove && unit->gnu.read_only) {
+            failure::warn("CLOSE keeps a file protected by READONLY");
+            wanted = CloseStatus::keep;
+        }
         if (unit->status.connected) disconnect(*unit, wanted == CloseStatus::remove, err);
         give_back_new_unit_number(unit->number);
         UnitList_destroy(unit);

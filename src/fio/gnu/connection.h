@@ -24,6 +24,7 @@ struct Terms {
     Access access = Access::sequential;
     Form form = Form::formatted;
     Action action = Action::readwrite;
+    bool read_only = false;     // READONLY
     bool action_given = false;  // otherwise the first of both, read and write that the file grants
     Position position = Position::asis;
     Share share = Share::unspecified;

@@ -6,6 +6,7 @@
 #include "fio/gnu/edit_out_blanks.h"
 #include "fio/gnu/edit_out_figures.h"
 #include "fio/gnu/edit_out_general.h"
+#include "fio/gnu/options.h"
 #include "fio/number/quick_decimal.h"
 
 namespace tarn::fio {
@@ -198,7 +199,9 @@ struct QuickRequest {
                                         QuickField field, const EditModes& modes) {
     QuickReal real;
     if (!(kind == 8 ? load<double>(item, real) : load<float>(item, real))) return nullptr;
+    if (real.negative && !gnu_options().sign_zero) return nullptr;
     field.mark = modes.decimal == DecimalMark::comma ? ',' : '.';
+    // A zero's sign may be unwanted, and what will be shown isn't known yet.
     field.sign = real.negative ? '-' : modes.sign == SignMode::plus ? '+' : '\0';
     int decimals = request.d;
     bool fixed = request.edit == Edit::F;

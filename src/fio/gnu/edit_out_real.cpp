@@ -6,6 +6,7 @@
 #include "fio/gnu/edit_out_general.h"
 #include "fio/gnu/edit_out_hexadecimal.h"
 #include "fio/gnu/edit_out_quick.h"
+#include "fio/gnu/options.h"
 
 namespace tarn::fio {
 
@@ -111,8 +112,15 @@ bool shows_leading_zero(const Figures& figures, const Field& field, std::int64_t
     return figures.zeros + figures.after == 0 && (sign == 0 || !figures.cut_unseen);
 }
 
+bool shows_zero(const Figures& figures) {
+    const auto shown = static_cast<std::size_t>(figures.before + figures.after);
+    const std::string_view digits(figures.digits, std::min(figures.made, shown));
+    return digits.find_first_not_of('0') == digits.npos;
+}
+
 char* put_number(char* out, const Figures& figures, const Field& field, bool negative,
                  const EditModes& modes) {
+    if (negative && !gnu_options().sign_zero && shows_zero(figures)) negative = false;
     const char sign = sign_of(negative, modes.sign);
     const ExponentShape exponent = exponent_shape(figures, field);
     const std::int64_t needed =

@@ -75,6 +75,11 @@ std::string place_of(const Caller& caller) {
     return lines;
 }
 
+std::string place_of_failure(const Caller& caller) {
+    failure::set_statement(caller.source_file, caller.line);
+    return place_of(caller);
+}
+
 // The text of a report on one line, without its number.
 std::string one_line(const Caller& caller, std::string_view message) {
     std::string text(message);
@@ -127,7 +132,7 @@ void raise_fault(Caller& caller, Fault fault, std::string_view detail) {
     if (caller.outcome == Outcome::ok) caller.fault_number = fault.number;
     const std::string message = sentence(failure::plain_text(fault.number), detail);
     if (deliver(caller, fault.iostat, message)) return;
-    failure::fail_sentence(fault.number, message, place_of(caller));
+    failure::fail_sentence(fault.number, message, place_of_failure(caller));
 }
 
 void raise_system_fault(Caller& caller, int errno_value, std::string_view detail) {
@@ -137,7 +142,7 @@ void raise_system_fault(Caller& caller, int errno_value, std::string_view detail
         sentence(number != 0 ? failure::plain_text(number) : std::strerror(errno_value), detail);
     if (deliver(caller, errno_value, message)) return;
     if (errno_value == EPIPE) end_by_closed_pipe();
-    failure::fail_sentence(number != 0 ? number : 168, message, place_of(caller));
+    failure::fail_sentence(number != 0 ? number : 168, message, place_of_failure(caller));
 }
 
 void raise_procedure_fault(Caller& caller, std::int32_t iostat, std::string_view message) {
@@ -157,7 +162,7 @@ void raise_procedure_fault(Caller& caller, std::int32_t iostat, std::string_view
         text.append(" (a procedure of a derived type returned IOSTAT ");
         text.append(std::to_string(iostat)).append(")");
     }
-    failure::fail_sentence(number, text, place_of(caller));
+    failure::fail_sentence(number, text, place_of_failure(caller));
 }
 
 void raise_end_of_file(Caller& caller) {

@@ -6,6 +6,7 @@
 #include <cstring>
 #include <string_view>
 
+#include "fio/gnu/options.h"
 #include "fio/gnu/statement.h"
 #include "fio/integer_item.h"
 
@@ -27,6 +28,20 @@ void write_list(Statement& statement, ItemType type, char* items, int kind, std:
                 std::ptrdiff_t stride, std::size_t count);
 void read_formatted(Statement& statement, ItemType type, char* items, int kind, std::size_t size,
                     std::ptrdiff_t stride, std::size_t count);
+
+// Whether the item's edit descriptor has no width, in a program that may leave it out.
+inline bool lacks_width(const Statement& s, const FormatNode& node, ItemType type) {
+    if (!s.modes.dec_extensions || node.w != absent || node.edit == Edit::A ||
+        node.edit == Edit::L || node.edit == Edit::DT) {
+        return false;
+    }
+    return type == ItemType::integer || type == ItemType::real || is_bits_edit(node.edit);
+}
+
+// Bits of a REAL are Fortran 2008.
+inline bool is_bits_of_real_refused(ItemType type) {
+    return type == ItemType::real && (gnu_options().allow_std & std_f2008) == 0;
+}
 
 // What stands before an item of list-directed output.
 void put_list_separator(Statement& statement, bool character);

@@ -129,8 +129,14 @@ void write_wide_character(Statement& s, std::size_t width, const char* item, std
     write_character(s, text, item, kind, length);
 }
 
+[[gnu::noinline]] void write_with_natural_width(Statement& s, const FormatNode& node, ItemType type,
+                                                const char* item, int kind, std::size_t size);
+
 void write_through(Statement& s, const FormatNode& node, ItemType type, const char* item, int kind,
                    std::size_t size) {
+    if (lacks_width(s, node, type)) [[unlikely]] {
+        return write_with_natural_width(s, node, type, item, kind, size);
+    }
     ++s.items;
     switch (node.edit) {
         case Edit::I:
@@ -139,6 +145,7 @@ void write_through(Statement& s, const FormatNode& node, ItemType type, const ch
         case Edit::B:
         case Edit::O:
         case Edit::Z:
+            if (is_bits_of_real_refused(type)) return fail_mismatch(s, node, type);
             return write_bits(s, node, item, static_cast<std::size_t>(kind));
         case Edit::L:
             return write_logical(s, node, item, kind);
@@ -158,6 +165,13 @@ void write_through(Statement& s, const FormatNode& node, ItemType type, const ch
             if (type != ItemType::real) return fail_mismatch(s, node, type);
             return write_real(s, node, item, kind);
     }
+}
+
+void write_with_natural_width(Statement& s, const FormatNode& node, ItemType type, const char* item,
+                              int kind, std::size_t size) {
+    FormatNode full = node;
+    fill_natural_width(full, type == ItemType::integer, kind);
+    write_through(s, full, type, item, kind, size);
 }
 
 // An item before which control edit descriptors stand.
@@ -213,7 +227,7 @@ void put_blanks(Statement& s, std::size_t count) {
 }
 
 void put_characters(Statement& s, const char* text, int kind, std::size_t length) {
-    if (length == 0) return;
+    if (length == 0) return write_nothing(s);
     if (kind == 4 && s.wide) {
         if (room(s, length) == nullptr) return;
         std::memcpy(s.cursor, text, 4 * length);

@@ -60,13 +60,13 @@ bool LongRealScanner::scan_exponent() {
     if (is_exponent_letter(*at_)) {
         // A letter asks for a sign or a digit.
         at_ = skip_blanks(at_ + 1, end_);
-        if (at_ == end_) return false;
+        if (at_ == end_) return may_lack_digits_;
     }
     bool negative = false;
     if (*at_ == '+' || *at_ == '-') {
         negative = *at_++ == '-';
         // Blanks behind a sign make an exponent of zero; the field's end doesn't.
-        if (at_ == end_) return false;
+        if (at_ == end_) return may_lack_digits_;
         at_ = skip_blanks(at_, end_);
     }
     for (; at_ < end_; ++at_) {

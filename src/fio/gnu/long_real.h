@@ -38,6 +38,7 @@ class LongRealScanner {
         : at_(at),
           end_(end),
           blank_is_zero_(modes.blank == Blank::zero),
+          may_lack_digits_(modes.dec_extensions),
           mark_(modes.decimal == DecimalMark::comma ? ',' : '.') {}
 
     // False: no number and no word, `fault` says where.
@@ -65,6 +66,7 @@ class LongRealScanner {
     const char* at_;
     const char* end_;
     bool blank_is_zero_;
+    bool may_lack_digits_;  // of the exponent
     char mark_;
     bool negative_ = false;
     bool blank_ = false;

@@ -14,6 +14,7 @@ struct OpenSpecifiers {
     std::int32_t* new_unit = nullptr;  // NEWUNIT=
     bool has_recl = false;
     std::int64_t recl = 0;
+    bool read_only = false;  // READONLY, an ACTION='READ' that protects the file
     std::string_view file, status, access, form, blank, position, action, delim, pad, convert;
     std::string_view decimal, encoding, round, sign, asynchronous, share, carriage_control;
 };

@@ -11,6 +11,7 @@
 #include <string_view>
 #include <vector>
 
+#include "fio/format/program.h"
 #include "fio/modes.h"
 
 namespace tarn::fio {
@@ -31,6 +32,10 @@ struct UnitConvert {
     std::int32_t last;
     Convert convert;
 };
+
+// Bits of `allow_std`.
+inline constexpr std::int32_t std_f2008 = 1 << 7;
+inline constexpr std::int32_t std_f2018 = 1 << 9;
 
 // Bits of `fpe_summary` and of the traps that -ffpe-trap asks for.
 inline constexpr std::int32_t fpe_invalid = 1;
@@ -54,6 +59,8 @@ struct GnuOptions {
     bool sign_zero = true;
     bool bounds_check = false;
     std::int32_t fpe_summary = 0;  // exceptions that STOP and ERROR STOP name
+    FormatRules formats;           // as the words about standards have them
+    bool legacy = false;           // -std=legacy
 
     // GFORTRAN_STDIN_UNIT, GFORTRAN_STDOUT_UNIT, GFORTRAN_STDERR_UNIT.
     std::int32_t stdin_unit = 5;

@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "fio/file/record_buffer.h"
+#include "fio/gnu/carriage_control.h"
 #include "fio/gnu/internal_file.h"
 #include "fio/gnu/options.h"
 #include "fio/gnu/records.h"
@@ -103,6 +104,11 @@ void keep_tail(Statement& s) {
     unit.saved_length = length;
 }
 
+// Whether the record at hand begins here, and its first character moves the paper.
+bool begins_on_paper(const Statement& s) {
+    return s.unit->gnu.carriage == CarriageControl::fortran && s.column_base == 0;
+}
+
 // The record stays open; what it holds up to the cursor is on its way.
 void leave_record_open(Statement& s) {
     Unit& unit = *s.unit;
@@ -110,30 +116,31 @@ void leave_record_open(Statement& s) {
     keep_tail(s);
     int err = 0;
     const auto length = static_cast<std::size_t>(s.cursor - s.begin);
-    end_record(unit.file, length, leaves_at_once(unit), err);
+    s.high = s.cursor;
+    if (length > 0 && begins_on_paper(s) && !control_carriage(s)) return;
+    end_record(unit.file, static_cast<std::size_t>(s.high - s.begin), leaves_at_once(unit), err);
     unit.gnu.record_open = true;
     unit.gnu.open_column = static_cast<std::size_t>(s.column_base) + length;
     if (err != 0) fail_system(s, err);
 }
 
-// The line end isn't part of the record: RECL= doesn't count it. False: there is no memory for it.
-[[gnu::noinline]] bool make_room_for_line_end(Statement& s, std::size_t size) {
-    int err = 0;
-    const auto length = static_cast<std::size_t>(s.high - s.begin);
-    const OutputRoom at = grow_record(s.unit->file, length, size, err);
-    if (err != 0) fail_system(s, err);
-    if (at.begin == nullptr) return false;
-    s.begin = at.begin;
-    s.high = at.begin + length;
-    return true;
+std::string_view line_end_of(const Unit& unit) {
+    switch (unit.gnu.carriage) {
+        case CarriageControl::fortran:
+            return unit.gnu.returns_carriage ? "\r" : "";
+        case CarriageControl::none:
+            return "";
+        default:
+            return unit.dialect->line_end;
+    }
 }
 
 void finish_external(Statement& s) {
     Unit& unit = *s.unit;
     File& file = unit.file;
-    const std::string_view line_end = unit.dialect->line_end;
-    const auto room = static_cast<std::size_t>(file.buffer + file.capacity - s.high);
-    if (room < line_end.size() && !make_room_for_line_end(s, line_end.size())) return;
+    if (begins_on_paper(s) && !control_carriage(s)) return;
+    const std::string_view line_end = line_end_of(unit);
+    if (!make_room_behind(s, line_end.size())) return;
     if (line_end.size() == 1) {
         *s.high = line_end[0];
     } else {
@@ -147,6 +154,15 @@ void finish_external(Statement& s) {
     s.column_base = s.pending = 0;
     // A formatted stream ends behind the record that was written last.
     if (s.stream && file.size > file.logical_position) cut_here(file, err);
+    if (err != 0) fail_system(s, err);
+}
+
+// Behind `$` the next record follows in the same line, right behind the cursor.
+void finish_without_line_end(Statement& s) {
+    int err = 0;
+    end_record(s.unit->file, static_cast<std::size_t>(s.cursor - s.begin), leaves_at_once(*s.unit),
+               err);
+    s.pending = 0;
     if (err != 0) fail_system(s, err);
 }
 
@@ -177,6 +193,19 @@ void go_on_behind_blank(Statement& s) {
 }
 
 }  // namespace
+
+bool make_room_behind(Statement& s, std::size_t size) {
+    const File& file = s.unit->file;
+    if (static_cast<std::size_t>(file.buffer + file.capacity - s.high) >= size) return true;
+    int err = 0;
+    const auto length = static_cast<std::size_t>(s.high - s.begin);
+    const OutputRoom at = grow_record(s.unit->file, length, size, err);
+    if (err != 0) fail_system(s, err);
+    if (at.begin == nullptr) return false;
+    s.begin = at.begin;
+    s.high = at.begin + length;
+    return true;
+}
 
 void cut_behind(Statement& s) {
     Unit& unit = *s.unit;
@@ -212,7 +241,11 @@ void next_output_record(Statement& s) {
         ++s.record_number;
         begin_direct(s);
     } else {
-        finish_external(s);
+        if (s.no_line_end) {
+            finish_without_line_end(s);
+        } else {
+            finish_external(s);
+        }
         begin_external(s);
     }
 }
@@ -295,7 +328,7 @@ void finish_open_record(Unit& unit, int& err) {
     // A prompt at the end of the program stays as it is; any other unit ends with a whole record.
     const GnuOptions& options = gnu_options();
     const bool standard = unit.number == options.stdout_unit || unit.number == options.stderr_unit;
-    const std::string_view line_end = standard ? std::string_view() : unit.dialect->line_end;
+    const std::string_view line_end = standard ? std::string_view() : line_end_of(unit);
     const std::size_t length = unit.saved_length + line_end.size();
     const OutputRoom at = begin_record(unit.file, length, err);
     if (at.begin == nullptr) return;

@@ -199,6 +199,7 @@ struct TransferSpecifiers {
     bool has_pos = false;
     bool has_end = false;
     bool has_eor = false;
+    bool dec_extensions = false;   // compiled with -fdec
     const char* format = nullptr;  // null: none
     std::size_t format_length = 0;
     NamelistGroup* namelist = nullptr;  // null: none

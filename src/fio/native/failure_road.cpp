@@ -74,6 +74,7 @@ void end_by_closed_pipe() {
     const bool closed_pipe = failure.system && errno == EPIPE;
     if (closed_pipe) end_by_closed_pipe();
     const std::string place = place_of(current());
+    failure::set_statement(current().source_file, current().source_line);
     if (failure.system) {
         std::string report = "Win32 error detected in ";
         report.append(failure.where).append(" : ").append(text_of(failure));

@@ -1,11 +1,11 @@
 #include "intrinsics/arrays/along.h"
 
-#include "intrinsics/arrays/loops.h"
-
 namespace tarn::arrays {
 namespace {
 
 constexpr Index largest_element = 32;
+// With so few elements the blocks cost more than they gain.
+constexpr Index few_elements = 256;
 
 // n runs of `run.n` elements, all in step; each is a result.
 void reduce_block(const Reduction& reduction, const Run& run, Index step, Index mask_step, Index n,
@@ -14,7 +14,7 @@ void reduce_block(const Reduction& reduction, const Run& run, Index step, Index 
     alignas(64) std::byte gathered[block_width * largest_element];
     Flag flags[block_width];
     reduction.begin(block, n);
-    const bool gather = !reduction.flags_only() && step != run.element;
+    const bool gather = step != run.element;
     const std::byte* at = run.at;
     const std::byte* mask = run.mask;
     for (Index k = 0; k < run.n; ++k) {
@@ -27,9 +27,6 @@ void reduce_block(const Reduction& reduction, const Run& run, Index step, Index 
             load_flags(flags, mask, mask_step, n, run.mask_size, run.truth);
             mask += run.mask_stride;
         }
-        constexpr Index steps_between_looks = 8;
-        if (k % steps_between_looks == steps_between_looks - 1 && reduction.decided(block, n))
-            break;
         reduction.step(block, x, run.mask != nullptr ? flags : nullptr, n, k);
         at += run.stride;
     }
@@ -40,6 +37,39 @@ void reduce_block(const Reduction& reduction, const Run& run, Index step, Index 
 
 void reduce_along(const Reduction& reduction, const View& array, const Mask* mask, int dim,
                   const View& result) {
+    Run run(array.base, array.dims[dim].stride, array.dims[dim].extent, array.element);
+    if (mask != nullptr) {
+        run.mask = mask->view.base;
+        run.mask_stride = mask->view.dims[dim].stride;
+        run.mask_size = mask->view.element;
+        run.truth = mask->truth;
+    }
+    // The results of n runs that begin with `here`, some steps of the array and the mask apart.
+    const auto reduce = [&](Run& here, Index step, Index mask_step, Index n, std::byte* to,
+                            Index to_step) {
+        const bool across = n > 1 && n * run.n > few_elements &&
+                            std::abs(step) < std::abs(run.stride) && run.n < INT32_MAX &&
+                            reduction.side_by_side();
+        if (!across && mask == nullptr && n > 1 && reduction.several(here, step, to, to_step, n))
+            return;
+        const Index together = across ? block_width : 1;
+        for (Index first = 0; first < n; first += together) {
+            if (across) {
+                reduce_block(reduction, here, step, mask_step, std::min(block_width, n - first), to,
+                             to_step);
+            } else {
+                reduction.one(here, to);
+            }
+            here.move(together * step, together * mask_step);
+            to += together * to_step;
+        }
+    };
+    if (array.rank == 2) {
+        const Dimension& other = array.dims[1 - dim];
+        return reduce(run, other.stride, mask != nullptr ? mask->view.dims[1 - dim].stride : 0,
+                      other.extent, result.base, result.dims[0].stride);
+    }
+
     const View outer = without(array, dim);
     const View outer_mask = mask != nullptr ? without(mask->view, dim) : outer;
     Loops<3> loops;
@@ -48,37 +78,13 @@ void reduce_along(const Reduction& reduction, const View& array, const Mask* mas
                   {outer.dims[d].stride, result.dims[d].stride, outer_mask.dims[d].stride});
     loops.finish();
     loops.nearest_first(0);
-
-    Run run{array.base, array.dims[dim].stride, array.dims[dim].extent, array.element};
-    if (mask != nullptr) {
-        run.mask_stride = mask->view.dims[dim].stride;
-        run.mask_size = mask->view.element;
-        run.truth = mask->truth;
-    }
-    const Index* const step = loops.stride[0];
-    const bool across = loops.extent[0] > 1 && std::abs(step[0]) < std::abs(run.stride) &&
-                        run.n < INT32_MAX && reduction.side_by_side();
     std::byte* const mask_base = mask != nullptr ? mask->view.base : array.base;
-
     walk(loops, {array.base, result.base, mask_base}, [&](std::array<std::byte*, 3> at, Index n) {
         Run here = run;
         here.at = at[0];
         if (mask != nullptr) here.mask = at[2];
-        if (!across && mask == nullptr && n > 1 &&
-            reduction.several(here, step[0], at[1], step[1], n))
-            return;
-        for (Index first = 0; first < n;) {
-            const Index m = across ? std::min(block_width, n - first) : 1;
-            std::byte* const to = at[1] + first * step[1];
-            if (across) {
-                reduce_block(reduction, here, step[0], step[2], m, to, step[1]);
-            } else {
-                reduction.one(here, to);
-            }
-            here.at += m * step[0];
-            if (mask != nullptr) here.mask += m * step[2];
-            first += m;
-        }
+        const Index* const step = loops.stride[0];
+        reduce(here, step[0], step[2], n, at[1], step[1]);
     });
 }
 

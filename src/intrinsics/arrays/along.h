@@ -8,6 +8,7 @@
 
 #include <algorithm>
 
+#include "intrinsics/arrays/loops.h"
 #include "intrinsics/arrays/runs.h"
 
 namespace tarn::arrays {
@@ -23,6 +24,31 @@ struct Run {
     Index mask_size = 0;
     Truth truth = Truth::low_byte;
 
+    Run() = default;
+    Run(const std::byte* first, Index step, Index count, Index size)
+        : at(first), stride(step), n(count), element(size) {}
+    // Word by word, as a dimension is.
+    Run(const Run& other)
+        : at(other.at),
+          stride(other.stride),
+          n(other.n),
+          element(other.element),
+          mask(other.mask),
+          mask_stride(other.mask_stride),
+          mask_size(other.mask_size),
+          truth(other.truth) {}
+    Run& operator=(const Run& other) {
+        at = other.at;
+        stride = other.stride;
+        n = other.n;
+        element = other.element;
+        mask = other.mask;
+        mask_stride = other.mask_stride;
+        mask_size = other.mask_size;
+        truth = other.truth;
+        return *this;
+    }
+
     Run from(Index first, Index count) const {
         Run part = *this;
         part.at += first * stride;
@@ -35,11 +61,37 @@ struct Run {
         if (mask != nullptr) mask += mask_step;
     }
     bool counts(Index i) const {
-        return mask == nullptr || is_true(mask + i * mask_stride, mask_size, truth);
+        if (mask == nullptr) return true;
+        const std::byte* const element = mask + i * mask_stride;
+        return truth == Truth::low_byte ? *element != std::byte{0}
+                                        : is_true(element, mask_size, truth);
     }
 };
 
 inline constexpr Index chunk_elements = 512;
+// So few elements under a mask are looked at one by one.
+inline constexpr Index few_counted = 32;
+
+// Calls work(element, counts) for each element of a run.
+template <class T, class Work>
+[[gnu::always_inline]] inline void for_each_element(const Run& run, Work&& work) {
+    const std::byte* at = run.at;
+    const auto next = [&] {
+        T element;
+        __builtin_memcpy(&element, at, sizeof element);
+        at += run.stride;
+        return element;
+    };
+    if (run.mask == nullptr) {
+        for (Index i = 0; i < run.n; ++i) work(next(), true);
+    } else if (run.truth == Truth::low_byte) {
+        const std::byte* mask = run.mask;
+        for (Index i = 0; i < run.n; ++i, mask += run.mask_stride)
+            work(next(), *mask != std::byte{0});
+    } else {
+        for (Index i = 0; i < run.n; ++i) work(next(), run.counts(i));
+    }
+}
 
 // The elements of a run, copied together if they don't lie so, and the flags of its mask.
 template <class T>
@@ -109,22 +161,36 @@ class Reduction {
         return false;
     }
 
-    // Results side by side: a start, a step for element k of each run, an end. `flags` may be null;
-    // so is `x` where a reduction looks at flags only. `run` is the first result's, the others lie
-    // `step` and `mask_step` apart.
+    // Results side by side: a start, a step for element k of each run, an end. `flags` may be null.
+    // `run` is the first result's, the others lie `step` and `mask_step` apart.
     virtual bool side_by_side() const { return true; }
-    virtual bool flags_only() const { return false; }
     virtual void begin(Block& /*block*/, Index /*n*/) const {}
     virtual void step(Block& /*block*/, const std::byte* /*x*/, const Flag* /*flags*/, Index /*n*/,
                       Index /*k*/) const {}
-    // Whether no further step can change a result.
-    virtual bool decided(Block& /*block*/, Index /*n*/) const { return false; }
     virtual void end(Block& /*block*/, Index /*n*/, Run /*run*/, Index /*step*/,
                      Index /*mask_step*/, std::byte* /*to*/, Index /*to_step*/) const {}
 
   protected:
     ~Reduction() = default;
 };
+
+// Calls work(run) for the pieces of an array in array element order.
+template <class Work>
+void for_runs(const View& array, const Mask* mask, Work&& work) {
+    const View& second = mask != nullptr ? mask->view : array;
+    const Loops<2> loops = loops_over(array, second);
+    walk(loops, std::array<std::byte*, 2>{array.base, second.base},
+         [&](const std::array<std::byte*, 2>& at, Index n) {
+             Run run{at[0], loops.stride[0][0], n, array.element};
+             if (mask != nullptr) {
+                 run.mask = at[1];
+                 run.mask_stride = loops.stride[0][1];
+                 run.mask_size = mask->view.element;
+                 run.truth = mask->truth;
+             }
+             return work(run);
+         });
+}
 
 // `result` has the array's dimensions without `dim`; `mask` may be null.
 void reduce_along(const Reduction& reduction, const View& array, const Mask* mask, int dim,

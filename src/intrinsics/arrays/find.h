@@ -1,7 +1,9 @@
 // FINDLOC: where an element that equals a value stands.
 #pragma once
 
-#include "intrinsics/arrays/extremes.h"
+#include "intrinsics/arrays/along.h"
+#include "intrinsics/arrays/dispatch.h"
+#include "intrinsics/arrays/match.h"
 
 namespace tarn::arrays {
 
@@ -23,18 +25,35 @@ struct MatchAcross {
     }
 };
 
+// The first of n elements at any stride that matches; -1: none.
+template <class Match>
+Index first_match_apart(Match match, const std::byte* at, Index stride, Index n) {
+    using T = typename Match::Element;
+    const auto matches = [&](Index i) {
+        return match(*reinterpret_cast<const T*>(at + i * stride));
+    };
+    for (Index i = 0; i < n; ++i)
+        if (matches(i)) return i;
+    return -1;
+}
+
 template <class Match>
 Index first_match(Match match, const Run& run) {
     using T = typename Match::Element;
-    if (run.mask == nullptr && run.stride == static_cast<Index>(sizeof(T)))
+    if (run.mask == nullptr) {
+        if (run.stride != static_cast<Index>(sizeof(T)))
+            return first_match_apart(match, run.at, run.stride, run.n);
         return dispatch<FirstMatch<Match>>(match, reinterpret_cast<const T*>(run.at),
                                            static_cast<const Flag*>(nullptr), run.n);
+    }
+    // Growing pieces: a match near the start doesn't wait for flags of what is far behind it.
     Chunk<T> chunk;
-    for (Index first = 0; first < run.n; first += chunk_elements) {
-        const Run part = run.from(first, std::min(chunk_elements, run.n - first));
-        const T* const x = chunk.load(part);
-        const Flag* const flags = run.mask != nullptr ? chunk.load_mask(part) : nullptr;
-        const Index at = dispatch<FirstMatch<Match>>(match, x, flags, part.n);
+    Index length = 32;
+    for (Index first = 0; first < run.n; first += length) {
+        if (first > 0) length = std::min(2 * length, chunk_elements);
+        const Run part = run.from(first, std::min(length, run.n - first));
+        const Index at =
+            dispatch<FirstMatch<Match>>(match, chunk.load(part), chunk.load_mask(part), part.n);
         if (at >= 0) return first + at;
     }
     return -1;

@@ -117,6 +117,18 @@ struct Fold final : Reduction {
 
     static Element whole(const Run& run) {
         Element result = start_of<Step, Element>();
+        if (run.n <= few_counted || (run.mask == nullptr && run.stride != sizeof(Element))) {
+            for_each_element<Element>(run, [&](Element x, bool counts) {
+                if constexpr (is_complex<Element>) {
+                    if (counts) result = Step::join(result, x);
+                } else {
+                    // What isn't counted joins as something that changes nothing.
+                    constexpr Element neutral = start_of<Step, Element>();
+                    result = Step::join(result, counts ? x : neutral);
+                }
+            });
+            return result;
+        }
         for_counted<Element>(run, [&](const Element* x, Index n) {
             result = dispatch<FoldRun<Step, Element>>(result, x, n);
         });

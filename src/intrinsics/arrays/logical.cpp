@@ -1,88 +1,256 @@
 #include "intrinsics/arrays/logical.h"
 
-#include "intrinsics/arrays/along.h"
+#include <algorithm>
+#include <cstdlib>
+#include <type_traits>
+
 #include "intrinsics/arrays/dispatch.h"
+#include "intrinsics/arrays/loops.h"
+#include "intrinsics/arrays/runs.h"
 
 namespace tarn::arrays {
 namespace {
 
+// Mask elements in a row.
+struct Row {
+    const std::byte* at;
+    Index stride;
+    Index n;
+    Index size;
+    Truth truth;
+
+    Row from(Index first) const { return {at + first * stride, stride, n - first, size, truth}; }
+};
+
+bool has(LogicalReduction what, LogicalReduction one, LogicalReduction other) {
+    return what == one || what == other;
+}
+
+// Results as integers of result.element bytes.
+template <class Value>
+void store_results(std::byte* to, Index step, Index size, Index n, Value&& value) {
+    const auto store = [&]<class Integer>(Integer) {
+        for (Index i = 0; i < n; ++i)
+            *reinterpret_cast<Integer*>(to + i * step) = static_cast<Integer>(value(i));
+    };
+    if (size == 4) return store(std::int32_t{});
+    if (size == 8) return store(std::int64_t{});
+    for (Index i = 0; i < n; ++i)
+        store_integer(to + i * step, size, static_cast<std::int64_t>(value(i)));
+}
+
+// ---- One row after the other ----
+
+// In pieces that grow: most answers are found at the start.
+[[gnu::noinline]] bool is_everywhere_from(Index first, bool wanted, const Row& row) {
+    Index length = 32;
+    for (; first < row.n; first += length, length = std::min<Index>(2 * length, 4096)) {
+        const Index m = std::min(length, row.n - first);
+        const Index true_ones =
+            count_true(row.at + first * row.stride, row.stride, m, row.size, row.truth);
+        if (true_ones != (wanted ? m : 0)) return false;
+    }
+    return true;
+}
+
+// Whether all of a row have the truth `wanted`.
+[[gnu::always_inline]] inline bool is_everywhere(bool wanted, const Row& row) {
+    Index first = 0;
+    if (row.truth == Truth::low_byte) {
+        constexpr Index few = 16;
+        for (; first < std::min(few, row.n); ++first)
+            if ((row.at[first * row.stride] != std::byte{0}) != wanted) return false;
+    }
+    return first == row.n || is_everywhere_from(first, wanted, row);
+}
+
+// The results of n rows, `step` bytes from one to the next.
+void reduce_rows(LogicalReduction what, Row row, Index step, Index n, std::byte* to, Index to_step,
+                 Index to_size) {
+    if (what == LogicalReduction::any || what == LogicalReduction::all) {
+        const bool wanted = what == LogicalReduction::all;
+        store_results(to, to_step, to_size, n, [&](Index) {
+            const bool everywhere = is_everywhere(wanted, row);
+            row.at += step;
+            return everywhere == wanted;
+        });
+        return;
+    }
+    const Index bits = what == LogicalReduction::parity ? 1 : ~Index{0};
+    while (n > 0) {
+        constexpr Index together = 64;
+        Index counts[together];
+        const Index some = std::min(together, n);
+        count_rows(counts, row.at, step, some, row.stride, row.n, row.size, row.truth);
+        store_results(to, to_step, to_size, some, [&](Index i) { return counts[i] & bits; });
+        row.at += some * step;
+        to += some * to_step;
+        n -= some;
+    }
+}
+
+// ---- Rows side by side ----
+
+constexpr Index block_width = 512;
+
+template <class Word>
+Word word_at(const std::byte* words, Index i) {
+    Word word;
+    __builtin_memcpy(&word, words + i * static_cast<Index>(sizeof word), sizeof word);
+    return word;
+}
+
+template <class Word>
 struct CountAcross {
     static constexpr bool has_vectors = true;
-    [[gnu::always_inline]] static inline void run(std::uint32_t* count, const Flag* flags,
-                                                  Index n) {
-        for (Index i = 0; i < n; ++i) count[i] += flags[i];
+    [[gnu::always_inline]] static inline void run(std::uint32_t* count, const std::byte* words,
+                                                  Index n, Word low, bool exactly_one) {
+        if (exactly_one) {
+            for (Index i = 0; i < n; ++i) count[i] += (word_at<Word>(words, i) & low) == 1;
+        } else {
+            for (Index i = 0; i < n; ++i) count[i] += (word_at<Word>(words, i) & low) != 0;
+        }
     }
 };
 
-// The array is its own mask: its flags are what is reduced.
-struct Logical final : Reduction {
-    struct State {
+// Rows whose answer isn't known yet, as all ones or zeros. A word that equals `open_word`, or with
+// `unless` one that doesn't, leaves its row open. Says whether any row is.
+template <class Word, bool unless>
+struct CloseAcross {
+    static constexpr bool has_vectors = true;
+    [[gnu::always_inline]] static inline bool run(Word* open, const std::byte* words, Index n,
+                                                  Word low, Word open_word) {
+        Word any = 0;
+        for (Index i = 0; i < n; ++i) {
+            const bool equal = (word_at<Word>(words, i) & low) == open_word;
+            const Word left = equal != unless ? open[i] : Word{0};
+            open[i] = left;
+            any |= left;
+        }
+        return any != 0;
+    }
+};
+
+// n rows, `step` bytes from one to the next, whose elements have the size of Word or are gathered.
+template <class Word>
+class SideBySide {
+  public:
+    SideBySide(const Row& first, Index step, Index n) : first_(first), step_(step), n_(n) {
+        // Gathered elements are flags.
+        direct_ = step == first.size && first.size == static_cast<Index>(sizeof(Word));
+        exactly_one_ = direct_ && first.truth == Truth::byte_is_one;
+        low_ = direct_ && first.truth != Truth::whole ? Word{0xFF} : static_cast<Word>(~Word{0});
+    }
+
+    void count(std::byte* to, Index to_step, Index to_size, bool parity) {
         std::uint32_t count[block_width];
-        Index length;
-    };
-    LogicalReduction what;
-    Index result_size;
+        std::fill_n(count, n_, 0);
+        for (Index k = 0; k < first_.n; ++k)
+            dispatch<CountAcross<Word>>(count + 0, words(k), n_, low_, exactly_one_);
+        const std::uint32_t bits = parity ? 1 : ~std::uint32_t{0};
+        store_results(to, to_step, to_size, n_, [&](Index i) { return count[i] & bits; });
+    }
 
-    Logical(LogicalReduction w, Index size) : what(w), result_size(size) {}
+    // ALL (`wanted`) or ANY.
+    void settle(bool wanted, std::byte* to, Index to_step, Index to_size) {
+        Word open[block_width];
+        std::fill_n(open, n_, static_cast<Word>(~Word{0}));
+        const bool unless = wanted != exactly_one_;
+        const Word open_word = exactly_one_ ? 1 : 0;
+        for (Index k = 0; k < first_.n; ++k) {
+            const bool any =
+                unless
+                    ? dispatch<CloseAcross<Word, true>>(open + 0, words(k), n_, low_, open_word)
+                    : dispatch<CloseAcross<Word, false>>(open + 0, words(k), n_, low_, open_word);
+            if (!any) break;
+            constexpr Index steps_between_looks = 8;
+            if (k % steps_between_looks == steps_between_looks - 1 &&
+                finish_few(open, k + 1, wanted))
+                break;
+        }
+        store_results(to, to_step, to_size, n_, [&](Index i) { return (open[i] != 0) == wanted; });
+    }
 
-    std::int64_t verdict(Index true_ones, Index n) const {
-        switch (what) {
-            case LogicalReduction::count:
-                return true_ones;
-            case LogicalReduction::any:
-                return true_ones > 0;
-            case LogicalReduction::all:
-                return true_ones == n;
-            case LogicalReduction::parity:
-                return true_ones & 1;
+  private:
+    const std::byte* words(Index k) {
+        const std::byte* const at = first_.at + k * first_.stride;
+        if (direct_) return at;
+        load_flags(flags_, at, step_, n_, first_.size, first_.truth);
+        return reinterpret_cast<const std::byte*>(flags_);
+    }
+    // The last few rows that are open, each by itself from element k on.
+    bool finish_few(Word* open, Index k, bool wanted) const {
+        constexpr Index few = 16;
+        Index rows[few];
+        Index count = 0;
+        for (Index i = 0; i < n_; ++i) {
+            if (open[i] == 0) continue;
+            if (count == few || few * 8 > n_) return false;
+            rows[count++] = i;
         }
-        return 0;
-    }
-    void one(const Run& run, std::byte* to) const override {
-        constexpr Index chunk = 4096;
-        Index true_ones = 0;
-        Index seen = 0;
-        while (seen < run.n) {
-            const Index m = std::min(chunk, run.n - seen);
-            true_ones += count_true(run.mask + seen * run.mask_stride, run.mask_stride, m,
-                                    run.mask_size, run.truth);
-            seen += m;
-            if (what == LogicalReduction::any && true_ones > 0) break;
-            if (what == LogicalReduction::all && true_ones < seen) break;
+        for (Index r = 0; r < count; ++r) {
+            Row row = first_.from(k);
+            row.at += rows[r] * step_;
+            if (!is_everywhere(wanted, row)) open[rows[r]] = 0;
         }
-        store_integer(to, result_size, verdict(true_ones, seen));
+        return true;
     }
-    bool flags_only() const override { return true; }
-    void begin(Block& block, Index n) const override {
-        std::fill_n(block.as<State>().count, n, 0);
-        block.as<State>().length = 0;
-    }
-    void step(Block& block, const std::byte*, const Flag* flags, Index n, Index) const override {
-        dispatch<CountAcross>(block.as<State>().count + 0, flags, n);
-        ++block.as<State>().length;
-    }
-    bool decided(Block& block, Index n) const override {
-        const State& state = block.as<State>();
-        if (what != LogicalReduction::any && what != LogicalReduction::all) return false;
-        // Runs that may still change: without a true element, or without a false one.
-        const auto open_at =
-            static_cast<std::uint32_t>(what == LogicalReduction::any ? 0 : state.length);
-        Index open = 0;
-        for (Index i = 0; i < n; ++i) open += state.count[i] == open_at;
-        return open == 0;
-    }
-    void end(Block& block, Index n, Run, Index, Index, std::byte* to,
-             Index to_step) const override {
-        const State& state = block.as<State>();
-        for (Index i = 0; i < n; ++i)
-            store_integer(to + i * to_step, result_size, verdict(state.count[i], state.length));
-    }
+
+    Row first_;
+    Index step_;
+    Index n_;
+    bool direct_;
+    bool exactly_one_;
+    Word low_;
+    Flag flags_[block_width];
 };
+
+template <class Word>
+void reduce_block(LogicalReduction what, const Row& first, Index step, Index n, std::byte* to,
+                  Index to_step, Index to_size) {
+    SideBySide<Word> rows(first, step, n);
+    if (has(what, LogicalReduction::all, LogicalReduction::any)) {
+        rows.settle(what == LogicalReduction::all, to, to_step, to_size);
+    } else {
+        rows.count(to, to_step, to_size, what == LogicalReduction::parity);
+    }
+}
 
 }  // namespace
 
 void reduce_logical(LogicalReduction what, const Mask& array, int dim, const View& result) {
-    reduce_along(Logical(what, result.element), array.view, &array, dim, result);
+    const Dimension along = array.view.dims[dim];
+    const Index size = array.view.element;
+    // The results of n rows, which lie `step` apart.
+    const auto reduce = [&](std::byte* from, Index step, Index n, std::byte* to, Index to_step) {
+        const Row row{from, along.stride, along.extent, size, array.truth};
+        // With few elements side by side costs more than it gains.
+        const bool across = n * along.extent > 256 && n > 1 &&
+                            std::abs(step) < std::abs(along.stride) && along.extent > 1 &&
+                            along.extent < INT32_MAX;
+        if (!across) return reduce_rows(what, row, step, n, to, to_step, result.element);
+        auto* const block = step != size ? reduce_block<Flag>
+                            : size == 2  ? reduce_block<std::uint16_t>
+                            : size == 4  ? reduce_block<std::uint32_t>
+                            : size == 8  ? reduce_block<std::uint64_t>
+                                         : reduce_block<Flag>;
+        for (Index first = 0; first < n; first += block_width) {
+            Row next = row;
+            next.at += first * step;
+            block(what, next, step, std::min(block_width, n - first), to + first * to_step, to_step,
+                  result.element);
+        }
+    };
+    if (array.view.rank == 2) {
+        const Dimension& other = array.view.dims[1 - dim];
+        return reduce(array.view.base, other.stride, other.extent, result.base,
+                      result.dims[0].stride);
+    }
+    Loops<2> loops = loops_over(without(array.view, dim), result);
+    loops.nearest_first(0);
+    walk(loops, {array.view.base, result.base}, [&](std::array<std::byte*, 2> at, Index n) {
+        reduce(at[0], loops.stride[0][0], n, at[1], loops.stride[0][1]);
+    });
 }
 
 }  // namespace tarn::arrays

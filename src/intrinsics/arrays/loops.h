@@ -47,19 +47,24 @@ struct Loops {
     // Puts the loops with the shortest steps in array `which` inside. Only where the order in which
     // elements are met is of no account.
     void nearest_first(int which) {
+        if (rank < 2) return;
         auto distance = [&](int d) { return std::abs(stride[d][which]); };
+        bool sorted = true;
+        for (int d = 1; d < rank; ++d) sorted &= distance(d) >= distance(d - 1);
+        if (sorted) return;  // and already joined
         for (int d = 1; d < rank; ++d) {
             for (int e = d; e > 0 && distance(e) < distance(e - 1); --e) {
                 std::swap(extent[e], extent[e - 1]);
                 std::swap(stride[e], stride[e - 1]);
             }
         }
-        const Loops sorted = *this;
+        // What runs on without a gap now. `add` writes no further than it has been read.
+        const int loops = rank;
         rank = 0;
-        for (int d = 0; d < sorted.rank; ++d) {
+        for (int d = 0; d < loops; ++d) {
             std::array<Index, N> steps;
-            for (int i = 0; i < N; ++i) steps[i] = sorted.stride[d][i];
-            add(sorted.extent[d], steps);
+            for (int i = 0; i < N; ++i) steps[i] = stride[d][i];
+            add(extent[d], steps);
         }
         finish();
     }
@@ -70,7 +75,8 @@ struct Loops {
 template <int N, class Run>
 void walk(const Loops<N>& loops, std::type_identity_t<std::array<std::byte*, N>> at, Run&& run) {
     if (loops.empty) return;
-    Index turn[max_rank + 1] = {};
+    Index turn[max_rank + 1];
+    for (int d = 1; d < loops.rank; ++d) turn[d] = 0;
     for (;;) {
         if constexpr (std::is_void_v<decltype(run(at, loops.extent[0]))>) {
             run(at, loops.extent[0]);

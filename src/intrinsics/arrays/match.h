@@ -31,13 +31,27 @@ struct FirstMatch {
         constexpr Index group = 64;
         Index i = 0;
         for (; i + group <= n; i += group) {
-            unsigned any = 0;
-            for (Index l = 0; l < group; ++l) any |= static_cast<unsigned>(match(x[i + l]));
-            if (any == 0) continue;
-            const Index at = plainly(match, x, flags, i, i + group);
+            if (!any_match<group>(match, x + i)) continue;
+            const Index at = by_few(match, x, flags, i, i + group);
             if (at >= 0) return at;
         }
-        return plainly(match, x, flags, i, n);
+        return by_few(match, x, flags, i, n);
+    }
+    template <Index count>
+    [[gnu::always_inline]] static inline bool any_match(Match match, const T* x) {
+        unsigned any = 0;
+        for (Index l = 0; l < count; ++l) any |= static_cast<unsigned>(match(x[l]));
+        return any != 0;
+    }
+    [[gnu::always_inline]] static inline Index by_few(Match match, const T* x, const Flag* flags,
+                                                      Index first, Index last) {
+        constexpr Index few = 8;
+        for (; first + few <= last; first += few) {
+            if (!any_match<few>(match, x + first)) continue;
+            const Index at = plainly(match, x, flags, first, first + few);
+            if (at >= 0) return at;
+        }
+        return plainly(match, x, flags, first, last);
     }
     [[gnu::always_inline]] static inline Index plainly(Match match, const T* x, const Flag* flags,
                                                        Index first, Index last) {

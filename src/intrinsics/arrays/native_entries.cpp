@@ -111,6 +111,7 @@ tarn_native_array_call:
         TARN_ARRAY_FAMILY FINDLOCB, tarn_native_findlocb, I1, I2, I4, I8, R4, R8, L1, L2, L4, L8
         TARN_ARRAY_FAMILY FINDLOCD, tarn_native_findlocd, I1, I2, I4, I8, R4, R8, L1, L2, L4, L8
         TARN_ARRAY_FAMILY FINDLOCDB, tarn_native_findlocdb, I1, I2, I4, I8, R4, R8, L1, L2, L4, L8
+        TARN_ARRAY_FAMILY NORM2, tarn_native_norm2, R4, R8
 
         TARN_ARRAY_ENTRY "COUNT#", tarn_native_logical, 0
         TARN_ARRAY_ENTRY "ANY#", tarn_native_logical, 1

@@ -4,6 +4,7 @@
 #include "intrinsics/arrays/fold.h"
 #include "intrinsics/arrays/logical.h"
 #include "intrinsics/arrays/native_routines.h"
+#include "intrinsics/numbers/norms.h"
 
 namespace tarn::arrays {
 namespace {
@@ -177,6 +178,46 @@ void logical_along(NativeCall& call) {
     reduce_logical(what, array, dim, result);
 }
 
+// ---- NORM2: rank, array, extents, DIM, result ----
+
+// The squares unscaled, in the element's own type.
+template <class T>
+struct PlainNorm final : Reduction {
+    using State = std::array<T, block_width>;
+
+    void one(const Run& run, std::byte* to) const override {
+        T sum = 0;
+        for_counted<T>(run, [&](const T* x, Index n) {
+            for (Index i = 0; i < n; ++i) sum += x[i] * x[i];
+        });
+        *reinterpret_cast<T*>(to) = intrinsics::numbers::root_of_squares(sum);
+    }
+    void begin(Block& block, Index n) const override {
+        std::fill_n(block.as<State>().begin(), n, T(0));
+    }
+    void step(Block& block, const std::byte* x, const Flag*, Index n, Index) const override {
+        State& sums = block.as<State>();
+        const T* const values = reinterpret_cast<const T*>(x);
+        for (Index i = 0; i < n; ++i) sums[static_cast<std::size_t>(i)] += values[i] * values[i];
+    }
+    void end(Block& block, Index n, Run, Index, Index, std::byte* to,
+             Index to_step) const override {
+        const State& sums = block.as<State>();
+        for (Index i = 0; i < n; ++i)
+            *reinterpret_cast<T*>(to + i * to_step) =
+                intrinsics::numbers::root_of_squares(sums[static_cast<std::size_t>(i)]);
+    }
+};
+
+template <class T>
+void norm_along(NativeCall& call) {
+    const View array = array_of<T>(call);
+    const int dim = dim_of(call.integer(3), array);
+    View result;
+    if (!open_result(call, call.result(4), without(array, dim), sizeof(T), result)) return;
+    reduce_along(PlainNorm<T>{}, array, nullptr, dim, result);
+}
+
 template <class... T>
 struct Types {};
 using RealTypes =
@@ -248,6 +289,7 @@ TARN_TABLE(findloc, 10, find_family([]<class Match>() { return &find_first<Match
 TARN_TABLE(findlocb, 10, find_family([]<class Match>() { return &find_back<Match>; }))
 TARN_TABLE(findlocd, 10, find_family([]<class Match>() { return &find_along_first<Match>; }))
 TARN_TABLE(findlocdb, 10, find_family([]<class Match>() { return &find_along_back<Match>; }))
+TARN_TABLE(norm2, 2, family(Types<float, double>{}, []<class T>() { return &norm_along<T>; }))
 TARN_TABLE(logical, 3,
            {&logical_along<LogicalReduction::count>, &logical_along<LogicalReduction::any>,
             &logical_along<LogicalReduction::all>})

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <emmintrin.h>
 #include <numeric>
 
 #include "intrinsics/arrays/loops.h"
@@ -17,9 +18,46 @@ constexpr Index mask_chunk = 1024;
 
 constexpr Index tile = 32;
 
+// A square of elements, in registers: rows that lie in one piece in `from` become columns of those
+// that do in `to`.
+template <Index size>
+void turn_square(std::byte* to, Index to_step, const std::byte* from, Index from_step) {
+    if constexpr (size == 4) {
+        __m128 row[4];
+        for (Index i = 0; i < 4; ++i)
+            row[i] = _mm_loadu_ps(reinterpret_cast<const float*>(from + i * from_step));
+        _MM_TRANSPOSE4_PS(row[0], row[1], row[2], row[3]);
+        for (Index i = 0; i < 4; ++i)
+            _mm_storeu_ps(reinterpret_cast<float*>(to + i * to_step), row[i]);
+    } else {
+        const __m128d first = _mm_loadu_pd(reinterpret_cast<const double*>(from));
+        const __m128d second = _mm_loadu_pd(reinterpret_cast<const double*>(from + from_step));
+        _mm_storeu_pd(reinterpret_cast<double*>(to), _mm_unpacklo_pd(first, second));
+        _mm_storeu_pd(reinterpret_cast<double*>(to + to_step), _mm_unpackhi_pd(first, second));
+    }
+}
+
+// The squares of a tile that is whole, whose rows lie in one piece; false where it isn't such a
+// one.
+template <Index size>
+bool turn_tile(std::byte* to, const std::byte* from, const Index (&inner)[2], Index inner_count,
+               const Index (&outer)[2], Index outer_count) {
+    constexpr Index side = 16 / size;
+    if (outer[0] != size || inner[1] != size) return false;
+    if (inner_count % side != 0 || outer_count % side != 0) return false;
+    for (Index i = 0; i < inner_count; i += side)
+        for (Index o = 0; o < outer_count; o += side)
+            turn_square<size>(to + i * inner[0] + o * size, inner[0],
+                              from + i * size + o * outer[1], outer[1]);
+    return true;
+}
+
 template <Index size>
 void copy_tile(std::byte* to, const std::byte* from, const Index (&inner)[2], Index inner_count,
                const Index (&outer)[2], Index outer_count) {
+    if constexpr (size == 4 || size == 8) {
+        if (turn_tile<size>(to, from, inner, inner_count, outer, outer_count)) return;
+    }
     for (Index i = 0; i < inner_count; ++i) {
         std::byte* const t = to + i * inner[0];
         const std::byte* const f = from + i * inner[1];
@@ -159,15 +197,12 @@ Index into_range(Index shift, Index n) {
     return rest < 0 ? rest + n : rest;
 }
 
-}  // namespace
-
-void copy(const View& to, const View& from) {
-    Loops<2> loops = loops_over(to, from);
+void copy_loops(Loops<2>& loops, std::byte* to, const std::byte* source, Index element) {
     loops.nearest_first(0);
-    const Index element = to.element;
+    auto* const from = const_cast<std::byte*>(source);
     const int other = shortest(loops, 1);
     if (other == 0 || loops.rank == 1) {
-        walk(loops, {to.base, from.base}, [&](const std::array<std::byte*, 2>& at, Index n) {
+        walk(loops, {to, from}, [&](const std::array<std::byte*, 2>& at, Index n) {
             copy_run(at[0], loops.stride[0][0], at[1], loops.stride[0][1], n, element);
         });
         return;
@@ -180,9 +215,28 @@ void copy(const View& to, const View& from) {
         for (int i = 0; i < 2; ++i) loops.stride[d][i] = loops.stride[d + 1][i];
     }
     --loops.rank;
-    walk(loops, {to.base, from.base}, [&](const std::array<std::byte*, 2>& at, Index n) {
+    walk(loops, {to, from}, [&](const std::array<std::byte*, 2>& at, Index n) {
         copy_turned(at[0], at[1], loops.stride[0], n, step, count, element);
     });
+}
+
+// `extent` places along `dim`, from one place of `from` to another of `to`.
+void copy_part(const View& to, Index to_first, const View& from, Index from_first, int dim,
+               Index extent) {
+    Loops<2> loops;
+    for (int d = 0; d < to.rank; ++d)
+        loops.add(d == dim ? extent : to.dims[d].extent, {to.dims[d].stride, from.dims[d].stride});
+    loops.finish();
+    if (loops.empty) return;
+    copy_loops(loops, to.base + to_first * to.dims[dim].stride,
+               from.base + from_first * from.dims[dim].stride, to.element);
+}
+
+}  // namespace
+
+void copy(const View& to, const View& from) {
+    Loops<2> loops = loops_over(to, from);
+    copy_loops(loops, to.base, from.base, to.element);
 }
 
 void fill(const View& to, const std::byte* value) {
@@ -218,7 +272,20 @@ Index pack(std::byte* to, Index to_stride, Index room, const View& array, const 
     const Index chunk = small ? std::min(mask_chunk, fit) : mask_chunk;
     Flag flags[mask_chunk];
 
+    // Where gathering would cost more than it gains, the two are read as they lie.
+    const Index mask_step = loops.stride[0][1];
+    const bool apart = straight && mask.truth == Truth::low_byte &&
+                       (step != element || mask_step != mask.view.element);
+
     walk(loops, {array.base, mask.view.base}, [&](const std::array<std::byte*, 2>& at, Index n) {
+        if (apart && n <= room - kept) {
+            const Index some =
+                compact_apart(to + kept * element, at[0], step, at[1], mask_step, n, element);
+            if (some >= 0) {
+                kept += some;
+                return true;
+            }
+        }
         for (Index first = 0; first < n; first += chunk) {
             const Index m = std::min(chunk, n - first);
             load_flags(flags, at[1] + first * loops.stride[0][1], loops.stride[0][1], m,
@@ -259,27 +326,6 @@ Index pack(std::byte* to, Index to_stride, Index room, const View& array, const 
     return kept;
 }
 
-namespace {
-
-template <Index size>
-const std::byte* unpack_run(std::byte* to, Index to_stride, const std::byte* vector, Index stride,
-                            const std::byte* field, Index field_stride, const Flag* flags,
-                            Index n) {
-    for (Index i = 0; i < n; ++i) {
-        // A choice of addresses, not of roads: masks are mostly unforeseeable.
-        const auto chosen = -static_cast<std::uintptr_t>(flags[i]);
-        const auto address = (reinterpret_cast<std::uintptr_t>(vector) & chosen) |
-                             (reinterpret_cast<std::uintptr_t>(field) & ~chosen);
-        __builtin_memcpy(to, reinterpret_cast<const std::byte*>(address), size);
-        vector += stride & static_cast<Index>(chosen);
-        field += field_stride;
-        to += to_stride;
-    }
-    return vector;
-}
-
-}  // namespace
-
 bool unpack(const View& to, const std::byte* vector, Index stride, Index n, const Mask& mask,
             const View& field) {
     const Loops<3> loops = loops_over(to, mask.view, field);
@@ -299,20 +345,9 @@ bool unpack(const View& to, const std::byte* vector, Index stride, Index n, cons
                      enough = false;
                      return false;
                  }
+                 expand(at[0] + first * step[0], step[0], vector, stride, left,
+                        at[2] + first * step[2], step[2], flags, m, element);
                  left -= taken;
-                 std::byte* target = at[0] + first * step[0];
-                 const std::byte* other = at[2] + first * step[2];
-                 const bool done = with_size(element, [&]<Index size>() {
-                     vector = unpack_run<size>(target, step[0], vector, stride, other, step[2],
-                                               flags, m);
-                 });
-                 for (Index i = 0; i < m && !done; ++i) {
-                     std::memcpy(target, flags[i] != 0 ? vector : other,
-                                 static_cast<std::size_t>(element));
-                     if (flags[i] != 0) vector += stride;
-                     other += step[2];
-                     target += step[0];
-                 }
              }
              return true;
          });
@@ -390,8 +425,8 @@ void circular_shift(const View& to, const View& from, int dim, Index shift) {
         });
         return;
     }
-    copy(part(to, dim, 0, n - s), part(from, dim, s, n - s));
-    copy(part(to, dim, n - s, s), part(from, dim, 0, s));
+    copy_part(to, 0, from, s, dim, n - s);
+    copy_part(to, n - s, from, 0, dim, s);
 }
 
 void circular_shifts(const View& to, const View& from, int dim, const View& shifts) {
@@ -417,9 +452,12 @@ void end_off_shift(const View& to, const View& from, int dim, Index shift, const
     const Index m = shift > 0 ? std::min(shift, n) : (shift < -n ? n : -shift);
     const Index kept = n - m;
     const bool up = shift > 0;
-    copy(part(to, dim, up ? 0 : m, kept), part(from, dim, up ? m : 0, kept));
+    copy_part(to, up ? 0 : m, from, up ? m : 0, dim, kept);
     // The boundary, spread over the m places that came free.
-    spread(part(to, dim, up ? kept : 0, m), boundary, dim);
+    View free = to;
+    free.base += (up ? kept : 0) * to.dims[dim].stride;
+    free.dims[dim].extent = m;
+    spread(free, boundary, dim);
 }
 
 void end_off_shifts(const View& to, const View& from, int dim, const View& shifts,

@@ -14,6 +14,16 @@ inline constexpr int max_rank = 15;
 struct Dimension {
     Index extent;
     Index stride;  // bytes; negative, zero and overlapping strides are fine
+
+    Dimension() = default;
+    Dimension(Index n, Index step) : extent(n), stride(step) {}
+    // Word by word, as it was made: a copy by one wide move would wait for both words.
+    Dimension(const Dimension& other) : extent(other.extent), stride(other.stride) {}
+    Dimension& operator=(const Dimension& other) {
+        extent = other.extent;
+        stride = other.stride;
+        return *this;
+    }
 };
 
 struct View {
@@ -21,6 +31,19 @@ struct View {
     Index element = 0;  // bytes of an element
     int rank = 0;
     Dimension dims[max_rank];
+
+    View() = default;
+    // Most arrays have few dimensions: the others aren't copied.
+    View(const View& other) : base(other.base), element(other.element), rank(other.rank) {
+        for (int d = 0; d < rank; ++d) dims[d] = other.dims[d];
+    }
+    View& operator=(const View& other) {
+        base = other.base;
+        element = other.element;
+        rank = other.rank;
+        for (int d = 0; d < rank; ++d) dims[d] = other.dims[d];
+        return *this;
+    }
 
     Index count() const {
         Index product = 1;
@@ -49,17 +72,13 @@ inline View reversed(View view) {
 }
 
 // `view` without dimension `dim`.
-inline View without(View view, int dim) {
-    for (int d = dim; d + 1 < view.rank; ++d) view.dims[d] = view.dims[d + 1];
-    --view.rank;
-    return view;
-}
-
-// Elements `first` to `first + extent - 1` along a dimension.
-inline View part(View view, int dim, Index first, Index extent) {
-    view.base += first * view.dims[dim].stride;
-    view.dims[dim].extent = extent;
-    return view;
+inline View without(const View& view, int dim) {
+    View rest;
+    rest.base = view.base;
+    rest.element = view.element;
+    for (int d = 0; d < view.rank; ++d)
+        if (d != dim) rest.dims[rest.rank++] = view.dims[d];
+    return rest;
 }
 
 // What makes an element of a mask true.

@@ -177,9 +177,16 @@ std::size_t difference(const Char* one, const Char* two, std::size_t length) {
         return none;
     }
     std::size_t at = 0;
+    const auto differ = [&](std::size_t i) {
+        return V::load(one + at + i) != V::load(two + at + i);
+    };
+    for (; at + 4 * lanes < length; at += 4 * lanes) {
+        const auto any = (differ(0) | differ(lanes)) | (differ(2 * lanes) | differ(3 * lanes));
+        if (bits_of(any) != 0) break;
+    }
     for (;; at += lanes) {
         if (at + lanes > length) at = length - lanes;
-        const std::uint32_t bits = bits_of(V::load(one + at) != V::load(two + at));
+        const std::uint32_t bits = bits_of(differ(0));
         if (bits != 0) return at + first_lane<Char>(bits);
         if (at + lanes == length) return none;
     }
@@ -212,16 +219,23 @@ std::size_t walk_few(const Char* text, std::size_t length, const Char* set, std:
         from);
 }
 
-// Any number of characters, one after the other; `may_be` knows their low bytes.
+// Any number of characters, one after the other. A table knows the low ones.
 template <class Char, bool stranger>
 std::size_t walk_table(const Char* text, std::size_t length, const Char* set, std::size_t set_count,
                        From from) {
-    bool may_be[256] = {};
-    for (std::size_t i = 0; i < set_count; ++i) may_be[set[i] & 0xFF] = true;
+    constexpr Char low_ones = 0xFF;
+    bool held[256] = {};
+    bool high_ones = false;
+    for (std::size_t i = 0; i < set_count; ++i) {
+        if (set[i] <= low_ones) {
+            held[set[i]] = true;
+        } else {
+            high_ones = true;
+        }
+    }
     const auto member = [&](Char c) {
-        if (!may_be[c & 0xFF]) return false;
-        if constexpr (sizeof(Char) == 1) return true;
-        for (std::size_t i = 0; i < set_count; ++i)
+        if (c <= low_ones) return held[c];
+        for (std::size_t i = 0; high_ones && i < set_count; ++i)
             if (set[i] == c) return true;
         return false;
     };

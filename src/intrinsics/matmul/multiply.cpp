@@ -12,9 +12,11 @@
 #include <cstring>
 #include <type_traits>
 
+#include "frame/cores.h"
 #include "intrinsics/arrays/dispatch.h"
 #include "intrinsics/arrays/runs.h"
 #include "intrinsics/matmul/tiles.h"
+#include "platform/kernel/workers.h"
 
 namespace tarn::matmul {
 namespace {
@@ -360,6 +362,74 @@ void multiply_small(const Matrix<const T>& a, const Matrix<const T>& b, const Ma
     }
 }
 
+// With AVX2, where a's columns and c's lie together: all in one routine, for a call of a tile takes
+// as long as its work here. The sums of as many columns as fit are made together, or one column's.
+template <bool complex, int height, bool full, class T>
+[[gnu::target("avx2,fma"), gnu::always_inline]] inline void small_row(const Matrix<const T>& a,
+                                                                      const Matrix<const T>& b,
+                                                                      const Matrix<T>& c, Index row,
+                                                                      Index rest) {
+    constexpr int together = complex ? 2 : 4;
+    const T* const from = a.base + row;
+    Index j = 0;
+    for (; j + together <= c.columns; j += together)
+        RestTile<T, complex, height, together, full>::run(
+            a.columns, from, a.column_step, b.base + j * b.column_step, b.row_step, b.column_step,
+            c.base + row + j * c.column_step, c.column_step, rest);
+    for (; j < c.columns; ++j)
+        RestTile<T, complex, height, 1, full>::run(
+            a.columns, from, a.column_step, b.base + j * b.column_step, b.row_step, b.column_step,
+            c.base + row + j * c.column_step, c.column_step, rest);
+}
+
+template <bool complex, class T>
+[[gnu::target("avx2,fma"), gnu::noinline]] void multiply_small_together(const Matrix<const T>& a,
+                                                                        const Matrix<const T>& b,
+                                                                        const Matrix<T>& c) {
+    constexpr Index lanes = 32 / static_cast<Index>(sizeof(T));
+    Index row = 0;
+    for (; row + 2 * lanes <= c.rows; row += 2 * lanes)
+        small_row<complex, 2, true>(a, b, c, row, lanes);
+    const Index left = c.rows - row;
+    if (left > lanes) {
+        small_row<complex, 2, false>(a, b, c, row, left - lanes);
+    } else if (left == lanes) {
+        small_row<complex, 1, true>(a, b, c, row, lanes);
+    } else if (left > 0) {
+        small_row<complex, 1, false>(a, b, c, row, left);
+    }
+}
+
+// A complex matrix as its parts; rows twice as many.
+template <class T>
+Matrix<const T> parts_of(const Matrix<const Complex<T>>& m) {
+    return {&m.base->re, 2 * m.rows, m.columns, 2 * m.row_step, 2 * m.column_step};
+}
+
+// The small product of any a; the columns of one that don't lie together are copied. False: there
+// are too many.
+template <class T>
+bool multiply_small_any(const Matrix<const T>& a, const Matrix<const T>& b, const Matrix<T>& c) {
+    constexpr Index room = 16384 / static_cast<Index>(sizeof(T));
+    T copied[room];
+    Matrix<const T> together = a;
+    if (a.row_step != 1) {
+        if (a.rows * a.columns > room) return false;
+        for (Index p = 0; p < a.columns; ++p)
+            for (Index i = 0; i < a.rows; ++i)
+                copied[p * a.rows + i] = a.base[i * a.row_step + p * a.column_step];
+        together = {copied, a.rows, a.columns, 1, a.rows};
+    }
+    if constexpr (arrays::is_complex<T>) {
+        using P = decltype(T::re);
+        const Matrix<P> parts = {&c.base->re, 2 * c.rows, c.columns, 1, 2 * c.column_step};
+        multiply_small_together<true>(parts_of(together), parts_of(b), parts);
+    } else {
+        multiply_small_together<false>(together, b, c);
+    }
+    return true;
+}
+
 // Small complex products, where a's columns lie together: as real products of the interleaved parts
 // of a with the real parts of b, and with its imaginary ones.
 template <class Level, class Kernel, class T>
@@ -466,7 +536,80 @@ bool multiply_vector(const Matrix<const T>& a, const Matrix<const T>& x, const M
     return false;
 }
 
+// ---- Several threads ----
+
+// A product is worth a second thread from about half a millisecond.
+constexpr double worth_sharing = 1e7;
+
+int threads_for(Index rows, Index inner, Index columns) {
+    const int most = frame::max_cores();
+    if (most < 2) return 1;
+    const double steps = static_cast<double>(rows) * static_cast<double>(inner);
+    if (steps * static_cast<double>(columns) < worth_sharing) return 1;
+    // A trap must come to the thread that asked for it.
+    constexpr unsigned all_masked = 0x1F80;
+    return (_mm_getcsr() & all_masked) == all_masked ? most : 1;
+}
+
+// Does blocks(a, b, c) for parts of c, whole tiles of columns or else of rows. What an element is
+// made of doesn't depend on the part, so that the product is the same on any number of threads.
+template <class Kernel, class T, class Blocks>
+bool multiply_in_parts(const Matrix<const T>& a, const Matrix<const T>& b, const Matrix<T>& c,
+                       Blocks blocks) {
+    const int threads = threads_for(c.rows, a.columns, c.columns);
+    if (threads < 2) return blocks(a, b, c);
+    constexpr int parts_a_thread = 2;
+    const Index wanted = Index{threads} * parts_a_thread;
+    struct Job {
+        const Matrix<const T>& a;
+        const Matrix<const T>& b;
+        const Matrix<T>& c;
+        Blocks blocks;
+        bool by_columns;
+        Index length;
+        std::atomic<bool> done{true};
+
+        void part(Index first) {
+            const Index rows = by_columns ? c.rows : std::min(length, c.rows - first);
+            const Index columns = by_columns ? std::min(length, c.columns - first) : c.columns;
+            const Index row = by_columns ? 0 : first;
+            const Index column = by_columns ? first : 0;
+            const Matrix<T> own = {c.base + row * c.row_step + column * c.column_step, rows,
+                                   columns, c.row_step, c.column_step};
+            if (!blocks(block_of(a, row, rows, 0, a.columns),
+                        block_of(b, 0, b.rows, column, columns), own))
+                done.store(false, std::memory_order_relaxed);
+        }
+    };
+    Job job{a, b, c, blocks, c.columns >= wanted * Kernel::columns, 0};
+    const Index extent = job.by_columns ? c.columns : c.rows;
+    const Index step = job.by_columns ? Kernel::columns : Kernel::rows;
+    job.length = round_up((extent + wanted - 1) / wanted, step);
+    platform::run_parts(
+        static_cast<int>((extent + job.length - 1) / job.length), threads,
+        [](void* context, int i) {
+            auto& mine = *static_cast<Job*>(context);
+            mine.part(i * mine.length);
+        },
+        &job);
+    return job.done.load(std::memory_order_relaxed);
+}
+
 // ---- The choice ----
+
+template <class Level, class Kernel>
+struct InBlocks {
+    template <class T>
+    static bool run(const Matrix<const T>& a, const Matrix<const T>& b, const Matrix<T>& c) {
+        return multiply_in_parts<Kernel>(a, b, c, [](const auto& x, const auto& y, const auto& z) {
+            if constexpr (arrays::is_complex<T>) {
+                return multiply_complex_in_blocks<Level, Kernel>(x, y, z);
+            } else {
+                return multiply_in_blocks<Level, Kernel>(x, y, z);
+            }
+        });
+    }
+};
 
 constexpr Index small_size = 32 * 32 * 32;
 
@@ -480,6 +623,8 @@ void multiply_real(const Matrix<const T>& a, const Matrix<const T>& b, const Mat
             switch (platform::vector_level()) {
                 case platform::VectorLevel::avx512:
                 case platform::VectorLevel::avx2:
+                    if constexpr (sizeof(T) >= 4)
+                        if (c.row_step == 1 && multiply_small_any(a, b, c)) return;
                     // Four rows at least; half a vector will do for the narrow types.
                     return multiply_small<Avx2, SmallTile<T, sizeof(T) < 8 ? 16 : 32, 1>,
                                           SmallTile<T, 32, 1>, SmallTile<T, 32, 2>>(a, b, c);
@@ -492,13 +637,13 @@ void multiply_real(const Matrix<const T>& a, const Matrix<const T>& b, const Mat
     bool done = false;
     switch (platform::vector_level()) {
         case platform::VectorLevel::avx512:
-            done = multiply_in_blocks<Avx512, Tile<W, 64, 3, 8, true>>(a, b, c);
+            done = InBlocks<Avx512, Tile<W, 64, 3, 8, true>>::run(a, b, c);
             break;
         case platform::VectorLevel::avx2:
-            done = multiply_in_blocks<Avx2, Tile<W, 32, 2, 6, true>>(a, b, c);
+            done = InBlocks<Avx2, Tile<W, 32, 2, 6, true>>::run(a, b, c);
             break;
         default:
-            done = multiply_in_blocks<Sse2, Tile<W, 16, 2, 4, true>>(a, b, c);
+            done = InBlocks<Sse2, Tile<W, 16, 2, 4, true>>::run(a, b, c);
     }
     if (!done) multiply_plainly(a, b, c);
 }
@@ -507,26 +652,22 @@ template <class T>
 void multiply_complex(const Matrix<const Complex<T>>& a, const Matrix<const Complex<T>>& b,
                       const Matrix<Complex<T>>& c) {
     bool done = false;
-    if (a.row_step == 1 && c.rows * c.columns * a.columns <= small_size) {
-        constexpr Index in_vector = 32 / static_cast<Index>(sizeof(Complex<T>));
+    if (c.rows * c.columns * a.columns <= small_size) {
         if (platform::vector_level() >= platform::VectorLevel::avx2) {
-            if (c.rows >= 2 * in_vector)
-                return multiply_small_complex<Avx2, SmallTile<T, 32, 2>>(a, b, c);
-            if (c.rows >= in_vector)
-                return multiply_small_complex<Avx2, SmallTile<T, 32, 1>>(a, b, c);
-        } else if (c.rows >= in_vector) {
+            if (c.row_step == 1 && multiply_small_any(a, b, c)) return;
+        } else if (a.row_step == 1 && c.rows >= 16 / static_cast<Index>(sizeof(T))) {
             return multiply_small_complex<Sse2, SmallTile<T, 16, 2>>(a, b, c);
         }
     }
     switch (platform::vector_level()) {
         case platform::VectorLevel::avx512:
-            done = multiply_complex_in_blocks<Avx512, ComplexTile<T, 64, 2, 6>>(a, b, c);
+            done = InBlocks<Avx512, ComplexTile<T, 64, 2, 6>>::run(a, b, c);
             break;
         case platform::VectorLevel::avx2:
-            done = multiply_complex_in_blocks<Avx2, ComplexTile<T, 32, 1, 6>>(a, b, c);
+            done = InBlocks<Avx2, ComplexTile<T, 32, 1, 6>>::run(a, b, c);
             break;
         default:
-            done = multiply_complex_in_blocks<Sse2, ComplexTile<T, 16, 1, 4>>(a, b, c);
+            done = InBlocks<Sse2, ComplexTile<T, 16, 1, 4>>::run(a, b, c);
     }
     if (!done) multiply_plainly(a, b, c);
 }

@@ -6,6 +6,8 @@
 // there is one.
 #pragma once
 
+#include <immintrin.h>
+
 #include "intrinsics/matmul/multiply.h"
 
 namespace tarn::matmul {
@@ -58,6 +60,101 @@ struct Tile {
                 }
                 __builtin_memcpy(to, &value, sizeof value);
             }
+        }
+    }
+};
+
+// Parts of a vector of AVX2, by 32-bit words. Masked stores are slow on many processors.
+[[gnu::target("avx2,fma"), gnu::always_inline]] inline __m256i mask_of_words(Index words) {
+    // A window on ones and zeros.
+    alignas(32) static constexpr std::int32_t window[16] = {-1, -1, -1, -1, -1, -1, -1, -1};
+    return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(window + 8 - words));
+}
+template <class Vector>
+[[gnu::target("avx2,fma"), gnu::always_inline]] inline void store_words(void* to, Vector value,
+                                                                        Index words) {
+    auto* at = static_cast<char*>(to);
+    __m256i all;
+    __builtin_memcpy(&all, &value, sizeof all);
+    __m128i half = _mm256_castsi256_si128(all);
+    if ((words & 4) != 0) {
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(at), half);
+        half = _mm256_extracti128_si256(all, 1);
+        at += 16;
+    }
+    if ((words & 2) != 0) {
+        _mm_storel_epi64(reinterpret_cast<__m128i*>(at), half);
+        half = _mm_unpackhi_epi64(half, half);
+        at += 8;
+    }
+    if ((words & 1) != 0) {
+        const int word = _mm_cvtsi128_si32(half);
+        __builtin_memcpy(at, &word, sizeof word);
+    }
+}
+
+// A tile of `height` vectors for AVX2, of whose last only `rest` elements are there unless it is
+// `full`; a's column and c's lie together. Nothing beyond them is read or written.
+//
+// Complex numbers go as pairs: the elements of a and c are their parts, one after the other, b
+// points to the real part of a value and its steps are in parts.
+template <class T, bool complex, int height, int width, bool full>
+struct RestTile {
+    using Vector [[gnu::vector_size(32)]] = T;
+    static constexpr int lanes = 32 / static_cast<int>(sizeof(T));
+    static constexpr Index in_words = sizeof(T) / 4;
+    static constexpr int whole = height - (full ? 0 : 1);
+    static constexpr int sums = complex ? 2 : 1;  // by the real part and by the imaginary
+
+    [[gnu::target("avx2,fma"), gnu::always_inline]] static inline void run(
+        Index k, const T* a, Index a_step, const T* b, Index row_step, Index column_step, T* c,
+        Index c_step, Index rest) {
+        const __m256i mask = mask_of_words(rest * in_words);
+        Vector sum[width][sums][height];
+        for (int j = 0; j < width; ++j)
+            for (int s = 0; s < sums; ++s)
+                for (int i = 0; i < height; ++i) sum[j][s][i] = Vector{};
+#pragma GCC unroll 2
+        for (Index p = 0; p < k; ++p) {
+            Vector left[height];
+            for (int i = 0; i < whole; ++i)
+                __builtin_memcpy(&left[i], a + i * lanes, sizeof(Vector));
+            if constexpr (!full) {
+                const __m256i last =
+                    _mm256_maskload_epi32(reinterpret_cast<const int*>(a + whole * lanes), mask);
+                __builtin_memcpy(&left[whole], &last, sizeof last);
+            }
+            for (int j = 0; j < width; ++j) {
+                for (int s = 0; s < sums; ++s) {
+                    const Vector right = b[j * column_step + s] - Vector{};
+                    for (int i = 0; i < height; ++i) sum[j][s][i] += left[i] * right;
+                }
+            }
+            a += a_step;
+            b += row_step;
+        }
+        for (int j = 0; j < width; ++j) {
+            T* const to = c + j * c_step;
+            for (int i = 0; i < height; ++i) {
+                const Vector value = total(sum[j], i);
+                if (i < whole) {
+                    __builtin_memcpy(to + i * lanes, &value, sizeof value);
+                } else {
+                    store_words(to + i * lanes, value, rest * in_words);
+                }
+            }
+        }
+    }
+
+  private:
+    [[gnu::target("avx2,fma"), gnu::always_inline]] static inline Vector total(
+        const Vector (&sum)[sums][height], int i) {
+        if constexpr (!complex) {
+            return sum[0][i];
+        } else if constexpr (sizeof(T) == 8) {
+            return _mm256_addsub_pd(sum[0][i], _mm256_permute_pd(sum[1][i], 5));
+        } else {
+            return _mm256_addsub_ps(sum[0][i], _mm256_permute_ps(sum[1][i], 0xB1));
         }
     }
 };

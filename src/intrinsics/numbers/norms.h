@@ -9,15 +9,19 @@
 
 namespace tarn::intrinsics::numbers {
 
-// `stride` in elements.
 template <class Real>
-Real norm2(const Real* values, std::int64_t count, std::int64_t stride = 1) {
-    Real sum = 0;
-    for (std::int64_t i = 0; i < count; ++i) sum += values[i * stride] * values[i * stride];
+Real root_of_squares(Real sum) {
     const long double root = std::sqrt(static_cast<long double>(sum));
     if (sizeof(Real) == sizeof(float) && root > std::numeric_limits<float>::max())
         fail(norm_overflow);
     return static_cast<Real>(root);
+}
+
+template <class Real>
+Real norm2(const Real* values, std::int64_t count) {
+    Real sum = 0;
+    for (std::int64_t i = 0; i < count; ++i) sum += values[i] * values[i];
+    return root_of_squares(sum);
 }
 
 template <class Real>

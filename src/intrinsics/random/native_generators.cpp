@@ -4,20 +4,24 @@
 #include <cmath>
 #include <cstring>
 #include <ctime>
+#include <type_traits>
+
+#include "intrinsics/arrays/dispatch.h"
 
 namespace tarn::intrinsics {
 namespace {
 
 constexpr std::size_t twist_distance = 397;
 
-std::uint32_t tempered(std::uint32_t y) {
+[[gnu::always_inline]] inline std::uint32_t tempered(std::uint32_t y) {
     y ^= y >> 11;
     y ^= y << 7 & 0x9D2C5680;
     y ^= y << 15 & 0xEFC60000;
     return y ^ y >> 18;
 }
 
-std::uint32_t twisted(std::uint32_t upper, std::uint32_t lower, std::uint32_t far) {
+[[gnu::always_inline]] inline std::uint32_t twisted(std::uint32_t upper, std::uint32_t lower,
+                                                    std::uint32_t far) {
     const std::uint32_t y = (upper & 0x80000000) | (lower & 0x7FFFFFFF);
     // All ones where the lowest bit is set, so that the loop has no branch.
     return far ^ y >> 1 ^ ((0 - (y & 1)) & 0x9908B0DF);
@@ -28,7 +32,7 @@ template <class Real, Bits bits>
 constexpr std::size_t words_each = bits == Bits::from_53 || bits == Bits::from_64 ? 2 : 1;
 
 template <class Real, Bits bits>
-Real real_of_words(const std::uint32_t* words) {
+[[gnu::always_inline]] inline Real real_of_words(const std::uint32_t* words) {
     if constexpr (bits == Bits::from_24) {
         return static_cast<Real>(static_cast<std::int32_t>(words[0] >> 8)) * Real(0x1p-24);
     } else if constexpr (bits == Bits::from_32) {
@@ -42,6 +46,36 @@ Real real_of_words(const std::uint32_t* words) {
         return static_cast<Real>(std::uint64_t{words[1]} << 32 | words[0]) * Real(0x1p-64L);
     }
 }
+
+// Whole arrays, with the widest vectors that there are.
+struct Twist {
+    static constexpr bool has_vectors = true;
+    [[gnu::always_inline]] static inline void run(std::uint32_t* state) {
+        constexpr std::size_t size = Twister::size;
+        constexpr std::size_t turn = size - twist_distance;
+        for (std::size_t i = 0; i < turn; ++i)
+            state[i] = twisted(state[i], state[i + 1], state[i + twist_distance]);
+        for (std::size_t i = turn; i < size - 1; ++i)
+            state[i] = twisted(state[i], state[i + 1], state[i - turn]);
+        state[size - 1] = twisted(state[size - 1], state[0], state[size - 1 - turn]);
+    }
+};
+struct Temper {
+    static constexpr bool has_vectors = true;
+    [[gnu::always_inline]] static inline void run(std::uint32_t* values, const std::uint32_t* state,
+                                                  std::size_t count) {
+        for (std::size_t i = 0; i < count; ++i) values[i] = tempered(state[i]);
+    }
+};
+template <class Real, Bits bits>
+struct RealsOfWords {
+    static constexpr bool has_vectors = !std::is_same_v<Real, long double>;
+    [[gnu::always_inline]] static inline void run(Real* values, const std::uint32_t* words,
+                                                  std::size_t count) {
+        for (std::size_t i = 0; i < count; ++i)
+            values[i] = real_of_words<Real, bits>(words + i * words_each<Real, bits>);
+    }
+};
 
 std::int32_t word_of(const char* text) {
     std::int32_t word = 0;
@@ -72,12 +106,7 @@ void Twister::set_seed(std::uint32_t seed) {
 }
 
 void Twister::twist() {
-    constexpr std::size_t turn = size - twist_distance;
-    for (std::size_t i = 0; i < turn; ++i)
-        state_[i] = twisted(state_[i], state_[i + 1], state_[i + twist_distance]);
-    for (std::size_t i = turn; i < size - 1; ++i)
-        state_[i] = twisted(state_[i], state_[i + 1], state_[i - turn]);
-    state_[size - 1] = twisted(state_[size - 1], state_[0], state_[size - 1 - turn]);
+    arrays::dispatch<Twist>(state_ + 0);
     read_index_ = 0;
 }
 
@@ -99,7 +128,7 @@ void Twister::fill(std::uint32_t* values, std::size_t count) {
         make_ready();
         const std::size_t some = std::min(count, size - read_index_);
         const std::uint32_t* const from = state_ + read_index_;
-        for (std::size_t i = 0; i < some; ++i) values[i] = tempered(from[i]);
+        arrays::dispatch<Temper>(values, from, some);
         read_index_ += static_cast<std::uint32_t>(some);
         values += some;
         count -= some;
@@ -121,8 +150,7 @@ void fill_random(Twister& twister, Real* values, std::size_t count) {
     while (count > 0) {
         const std::size_t some = std::min(count, room / each);
         twister.fill(words, some * each);
-        for (std::size_t i = 0; i < some; ++i)
-            values[i] = real_of_words<Real, bits>(words + i * each);
+        arrays::dispatch<RealsOfWords<Real, bits>>(values, words + 0, some);
         values += some;
         count -= some;
     }

@@ -1,7 +1,9 @@
 #include "intrinsics/random/streams.h"
 
 #include <atomic>
+#include <cstdlib>
 #include <mutex>
+#include <pthread.h>
 #include <sys/random.h>
 #include <time.h>
 #include <unistd.h>
@@ -53,21 +55,42 @@ void begin_streams(const Xoshiro& generator) {
 void restart(const Xoshiro& generator) {
     const std::lock_guard lock(streams.lock);
     begin_streams(generator);
-    ThreadStream::current = {generator, true};
+    ThreadStream::current.stream.restart(generator);
+    ThreadStream::current.made = true;
+}
+
+// ---- Storage of a thread's stream ----
+
+pthread_key_t key;
+pthread_once_t key_made = PTHREAD_ONCE_INIT;
+
+void end_of_thread(void* storage) {
+    ThreadStream::current.stream.give_up_storage();
+    std::free(storage);
+}
+
+void make_key() {
+    pthread_key_create(&key, end_of_thread);
 }
 
 }  // namespace
 
-Xoshiro& make_thread_stream() {
+void keep_for_thread(void* storage) {
+    pthread_once(&key_made, make_key);
+    pthread_setspecific(key, storage);
+}
+
+Stream& make_thread_stream() {
     const std::lock_guard lock(streams.lock);
     if (!streams.seeded) begin_streams(generator_of(seed_of_system()));
     streams.latest.jump();
-    ThreadStream::current = {streams.latest, true};
-    return ThreadStream::current.generator;
+    ThreadStream::current.stream.restart(streams.latest);
+    ThreadStream::current.made = true;
+    return ThreadStream::current.stream;
 }
 
 Seed thread_seed() {
-    const Xoshiro& generator = thread_stream();
+    const Xoshiro generator = thread_stream().position();
     Seed seed{};
     for (std::size_t i = 0; i < seed.size(); ++i) seed[i] = generator.s[i] ^ scrambler[i];
     return seed;

@@ -11,15 +11,15 @@ namespace tarn::intrinsics {
 
 // The calling thread's stream; made at its first use.
 struct ThreadStream {
-    Xoshiro generator;
+    Stream stream;
     bool made;
 
     [[gnu::tls_model("initial-exec")]] static constinit thread_local ThreadStream current;
 };
-Xoshiro& make_thread_stream();
-inline Xoshiro& thread_stream() {
-    ThreadStream& stream = ThreadStream::current;
-    return stream.made ? stream.generator : make_thread_stream();
+Stream& make_thread_stream();
+inline Stream& thread_stream() {
+    ThreadStream& current = ThreadStream::current;
+    return current.made ? current.stream : make_thread_stream();
 }
 
 // The seed as a program sees it: four 64-bit words that stand for the generator's state.

@@ -2,8 +2,10 @@
 
 #include <algorithm>
 #include <atomic>
+#include <cstdlib>
 #include <iterator>
 #include <mutex>
+#include <utility>
 
 #include "intrinsics/random/xoshiro_lanes.h"
 #include "platform/kernel/cpu.h"
@@ -14,7 +16,6 @@ namespace {
 // ---- The tables of steps ----
 
 constexpr std::size_t lane_kinds = std::size(lane_lengths);
-constexpr std::size_t shortest_lane = lane_lengths[lane_kinds - 1];
 // How many numbers must have been asked for, in arrays, before the tables are worth being made.
 constexpr std::size_t worth_making = 50000;
 
@@ -70,7 +71,6 @@ void make_tables() {
 }
 
 bool lanes_pay(std::size_t count) {
-    if (count < lane_count * shortest_lane) return false;
     if (platform::vector_level() < platform::VectorLevel::avx2) return false;
     if (tables.ready.load(std::memory_order_acquire)) return true;
     if (tables.asked.fetch_add(count, std::memory_order_relaxed) + count < worth_making)
@@ -106,20 +106,68 @@ void Xoshiro::jump() {
     *this = ahead;
 }
 
-template <class Real>
-void fill_random(Xoshiro& generator, Real* values, std::size_t count) {
-    std::size_t at = 0;
-    if constexpr (sizeof(Real) <= 8) {
-        if (lanes_pay(count)) at = fill_in_lanes(generator, values, count);
-    }
-    Xoshiro local = generator;  // in registers, whatever the values may share storage with
-    for (; at < count; ++at) values[at] = random_real<Real>(local);
-    generator = local;
+Xoshiro Stream::position() const {
+    if (ahead_ == nullptr || ahead_->used == Ahead::size) return generator_;
+    Xoshiro here = ahead_->start;
+    for (std::size_t i = 0; i < ahead_->used; ++i) here.step();
+    return here;
 }
 
-template void fill_random(Xoshiro&, float*, std::size_t);
-template void fill_random(Xoshiro&, double*, std::size_t);
-template void fill_random(Xoshiro&, long double*, std::size_t);
-template void fill_random(Xoshiro&, __float128*, std::size_t);
+void Stream::restart(const Xoshiro& generator) {
+    generator_ = generator;
+    if (ahead_ != nullptr) ahead_->used = Ahead::size;
+}
+
+void* Stream::give_up_storage() {
+    generator_ = position();
+    return std::exchange(ahead_, nullptr);
+}
+
+bool Stream::make_ahead() {
+    static_assert(Ahead::size == lane_count * lane_lengths[1]);
+    if (ahead_ == nullptr) {
+        ahead_ = static_cast<Ahead*>(std::malloc(sizeof(Ahead)));
+        if (ahead_ == nullptr) return false;
+        keep_for_thread(ahead_);
+    }
+    ahead_->start = generator_;
+    ahead_->used = 0;
+    fill_lanes(generator_, tables.jumps[1], lane_lengths[1], ahead_->numbers);
+    return true;
+}
+
+// The values that can be made of what there is.
+template <class Real>
+std::size_t Stream::take_ahead(Real* values, std::size_t count) {
+    if (ahead_ == nullptr) return 0;
+    const std::size_t some = std::min(count, Ahead::size - ahead_->used);
+    reals_of(ahead_->numbers + ahead_->used, values, some);
+    ahead_->used += some;
+    return some;
+}
+
+template <class Real>
+void Stream::fill(Real* values, std::size_t count) {
+    constexpr std::size_t few = 8;
+    std::size_t at = 0;
+    if constexpr (sizeof(Real) <= 8) {
+        if (count >= few && lanes_pay(count)) {
+            at = take_ahead(values, count);
+            at += fill_in_lanes(generator_, values + at, count - at);
+            if (count - at >= few && make_ahead()) at += take_ahead(values + at, count - at);
+        }
+    }
+    for (; at < count && ahead_ != nullptr && ahead_->used < Ahead::size; ++at)
+        values[at] = random_real<Real>(*this);
+    if (at == count) return;
+    Xoshiro local = generator_;  // in registers, whatever the values may share storage with
+    for (; at < count; ++at) values[at] = random_real<Real>(local);
+    generator_ = local;
+}
+
+template void Stream::fill(float*, std::size_t);
+template void Stream::fill(double*, std::size_t);
+template void Stream::fill(long double*, std::size_t);
+template void Stream::fill(__float128*, std::size_t);
 
 }  // namespace tarn::intrinsics

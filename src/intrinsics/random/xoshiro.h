@@ -5,6 +5,7 @@
 #include <bit>
 #include <cstddef>
 #include <cstdint>
+#include <type_traits>
 
 namespace tarn::intrinsics {
 
@@ -29,27 +30,59 @@ struct Xoshiro {
     void jump();
 };
 
+// A thread's numbers. Arrays of middling size are made from numbers that were made many at once,
+// ahead of time; what comes out is the same as one at a time.
+class Stream {
+  public:
+    constexpr Stream() = default;
+
+    std::uint64_t next() {
+        if (ahead_ != nullptr && ahead_->used < Ahead::size) return ahead_->numbers[ahead_->used++];
+        return generator_.next();
+    }
+    // The generator as it stands before the next number.
+    Xoshiro position() const;
+    void restart(const Xoshiro& generator);
+
+    // As many numbers in a row.
+    template <class Real>
+    void fill(Real* values, std::size_t count);
+
+    // The storage for numbers made ahead, which is no longer the stream's: for the end of a thread.
+    void* give_up_storage();
+
+  private:
+    struct Ahead {
+        static constexpr std::size_t size = 4096;
+        Xoshiro start;     // before the first of them
+        std::size_t used;  // of them
+        std::uint64_t numbers[size];
+    };
+    template <class Real>
+    std::size_t take_ahead(Real* values, std::size_t count);
+    bool make_ahead();
+
+    Xoshiro generator_{};  // behind what was made ahead
+    Ahead* ahead_ = nullptr;
+};
+// Called with storage that a stream takes for itself, which ends with the thread.
+void keep_for_thread(void* storage);
+
 // How numbers become a REAL: by their upper 24, 53 or 64 bits; REAL(16) takes 113 bits of two.
-template <class Real>
-Real random_real(Xoshiro& generator) {
+template <class Real, class Source>
+Real random_real(Source& generator) {
     if constexpr (sizeof(Real) == 4) {
         return static_cast<Real>(generator.next() >> 40) * 0x1p-24F;
     } else if constexpr (sizeof(Real) == 8) {
         return static_cast<Real>(generator.next() >> 11) * 0x1p-53;
-    } else {
+    } else if constexpr (std::is_same_v<Real, long double>) {
         return static_cast<Real>(generator.next()) * 0x1p-64L;
+    } else {
+        const unsigned __int128 high = generator.next();
+        const unsigned __int128 bits = high << 49 | generator.next() >> 15;
+        constexpr __float128 unit = static_cast<__float128>(0x1p-64) * 0x1p-49;
+        return static_cast<__float128>(bits) * unit;
     }
 }
-template <>
-inline __float128 random_real(Xoshiro& generator) {
-    const unsigned __int128 high = generator.next();
-    const unsigned __int128 bits = high << 49 | generator.next() >> 15;
-    constexpr __float128 unit = static_cast<__float128>(0x1p-64) * 0x1p-49;
-    return static_cast<__float128>(bits) * unit;
-}
-
-// As many numbers in a row: the same as one at a time.
-template <class Real>
-void fill_random(Xoshiro& generator, Real* values, std::size_t count);
 
 }  // namespace tarn::intrinsics

@@ -106,6 +106,15 @@ void put(Four& f, float* values, std::size_t lane) {
         _mm256_storeu_si256(reinterpret_cast<__m256i*>(values + i * lane), columns[i]);
 }
 
+void put(Four& f, std::uint64_t* values, std::size_t lane) {
+    __m256i rows[4];
+    __m256i columns[4];
+    for (__m256i& row : rows) row = next(f);
+    transpose(rows, columns);
+    for (std::size_t i = 0; i < 4; ++i)
+        _mm256_storeu_si256(reinterpret_cast<__m256i*>(values + i * lane), columns[i]);
+}
+
 template <class Real>
 void fill(Xoshiro& generator, const JumpTable& table, std::size_t lane, Real* values) {
     constexpr std::size_t at_once = 32 / sizeof(Real);
@@ -132,6 +141,32 @@ void fill_lanes(Xoshiro& generator, const JumpTable& table, std::size_t lane, do
 }
 void fill_lanes(Xoshiro& generator, const JumpTable& table, std::size_t lane, float* values) {
     fill(generator, table, lane, values);
+}
+
+void fill_lanes(Xoshiro& generator, const JumpTable& table, std::size_t lane,
+                std::uint64_t* numbers) {
+    fill(generator, table, lane, numbers);
+}
+
+void reals_of(const std::uint64_t* numbers, double* values, std::size_t count) {
+    std::size_t i = 0;
+    for (; i + 4 <= count; i += 4)
+        _mm256_storeu_si256(reinterpret_cast<__m256i*>(values + i), doubles_of(load(numbers + i)));
+    for (; i < count; ++i) values[i] = static_cast<double>(numbers[i] >> 11) * 0x1p-53;
+}
+void reals_of(const std::uint64_t* numbers, float* values, std::size_t count) {
+    // The upper halves of eight numbers, in an order that the shuffle leaves by halves.
+    const __m256i in_order = _mm256_setr_epi32(0, 1, 4, 5, 2, 3, 6, 7);
+    std::size_t i = 0;
+    for (; i + 8 <= count; i += 8) {
+        const __m256 low = _mm256_castsi256_ps(load(numbers + i));
+        const __m256 high = _mm256_castsi256_ps(load(numbers + i + 4));
+        const __m256i upper = _mm256_permutevar8x32_epi32(
+            _mm256_castps_si256(_mm256_shuffle_ps(low, high, 0xDD)), in_order);
+        const __m256 whole = _mm256_cvtepi32_ps(_mm256_srli_epi32(upper, 8));
+        _mm256_storeu_ps(values + i, _mm256_mul_ps(whole, _mm256_set1_ps(0x1p-24F)));
+    }
+    for (; i < count; ++i) values[i] = static_cast<float>(numbers[i] >> 40) * 0x1p-24F;
 }
 
 }  // namespace tarn::intrinsics

@@ -19,10 +19,15 @@ struct JumpTable {
 
 inline constexpr std::size_t lane_count = 8;
 // How long a part may be: the longer, the less the jumps cost.
-inline constexpr std::size_t lane_lengths[] = {4096, 256, 32};
+inline constexpr std::size_t lane_lengths[] = {4096, 512};
 
 // Fills lane_count * lane numbers and moves the generator past them. Only where AVX2 is there.
 void fill_lanes(Xoshiro& generator, const JumpTable& table, std::size_t lane, double* values);
 void fill_lanes(Xoshiro& generator, const JumpTable& table, std::size_t lane, float* values);
+// The numbers themselves, and REALs of them.
+void fill_lanes(Xoshiro& generator, const JumpTable& table, std::size_t lane,
+                std::uint64_t* numbers);
+void reals_of(const std::uint64_t* numbers, double* values, std::size_t count);
+void reals_of(const std::uint64_t* numbers, float* values, std::size_t count);
 
 }  // namespace tarn::intrinsics

@@ -7,9 +7,12 @@
 #include "frame/fortran_start.h"
 #include "frame/link_name.h"
 #include "frame/state.h"
+#include "intrinsics/system/command_line.h"
 
 namespace tarn::gcc {
 namespace {
+
+using intrinsics::find_argument;
 
 constexpr int truncated = -1;
 constexpr int failed = 42;
@@ -34,20 +37,11 @@ void answer(std::string_view text, bool found, char* value, std::size_t value_le
     }
 }
 
-bool argument_at(std::int64_t number, std::string_view& text) {
-    frame::ensure_up();
-    const frame::State& state = frame::state();
-    text = {};
-    if (number < 0 || number >= state.argument_count) return false;
-    text = state.arguments[number];
-    return true;
-}
-
 template <typename Integer>
 void get_argument(const Integer* number, char* value, Integer* length, Integer* status,
                   std::size_t value_length) {
     std::string_view text;
-    bool found = argument_at(*number, text);
+    bool found = find_argument(*number, text);
     answer(text, found, value, value_length, length, status);
 }
 
@@ -66,7 +60,7 @@ void get_command(char* value, Integer* length, Integer* status, std::size_t valu
 template <typename Integer>
 void old_argument(const Integer* number, char* value, std::size_t value_length) {
     std::string_view text;
-    argument_at(*number, text);
+    find_argument(*number, text);
     store(text, value, value_length);
 }
 

@@ -1,4 +1,6 @@
 // gfortran's MAXLOC, MINLOC, FINDLOC, MAXVAL and MINVAL of characters of kind 1 and 4.
+#include <cstdarg>
+
 #include "frame/link_name.h"
 #include "intrinsics/arrays/text.h"
 #include "pairing/gcc/array_location.h"
@@ -23,6 +25,13 @@ struct TextEnd {
         const Back found = back_of(given, next);
         back = found.set;
         length = static_cast<std::size_t>(found.behind_kind ? last : next);
+    }
+    // Where `last` would lie on the stack. It may not be a parameter then: without a KIND= that
+    // place is the caller's, and parameters are free for the compiler to write to.
+    TextEnd(Word given, Word next, std::va_list rest) {
+        const Back found = back_of(given, next);
+        back = found.set;
+        length = static_cast<std::size_t>(found.behind_kind ? va_arg(rest, Word) : next);
     }
 };
 
@@ -110,15 +119,21 @@ extern "C" {
     }                                                                                              \
     TARN_EXPORT void _gfortran_m##entry##1_##size##_##type(                                        \
         ArrayDescriptor* to, const ArrayDescriptor* from, const Index* dim,                        \
-        const ArrayDescriptor* mask, Word back, Word next, Word last) {                            \
-        const TextEnd end(back, next, last);                                                       \
+        const ArrayDescriptor* mask, Word back, Word next, ...) {                                  \
+        std::va_list rest;                                                                         \
+        va_start(rest, next);                                                                      \
+        const TextEnd end(back, next, rest);                                                       \
+        va_end(rest);                                                                              \
         extreme_along<C>(*to, texts_of<C>(*from, end.length), GivenMask(mask).get(), *dim,         \
                          largest, end.back, size);                                                 \
     }                                                                                              \
     TARN_EXPORT void _gfortran_s##entry##1_##size##_##type(                                        \
         ArrayDescriptor* to, const ArrayDescriptor* from, const Index* dim, const Logical* mask,   \
-        Word back, Word next, Word last) {                                                         \
-        const TextEnd end(back, next, last);                                                       \
+        Word back, Word next, ...) {                                                               \
+        std::va_list rest;                                                                         \
+        va_start(rest, next);                                                                      \
+        const TextEnd end(back, next, rest);                                                       \
+        va_end(rest);                                                                              \
         const View array = texts_of<C>(*from, end.length);                                         \
         extreme_along<C>(*to, array, GivenMask(mask, array).get(), *dim, largest, end.back, size); \
     }                                                                                              \

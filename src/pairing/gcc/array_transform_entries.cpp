@@ -111,10 +111,7 @@ void spread_into(ArrayDescriptor& to, const View& source, Index dim_given, Index
     const int dim = dim_of(dim_given, rank, "SPREAD");
     View shape;
     shape.rank = rank;
-    for (int d = 0; d < rank; ++d) {
-        if (d < dim) shape.dims[d] = source.dims[d];
-        if (d > dim) shape.dims[d] = source.dims[d - 1];
-    }
+    for (int d = 0; d < source.rank; ++d) shape.dims[d < dim ? d : d + 1] = source.dims[d];
     shape.dims[dim].extent = std::max<Index>(copies, 0);
     spread(result_for(to, shape, source.element, "SPREAD"), source, dim);
 }
@@ -434,6 +431,8 @@ TARN_SHIFTS_BY_MANY(16, __int128)
 // An argument that must lie together: itself if it does, otherwise a copy, which compiled code
 // frees. Afterwards the copy's elements go back.
 TARN_EXPORT void* _gfortran_internal_pack(const ArrayDescriptor* from) {
+    // An absent argument, whose extents are anything.
+    if (from->base == nullptr) return nullptr;
     const View array = view_of(*from, element_of(*from));
     Index step = array.element;
     bool together = true;

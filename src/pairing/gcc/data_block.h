@@ -6,6 +6,7 @@
 #include <cstdint>
 
 #include "fio/gnu/fault.h"
+#include "fio/gnu/quick_record.h"
 #include "fio/gnu/statement.h"
 
 namespace tarn::gcc {
@@ -37,6 +38,7 @@ inline constexpr std::uint32_t has_delim = 1U << 21;
 inline constexpr std::uint32_t has_pad = 1U << 22;
 inline constexpr std::uint32_t has_round = 1U << 23;
 inline constexpr std::uint32_t has_sign = 1U << 24;
+inline constexpr std::uint32_t has_dec_extensions = 1U << 27;
 // The library's own, which compiled code leaves out: the block knows the variables of its group.
 inline constexpr std::uint32_t has_variables = 1U << 31;
 inline constexpr std::uint32_t has_some_mode = has_advance | has_asynchronous | has_blank |
@@ -85,12 +87,14 @@ struct TypeWords {
 };
 static_assert(sizeof(TypeWords) == 16);
 
-enum class Owner : std::uint64_t { none, gnu, native };
+// Who does what is asked of a block.
+enum class Owner : std::uint64_t { none, gnu, quick, native };
 
 // The library's own part of a block.
 struct PrivatePart {
     Owner owner;
-    void* statement;
+    void* statement;               // `gnu`, `native`
+    fio::QuickRecord record;       // `quick`
     fio::NamelistGroup* namelist;  // under `has_variables`
     fio::Caller caller;
 };

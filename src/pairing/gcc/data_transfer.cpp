@@ -60,8 +60,16 @@ void fill_internal(const DataBlock& block, fio::InternalFile& file) {
     }
 }
 
-Statement& statement_of(DataBlock& block) {
-    return *static_cast<Statement*>(block.part().statement);
+// The block's record needs more than a quick one can do.
+[[gnu::noinline]] void leave_quick_road(DataBlock& block) {
+    PrivatePart& part = block.part();
+    fill_caller(block, part.caller);
+    part.statement = fio::leave_quick_record(part.record, part.caller);
+    part.owner = Owner::gnu;
+}
+
+std::size_t bytes_of(ItemType type, int kind, std::size_t size) {
+    return type == ItemType::character ? size * static_cast<std::size_t>(kind) : size;
 }
 
 using ItemRow = void (*)(DataBlock& block, ItemType type, char* items, int kind, std::size_t size,
@@ -71,6 +79,19 @@ void gnu_row(DataBlock& block, ItemType type, char* items, int kind, std::size_t
              std::int64_t stride, std::int64_t count) {
     transfer_items(statement_of(block), type, items, kind, size, stride,
                    static_cast<std::size_t>(count));
+}
+
+void quick_row(DataBlock& block, ItemType type, char* items, int kind, std::size_t size,
+               std::int64_t stride, std::int64_t count) {
+    PrivatePart& part = block.part();
+    if (part.owner == Owner::quick) {
+        const std::size_t bytes = bytes_of(type, kind, size);
+        if (pass_row_quickly(part.record, items, bytes, stride, static_cast<std::size_t>(count))) {
+            return;
+        }
+        leave_quick_road(block);
+    }
+    gnu_row(block, type, items, kind, size, stride, count);
 }
 
 void native_row(DataBlock& block, ItemType type, char* items, int kind, std::size_t size,
@@ -119,6 +140,17 @@ void walk(DataBlock& block, const ArrayDescriptor& array, ItemType type, int kin
     }
 }
 
+ItemRow row_of(Owner owner) {
+    switch (owner) {
+        case Owner::native:
+            return native_row;
+        case Owner::quick:
+            return quick_row;
+        default:
+            return gnu_row;
+    }
+}
+
 const char* format_of(const DataBlock& block) {
     return (block.flags & has_format) != 0 ? block.format : nullptr;
 }
@@ -140,6 +172,7 @@ const char* format_of(const DataBlock& block) {
     specs.pos = specs.has_pos ? block.pos : 0;
     specs.has_end = (flags & has_end) != 0;
     specs.has_eor = (flags & has_eor) != 0;
+    specs.dec_extensions = (flags & has_dec_extensions) != 0;
     specs.size = (flags & has_size) != 0 ? block.size : nullptr;
     specs.id = (flags & has_id) != 0 ? block.id : nullptr;
     fio::ModeSpecifiers modes;
@@ -171,6 +204,11 @@ ItemType item_type(std::int8_t type) {
     }
 }
 
+Statement& statement_of(DataBlock& block) {
+    if (block.part().owner == Owner::quick) leave_quick_road(block);
+    return *static_cast<Statement*>(block.part().statement);
+}
+
 NativeRoad& native_road() {
     static NativeRoad road;
     return road;
@@ -178,17 +216,23 @@ NativeRoad& native_road() {
 
 void begin_data_transfer(DataBlock& block, bool reading) {
     PrivatePart& part = block.part();
+    const std::uint32_t flags = block.flags;
+    const bool usual = (flags & (reading ? unusual_in_read : unusual_in_write)) == 0;
+    const bool unformatted = (flags & (has_format | list_directed)) == 0;
+    if (usual && unformatted && begin_quick_record(part.record, block.unit, reading)) {
+        part.owner = Owner::quick;
+        return;
+    }
     part.owner = Owner::gnu;
     fill_caller(block, part.caller);
-    const std::uint32_t flags = block.flags;
-    if ((flags & (reading ? unusual_in_read : unusual_in_write)) == 0) {
-        part.statement = (flags & (has_format | list_directed)) != 0
-                             ? fio::begin_usual_transfer(part.caller, reading, format_of(block),
-                                                         block.format_length)
-                             : fio::begin_usual_records(part.caller, reading);
-        if (part.statement != nullptr) return;
+    part.statement = nullptr;
+    if (usual && unformatted) {
+        part.statement = fio::begin_usual_records(part.caller, reading);
+    } else if (usual) {
+        part.statement =
+            fio::begin_usual_transfer(part.caller, reading, format_of(block), block.format_length);
     }
-    part.statement = begin_any(block, reading);
+    if (part.statement == nullptr) part.statement = begin_any(block, reading);
 }
 
 void begin_measuring(DataBlock& block) {
@@ -206,6 +250,13 @@ void end_data_transfer(DataBlock& block) {
         native_road().done(&block);
         return release_group(block);
     }
+    if (part.owner == Owner::quick) {
+        if (end_quick_record(part.record)) {
+            part.owner = Owner::none;
+            return;
+        }
+        leave_quick_road(block);
+    }
     end_transfer(static_cast<Statement*>(part.statement));
     part.owner = Owner::none;
     release_group(block);
@@ -213,8 +264,13 @@ void end_data_transfer(DataBlock& block) {
 }
 
 void transfer_item(DataBlock& block, ItemType type, void* item, int kind, std::size_t size) {
-    if (block.part().owner == Owner::native) {
+    PrivatePart& part = block.part();
+    if (part.owner == Owner::native) {
         native_road().transfer(&block, type, item, kind, size);
+        return;
+    }
+    if (part.owner == Owner::quick &&
+        pass_quickly(part.record, static_cast<char*>(item), bytes_of(type, kind, size))) {
         return;
     }
     Statement& statement = statement_of(block);
@@ -223,8 +279,12 @@ void transfer_item(DataBlock& block, ItemType type, void* item, int kind, std::s
 
 void transfer_complex(DataBlock& block, void* item, int kind) {
     const std::size_t size = 2 * fio::real_size(kind);
-    if (block.part().owner == Owner::native) {
+    PrivatePart& part = block.part();
+    if (part.owner == Owner::native) {
         native_road().transfer(&block, ItemType::complex, item, kind, size);
+        return;
+    }
+    if (part.owner == Owner::quick && pass_quickly(part.record, static_cast<char*>(item), size)) {
         return;
     }
     fio::transfer_items(statement_of(block), ItemType::complex, item, kind, size, 0, 1);
@@ -234,8 +294,13 @@ void transfer_array(DataBlock& block, const ArrayDescriptor& array, int kind,
                     std::size_t character_length) {
     const ItemType type = item_type(array.type);
     const std::size_t size = type == ItemType::character ? character_length : array.element_length;
-    const bool native = block.part().owner == Owner::native;
-    walk(block, array, type, kind, size, native ? native_row : gnu_row);
+    const Owner owner = block.part().owner;
+    if (owner == Owner::quick && array.rank == 1) {
+        const Dimension& only = array.dimension[0];
+        return quick_row(block, type, array.base, kind, size, only.stride * array.unit(),
+                         only.extent());
+    }
+    walk(block, array, type, kind, size, row_of(owner));
 }
 
 }  // namespace tarn::gcc

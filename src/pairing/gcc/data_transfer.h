@@ -12,6 +12,8 @@ void begin_measuring(DataBlock& block);
 // The outcome goes into the block's flags.
 void end_data_transfer(DataBlock& block);
 
+// The statement of a block that is the engine's; a quick record becomes one.
+fio::Statement& statement_of(DataBlock& block);
 // One scalar item that isn't COMPLEX. `size`: its bytes; of a CHARACTER its length.
 void transfer_item(DataBlock& block, fio::ItemType type, void* item, int kind, std::size_t size);
 void transfer_complex(DataBlock& block, void* item, int kind);

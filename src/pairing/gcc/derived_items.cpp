@@ -5,11 +5,15 @@
 namespace tarn::gcc {
 namespace {
 
-using FormattedRoutine = void (*)(void* object, std::int32_t* unit, const char* iotype,
-                                  const ArrayDescriptor* values, std::int32_t* iostat, char* iomsg,
+// A default INTEGER has 8 bytes in a program compiled with -fdefault-integer-8, and nothing tells
+// which one this is: a place of 8 bytes does for both.
+using AnyInteger = std::int64_t;
+
+using FormattedRoutine = void (*)(void* object, AnyInteger* unit, const char* iotype,
+                                  const ArrayDescriptor* values, AnyInteger* iostat, char* iomsg,
                                   std::size_t iotype_length, std::size_t iomsg_length);
-using UnformattedRoutine = void (*)(void* object, std::int32_t* unit, std::int32_t* iostat,
-                                    char* iomsg, std::size_t iomsg_length);
+using UnformattedRoutine = void (*)(void* object, AnyInteger* unit, AnyInteger* iostat, char* iomsg,
+                                    std::size_t iomsg_length);
 
 constexpr std::int8_t integer_type = 1;
 
@@ -28,15 +32,21 @@ ArrayDescriptor describe(const std::int32_t* values, std::int32_t count) {
 }
 
 void call(const fio::ItemProcedure& procedure, fio::ProcedureArguments& a) {
-    std::int32_t unit = a.unit;
+    AnyInteger unit = a.unit;
+    AnyInteger iostat = a.iostat;
     if (a.unformatted) {
         const auto routine = reinterpret_cast<UnformattedRoutine>(procedure.routine);
-        return routine(procedure.object, &unit, &a.iostat, a.iomsg, a.iomsg_length);
+        routine(procedure.object, &unit, &iostat, a.iomsg, a.iomsg_length);
+    } else {
+        const std::int32_t single[2] = {a.value_count == 1 ? *a.values : 0, 0};
+        const ArrayDescriptor values =
+            describe(a.value_count == 1 ? single : a.values, a.value_count);
+        const auto routine = reinterpret_cast<FormattedRoutine>(procedure.routine);
+        routine(procedure.object, &unit, a.iotype.data(), &values, &iostat, a.iomsg,
+                a.iotype.size(), a.iomsg_length);
     }
-    const ArrayDescriptor values = describe(a.values, a.value_count);
-    const auto routine = reinterpret_cast<FormattedRoutine>(procedure.routine);
-    routine(procedure.object, &unit, a.iotype.data(), &values, &a.iostat, a.iomsg, a.iotype.size(),
-            a.iomsg_length);
+    // A program with 4 bytes leaves the others as they were, 0.
+    a.iostat = static_cast<std::int32_t>(iostat);
 }
 
 // A class container as compiled code makes one for a variable that isn't polymorphic.
@@ -64,8 +74,7 @@ fio::ItemProcedure item_procedure(void* object, void* routine) {
 void transfer_derived(DataBlock& block, void* object, void* routine) {
     PrivatePart& part = block.part();
     if (part.owner == Owner::native) return native_road().refuse_derived(&block);
-    fio::transfer_derived(*static_cast<fio::Statement*>(part.statement),
-                          item_procedure(object, routine));
+    fio::transfer_derived(statement_of(block), item_procedure(object, routine));
 }
 
 }  // namespace tarn::gcc

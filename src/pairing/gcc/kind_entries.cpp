@@ -4,7 +4,7 @@
 #include <strings.h>
 
 #include "frame/link_name.h"
-#include "intrinsics/numeric/powers.h"
+#include "intrinsics/numbers/gnu_powers.h"
 #include "pairing/gcc/data_block.h"
 
 namespace tarn::gcc {

@@ -3,7 +3,7 @@
 #include <cstdint>
 
 #include "frame/link_name.h"
-#include "intrinsics/numeric/powers.h"
+#include "intrinsics/numbers/gnu_powers.h"
 
 namespace {
 

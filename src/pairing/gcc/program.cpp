@@ -3,6 +3,8 @@
 #include <cstdlib>
 #include <string_view>
 
+#include "failure/failure.h"
+#include "failure/report.h"
 #include "fio/gnu/options.h"
 #include "frame/hooks.h"
 #include "frame/link_name.h"
@@ -45,8 +47,10 @@ std::string note() {
 // An error's stop tells where the program stood, as a failure does.
 [[noreturn, gnu::noinline]] void error_stop(std::string words, int status, bool quiet) {
     frame::ensure_up();
-    if (!quiet && (frame::traceback_flags() & frame::tb_no_traceback) == 0)
-        words.append(traceback::console_text(traceback::registers_here(), traceback::Place::call));
+    const traceback::Registers here = traceback::registers_here();
+    const std::string_view callers = traceback::console_text(here, traceback::Place::call);
+    if (failure::hooks().write_report) failure::hooks().write_report(status, words, here);
+    if (!quiet && failure::shows_callers()) words.append(callers);
     stop(words, status, quiet);
 }
 
@@ -123,6 +127,13 @@ TARN_EXPORT void _gfortran_pause_string(const char* text, std::size_t length) {
 }
 [[noreturn]] TARN_EXPORT void _gfortran_exit_i8(const std::int64_t* status) {
     std::exit(status ? static_cast<int>(*status) : 0);
+}
+
+// Where the program stands and who called; it goes on.
+TARN_EXPORT void _gfortran_backtrace() {
+    tarn::frame::ensure_up();
+    say(std::string(tarn::traceback::console_text(tarn::traceback::registers_here(),
+                                                  tarn::traceback::Place::call)));
 }
 
 // The signal tells a debugger, a core file or a batch system; what was written comes out first.

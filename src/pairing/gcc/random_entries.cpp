@@ -17,11 +17,10 @@ using intrinsics::thread_stream;
 template <class Real>
 void fill(const ArrayDescriptor& array) {
     constexpr auto unit = static_cast<std::int64_t>(sizeof(Real));
-    intrinsics::Xoshiro& stream = thread_stream();
+    intrinsics::Stream& stream = thread_stream();
     for_each_run(array, sizeof(Real), [&](char* at, std::int64_t count, std::int64_t step) {
         if (step == unit) {
-            intrinsics::fill_random(stream, reinterpret_cast<Real*>(at),
-                                    static_cast<std::size_t>(count));
+            stream.fill(reinterpret_cast<Real*>(at), static_cast<std::size_t>(count));
             return;
         }
         for (std::int64_t i = 0; i < count; ++i, at += step)

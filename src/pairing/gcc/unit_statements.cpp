@@ -74,9 +74,7 @@ fio::OpenSpecifiers specifiers_of(const OpenBlock& block) {
     s.asynchronous = given(flags, open_flag::asynchronous, block.asynchronous);
     s.carriage_control = given(flags, open_flag::carriage_control, block.carriage_control);
     s.share = given(flags, open_flag::share, block.share);
-    // READONLY is an ACTION= of its own.
-    const bool read_only = (flags & open_flag::read_only) != 0 && block.read_only != 0;
-    if (read_only && s.action.data() == nullptr) s.action = "READ";
+    s.read_only = (flags & open_flag::read_only) != 0 && block.read_only != 0;
     return s;
 }
 

@@ -10,14 +10,10 @@ namespace {
 
 int (*control_handler)(int event) = nullptr;
 
-void on_signal(int number) {
+void on_signal(int number, siginfo_t* info, void* context) {
     int saved = errno;
     bool handled = control_handler(number == SIGINT ? ctrl_c_event : ctrl_break_event) != 0;
-    if (!handled) {
-        // Blocked until this handler returns; then the default action meets it.
-        signal(number, SIG_DFL);
-        raise(number);
-    }
+    if (!handled) pass_on_signal(number, info, context);
     errno = saved;
 }
 
@@ -27,8 +23,8 @@ void take_over(int number) {
     const bool is_default = (present.sa_flags & SA_SIGINFO) == 0 && present.sa_handler == SIG_DFL;
     if (!is_default && !is_watched(number)) return;
     struct sigaction ours = {};
-    ours.sa_handler = on_signal;
-    ours.sa_flags = SA_RESTART | SA_ONSTACK;
+    ours.sa_sigaction = on_signal;
+    ours.sa_flags = SA_SIGINFO | SA_RESTART | SA_ONSTACK;
     sigemptyset(&ours.sa_mask);
     sigaction(number, &ours, nullptr);
 }

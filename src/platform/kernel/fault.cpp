@@ -122,6 +122,14 @@ bool faults_are_watched() {
     return faults.handler.load(std::memory_order_acquire) != nullptr;
 }
 
+void pass_on_signal(int number, siginfo_t* info, void* context) {
+    if (faults_are_watched() && signal_name(number).name[0] != 0) {
+        on_signal(number, info, context);
+    } else {
+        die_of(number);
+    }
+}
+
 bool is_watched(int signal) {
     struct sigaction present;
     return sigaction(signal, nullptr, &present) == 0 && (present.sa_flags & SA_SIGINFO) != 0 &&

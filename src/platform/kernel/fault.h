@@ -30,6 +30,9 @@ bool faults_are_watched();
 // Whether a signal still comes to the handler: a program may have taken it since.
 bool is_watched(int signal);
 
+// For the handler of such a signal that finds it isn't meant: what would have happened without it.
+void pass_on_signal(int number, siginfo_t* info, void* context);
+
 // The calling thread's stack for handlers; it ends with the thread. A thread that has one keeps it.
 void give_handler_stack();
 

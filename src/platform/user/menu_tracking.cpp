@@ -335,6 +335,23 @@ void hook_bar_hover(HWND hwnd, POINT screen) {
     repaint_bar(hwnd);
 }
 
+// By its mnemonic, or for want of one by its first letter.
+std::int32_t bar_item_of_key(HMENU bar, char32_t letter) {
+    const Menu* found = find_menu(bar);
+    if (found == nullptr) return no_item;
+    for (const bool by_first : {false, true}) {
+        for (std::size_t i = 0; i < found->items.size(); ++i) {
+            const MenuItem& item = found->items[i];
+            char32_t own = item.mnemonic();
+            std::size_t begin = 0;
+            if (by_first && (own != 0 || item.text.empty())) continue;
+            if (by_first) own = lower_letter(next_code_point(item.text, begin));
+            if (own == letter && item.enabled()) return static_cast<std::int32_t>(i);
+        }
+    }
+    return no_item;
+}
+
 bool hook_open_by_key(HWND hwnd, char32_t key) {
     const HMENU bar = GetMenu(hwnd);
     if (bar == 0 && system_menu_of(hwnd) == 0) return false;
@@ -342,13 +359,9 @@ bool hook_open_by_key(HWND hwnd, char32_t key) {
         track_bar(hwnd, GetMenuItemCount(bar) > 0 ? next_item(bar, no_item, 1) : system_item, true);
         return true;
     }
-    const Menu* found = find_menu(bar);
-    for (std::size_t i = 0; found != nullptr && i < found->items.size(); ++i) {
-        if (found->items[i].mnemonic() != lower_letter(key) || !found->items[i].enabled()) continue;
-        track_bar(hwnd, static_cast<std::int32_t>(i), true);
-        return true;
-    }
-    return false;
+    const std::int32_t item = bar_item_of_key(bar, lower_letter(key));
+    if (item != no_item) track_bar(hwnd, item, true);
+    return item != no_item;
 }
 
 void hook_window_destroyed(HWND hwnd, HMENU menu) {

@@ -44,7 +44,7 @@ std::string spell(const FormatProgram& program) {
 }
 
 FormatError parse(const std::string& text, FormatProgram& program) {
-    return parse_gnu_format(text.data(), text.size(), program);
+    return parse_gnu_format(text.data(), text.size(), {}, program);
 }
 
 TEST(GnuFormat, Nodes) {

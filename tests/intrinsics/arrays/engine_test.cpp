@@ -1,4 +1,5 @@
 // The array engines against plain loops, at lengths around the edges of their chunks and blocks.
+#include <cstring>
 #include <gtest/gtest.h>
 #include <random>
 #include <vector>
@@ -192,6 +193,126 @@ TEST(Engine, CopiesInAnyDirection) {
         for (Index j = 0; j < c.columns; ++j)
             for (Index i = 0; i < c.rows; ++i) ASSERT_EQ(turned.at(j, i), c.array.at(i, j));
     });
+}
+
+TEST(Engine, LogicalsAlongEitherDimension) {
+    constexpr LogicalReduction all_of[] = {LogicalReduction::count, LogicalReduction::any,
+                                           LogicalReduction::all, LogicalReduction::parity};
+    for_cases([&](Case& c, std::mt19937& random) {
+        // Few rows that aren't all of one kind, so that searches go on to the end.
+        if (random() % 2 == 0) {
+            const std::int32_t mostly = random() % 2 != 0 ? 1 : 0;
+            for (std::int32_t& e : c.mask.elements) e = random() % 800 == 0 ? 1 - mostly : mostly;
+        }
+        for (const Truth truth : {Truth::low_byte, Truth::byte_is_one, Truth::whole}) {
+            const Mask mask{c.mask.view, truth};
+            for (const int dim : {0, 1}) {
+                const Index n = dim == 0 ? c.rows : c.columns;
+                const Index others = dim == 0 ? c.columns : c.rows;
+                for (const LogicalReduction what : all_of) {
+                    std::vector<std::int32_t> results(static_cast<std::size_t>(others), 77);
+                    View result;
+                    result.base = reinterpret_cast<std::byte*>(results.data());
+                    result.element = 4;
+                    result.rank = 1;
+                    result.dims[0] = {others, 4};
+                    reduce_logical(what, mask, dim, result);
+                    for (Index r = 0; r < others; ++r) {
+                        Index count = 0;
+                        for (Index k = 0; k < n; ++k) {
+                            const auto e = static_cast<std::uint32_t>(dim == 0 ? c.mask.at(k, r)
+                                                                               : c.mask.at(r, k));
+                            count += truth == Truth::whole      ? e != 0
+                                     : truth == Truth::low_byte ? (e & 0xFF) != 0
+                                                                : (e & 0xFF) == 1;
+                        }
+                        const Index wanted = what == LogicalReduction::count ? count
+                                             : what == LogicalReduction::any ? count > 0
+                                             : what == LogicalReduction::all ? count == n
+                                                                             : count & 1;
+                        ASSERT_EQ(results[static_cast<std::size_t>(r)], wanted)
+                            << "reduction " << static_cast<int>(what) << ", dimension " << dim
+                            << ", result " << r << ", truth " << static_cast<int>(truth);
+                    }
+                }
+            }
+        }
+    });
+}
+
+// Elements of every size, dense and not, that are chosen by flags or repeated.
+template <class T>
+class Elements : public testing::Test {};
+struct Odd {
+    std::uint8_t bytes[12];
+    bool operator==(const Odd&) const = default;
+};
+using ElementTypes = testing::Types<std::uint8_t, std::uint16_t, std::uint32_t, std::uint64_t,
+                                    unsigned __int128, Odd>;
+TYPED_TEST_SUITE(Elements, ElementTypes);
+
+TYPED_TEST(Elements, PackUnpackAndSpread) {
+    using T = TypeParam;
+    std::mt19937 random(3);
+    for (int round = 0; round < 60; ++round) {
+        const Index n = sizes[random() % std::size(sizes)];
+        const Index columns = 1 + static_cast<Index>(random() % 3);
+        Section<T> array(n, columns, 1 + random() % 3, random() % 3 == 0);
+        Section<T> field(n, columns, 1 + random() % 2, false);
+        Section<std::int32_t> mask(n, columns, 1 + random() % 3, random() % 3 == 0);
+        const unsigned density = random() % 9;
+        for (T& e : array.elements) std::memset(&e, static_cast<int>(random()), sizeof e);
+        for (T& e : field.elements) std::memset(&e, static_cast<int>(random()), sizeof e);
+        for (auto& e : mask.elements) e = random() % 8 < density ? 1 : 0;
+        SCOPED_TRACE(testing::Message() << n << " x " << columns);
+
+        std::vector<T> chosen;
+        for (Index j = 0; j < columns; ++j)
+            for (Index i = 0; i < n; ++i)
+                if (mask.at(i, j) != 0) chosen.push_back(array.at(i, j));
+        const auto count = static_cast<Index>(chosen.size());
+        constexpr auto size = static_cast<Index>(sizeof(T));
+        const Index gap = 1 + static_cast<Index>(random() % 2);
+        std::vector<T> packed(chosen.size() * static_cast<std::size_t>(gap) + 1);
+        const T guard = packed.back();
+        const Mask with{mask.view, Truth::low_byte};
+        ASSERT_EQ(
+            pack(reinterpret_cast<std::byte*>(packed.data()), gap * size, count, array.view, with),
+            count);
+        for (std::size_t i = 0; i < chosen.size(); ++i)
+            ASSERT_TRUE(packed[i * static_cast<std::size_t>(gap)] == chosen[i]) << i;
+        ASSERT_TRUE(packed.back() == guard);
+
+        Section<T> to(n, columns, 1 + random() % 2, false);
+        ASSERT_TRUE(unpack(to.view, reinterpret_cast<const std::byte*>(packed.data()), gap * size,
+                           count, with, field.view));
+        std::size_t next = 0;
+        for (Index j = 0; j < columns; ++j)
+            for (Index i = 0; i < n; ++i)
+                ASSERT_TRUE(to.at(i, j) == (mask.at(i, j) != 0 ? chosen[next++] : field.at(i, j)));
+
+        // A new first dimension, and a new last.
+        const Index copies = static_cast<Index>(random() % 12);
+        for (const int dim : {0, 2}) {
+            std::vector<T> room(static_cast<std::size_t>(n * columns * copies + 1));
+            View view;
+            view.base = reinterpret_cast<std::byte*>(room.data());
+            view.element = size;
+            view.rank = 3;
+            view.dims[dim].extent = copies;
+            view.dims[dim == 0 ? 1 : 0].extent = n;
+            view.dims[dim == 0 ? 2 : 1].extent = columns;
+            make_contiguous(view);
+            spread(view, array.view, dim);
+            for (Index j = 0; j < columns; ++j)
+                for (Index i = 0; i < n; ++i)
+                    for (Index k = 0; k < copies; ++k)
+                        ASSERT_TRUE(
+                            room[static_cast<std::size_t>(dim == 0 ? k + copies * (i + n * j)
+                                                                   : i + n * (j + columns * k))] ==
+                            array.at(i, j));
+        }
+    }
 }
 
 }  // namespace

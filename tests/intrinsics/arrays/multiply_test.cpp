@@ -1,12 +1,20 @@
 // Products against plain loops, at sizes around the edges of tiles and blocks.
 #include "intrinsics/matmul/multiply.h"
 
+#include <array>
+#include <atomic>
+#include <cfenv>
 #include <cmath>
 #include <gtest/gtest.h>
 #include <random>
+#include <sys/wait.h>
+#include <thread>
+#include <unistd.h>
 #include <vector>
 
+#include "frame/cores.h"
 #include "intrinsics/matmul/tiles.h"
+#include "platform/kernel/workers.h"
 
 namespace {
 
@@ -110,6 +118,56 @@ TYPED_TEST(Products, EqualPlainLoops) {
         EXPECT_LE(worst, bound) << m << " x " << k << " x " << n;
         EXPECT_EQ(c.elements, before) << "something beside the product was written";
     }
+}
+
+// On any number of threads, by columns and by rows, and while other threads do the same.
+TYPED_TEST(Products, AreTheSameOnSeveralThreads) {
+    using T = TypeParam;
+    std::mt19937 random(4);
+    for (const auto [m, k, n] : {std::array<Index, 3>{300, 256, 301}, {2000, 300, 30}}) {
+        Stored<T> a(m, k, false, 1, false, random);
+        Stored<T> b(k, n, true, 1, false, random);
+        Stored<T> alone(m, n, false, 1, false, random);
+        Stored<T> shared[] = {alone, alone, alone};
+        multiply<T>(a.read(), b.read(), alone.matrix);
+        const std::int32_t before = tarn::frame::max_cores();
+        tarn::frame::set_max_cores(2);
+        std::vector<std::thread> threads;
+        for (Stored<T>& c : shared) {
+            c.matrix.base = c.elements.data();
+            threads.emplace_back([&] { multiply<T>(a.read(), b.read(), c.matrix); });
+        }
+        for (std::thread& thread : threads) thread.join();
+        for (const Stored<T>& c : shared)
+            EXPECT_TRUE(c.elements == alone.elements) << m << " x " << k << " x " << n;
+        tarn::frame::set_max_cores(before == 0 ? 1 : before);
+    }
+}
+
+// A child has no helpers but may ask for some; and exceptions raised by helpers are the caller's.
+TEST(Workers, ComeBackInAChildAndTellOfExceptions) {
+    std::atomic<int> sum{0};
+    const auto part = [](void* context, int index) {
+        static_cast<std::atomic<int>*>(context)->fetch_add(index);
+        volatile double zero = 0;
+        if (index == 5) zero = 1 / zero;
+    };
+    const auto works = [&] {
+        sum = 0;
+        std::feclearexcept(FE_ALL_EXCEPT);
+        tarn::platform::run_parts(100, 4, part, &sum);
+        return sum == 4950 && std::fetestexcept(FE_DIVBYZERO) != 0;
+    };
+    EXPECT_TRUE(works());
+    const pid_t child = fork();
+    if (child == 0) {
+        alarm(20);
+        _exit(works() ? 0 : 1);
+    }
+    int status = 1;
+    waitpid(child, &status, 0);
+    EXPECT_EQ(status, 0);
+    EXPECT_TRUE(works());
 }
 
 // The widest tiles run on few machines; their code for any machine shows what they compute.

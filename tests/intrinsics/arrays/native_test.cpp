@@ -164,6 +164,30 @@ TEST(NativeReductions, SumsAreRoundedStepByStep) {
     EXPECT_EQ(result_of<float>(routine(SUMR4_h), words, {}), std::vector<float>{0.0F});
 }
 
+TEST(NativeReductions, RootsOfSquares) {
+    const std::int32_t rank = 2;
+    std::int32_t dim = 1;
+    const Extents extents = {2, 3};
+    std::vector<double> values = {3, 4, -5, 12, 1e200, 1};
+    const auto norms = [&](auto* entry, const auto& array, Word extent) {
+        using T = typename std::decay_t<decltype(array)>::value_type;
+        return result_of<T>(routine(entry), {at(rank), at(array), at(extents), at(dim)}, {extent});
+    };
+    constexpr double infinity = std::numeric_limits<double>::infinity();
+    EXPECT_EQ(norms(NORM2R8_h, values, 3), (std::vector<double>{5, 13, infinity}));
+    dim = 2;
+    values[4] = 0;
+    EXPECT_EQ(norms(NORM2R8_h, values, 2)[0], std::sqrt(34.0));
+    std::vector<float> singles = {3, 4, -5, 12, 2.0F, 1.5F};
+    dim = 1;
+    EXPECT_EQ(norms(NORM2R4_h, singles, 3), (std::vector<float>{5, 13, 2.5F}));
+    singles[4] = 1e20F;
+    EXPECT_EXIT(norms(NORM2R4_h, singles, 3), testing::ExitedWithCode(1),
+                "453, Floating point overflow when computing NORM2");
+    dim = 3;
+    EXPECT_EXIT(norms(NORM2R8_h, values, 3), testing::ExitedWithCode(1), "DIM out of range");
+}
+
 TEST(NativeLocations, OfWholeArrays) {
     const std::int32_t rank = 2;
     const Extents extents = {3, 4};

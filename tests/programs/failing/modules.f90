@@ -1,8 +1,8 @@
 !> runs: end format deallocate stop
-!> end: in fail_by, modules.f90:29
-!> format: in fail_by, modules.f90:31
-!> deallocate: in fail_by, modules.f90:33
-!> stop: in fail_by, modules.f90:35
+!> end: in Readers::Take::fail_by, modules.f90:29
+!> format: in Readers::Take::fail_by, modules.f90:31
+!> deallocate: in Readers::Take::fail_by, modules.f90:33
+!> stop: in Readers::Take::fail_by, modules.f90:35
 !> report: called by Readers::Take, modules.f90:22
 !> report: called by Readers::Deep, modules.f90:45
 !> report: (this call 4 more times)

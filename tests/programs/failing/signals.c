@@ -1,21 +1,37 @@
-//> runs: illegal privileged jump constant heap smashed outside limit kept broken blocked
+//> runs: illegal privileged jump null constant heap smashed outside limit kept broken blocked
 //> illegal: Attempt to execute illegal instruction at address *
-//> illegal: in illegal, signals.c:30
+//> illegal: in illegal, @trap
 //> privileged: Attempt to execute privileged instruction at address *
-//> privileged: in privileged, signals.c:34
+//> privileged: in privileged, @hlt
 //> jump: The instruction at address 00000123 attempted to read from location 00000123
+//> jump: (no code is there: *)
 //> jump: in code at 0x123
-//> jump: called by jump, signals.c:40
+//> jump: called by jump, @jump
+//> null: The instruction at address 00000000 attempted to read from location 00000000
+//> null: called by jump, @jump
+//> null: called by main, signals.c:*
 //> constant: The instruction at address * attempted to write to location *
 //> constant: (read-only data of the program: *)
-// changes it) > constant: in write_there, signals.c:54 > heap: Abnormal termination: the program
-// called abort > heap: in smash, signals.c:48 > smashed: The instruction at address * attempted to
-// write to location * > smashed: in write_there, signals.c:54 > outside: Quit (SIGQUIT), sent by
-// process * > outside: in wait_for_it, signals.c:* > limit: CPU time limit exceeded (SIGXCPU), sent
-// by the system > limit: in spin, signals.c:* > kept: our own handler > broken: Access violation: >
-// broken: in write_there, signals.c:54 > illegal: called by main, signals.c:* > jump: called by
-// main, signals.c:* > heap: called by main, signals.c:* > smashed: called by main, signals.c:* >
-// outside: called by main, signals.c:* > broken: called by main, signals.c:* > not: tarnlibc
+//> heap: Program aborted.
+//> heap: in smash, @free
+//> smashed: The instruction at address * attempted to write to location *
+//> smashed: in write_there, @write
+//> outside: Quit (SIGQUIT), sent by process *
+//> outside: in wait_for_it, signals.c:*
+//> limit: CPU time limit exceeded (SIGXCPU), sent by the system
+//> limit: in spin, signals.c:*
+//> kept: our own handler
+//> broken: Access violation:
+//> broken: in write_there, @write
+//> blocked: Access violation:
+//> blocked: in write_there, @write
+//> illegal: called by main, signals.c:*
+//> jump: called by main, signals.c:*
+//> heap: called by main, signals.c:*
+//> smashed: called by main, signals.c:*
+//> outside: called by main, signals.c:*
+//> broken: called by main, signals.c:*
+//> not: tarnlibc
 #include <signal.h>
 #include <stdio.h>
 #include <stdlib.h>
@@ -27,17 +43,17 @@
 #define NEVER_INLINED __attribute__((noinline, noclone))
 
 NEVER_INLINED static void illegal(void) {
-    __builtin_trap();
+    __builtin_trap();  // @trap
 }
 
 NEVER_INLINED static void privileged(void) {
-    __asm__ volatile("hlt");
+    __asm__ volatile("hlt");  // @hlt
 }
 
-NEVER_INLINED static void jump(void) {
-    void (*volatile nowhere)(void) = (void (*)(void))0x123;
+NEVER_INLINED static void jump(long to) {
+    void (*volatile nowhere)(void) = (void (*)(void))to;
     // The call must not be the routine's last.
-    nowhere();
+    nowhere();  // @jump
     __asm__ volatile("");
 }
 
@@ -45,13 +61,13 @@ NEVER_INLINED static void smash(void) {
     char* volatile block = malloc(40);
     block[-8] = 3;
     __asm__ volatile("" : : : "memory");
-    free(block);
+    free(block);  // @free
     __asm__ volatile("");
 }
 
 NEVER_INLINED static void write_there(char* target) {
     __asm__ volatile("" : "+r"(target));
-    *target = 1;
+    *target = 1;  // @write
 }
 
 NEVER_INLINED static void wait_for_it(pid_t parent) {
@@ -85,7 +101,8 @@ int main(int count, char** words) {
     const char* word = count > 1 ? words[1] : "";
     if (strcmp(word, "illegal") == 0) illegal();
     if (strcmp(word, "privileged") == 0) privileged();
-    if (strcmp(word, "jump") == 0) jump();
+    if (strcmp(word, "jump") == 0) jump(0x123);
+    if (strcmp(word, "null") == 0) jump(0);
     if (strcmp(word, "constant") == 0) write_there((char*)fixed);
     if (strcmp(word, "heap") == 0) smash();
     if (strcmp(word, "smashed") == 0) {

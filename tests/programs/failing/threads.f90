@@ -7,9 +7,9 @@
 !> overflow: (this call * more times)
 !> both: The instruction at address * attempted to write to location 00000008
 !> both: in Work::touch, threads.f90:22
-!> null: called by MAIN__ (parallel region), threads.f90:45
-!> overflow: called by MAIN__ (parallel region), threads.f90:47
-!> both: called by MAIN__ (parallel region), threads.f90:51
+!> null: called by main_thing (parallel region), threads.f90:45
+!> overflow: called by main_thing (parallel region), threads.f90:47
+!> both: called by main_thing (parallel region), threads.f90:51
 !> not: tarnlibc
 module Work
     use iso_c_binding

@@ -1,23 +1,21 @@
 /* What is said of calls that are wrong, and whether the program goes on. Each call runs in a
  * process of its own; its window closes as soon as it stands. */
 #include <stdio.h>
-#include <stdlib.h>
-#include <string.h>
-#include <sys/resource.h>
-#include <sys/wait.h>
 #include <tarn/winio.h>
-#include <unistd.h>
+
+#include "apart.h"
 
 struct call {
     const char* format;
     const char* descriptor; /* null: an ordinary call, which brings no types */
-    const void* words[4];
+    const void* words[5];
     double doubles[3];
 };
 
 static int32_t number = 3, other = 4;
 static double real = 1.5;
-static char name[16] = "abc";
+static double no_number = __builtin_nan("");
+static char name[16] = "abc", spaces[4] = "   ", codes[4];
 static const char* const items[] = {"one", "two", NULL};
 static int32_t stay(void) {
     return 2;
@@ -31,6 +29,24 @@ static const struct call unknown_codes[] = {
     {"%r", NULL, {0}, {0}},          {"%8+wd", "*CI", {INT(1)}, {0}},
     {"%r\xC3\xA4", NULL, {0}, {0}},  {"%ZZZZ", NULL, {0}, {0}},
     {"%dt", NULL, {0}, {0}},
+};
+/* A text in the place of a call-back: the message says what should stand there. */
+static const struct call call_backs[] = {
+    {"%^rd", NULL, {&number, "NO"}, {0}},
+    {"%^rf", NULL, {&real, "NO"}, {0}},
+    {"%^rs", NULL, {name, INT(16), "NO"}, {0}},
+    {"%^re", NULL, {name, INT(16), "NO"}, {0}},
+    {"%^tt[A]", NULL, {"NO"}, {0}},
+    {"%^bn[A]", NULL, {"NO"}, {0}},
+    {"%^ib", NULL, {"/A", &number, "EXIT", "NO"}, {0}},
+    {"%ib", NULL, {"/A", &number, "NO"}, {0}},
+    {"%^2mb", NULL, {&number, &number, "NO"}, {0}},
+    {"%ac[F3]", NULL, {"NO"}, {0}},
+    {"%mn[A]", NULL, {"NO"}, {0}},
+    {"%`mn", NULL, {"[A]", "NO"}, {0}},
+    {"%`pm", NULL, {"[A]", "NO"}, {0}},
+    {"%^1.1tb", "*C*C*C*C*I*C", {"a", "b", "c", &number, "NO"}, {0}},
+    {"%^1.1tx", "*C*C*CII*C", {spaces, codes, INT(3), INT(1), "NO"}, {0}},
 };
 static const struct call arguments[] = {
     {"%rd", "*C*F", {&real}, {0}},
@@ -57,6 +73,17 @@ static const struct call arguments[] = {
     {"%rd", "*C*I*I", {&number, &other}, {0}},
     {"%wf", "*CF", {0}, {__builtin_nan("")}},
     {"%fl", "*CFF", {0}, {__builtin_inf(), 1.0}},
+    {"%^bt[A]", NULL, {"EXITS"}, {0}},
+    {"%^bt[A]", NULL, {"BEEP[loud]"}, {0}},
+    {"%^bt[A]", NULL, {"BEEP[hand"}, {0}},
+    {"%^bt[A]", "*C*C*E", {"+", CALL}, {0}},
+    {"%^bt[A]", "*C*C*E*I", {"+", CALL, &number}, {0}},
+    {"%^bt[A]", "*C*C*F*I", {"SET", &number, &number}, {0}},
+    {"%2ga%2`ga", "*C*I*I*I*I", {&number, &other, &number, &other}, {0}},
+    {"%^bt[A]", "*C*CI", {"PRINTER_OPEN", INT(6)}, {0}},
+    {"%df", "*CF", {0}, {__builtin_nan("")}},
+    {"%rf", "*C*F", {&no_number}, {0}},
+    {"%20.3`eb", "*C*CI*I", {name, INT(16), &number}, {0}},
 };
 static const struct call modifiers[] = {
     {"%^nl", NULL, {0}, {0}},     {"%`nl", NULL, {0}, {0}},
@@ -92,6 +119,18 @@ static const struct call options[] = {
     {"%ob[rounded,status]%cb", NULL, {0}, {0}},
     {"%em[height=7]%mn[A]", "*C*C", {"EXIT"}, {0}},
     {"%th[scale=9]", "*C*I", {&number}, {0}},
+    {"%cd[file]", "*C*C", {NULL}, {0}},
+    {"%cd[shortfile]", "*C*C", {NULL}, {0}},
+    {"%cd[rootdir]", "*C*C", {NULL}, {0}},
+    {"%bg[red]%2mb[left]", "*C*I*I", {&number, &number}, {0}},
+    {"%2mb[left]%bg[red]", "*C*I*I", {&number, &number}, {0}},
+    {"%10.2el[height=7]", "*C**C*CI", {items, name, INT(16)}, {0}},
+    {"%10.2el[vertical_fill=4]", "*C**C*CI", {items, name, INT(16)}, {0}},
+    {"%10.2el[font_set=256]", "*C**C*CI", {items, name, INT(16)}, {0}},
+    {"%10.2ms[vertical_fill=4]", "*C**C*I", {items, &number}, {0}},
+    {"%10.2ls[vertical_fill=*]", "*CF**C*I", {items, &number}, {__builtin_nan("")}},
+    {"%10.2el[height=*]", "*CI**C*CI", {INT(5), items, name, INT(16)}, {0}},
+    {"%10.2ms[height=*]", "*CI**C*I", {INT(81), items, &number}, {0}},
 };
 static const struct call colours[] = {
     {"%bg[ff]", NULL, {0}, {0}},     {"%tc[#12]x", NULL, {0}, {0}}, {"%bg[", NULL, {0}, {0}},
@@ -114,6 +153,9 @@ static const struct call boxes[] = {
     {"%eo", NULL, {0}, {0}},
     {"%bo%bo", NULL, {0}, {0}},
     {"%bo%nl", NULL, {0}, {0}},
+    {"%ob[no_border,nameless]%cb", NULL, {0}, {0}},
+    {"%ob[no_border,scored]%cb", NULL, {0}, {0}},
+    {"text & text", NULL, {0}, {0}},
 };
 static const struct call places[] = {
     {"%cn%cn", NULL, {0}, {0}},
@@ -135,6 +177,16 @@ static const struct call places[] = {
     {"%ap", "*CII", {INT(2147483647), INT(2147483647)}, {0}},
     {"%xw%rd", "*CI*I", {INT(2147483647), &number}, {0}},
     {"%hx", "*C*I*I*I", {&number, &number, &number}, {0}},
+    {"%2tl", "*CII", {INT(3), INT(3)}, {0}},
+    {"%1tl", "*CI", {INT(-3)}, {0}},
+    {"%3.5000cw", "*C**S", {NULL}, {0}},
+    {"%fn[user_default]%su%`sd", NULL, {0}, {0}},
+    {"%pv%gr", "*CII", {INT(10), INT(10)}, {0}},
+    {"%pv%dw", "*CI", {INT(10)}, {0}},
+    {"%pv%ob%cb", NULL, {0}, {0}},
+    {"%pv%bx", "*CF", {0}, {1.0}},
+    {"%pt", "*CI", {INT(12)}, {0}},
+    {"%fn[No Such Font]x", NULL, {0}, {0}},
 };
 static const struct call sizes[] = {
     {"%cw", "*C**S", {NULL}, {0}},
@@ -148,6 +200,9 @@ static const struct call sizes[] = {
     {"%tx", NULL, {0}, {0}},
     {"%rs", "*C*CI", {name, INT(0)}, {0}},
     {"%rs", "*C*CI", {name, INT(-7)}, {0}},
+    {"%3sb%10br[panel=5,ms_style][red]", "*C*I*F", {&number, &real}, {0}},
+    {"%3.0tx", "*C*C*CII", {spaces, codes, INT(3), INT(1)}, {0}},
+    {"%3.1tx", "*C*C*CII", {spaces, name, INT(3), INT(1)}, {0}},
 };
 static const struct call limits[] = {
     {"%il%rd", "*CII*I", {INT(5), INT(5), &number}, {0}},
@@ -156,6 +211,8 @@ static const struct call limits[] = {
     {"%pr", "*C*CI", {"prompt", INT(1)}, {0}},
     {"%rd%pr", "*C*I*CI", {&number, "prompt", INT(0)}, {0}},
     {"%ty[red]", NULL, {0}, {0}},
+    {"%rb[A]%pr", "*C*I*CI", {&number, "x", INT(1)}, {0}},
+    {"%re%pr", "*C*CI*CI", {name, INT(16), "x", INT(1)}, {0}},
 };
 static const struct call menus[] = {
     {"%mn", NULL, {0}, {0}},
@@ -171,6 +228,12 @@ static const struct call menus[] = {
     {"%cm[Item]%pm[Item]", "*C*C*C", {"EXIT", "EXIT"}, {0}},
     {"%nw", "*CI", {INT(12345)}, {0}},
     {"%rc", "*CI*I", {INT(1), &number}, {0}},
+    {"%em[w7]%`mn", NULL, {"[A]", "EXIT"}, {0}},
+    {"%?mn[A]", NULL, {"EXIT"}, {0}},
+    {"%?mn[A,B][one]", NULL, {"EXIT", "EXIT"}, {0}},
+    {"%mn[F[~^A]]", NULL, {&number, "CONTINUE", "EXIT"}, {0}},
+    {"%mn[F[^#A]]", NULL, {CALL, &number, "EXIT"}, {0}},
+    {"%mn[A& B]", NULL, {"EXIT"}, {0}},
 };
 static const struct call buttons[] = {
     {"%`bt[A]%`bt[B]", NULL, {0}, {0}},
@@ -182,6 +245,21 @@ static const struct call buttons[] = {
     {"%ic[no_such_icon]", NULL, {0}, {0}},
     {"%bm[no_such_picture]", NULL, {0}, {0}},
     {"%rb[Choice]", "*C*F", {&real}, {0}},
+    {"%bb[Text]", NULL, {0}, {0}},
+    {"%bi[no_such_icon]%bb[Text]", NULL, {0}, {0}},
+    {"%bb@", "*C*C", {"warnIcon/a\nb"}, {0}},
+    {"%bn[text=A,icon=no_such_icon]", NULL, {0}, {0}},
+    {"%bn[text=A,icon=warnIcon,colour=red]", NULL, {0}, {0}},
+    {"%bn[text=A,notes=b,colour=red]", NULL, {0}, {0}},
+    {"%bn[text=A,notes=b,split]", NULL, {0}, {0}},
+    {"%^bn[text=A,return=9]", "*C*C", {"EXIT"}, {0}},
+    {"%~bt[A]", "*C*I", {NULL}, {0}},
+    {"%~bn[A]", "*C*I", {NULL}, {0}},
+    {"%ib", "*C*C*I*C", {"no_such/Label", &number, "EXIT"}, {0}},
+    {"%?ib", NULL, {"no_such/Label", &number, "EXIT"}, {0}},
+    {"%2mb[strings]", "*C*I*I", {&number, &number}, {0}},
+    {"%2?mb", "*C*I*I", {&number, &number}, {0}},
+    {"%2?mb[strings]@", "*C*I*I*C", {&number, &number, "|a|b"}, {0}},
 };
 static const struct call windows[] = {
     {"%wi", "*CI", {INT(0)}, {0}},
@@ -206,67 +284,26 @@ static int32_t run_call(const struct call* c) {
     const void* const* w = c->words;
     const double* d = c->doubles;
     if (c->descriptor)
-        __winio__(c->descriptor, format, w[0], w[1], w[2], w[3], d[0], d[1], d[2]);
+        __winio__(c->descriptor, format, w[0], w[1], w[2], w[3], w[4], d[0], d[1], d[2]);
     else
-        __winio(format, w[0], w[1], w[2], w[3], d[0], d[1], d[2]);
+        __winio(format, w[0], w[1], w[2], w[3], w[4], d[0], d[1], d[2]);
     return __winio("%sc", close_at_once);
 }
 
-/* Standard error of the call, without the traceback: its lines up to an empty one. */
-static void show(char* text, int status) {
-    char* traceback = strstr(text, "\n\n");
-    if (traceback) *traceback = 0;
-    size_t length = strlen(text);
-    while (length > 0 && text[length - 1] == '\n') text[--length] = 0;
-    for (char* at = text; *at; ++at) {
-        if (*at == '\n')
-            fputs(" / ", stdout);
-        else
-            putchar(*at);
-    }
-    if (WIFSIGNALED(status))
-        printf(" (signal %d)", WTERMSIG(status));
-    else if (WEXITSTATUS(status) != 0)
-        printf(" (ends with %d)", WEXITSTATUS(status));
-    putchar('\n');
-}
-
-static void run_apart(const struct call* c) {
-    static char text[65536];
-    size_t length = 0;
-    int ends[2];
-    fflush(stdout);
-    if (pipe(ends) != 0) abort();
-    const pid_t child = fork();
-    if (child == 0) {
-        dup2(ends[1], 2);
-        close(ends[0]);
-        const struct rlimit seconds = {5, 5};
-        setrlimit(RLIMIT_CPU, &seconds);
-        run_call(c);
-        fflush(NULL);
-        _exit(0);
-    }
-    close(ends[1]);
-    for (ssize_t got; (got = read(ends[0], text + length, sizeof text - 1 - length)) > 0;)
-        length += (size_t)got;
-    text[length] = 0;
-    close(ends[0]);
-    int status = 0;
-    waitpid(child, &status, 0);
-    printf("  %-32s ", c->format);
-    show(text, status);
+static void run_given(const void* given) {
+    run_call(given);
 }
 
 static void run_table(const char* kind, const struct call* calls, size_t count) {
     printf("%s\n", kind);
-    for (size_t i = 0; i < count; ++i) run_apart(&calls[i]);
+    for (size_t i = 0; i < count; ++i) run_apart(calls[i].format, run_given, &calls[i]);
 }
 #define RUN(table) run_table(#table, table, sizeof table / sizeof table[0])
 
 int main(void) {
     RUN(unknown_codes);
     RUN(arguments);
+    RUN(call_backs);
     RUN(modifiers);
     RUN(texts);
     RUN(options);

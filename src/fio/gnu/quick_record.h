@@ -1,0 +1,45 @@
+// The usual unformatted record: all of it, with markers of four bytes, lies in the unit's buffer.
+//
+// A few items go in or out by copies, and the statement leaves nothing behind that could fail. It
+// does without a statement record, whose making and ending take several times as long as that.
+// Whatever comes up that this road can't do, the statement goes on by the common one: nothing of
+// the unit has changed before the end, so that one begins anew, and stands where this one stood.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+
+#include "fio/gnu/statement.h"
+
+namespace tarn::fio {
+
+struct QuickRecord {
+    Unit* unit;
+    char* begin;  // behind the marker in front
+    char* cursor;
+    char* limit;  // input: the record's end; output: of the room, which leaves some for a marker
+    bool reading;
+};
+
+// False, and nothing has happened: the record isn't of that kind. Otherwise the unit is held.
+bool begin_quick_record(QuickRecord& record, std::int32_t unit, bool reading);
+// False, and nothing has happened: `leave_quick_record` has to be called, and that statement's end.
+bool end_quick_record(QuickRecord& record);
+// The statement that goes on with the record.
+Statement* leave_quick_record(const QuickRecord& record, Caller& caller);
+
+// An item of some bytes; false, and nothing has happened, where the record doesn't have them.
+inline bool pass_quickly(QuickRecord& record, char* item, std::size_t bytes) {
+    if (static_cast<std::size_t>(record.limit - record.cursor) < bytes) return false;
+    std::memcpy(record.reading ? item : record.cursor, record.reading ? record.cursor : item,
+                bytes);
+    record.cursor += bytes;
+    return true;
+}
+
+// `count` items of `bytes` bytes each, `stride` bytes apart.
+bool pass_row_quickly(QuickRecord& record, char* items, std::size_t bytes, std::ptrdiff_t stride,
+                      std::size_t count);
+
+}  // namespace tarn::fio

@@ -187,6 +187,21 @@ int32_t START_PPROCESS_h(const char* program, const char* arguments, intptr_t pr
                          intptr_t arguments_length) TARN_LINK_NAME("START_PPROCESS#");
 /* The same with terminated texts; mode 0 waits, mode 2 doesn't, any other gives -1. */
 int __spawns(int mode, const char* program, const char* arguments);
+/* Starts the program that a command line names, and waits where `wait` isn't 0. The result is 0,
+ * whatever the program's exit code, or the platform's error. The title is for a window that a system
+ * gives a program; here there is none, and it may be null. */
+int __spawn_process(const char* command, const char* title, int wait);
+
+/* ---- Texts between Fortran and C ---- */
+
+/* A terminated copy of a text, without the blanks behind it. The buffer has room for length + 1. */
+void MAKE_CSTRING_h(const char* text, char* buffer, intptr_t length) TARN_LINK_NAME("MAKE_CSTRING#");
+/* The same into a buffer of `size` bytes; what doesn't fit is cut. */
+void FSTRCPY(char* buffer, intptr_t size, const char* text, intptr_t length);
+/* A terminated text into a CHARACTER variable, filled with blanks or cut. */
+void GET_CSTRING_h(char* text, const char* string, intptr_t length) TARN_LINK_NAME("GET_CSTRING#");
+void RETURNED_CSTRING_h(char* text, const char* string, intptr_t length)
+    TARN_LINK_NAME("RETURNED_CSTRING#");
 
 #ifdef __cplusplus
 }

@@ -38,7 +38,7 @@
  * and the cursors "CURSOR_WAIT", "IDC_HAND" ... are built in; any other is a file in the working
  * folder or beside the program (`%bb[save/&Save]` reads save.ico or save.bmp, `%cu[grip]` grip.cur),
  * or what PROGRAM.rc beside the program says of it (`save ICON "pictures/save.ico"`), the text that
- * resource compilers read.
+ * resource compilers read. The sounds of "SOUND" are found in the same way (.wav).
  *
  * The codes. I an int, I* the address of an int, F and F* the same for double, S a text, T a text
  * in the format or behind `@`, B a char array (in C with its length as I), L a table of texts ended

@@ -1,5 +1,6 @@
 // The second window of a report, for who knows the machine: registers, instructions, memory, the
 // floating-point units.
+#include "diagnostics/stretch.h"
 #include "diagnostics/windows.h"
 #include "platform/controls/controls.h"
 #include "platform/dialogs/dialogs.h"
@@ -34,6 +35,7 @@ enum Item : std::int32_t {
 
 struct State {
     const Report* shown = nullptr;
+    Stretch stretch;
     std::uint64_t first_instruction = 0;
     WNDPROC edit = nullptr;  // of the edit boxes
 };
@@ -70,6 +72,20 @@ void fill(HWND window, const Report& report) {
     const HMENU menu = GetSystemMenu(window, false);
     AppendMenuA(menu, MF_SEPARATOR, 0, nullptr);
     AppendMenuA(menu, MF_STRING, copy_button, "Copy to Cli&pboard");
+    // What is more of the height goes to the callers.
+    window_state().stretch.begin(window, {{headline_item, false, false, true, false},
+                                          {detail_item, false, false, true, false},
+                                          {callers_item, false, false, true, true},
+                                          {registers_group, false, true, true, false},
+                                          {registers_item, false, true, true, false},
+                                          {instructions_group, false, true, true, false},
+                                          {instructions_item, false, true, true, false},
+                                          {copy_button, false, true, false, false},
+                                          {back_button, false, true, false, false},
+                                          {floating_button, false, true, false, false},
+                                          {memory_button, false, true, false, false},
+                                          {old_button, false, true, false, false},
+                                          {exit_button, true, true, false, false}});
     SetFocus(GetDlgItem(window, exit_button));
 }
 
@@ -120,9 +136,9 @@ DialogTemplate exception_template(const Report& report, const char* title) {
     const DWORD callers_box = box_style(report.callers, 6, 106);
     return {
         title,
-        360,
-        buttons + 26,
-        WS_POPUP | WS_CAPTION | WS_SYSMENU,
+        361,
+        buttons + 27,
+        WS_POPUP | WS_CAPTION | WS_SYSMENU | WS_THICKFRAME,
         WS_EX_TOPMOST | WS_EX_DLGMODALFRAME,
         {{"static", "", icon_item, 10, 9, 20, 20, shown | SS_ICON, 0},
          {"static", "", headline_item, 36, 9, 314, 15, shown | SS_NOPREFIX, 0},
@@ -155,6 +171,7 @@ std::string in_capitals(std::string text) {
 std::intptr_t exception_procedure(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
     const Report* const report = window_state().shown;
     if (report == nullptr) return 0;
+    if (window_state().stretch.take(window, message, lparam)) return 1;
     switch (message) {
         case WM_INITDIALOG:
             fill(window, *report);
@@ -173,6 +190,7 @@ std::intptr_t exception_procedure(HWND window, UINT message, WPARAM wparam, LPAR
 bool run_exception_window(const Report& report) {
     State& state = window_state();
     state.shown = &report;
+    state.stretch = {};
     state.first_instruction = report.context.instruction;
     const std::string title = "Exception: " + in_capitals(program_path());
     const std::intptr_t result =

@@ -68,8 +68,8 @@ std::intptr_t floating_procedure(HWND window, UINT message, WPARAM wparam, LPARA
 void run_memory_window(HWND owner, std::uintptr_t address) {
     const DialogTemplate window{
         "Memory Dump",
-        344,
-        228,
+        342,
+        226,
         frame,
         WS_EX_TOPMOST | WS_EX_DLGMODALFRAME,
         {{"static", "&address:", label_item, 10, 13, 36, 9, shown, 0},
@@ -84,8 +84,8 @@ void run_floating_window(HWND owner, const Report& report) {
     const DWORD box = box_style(report.floating, 27, 70);
     const DialogTemplate window{
         "Floating point registers",
-        300,
-        262,
+        298,
+        260,
         frame,
         WS_EX_TOPMOST | WS_EX_DLGMODALFRAME,
         {{"static", "Co-processor:", label_item, 10, 8, 100, 9, shown, 0},

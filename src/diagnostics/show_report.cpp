@@ -10,11 +10,15 @@
 #include <vector>
 
 #include "diagnostics/windows.h"
+#include "exceptions/attempt.h"
 #include "exceptions/report.h"
 #include "failure/failure.h"
+#include "failure/reporter.h"
 #include "frame/hooks.h"
 #include "platform/dialogs/dialogs.h"
 #include "platform/kernel/config.h"
+#include "platform/kernel/float_unit.h"
+#include "platform/kernel/other_thread.h"
 #include "platform/user/user.h"
 #include "textwin/window_info.h"
 
@@ -42,10 +46,9 @@ bool errors_go_nowhere() {
     return S_ISCHR(status.st_mode) && major(status.st_rdev) == 1 && minor(status.st_rdev) == 3;
 }
 
-// Windows are their thread's: of another one, the text on standard error has to do.
 bool wanted() {
     if (in_a_batch_job()) return false;
-    if (textwin::pump_started()) return textwin::on_pump_thread();
+    if (textwin::pump_started()) return true;
     return errors_go_nowhere() && std::getenv("DISPLAY") != nullptr;
 }
 
@@ -77,6 +80,20 @@ class StilledWindows {
     std::vector<platform::HWND> stilled_;
 };
 
+// Windows are their thread's. It stops where it is and shows the report of another one; where it
+// holds something that the windows need, it is left alone after a while.
+bool show_on_pump_thread(const Report& report) {
+    constexpr unsigned patience = 3;
+    constexpr unsigned dialog_patience = 5;
+    bool shown = false;
+    platform::run_on_thread(textwin::pump_thread(), patience, [&] {
+        const failure::ReportingHere here;
+        const platform::MaskedFloat masked;
+        exceptions::attempt(dialog_patience, [&] { shown = show_report(report); });
+    });
+    return shown;
+}
+
 bool show_reported(std::string_view text, std::string_view callers) {
     if (!wanted()) return false;
     const exceptions::Cause* cause = exceptions::reported_cause();
@@ -89,7 +106,9 @@ bool show_reported(std::string_view text, std::string_view callers) {
         add_machine(report, exception.context,
                     reached ? record.parameters[1] : exception.context.instruction);
     }
-    return show_report(report);
+    const bool elsewhere =
+        textwin::pump_started() && pthread_equal(textwin::pump_thread(), pthread_self()) == 0;
+    return elsewhere ? show_on_pump_thread(report) : show_report(report);
 }
 
 void install_report_dialog() {

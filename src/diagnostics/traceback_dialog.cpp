@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include "diagnostics/mail_report.h"
+#include "diagnostics/stretch.h"
 #include "diagnostics/windows.h"
 #include "exceptions/attempt.h"
 #include "failure/reporter.h"
@@ -34,6 +35,7 @@ constexpr std::uintptr_t shown_timer = 1;
 
 struct State {
     const Report* shown = nullptr;
+    Stretch stretch;
     bool details_wanted = false;
     std::string page;  // of the report that was sent last
 };
@@ -73,6 +75,13 @@ void fill(HWND dialog, const Report& report) {
     show_text(dialog, detail_item, report.detail);
     show_text(dialog, callers_item, report.callers);
     if (mail_is_set_up()) set_window_text(GetDlgItem(dialog, save_button), "&Report");
+    dialog_state().stretch.begin(dialog, {{headline_item, false, false, true, false},
+                                          {detail_item, false, false, true, false},
+                                          {callers_item, false, false, true, true},
+                                          {save_button, false, true, false, false},
+                                          {copy_button, false, true, false, false},
+                                          {details_button, false, true, false, false},
+                                          {close_button, true, true, false, false}});
     SetFocus(GetDlgItem(dialog, close_button));
     // Comes when all is painted: the window stands.
     SetTimer(dialog, shown_timer, 0, nullptr);
@@ -113,9 +122,9 @@ DialogTemplate traceback_template(const Report& report) {
     const DWORD box = box_style(report.callers, 13, 106);
     return {
         "Run-time Error",
-        340,
-        buttons + 26,
-        WS_POPUP | WS_CAPTION | WS_SYSMENU,
+        341,
+        buttons + 27,
+        WS_POPUP | WS_CAPTION | WS_SYSMENU | WS_THICKFRAME,
         WS_EX_TOPMOST | WS_EX_DLGMODALFRAME,
         {{"static", "", icon_item, 10, 9, 20, 20, shown | SS_ICON, 0},
          {"static", "", headline_item, 36, 9, 294, 15, shown | SS_NOPREFIX, 0},
@@ -198,6 +207,7 @@ std::intptr_t box_colours(HWND, WPARAM dc, LPARAM control) {
 std::intptr_t traceback_procedure(HWND dialog, UINT message, WPARAM wparam, LPARAM lparam) {
     const Report* const report = dialog_state().shown;
     if (report == nullptr) return 0;
+    if (dialog_state().stretch.take(dialog, message, lparam)) return 1;
     switch (message) {
         case WM_INITDIALOG:
             fill(dialog, *report);
@@ -219,6 +229,7 @@ std::intptr_t traceback_procedure(HWND dialog, UINT message, WPARAM wparam, LPAR
 bool run_traceback_dialog(const Report& report) {
     State& state = dialog_state();
     state.shown = &report;
+    state.stretch = {};
     state.details_wanted = false;
     DialogBoxParamA(traceback_template(report), HWND{}, traceback_procedure, 0);
     state.shown = nullptr;

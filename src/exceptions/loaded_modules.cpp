@@ -3,6 +3,8 @@
 #include <charconv>
 #include <cstring>
 #include <fcntl.h>
+#include <link.h>
+#include <sys/auxv.h>
 #include <unistd.h>
 
 namespace tarn::exceptions {
@@ -24,11 +26,36 @@ bool parse(std::string_view line, LoadedCode& code) {
     return true;
 }
 
+struct Receiver {
+    void (*each)(const LoadedCode& code, void* data);
+    void* data;
+};
+
+// Where nothing can be read of the system's own list.
+void list_by_loader(Receiver receiver) {
+    dl_iterate_phdr(
+        [](dl_phdr_info* info, std::size_t, void* data) {
+            const auto& to = *static_cast<Receiver*>(data);
+            for (const ElfW(Phdr)* part = info->dlpi_phdr;
+                 part != info->dlpi_phdr + info->dlpi_phnum; ++part) {
+                if (part->p_type != PT_LOAD || (part->p_flags & PF_X) == 0) continue;
+                const std::uintptr_t start = info->dlpi_addr + part->p_vaddr;
+                const bool is_program = info->dlpi_name[0] == 0;
+                const auto* name = reinterpret_cast<const char*>(getauxval(AT_EXECFN));
+                to.each({start, start + part->p_memsz,
+                         is_program && name != nullptr ? name : info->dlpi_name},
+                        to.data);
+            }
+            return 0;
+        },
+        &receiver);
+}
+
 }  // namespace
 
 void list_loaded_code(void (*each)(const LoadedCode& code, void* data), void* data) {
     const int file = open("/proc/self/maps", O_RDONLY | O_CLOEXEC);
-    if (file < 0) return;
+    if (file < 0) return list_by_loader({each, data});
     char buffer[8192];  // a line is at most a path long
     std::size_t length = 0;
     for (;;) {

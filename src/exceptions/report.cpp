@@ -3,6 +3,7 @@
 #include "exceptions/attempt.h"
 #include "exceptions/report_file.h"
 #include "failure/failure.h"
+#include "failure/report.h"
 #include "failure/reporter.h"
 #include "frame/state.h"
 #include "traceback/registers.h"
@@ -47,14 +48,14 @@ void tell(const Cause& cause) {
     // What the program wrote comes first. The fault may have struck inside the library or the
     // system's heap, with a lock held or a list half linked.
     attempt(flush_patience, [] { failure::flush_for_report(); });
-    if ((frame::traceback_flags() & frame::tb_no_traceback) == 0) {
-        const traceback::Registers registers = registers_of(cause.exception->context);
-        const platform::Fault* fault = cause.exception->fault;
-        const auto place = fault != nullptr && fault->was_sent() ? traceback::Place::signal
-                                                                 : traceback::Place::fault;
-        attempt(traceback_patience,
-                [&] { failure::set_report_callers(traceback::console_text(registers, place)); });
-    }
+    const traceback::Registers registers = registers_of(cause.exception->context);
+    const platform::Fault* fault = cause.exception->fault;
+    const auto place =
+        fault != nullptr && fault->was_sent() ? traceback::Place::signal : traceback::Place::fault;
+    attempt(traceback_patience, [&] {
+        const std::string_view callers = traceback::console_text(registers, place);
+        if (failure::shows_callers()) failure::set_report_callers(callers);
+    });
     failure::print_report();
     attempt(file_patience, [&] { write_files(cause); });
     if ((frame::traceback_flags() & frame::tb_kill_dialogbox) != 0) return;

@@ -6,6 +6,7 @@
 #include <cstring>
 #include <fcntl.h>
 #include <gnu/libc-version.h>
+#include <sys/auxv.h>
 #include <sys/utsname.h>
 #include <unistd.h>
 
@@ -34,7 +35,9 @@ constinit Room room{};
 
 std::string_view program_path() {
     const ssize_t length = readlink("/proc/self/exe", room.program, sizeof room.program);
-    return {room.program, length > 0 ? static_cast<std::size_t>(length) : 0};
+    if (length > 0) return {room.program, static_cast<std::size_t>(length)};
+    const auto* name = reinterpret_cast<const char*>(getauxval(AT_EXECFN));
+    return name != nullptr ? name : "";
 }
 
 // Registers of a failure's place: a call, so that only these hold anything of the caller's.

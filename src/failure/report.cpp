@@ -53,6 +53,10 @@ Hooks& hooks() {
     return the_hooks;
 }
 
+bool shows_callers() {
+    return (frame::traceback_flags() & frame::tb_no_traceback) == 0 && !the_state.without_callers;
+}
+
 std::string report_text(int number, std::string_view free, const char* routine,
                         const void* address) {
     bool debugged = __debugged != 0;
@@ -85,9 +89,8 @@ void report(int number, std::string_view text) {
     the_state.last_failure = number;
     if (__debugged) send_to_debugger(std::string(text));
     flush_for_report();
-    std::string_view callers;
-    if ((frame::traceback_flags() & frame::tb_no_traceback) == 0)
-        callers = traceback::console_text(here, traceback::Place::call);
+    std::string_view callers = traceback::console_text(here, traceback::Place::call);
+    if (!shows_callers()) callers = {};
     set_report_callers(callers);
     if (the_hooks.write_report) the_hooks.write_report(number, text, here);
     bool console = (frame::traceback_flags() & frame::tb_kill_dialogbox) != 0;

@@ -19,9 +19,13 @@ struct State {
     char error_string[80] = {};  // what stands for %1
     std::size_t error_string_length = 0;
     std::intptr_t argument_base = 0;       // of the call being checked, as the check stored it
+    bool without_callers = false;          // compiled to leave them out of what is printed
     std::string* debugger_text = nullptr;  // collected for a Fortran debugger
 };
 State& state();
+
+// Whether who called is a part of what is printed. A report's files have it in any case.
+bool shows_callers();
 
 // The words of a report, with a line feed at their end. `free` counts for the two numbers of free
 // text only; `routine` (may be null) is a routine that was called and isn't there.

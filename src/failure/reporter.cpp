@@ -47,6 +47,12 @@ bool is_reporting() {
            pthread_equal(reporter.thread, pthread_self());
 }
 
+ReportingHere::ReportingHere() : before_(reporter.thread.exchange(pthread_self())) {}
+
+ReportingHere::~ReportingHere() {
+    reporter.thread = before_;
+}
+
 void set_being_read(bool read) {
     reporter.being_read = read;
 }

@@ -1,6 +1,7 @@
 // Who reports, and where a report goes: one thread, once, for failures and faults alike.
 #pragma once
 
+#include <pthread.h>
 #include <string_view>
 
 namespace tarn::failure {
@@ -11,6 +12,17 @@ Claim claim_report();
 
 // Whether this thread is reporting: the program's own routines aren't called then.
 bool is_reporting();
+// Another thread shows the report: it is the one that reports, until it gives that back.
+class ReportingHere {
+  public:
+    ReportingHere();
+    ~ReportingHere();
+    ReportingHere(const ReportingHere&) = delete;
+    ReportingHere& operator=(const ReportingHere&) = delete;
+
+  private:
+    pthread_t before_;
+};
 // The program goes on behind a report.
 void release_report();
 // While somebody reads it in a window, another thread's failure ends nothing.

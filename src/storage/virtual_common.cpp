@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstddef>
 #include <cstdio>
 #include <cstring>
 #include <dlfcn.h>
@@ -16,6 +17,11 @@ namespace tarn::storage {
 namespace {
 
 constexpr int undefined_byte = 0x80;
+
+// The start-up object and the drivers lay records out by themselves.
+static_assert(sizeof(tarn_virtual_common) == 48 && offsetof(tarn_virtual_common, tag) == 24 &&
+              offsetof(tarn_virtual_common, undefined_start) == 32);
+static_assert(sizeof(tarn_virtual_common_data) == 64);
 
 // The region that has some of these addresses, or null.
 const ExpandingRegion* find_overlap(std::uintptr_t address, std::intptr_t size) {

@@ -32,7 +32,7 @@ void close_all() {
 
 void winexit() {
     if (pump_hooks().end != nullptr) pump_hooks().end();
-    while (any_left()) {
+    while (any_left() && !desktop_lost()) {
         show_all_output();
         yield_program_control(1);
         if (!can_ask()) close_all();

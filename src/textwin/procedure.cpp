@@ -1,4 +1,5 @@
 // The window procedure of text windows.
+#include "platform/gdi/theme.h"
 #include "textwin/window_info.h"
 
 namespace tarn::textwin {
@@ -85,6 +86,22 @@ bool view_key(window_info& window, WPARAM key) {
 
 }  // namespace
 
+namespace {
+
+// Colours that nobody chose are the theme's, which has changed.
+void take_theme(window_info& window) {
+    for (text_descriptor* each = window.descriptors; each != nullptr; each = each->next)
+        each->colour = in_this_theme(each->colour);
+    if (!window.embedded) return;
+    window.background = in_this_theme(window.background);
+    window.text_colour = in_this_theme(window.text_colour);
+    COLORREF before = 0;
+    if (GetObjectBrush(window.brush, before) && in_this_theme(before) != before)
+        window.brush = CreateSolidBrush(in_this_theme(before));
+}
+
+}  // namespace
+
 LRESULT main_windows_procedure(HWND hwnd, UINT message, WPARAM wparam, LPARAM lparam) {
     if (find_window(hwnd) == nullptr) return DefWindowProcA(hwnd, message, wparam, lparam);
     if (run_callback(hwnd, message, wparam, lparam)) return 0;
@@ -96,6 +113,9 @@ LRESULT main_windows_procedure(HWND hwnd, UINT message, WPARAM wparam, LPARAM lp
         case WM_SIZE:
             resized(window, lparam);
             return 0;
+        case WM_SYSCOLORCHANGE:
+            take_theme(window);
+            break;
         case WM_PAINT:
             paint(window);
             return 0;

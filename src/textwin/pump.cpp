@@ -8,6 +8,7 @@
 #include "frame/end.h"
 #include "frame/hooks.h"
 #include "platform/dialogs/dialogs.h"
+#include "platform/display/display.h"
 #include "platform/script/script.h"
 #include "textwin/window_info.h"
 
@@ -31,6 +32,7 @@ struct pump_state {
     dialog_entry* dialogs;
     bool started;
     pthread_t thread;
+    bool desktop_lost;
 };
 pump_state& pump() {
     static pump_state all;
@@ -57,6 +59,15 @@ void give_up(const char* what) {
 void end_with(std::int32_t status) {
     flush_everything();
     _exit(status);
+}
+
+// The server of the desktop is gone, and with it every window. What the program wrote is safe
+// before its own exit routines have their turn.
+void end_without_desktop(const char* message) {
+    pump().desktop_lost = true;
+    std::fprintf(stderr, "*** %s\n", message);
+    flush_everything();
+    frame::exit_program(1);
 }
 
 bool for_a_dialog(MSG& message) {
@@ -106,12 +117,16 @@ UINT upper_limit() {
 
 }  // namespace
 
+bool desktop_lost() {
+    return pump().desktop_lost;
+}
+
 bool pump_started() {
     return pump().started;
 }
 
-bool on_pump_thread() {
-    return pump().started && pthread_equal(pump().thread, pthread_self()) != 0;
+pthread_t pump_thread() {
+    return pump().thread;
 }
 
 void start_pump() {
@@ -120,6 +135,7 @@ void start_pump() {
     pump().thread = pthread_self();
     unanswered_wait = give_up;
     end_after_script = end_with;
+    display_lost = end_without_desktop;
     somebody_answers = script_active;
     start_script();
     register_text_class();

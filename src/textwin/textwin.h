@@ -53,5 +53,7 @@ struct PumpHooks {
     HWND (*control_of_unit)(std::int32_t unit) = nullptr;  // hwnd_from_fortran_unit
 };
 PumpHooks& pump_hooks();
+// The desktop's server is gone: the program is ending, and nobody can close a window.
+bool desktop_lost();
 
 }  // namespace tarn::textwin

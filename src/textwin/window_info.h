@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <pthread.h>
 
 #include "platform/user/menus.h"
 #include "platform/user/user.h"
@@ -180,7 +181,7 @@ void copy_selection(window_info& window);
 // ----------------------------------------------------
 void register_text_class();
 bool pump_started();
-bool on_pump_thread();  // that started it: windows are its own
+pthread_t pump_thread();  // that started it: windows are its own
 void start_pump();  // the class, the script; harmless when done before
 void destroy_text_window(HWND hwnd);
 void register_message_loop_hook(void (*function)());

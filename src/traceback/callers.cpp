@@ -33,6 +33,14 @@ bool is_system_module(std::string_view path) {
     return ends_with(file, ".so.6") && file.substr(0, 5) == "libc.";
 }
 
+// So has what the C++ library has in headers: the start of a thread is made of it. And a ruined
+// stack has places where no code is.
+bool is_of_no_interest(const Location& location, const Callers& callers) {
+    if (is_system_module(location.module)) return true;
+    if (callers.total() == 0) return false;
+    return !location.is_code || location.file.substr(0, 17) == "/usr/include/c++/";
+}
+
 }  // namespace
 
 void Callers::clear() {
@@ -80,7 +88,7 @@ bool Callers::fold() {
 
 void Callers::add(const Location& location) {
     ++total_;
-    if (location.is_code && !location.has_map && location.module.empty()) lacks_lines_ = true;
+    if (location.is_code && location.line == 0 && location.module.empty()) lacks_lines_ = true;
     if (total_last_ == 0 && first_count_ < most_first) {
         first_[first_count_++] = {location, 0, 0};
         fold();
@@ -111,7 +119,7 @@ void collect(const Registers& registers, Place kind, Callers& callers) {
             const bool beginning = found[i].inlined && found[i].routine == rest;
             rest = found[i].is_rest ? found[i].routine : std::string_view{};
             if (beginning) continue;
-            if (is_system_module(found[i].module)) {
+            if (is_of_no_interest(found[i], callers)) {
                 if (kind == Place::signal && callers.total() == 0) continue;
                 if (held_count < most_held) held[held_count++] = found[i];
                 continue;

@@ -86,15 +86,29 @@ accelerator* find_key(fancy_window* window, std::int32_t key) {
     return entry;
 }
 
-// With Ctrl the keypad's plus and minus mean the characters.
+// The keys that type signs: with Ctrl held they type nothing, and are known by the key itself. A
+// sign that needs Shift may be had with it or without, as Ctrl++ on a key that says "=".
+struct SignKey {
+    char plain, shifted;
+    std::int32_t key;
+};
+constexpr SignKey sign_keys[] = {
+    {'=', '+', 0xBB},  {'-', '_', 0xBD},  {',', '<', 0xBC}, {'.', '>', 0xBE},      {'/', '?', 0xBF},
+    {';', ':', 0xBA},  {'`', '~', 0xC0},  {'`', '@', 0xC0}, {'[', '{', 0xDB},      {']', '}', 0xDD},
+    {'\\', '|', 0xDC}, {'\'', '"', 0xDE}, {0, '+', VK_ADD}, {0, '-', VK_SUBTRACT},
+};
+
+// The word of Ctrl+Tab isn't that of Ctrl+I.
 bool matches(std::int32_t stored, std::int32_t pressed) {
     if (stored == pressed) return true;
+    if (pressed == key_control_tab) return stored == (VK_TAB | key_control);
     if ((stored & key_control) == 0 || (pressed & key_control) == 0) return false;
-    const std::int32_t flags = stored & ~0xFF, key = stored & 0xFF;
-    if (key == '+') return pressed == (flags | VK_ADD) || pressed == (flags | 0xBB);
-    if (key == '-') return pressed == (flags | VK_SUBTRACT) || pressed == (flags | 0xBD);
-    if (key == '<' || key == '>' || key == '?' || key == '@')
-        return pressed == (flags | (key + 0x80));
+    const std::int32_t flags = stored & ~0xFF, sign = stored & 0xFF;
+    for (const SignKey& each : sign_keys) {
+        if (sign == each.plain && pressed == (flags | each.key)) return true;
+        if (sign == each.shifted && (pressed | key_shift) == (flags | key_shift | each.key))
+            return true;
+    }
     return false;
 }
 
@@ -139,7 +153,9 @@ std::int32_t char_from_name(const char* text, bool report) {
         return single(std::toupper(static_cast<unsigned char>(name[0])), flags);
     for (std::size_t i = std::size(key_names); i-- > 0;)
         if (std::strcmp(name, key_names[i].name) == 0) return key_names[i].code | flags;
-    if (report) quillpan_error("?Invalid accelerator key [%s]", folded(lower.c_str(), std::toupper).c_str());
+    if (report)
+        quillpan_error("?Invalid accelerator key [%s]",
+                       folded(lower.c_str(), std::toupper).c_str());
     return 0;
 }
 

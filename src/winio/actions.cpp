@@ -212,10 +212,5 @@ std::int32_t action_beep() {
 }
 
 // Sounds come from the program's resources, of which there are none yet.
-std::int32_t action_sound() {
-    const char* name = target<const char>(arguments_of_call().a);
-    quillpan_error("Sound resource %s not found", name ? name : "");
-    return 2;
-}
 
 }  // namespace tarn::winio

@@ -3,7 +3,10 @@
 #include <string>
 #include <unistd.h>
 
+#include "platform/dialogs/program_resources.h"
+#include "platform/display/display.h"
 #include "platform/kernel/desktop.h"
+#include "platform/user/user.h"
 #include "winio/actions.h"
 #include "winio/report.h"
 
@@ -34,6 +37,21 @@ std::int32_t action_hyperlink() {
     const std::string link = text_at(callbacks().current_thunk ? callbacks().current_thunk->a : 0);
     if (!platform::open_on_desktop(link.c_str()))
         quillpan_error("?%s can't be opened: xdg-open failed", link.c_str());
+    return 2;
+}
+
+// Without a player, or without somebody to listen, the beep has to do.
+std::int32_t action_sound() {
+    const std::string name = text_at(callbacks().current_thunk ? callbacks().current_thunk->a : 0);
+    std::string file = platform::resource_file(platform::resource_kind::sound, name);
+    if (file.empty()) {
+        quillpan_error("Sound resource %s not found", name.c_str());
+        return 2;
+    }
+    if (file[0] == '-') file = "./" + file;
+    if (platform::display().headless() ||
+        !platform::start_apart({"pw-play", "paplay", "aplay"}, file.c_str()))
+        platform::MessageBeep(0);
     return 2;
 }
 

@@ -1,11 +1,9 @@
 // The picture of a button as a bitmap: a program's bitmap, its label, and the edges of a state.
 #include <algorithm>
 #include <cstring>
-#include <string>
 #include <vector>
 
 #include "frame/link_name.h"
-#include "platform/gdi/paint.h"
 #include "platform/gdi/theme.h"
 #include "tarn/winio.h"
 #include "winio/buttons.h"
@@ -21,8 +19,7 @@ namespace {
 enum button_state : std::int32_t { state_grey, state_up, state_down, state_checked };
 enum button_style : std::int32_t { style_plain, style_flat, style_hover };
 
-constexpr std::uint32_t opaque = 0xFF000000u, marker = 0xFFC0C0C0u, one_grey = 0xFF808080u,
-                        white = 0xFFFFFFFFu, black = 0xFF000000u;
+constexpr std::uint32_t opaque = 0xFF000000u, marker = 0xFFC0C0C0u, one_grey = 0xFF808080u;
 constexpr std::int32_t largest_side = 4096;
 
 std::uint32_t pixel_of(COLORREF colour) {
@@ -38,23 +35,39 @@ struct picture {
     std::uint32_t& at(std::int32_t x, std::int32_t y) { return pixels[std::size_t(y) * width + x]; }
 };
 
-// One text of a memory context, drawn by `draw`.
-template <class Draw>
-picture drawn(std::int32_t width, std::int32_t height, HBITMAP shown, Draw draw) {
-    picture result(width, height, opaque);
+// A memory context with a bitmap of its own or one that is given.
+class canvas {
+  public:
+    explicit canvas(HBITMAP shown) : dc_(CreateCompatibleDC(HDC{})) {
+        before_ = SelectObject(dc_, shown);
+    }
+    ~canvas() {
+        SelectObject(dc_, before_);
+        DeleteDC(dc_);
+    }
+    canvas(const canvas&) = delete;
+    canvas& operator=(const canvas&) = delete;
+    HDC dc() const { return dc_; }
+
+  private:
+    HDC dc_;
+    HGDIOBJ before_;
+};
+
+HBITMAP new_bitmap(SIZE size) {
     HDC dc = CreateCompatibleDC(HDC{});
-    HBITMAP own{};
-    if (!shown) shown = own = CreateCompatibleBitmap(dc, width, height);
-    HGDIOBJ before = SelectObject(dc, shown);
-    draw(dc);
-    const Surface* surface = surface_of(dc);
-    for (std::int32_t y = 0; surface && surface->pixels && y < std::min(height, surface->height);
-         ++y)
-        for (std::int32_t x = 0; x < std::min(width, surface->width); ++x)
-            result.at(x, y) = surface->pixels[std::ptrdiff_t{y} * surface->stride + x] | opaque;
-    SelectObject(dc, before);
+    HBITMAP made = CreateCompatibleBitmap(dc, size.cx, size.cy);
     DeleteDC(dc);
-    if (own) DeleteObject(own);
+    return made;
+}
+
+// A bitmap may have more real pixels than logical ones: one of each counts.
+picture pixels_of(HBITMAP shown, SIZE size) {
+    picture result(size.cx, size.cy, opaque);
+    const canvas from(shown);
+    for (std::int32_t y = 0; y < size.cy; ++y)
+        for (std::int32_t x = 0; x < size.cx; ++x)
+            result.at(x, y) = pixel_of(GetPixel(from.dc(), x, y));
     return result;
 }
 
@@ -70,15 +83,13 @@ HFONT label_font() {
 SIZE label_size(const char* text, std::int32_t min_lines) {
     SIZE size{};
     if (!text || !*text) return size;
-    drawn(1, 1, HBITMAP{}, [&](HDC dc) {
-        SelectObject(dc, label_font());
-        RECT rect{0, 0, 1000, 1000};
-        const auto lines =
-            static_cast<std::int32_t>(1 + std::count(text, text + strlen(text), '\n'));
-        const std::int32_t height = DrawTextAW(dc, text, -1, rect, DT_CALCRECT);
-        size = {rect.width() + 10, height / lines * std::max(lines, min_lines) + 4};
-    });
-    return size;
+    HDC dc = CreateCompatibleDC(HDC{});
+    SelectObject(dc, label_font());
+    RECT rect{0, 0, 1000, 1000};
+    const auto lines = static_cast<std::int32_t>(1 + std::count(text, text + strlen(text), '\n'));
+    const std::int32_t height = DrawTextAW(dc, text, -1, rect, DT_CALCRECT);
+    DeleteDC(dc);
+    return {rect.width() + 10, height / lines * std::max(lines, min_lines) + 4};
 }
 
 std::uint32_t grey_of(std::uint32_t pixel) {
@@ -103,29 +114,30 @@ void recolour(picture& bitmap, std::int32_t state, std::int32_t style, bool colo
 }
 
 struct edge {
-    std::uint32_t outer_top, inner_top, inner_bottom, outer_bottom;
+    COLORREF outer_top, inner_top, inner_bottom, outer_bottom;
 };
 
-edge edge_of(std::int32_t state, std::int32_t style, std::uint32_t face) {
+edge edge_of(std::int32_t state, std::int32_t style, COLORREF face) {
+    constexpr COLORREF black = 0, grey = 0x808080, white = 0xFFFFFF;
     const bool down = state == state_down || state == state_checked;
-    if (down && style == style_plain) return {black, one_grey, face, white};
-    if (down) return {one_grey, face, face, white};
+    if (down && style == style_plain) return {black, grey, face, white};
+    if (down) return {grey, face, face, white};
     if (style == style_flat) return {face, face, face, face};
-    if (style == style_hover) return {white, face, face, one_grey};
-    return {white, face, one_grey, black};
+    if (style == style_hover) return {white, face, face, grey};
+    return {white, face, grey, black};
 }
 
-void draw_edge(picture& image, const edge& colours) {
-    const auto ring = [&](std::int32_t inset, std::uint32_t top, std::uint32_t bottom) {
-        const std::int32_t right = image.width - 1 - inset, low = image.height - 1 - inset;
-        for (std::int32_t x = inset; x <= right; ++x) {
-            image.at(x, inset) = top;
-            image.at(x, low) = bottom;
-        }
-        for (std::int32_t y = inset; y <= low; ++y) {
-            if (y < low) image.at(inset, y) = top;
-            image.at(right, y) = bottom;
-        }
+void fill(HDC dc, const RECT& place, COLORREF colour) {
+    FillRect(dc, place, get_brush(colour));
+}
+
+void draw_edge(HDC dc, SIZE size, const edge& colours) {
+    const auto ring = [&](std::int32_t inset, COLORREF top, COLORREF bottom) {
+        const std::int32_t right = size.cx - inset, low = size.cy - inset;
+        fill(dc, {inset, inset, right, inset + 1}, top);
+        fill(dc, {inset, low - 1, right, low}, bottom);
+        fill(dc, {inset, inset, inset + 1, low - 1}, top);
+        fill(dc, {right - 1, inset, right, low}, bottom);
     };
     ring(1, colours.inner_top, colours.inner_bottom);
     ring(0, colours.outer_top, colours.outer_bottom);
@@ -138,36 +150,47 @@ struct button_image {
     SIZE size, label;
 };
 
-picture compose(const button_image& wanted, picture bitmap) {
-    const COLORREF face_colour = GetSysColor(COLOR_BTNFACE);
-    const std::uint32_t face = pixel_of(face_colour);
-    const bool down = wanted.state == state_down || wanted.state == state_checked;
-    recolour(bitmap, wanted.state, wanted.style, wanted.coloured, face);
-    picture image = drawn(wanted.size.cx, wanted.size.cy, HBITMAP{}, [&](HDC dc) {
-        const RECT all{0, 0, wanted.size.cx, wanted.size.cy};
-        FillRect(dc, all, get_brush(face_colour));
-        if (wanted.label.cy == 0) return;
-        SelectObject(dc, label_font());
-        SetBkMode(dc, TRANSPARENT);
-        SetTextColor(dc, GetSysColor(wanted.state == state_grey ? COLOR_GRAYTEXT : COLOR_BTNTEXT));
-        RECT place{4, wanted.size.cy - wanted.label.cy, wanted.size.cx - 4, wanted.size.cy - 2};
-        if (down) place = {place.left + 1, place.top + 1, place.right + 1, place.bottom + 1};
-        DrawTextAW(dc, wanted.text, -1, place, DT_CENTER | DT_VCENTER | DT_END_ELLIPSIS);
-    });
+void draw_label(HDC dc, const button_image& wanted, bool down) {
+    if (wanted.label.cy == 0) return;
+    SelectObject(dc, label_font());
+    SetBkMode(dc, TRANSPARENT);
+    SetTextColor(dc, GetSysColor(wanted.state == state_grey ? COLOR_GRAYTEXT : COLOR_BTNTEXT));
+    RECT place{4, wanted.size.cy - wanted.label.cy, wanted.size.cx - 4, wanted.size.cy - 2};
+    if (down) place = {place.left + 1, place.top + 1, place.right + 1, place.bottom + 1};
+    DrawTextAW(dc, wanted.text, -1, place, DT_CENTER | DT_VCENTER | DT_END_ELLIPSIS);
+}
+
+void draw_bitmap_in(HDC dc, const button_image& wanted, const picture& bitmap, bool down) {
+    if (bitmap.pixels.empty()) return;
     const std::int32_t shift = down ? 3 : 2;
     const bool centred = wanted.fixed_width || wanted.label.cx > 0;
     const std::int32_t left =
-        centred ? std::max(shift, (image.width - bitmap.width) / 2 + shift - 2) : shift;
-    for (std::int32_t y = 0; y < std::min(bitmap.height, image.height - shift); ++y)
-        for (std::int32_t x = 0; x < std::min(bitmap.width, image.width - left); ++x)
-            image.at(left + x, shift + y) = bitmap.at(x, y);
-    draw_edge(image, edge_of(wanted.state, wanted.style, face));
-    if (wanted.state == state_checked && wanted.label.cy == 0 && !wanted.fixed_width) {
-        for (std::int32_t y = 2; y < image.height - 2; y += 2)
-            for (const std::int32_t x : {3, image.width - 3})
-                if (x > 1 && x < image.width) image.at(x, y) = black;
+        centred ? std::max(shift, (wanted.size.cx - bitmap.width) / 2 + shift - 2) : shift;
+    HBITMAP made =
+        CreateBitmapFromPixels(bitmap.width, bitmap.height, bitmap.pixels.data(), bitmap.width);
+    {
+        const canvas from(made);
+        BitBlt(dc, left, shift, bitmap.width, bitmap.height, from.dc(), 0, 0, SRCCOPY);
     }
-    return image;
+    DeleteObject(made);
+}
+
+HBITMAP compose(const button_image& wanted, picture bitmap) {
+    const COLORREF face = GetSysColor(COLOR_BTNFACE);
+    const bool down = wanted.state == state_down || wanted.state == state_checked;
+    recolour(bitmap, wanted.state, wanted.style, wanted.coloured, pixel_of(face));
+    HBITMAP made = new_bitmap(wanted.size);
+    const canvas image(made);
+    fill(image.dc(), {0, 0, wanted.size.cx, wanted.size.cy}, face);
+    draw_label(image.dc(), wanted, down);
+    draw_bitmap_in(image.dc(), wanted, bitmap, down);
+    draw_edge(image.dc(), wanted.size, edge_of(wanted.state, wanted.style, face));
+    if (wanted.state == state_checked && wanted.label.cy == 0 && !wanted.fixed_width) {
+        for (std::int32_t y = 2; y < wanted.size.cy - 2; y += 2)
+            for (const std::int32_t x : {3, wanted.size.cx - 3})
+                fill(image.dc(), {x, y, x + 1, y + 1}, COLORREF{0});
+    }
+    return made;
 }
 
 }  // namespace
@@ -188,10 +211,7 @@ HBITMAP make_button_image(HBITMAP shown, std::int32_t state, std::int32_t style,
     width = wanted.size.cx;
     height = wanted.size.cy;
     if (measure_only) return HBITMAP{};
-    picture bitmap(0, 0, 0);
-    if (picture_size.cx > 0) bitmap = drawn(picture_size.cx, picture_size.cy, shown, [](HDC) {});
-    const picture image = compose(wanted, std::move(bitmap));
-    return CreateBitmapFromPixels(image.width, image.height, image.pixels.data(), image.width);
+    return compose(wanted, pixels_of(shown, picture_size));
 }
 
 }  // namespace tarn::winio

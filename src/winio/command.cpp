@@ -57,24 +57,27 @@ bool ignored_by_check(const window_control* control, const command& what) {
 }
 
 // A box that checks when it loses the focus is made to, when the button was pressed by a key.
-void commit_pending_edit(fancy_window* window, const window_control* button) {
+// False: it refuses what it holds, and has taken the focus back.
+bool commit_pending_edit(fancy_window* window, const window_control* button) {
     HWND focus = GetFocus();
-    if (!focus || focus == button->hwnd) return;
+    if (!focus || focus == button->hwnd) return true;
     for (const window_control* control = window->first_control; control; control = control->next) {
         if (control->hwnd != focus) continue;
-        if (!control->flags.focus_loss_check) return;
+        if (!control->flags.focus_loss_check) return true;
         HWND pressed = button->hwnd;
         SetFocus(pressed);
+        if (GetFocus() == focus) return false;
         if (IsWindow(focus)) SetFocus(focus);
-        return;
+        return true;
     }
+    return true;
 }
 
 after button_pressed(fancy_window* window, window_control* control) {
     window_watch watch(window);
     HWND hwnd = window->hwnd;
-    commit_pending_edit(window, control);
-    if (watch.gone()) return after::stop;
+    const bool committed = commit_pending_edit(window, control);
+    if (watch.gone() || !committed) return after::stop;
     if (control->callback) {
         get_action_coordinates(control);
         std::int32_t result = call_function(control, "BUTTON_PRESS", true);

@@ -94,12 +94,13 @@ std::int32_t modifiers() {
 
 std::int32_t word_of_key(std::int32_t key, bool alt) {
     std::int32_t flags = modifiers();
-    // With both held a letter types no character that could be looked at instead.
-    const bool letter = flags == (key_control | key_shift) && key >= 'A' && key <= 'Z';
-    if (!alt && !letter && !key_may_accelerate(key, (flags & key_control) != 0)) return 0;
-    if (alt && key >= 'A' && key <= 'Z') return 0;  // its WM_SYSCHAR follows
-    if (key == VK_TAB && (flags & key_control) != 0)
-        return (flags & key_shift) != 0 ? VK_TAB : 0x32C;
+    const bool control = (flags & key_control) != 0;
+    const bool letter = key >= 'A' && key <= 'Z';
+    // With Ctrl and another one held a letter types no character that could be looked at instead.
+    const bool typeless = letter && control && (alt || (flags & key_shift) != 0);
+    if (!alt && !typeless && !key_may_accelerate(key, control)) return 0;
+    if (alt && letter && !control) return 0;  // its WM_SYSCHAR follows
+    if (key == VK_TAB && flags == key_control && !alt) return key_control_tab;
     return key | flags | (alt ? key_alt : 0);
 }
 
@@ -181,7 +182,8 @@ std::int32_t key_word_of(const MSG& message) {
     auto key = static_cast<std::int32_t>(message.wParam);
     switch (message.message) {
         case WM_KEYDOWN:
-            return word_of_key(key, false);
+            return word_of_key(key,
+                               (message.lParam >> 29 & 1) != 0);  // with Ctrl it's no system key
         case WM_SYSKEYDOWN:
             return word_of_key(key, key_down(VK_MENU));
         case WM_CHAR:

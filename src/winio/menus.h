@@ -31,6 +31,7 @@ struct accelerator {
     std::int32_t key;
 };
 enum : std::int32_t { key_alt = 0x100, key_control = 0x200, key_shift = 0x400 };
+inline constexpr std::int32_t key_control_tab = 0x32C;  // as a pressed key
 
 HMENU read_menu(code_call& call, std::int32_t kind);
 void peek_menu(code_call& call, std::int32_t kind);

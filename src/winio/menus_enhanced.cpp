@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "platform/user/menus.h"
+#include "winio/buttons.h"
 #include "winio/callbacks.h"
 #include "winio/codes.h"
 #include "winio/menus.h"
@@ -105,8 +106,12 @@ void add_bitmap(Decoder& d) {
         return;
     const std::string path = d.path.empty() ? name : d.path + "~" + name;
     const std::int32_t id = record(d, path);
-    // Menus show texts only: the picture's name stands in its place.
-    AppendMenuAW(d.levels.back(), d.flags, static_cast<std::uintptr_t>(id), name.c_str());
+    const HBITMAP picture = load_resource(name.c_str());
+    if (picture != 0)
+        AppendMenuA(d.levels.back(), d.flags | MF_BITMAP, static_cast<std::uintptr_t>(id),
+                    reinterpret_cast<const char*>(static_cast<word>(picture)));
+    else  // its name says more than an empty item
+        AppendMenuAW(d.levels.back(), d.flags, static_cast<std::uintptr_t>(id), name.c_str());
     finish_item(d);
 }
 

@@ -496,6 +496,9 @@ served serve(fancy_window* window, HWND hwnd, UINT message, WPARAM wparam, LPARA
         case WM_MOVE:
             window_moved(window);
             return {};
+        case WM_SYSCOLORCHANGE:
+            take_theme(window);
+            return to_default;
         case WM_GETMINMAXINFO:
             return {true, minimum_size(window, lparam)};
         case WM_WINDOWPOSCHANGING:

@@ -94,6 +94,7 @@ void post_start_up(fancy_window* window);
 void window_command(fancy_window* window, platform::WPARAM wparam, platform::LPARAM lparam);
 // What is seen around the control: the colour of its box, or of the window.
 platform::COLORREF ground_behind(const window_control* control);
+void take_theme(fancy_window* window);
 platform::LRESULT control_colours(fancy_window* window, platform::HDC dc, platform::HWND child);
 void paint_window(fancy_window* window);
 bool draw_item(fancy_window* window, const platform::DRAWITEMSTRUCT& item);

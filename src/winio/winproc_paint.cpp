@@ -117,6 +117,19 @@ COLORREF ground_behind(const window_control* control) {
     return control->box ? control->box->background : control->window->background;
 }
 
+// Colours that nobody chose are the theme's, which has changed.
+void take_theme(fancy_window* window) {
+    const auto change = [](COLORREF& colour) { colour = in_this_theme(colour); };
+    if (!window->flags.own_background) change(window->background);
+    change(window->text_colour);
+    for (window_control* each = window->first_control; each; each = each->next) {
+        change(each->background);
+        change(each->text_colour);
+        change(each->prompt_colour);
+        change(each->saved_text_colour);
+    }
+}
+
 LRESULT control_colours(fancy_window* window, HDC dc, HWND child) {
     window_control* control = control_of_handle(window, child);
     if (!control) return 0;

@@ -94,12 +94,13 @@ string draw_descriptor(const Item& item) {
                     return real_widths("F", item.bytes, false);
             }
         default:
-            switch (below(6)) {
+            switch (below(7)) {
                 case 0:
-                    return "A";
                 case 1:
-                    return "G0";
+                    return "A";
                 case 2:
+                    return "G0";
+                case 3:
                     return "G" + num(between(1, 12));
                 default:
                     return "A" + num(between(chance(3) ? 0 : 1, 14));
@@ -214,8 +215,10 @@ string draw_format(const std::vector<Item>& items, bool structured) {
     } else {
         std::size_t next = 0;
         text += draw_format_list(items, next, 0);
-        if (chance(8))
-            text += ",*(" + draw_descriptor(items.back()) + pick({")", ",1X)", ",:,',')"});
+        if (chance(8)) {
+            text += ",*(" + string(pick({"", "", "1X,'<',", "/,", "'a',:,", "2('['),", "SP,"}));
+            text += draw_descriptor(items.back()) + pick({")", ",1X)", ",:,',')", ",'>')", ",/)"});
+        }
         text += ")";
     }
     text = mixed_case(text);

@@ -432,12 +432,35 @@ TEST_F(Files, ProgramsAreStartedAndWaitedFor) {
         EXPECT_EQ(spawn(Wait::for_end, row.program, row.arguments), row.result) << row.program;
     }
     EXPECT_EQ(__spawns(1, "true", ""), -1);
+    EXPECT_EQ(__spawn_process("sh -c 'exit 7'", "title", 1), 0);
+    EXPECT_EQ(__spawn_process("no_such_program", nullptr, 1), 2);
+    EXPECT_EQ(__spawn_process("'./my folder/x'", nullptr, 0), 2);
+    EXPECT_EQ(__spawn_process("", nullptr, 1), 2);
     EXPECT_EQ(__spawns(2, "sh", "-c 'echo done > late'"), 0);
     for (int i = 0; i < 500 && !file_exists("late"); ++i) ::usleep(10000);
     EXPECT_TRUE(file_exists("late"));
     std::int16_t error = -1;
     CISSUE_h("exit 3", &error, 6);
     EXPECT_EQ(error, 0);
+}
+
+TEST(Texts, CrossBetweenFortranAndC) {
+    char room[8];
+    MAKE_CSTRING_h(" ab  ", room, 5);
+    EXPECT_STREQ(room, " ab");
+    MAKE_CSTRING_h("", room, -3);
+    EXPECT_STREQ(room, "");
+    FSTRCPY(room, 4, "abcdef", 6);
+    EXPECT_STREQ(room, "abc");
+    FSTRCPY(room, 8, "ab \0c  ", 7);
+    EXPECT_EQ(std::string(room, 6), std::string("ab \0c\0", 6));
+    FSTRCPY(room, 0, "x", 1);
+    EXPECT_EQ(room[0], 'a');
+    char text[5] = "....";
+    GET_CSTRING_h(text, "xy", 4);
+    EXPECT_STREQ(text, "xy  ");
+    RETURNED_CSTRING_h(text, "longer", 4);
+    EXPECT_STREQ(text, "long");
 }
 
 }  // namespace

@@ -186,6 +186,36 @@ TEST_F(Callbacks, ExitClosesWithTheResultZero) {
     EXPECT_EQ(window_variable, 0);
 }
 
+// A click takes the focus to the button; the field that had it is what the action is about.
+TEST_F(Callbacks, ClipboardButtonsServeTheFieldBeforeThem) {
+    static char first[20], second[20];
+    std::strcpy(first, "some text");
+    second[0] = 0;
+    fancy_window* window =
+        open("%rs%rs%^bt[Copy]%^bt[Paste]%^bt[Undo]%^bt[All]", "*CI*CI*C*C*C*C",
+             {w(first), 20, w(second), 20, w("COPY"), w("PASTE"), w("EDIT_UNDO"), w("SELECT_ALL")});
+    window_control *from = nth(window, control_type::string_box),
+                   *to = nth(window, control_type::string_box, 1);
+    const auto button = [&](int which) { return nth(window, control_type::button, which); };
+    const auto enter = [](window_control* field) {
+        platform::SetFocus(field->hwnd);
+        platform::PostMessageA(field->hwnd, platform::WM_KEYUP, platform::VK_SHIFT, 0);
+        test::settle();
+    };
+    enter(from);
+    platform::SendMessageA(from->hwnd, platform::EM_SETSEL, 5, 9);
+    test::click(button(0));
+    enter(to);
+    test::click(button(1));
+    EXPECT_STREQ(second, "text");
+    EXPECT_EQ(platform::GetFocus(), to->hwnd);
+    test::click(button(2));
+    EXPECT_STREQ(second, "");
+    enter(from);
+    test::click(button(3));
+    EXPECT_EQ(platform::SendMessageA(from->hwnd, platform::EM_GETSEL, 0, 0), 9 << 16);
+}
+
 TEST_F(Callbacks, AChainStopsAtZero) {
     fancy_window* window =
         open("%^bt[A]", "*C*E*C*I", {w("+"), w(count_call), w("INC"), w(&number)});

@@ -198,6 +198,35 @@ TEST_F(Boxes, CheckOnFocusLossWaits) {
     EXPECT_EQ(value, 77);
 }
 
+// A button doesn't close the window over an entry that was refused, by the mouse or by a key.
+TEST_F(Boxes, ARefusedEntryStopsTheButton) {
+    std::int32_t value = 7;
+    window_control* control = box("%co[check_on_focus_loss]%il%rd%`bt[OK]", "II*I",
+                                  {5, 10, w(&value)}, control_type::integer_box);
+    window_control* button = nth(newest(), control_type::button);
+    const auto by_mouse = [&] {
+        SendMessageA(button->hwnd, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(5, 5));
+        SendMessageA(button->hwnd, WM_LBUTTONUP, 0, MAKELPARAM(5, 5));
+        settle();
+    };
+    const auto by_key = [&] {
+        PostMessageA(control->hwnd, WM_KEYDOWN, VK_RETURN, 0);
+        settle();
+    };
+    type(control, "99");
+    by_mouse();
+    EXPECT_EQ(open_windows(), 1);
+    EXPECT_EQ(field(control), "7");
+    EXPECT_EQ(GetFocus(), control->hwnd);
+    type(control, "4");
+    by_key();
+    EXPECT_EQ(open_windows(), 1);
+    type(control, "9");
+    by_key();
+    EXPECT_EQ(open_windows(), 0);
+    EXPECT_EQ(value, 9);
+}
+
 TEST_F(Boxes, SpinStepsAndServesOneBox) {
     std::int32_t value = 7, other = 0;
     window_control* control =

@@ -4,7 +4,8 @@
 #include <cstring>
 #include <gtest/gtest.h>
 
-#include "platform/display/geometry.h"
+#include "platform/display/display.h"
+#include "platform/gdi/theme.h"
 #include "winio/callbacks.h"
 #include "winio/form.h"
 #include "winio/winproc.h"
@@ -38,6 +39,8 @@ void press_first_button() {
 
 TEST_F(Windows, OpenOnTheMonitorOfTheWindowThatTheyComeFrom) {
     form("First%lw%bt[OK]", "*I", {w(&control_of[0])});
+    // Another test of this process may have made the display.
+    if (display().monitors().size() < 2) GTEST_SKIP() << "there is one monitor";
     const HWND first = newest()->hwnd;
     RECT place;
     GetWindowRect(first, place);
@@ -47,6 +50,24 @@ TEST_F(Windows, OpenOnTheMonitorOfTheWindowThatTheyComeFrom) {
     GetWindowRect(newest()->hwnd, place);
     EXPECT_EQ(middle_of(place).x / 2, (1280 + 1600 / 2) / 2);
     EXPECT_EQ(middle_of(place).y / 4, (100 + 900 / 2) / 4);
+}
+
+TEST_F(Windows, TakeTheColoursOfAnotherThemeExceptThoseThatWereChosen) {
+    static std::int32_t value = 1;
+    form("Text%lw%rd%`rd%bt[OK]", "*I*I*I*I", {w(&control_of[0]), w(&value), w(&value), w(&value)});
+    form("%bg[red]Text%lw", "*I", {w(&control_of[1])});
+    fancy_window* red = newest();
+    fancy_window* plain = red->next;
+    ASSERT_TRUE(plain);
+    const COLORREF chosen = red->background;
+    for (const bool dark : {true, false}) {
+        set_theme(dark);
+        for (fancy_window* each : {plain, red}) SendMessageA(each->hwnd, WM_SYSCOLORCHANGE, 0, 0);
+        EXPECT_EQ(plain->background, dialog_colour());
+        EXPECT_EQ(plain->text_colour, default_text_colour());
+        EXPECT_EQ(nth(plain, control_type::integer_box)->background, data_colour());
+        EXPECT_EQ(red->background, chosen);
+    }
 }
 
 // ---- Results

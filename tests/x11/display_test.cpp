@@ -1,5 +1,8 @@
 // The display on a real server: bare, and with a window manager.
+#include <cstdlib>
 #include <cstring>
+#include <string_view>
+#include <xcb/xcb.h>
 
 #include "desktop.h"
 #include "platform/base/constants.h"
@@ -492,6 +495,112 @@ TEST_F(Alone, PlacesCountFromThePrimaryMonitor) {
     // Another monitor becomes the primary one: windows stay, their places are told anew.
     run("xrandr --delmonitor right; xrandr --delmonitor left");
     ASSERT_TRUE(until([&] { return place[1] == RECT{200, 70, 400, 170}; }));
+}
+
+// Another program on the same server.
+struct Peer {
+    Peer() : xcb(xcb_connect(nullptr, nullptr)) {
+        root = xcb_setup_roots_iterator(xcb_get_setup(xcb)).data->root;
+        window = xcb_generate_id(xcb);
+        xcb_create_window(xcb, 0, window, root, 0, 0, 1, 1, 0, XCB_WINDOW_CLASS_INPUT_ONLY, 0, 0,
+                          nullptr);
+    }
+    ~Peer() { xcb_disconnect(xcb); }
+    Peer(const Peer&) = delete;
+    Peer& operator=(const Peer&) = delete;
+
+    xcb_atom_t atom(std::string_view name) const {
+        auto* reply = xcb_intern_atom_reply(
+            xcb, xcb_intern_atom(xcb, 0, static_cast<std::uint16_t>(name.size()), name.data()),
+            nullptr);
+        xcb_atom_t result = reply ? reply->atom : 0;
+        std::free(reply);
+        return result;
+    }
+    // As the settings program of a desktop: one text.
+    void tell_theme(const std::string& name) const {
+        std::string bytes("\0\0\0\0\1\0\0\0\1\0\0\0\1\0\15\0Net/ThemeName\0\0\0\1\0\0\0", 36);
+        bytes.push_back(static_cast<char>(name.size()));
+        bytes += std::string(3, '\0') + name + std::string(8, '\0');
+        xcb_change_property(xcb, XCB_PROP_MODE_REPLACE, window, atom("_XSETTINGS_SETTINGS"),
+                            atom("_XSETTINGS_SETTINGS"), 8,
+                            static_cast<std::uint32_t>(bytes.size()), bytes.data());
+        xcb_set_selection_owner(xcb, window, atom("_XSETTINGS_S0"), XCB_CURRENT_TIME);
+        xcb_client_message_event_t message{};
+        message.response_type = XCB_CLIENT_MESSAGE;
+        message.format = 32;
+        message.window = root;
+        message.type = atom("MANAGER");
+        message.data.data32[1] = atom("_XSETTINGS_S0");
+        message.data.data32[2] = window;
+        xcb_send_event(xcb, 0, root, XCB_EVENT_MASK_STRUCTURE_NOTIFY,
+                       reinterpret_cast<const char*>(&message));
+        xcb_flush(xcb);
+    }
+
+    xcb_connection_t* xcb;
+    xcb_window_t root = 0, window = 0;
+};
+
+TEST_F(Alone, FollowsTheLookOfTheDesktop) {
+    Server server;
+    connect();
+    EXPECT_FALSE(display->dark());
+    Peer desktop;
+    desktop.tell_theme("Calm-dark");
+    ASSERT_TRUE(until([&] { return last(Kind::theme) != nullptr; }));
+    EXPECT_TRUE(display->dark());
+    desktop.tell_theme("Calm");
+    ASSERT_TRUE(until([&] { return !display->dark(); }));
+}
+
+TEST_F(Alone, TellsTheDesktopWhatItsWindowsAre) {
+    Server server;
+    Peer desktop;
+    const std::uint32_t events = XCB_EVENT_MASK_PROPERTY_CHANGE;
+    xcb_change_window_attributes(desktop.xcb, desktop.root, XCB_CW_EVENT_MASK, &events);
+    free(xcb_get_input_focus_reply(desktop.xcb, xcb_get_input_focus(desktop.xcb), nullptr));
+    setenv("DESKTOP_STARTUP_ID", "menu/tarn/\"1\"_TIME5", 1);
+    connect(2.0);
+    EXPECT_EQ(getenv("DESKTOP_STARTUP_ID"), nullptr);
+    TopLevelOptions options;
+    options.minimum = {120, 80};
+    options.maximum = {0, 300};
+    options.class_name = "Form";
+    shown(1, {50, 50, 250, 150}, 0, options);
+    ASSERT_TRUE(until([&] { return focused == 1; }));
+    TopLevelOptions dialog;
+    dialog.role = Role::dialog;
+    dialog.resizable = false;
+    shown(2, {60, 60, 160, 110}, 1, dialog);
+    const std::uint32_t icon[4] = {0xFFFF0000, 0xFF00FF00, 0x80000000, 0};
+    display->set_icon(1, 2, 2, icon);
+    ASSERT_TRUE(until([&] { return focused == 2; }));
+    std::string first = run("xprop -name 'window 1'"), second = run("xprop -name 'window 2'");
+    auto has = [](const std::string& all, const std::string& words) {
+        return all.find(words) != std::string::npos ? testing::AssertionSuccess()
+                                                    : testing::AssertionFailure() << all;
+    };
+    EXPECT_TRUE(has(first, "minimum size: 240 by 160"));
+    EXPECT_TRUE(has(first, "by 600"));
+    EXPECT_TRUE(has(first, "\"x11_test\", \"Form\""));
+    EXPECT_TRUE(has(first, "_NET_WM_PID(CARDINAL) = " + std::to_string(getpid())));
+    EXPECT_TRUE(has(first, "_NET_WM_WINDOW_TYPE_NORMAL"));
+    EXPECT_TRUE(has(first, "WM_SAVE_YOURSELF"));
+    EXPECT_TRUE(has(first, "Icon (2 x 2)"));
+    EXPECT_TRUE(has(first, "_NET_STARTUP_ID(UTF8_STRING) = \"menu/tarn/"));
+    EXPECT_TRUE(has(second, "_NET_WM_WINDOW_TYPE_DIALOG"));
+    EXPECT_TRUE(has(second, "WM_TRANSIENT_FOR(WINDOW): window id # 0x"));
+    EXPECT_TRUE(has(second, "maximum size: 200 by 100"));
+    // Whoever started the program hears that it is there.
+    std::string heard;
+    while (xcb_generic_event_t* event = xcb_poll_for_event(desktop.xcb)) {
+        const auto* message = reinterpret_cast<const xcb_client_message_event_t*>(event);
+        if ((event->response_type & 0x7F) == XCB_CLIENT_MESSAGE && message->format == 8)
+            heard.append(reinterpret_cast<const char*>(message->data.data8), 20);
+        free(event);
+    }
+    EXPECT_EQ(heard.substr(0, heard.find('\0')), "remove: ID=\"menu/tarn/\\\"1\\\"_TIME5\"");
 }
 
 TEST_F(Alone, SaysWhyThereIsNoDesktop) {

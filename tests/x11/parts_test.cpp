@@ -8,6 +8,7 @@
 #include "platform/x11/keys.h"
 #include "platform/x11/pointer_input.h"
 #include "platform/x11/selections.h"
+#include "platform/x11/settings.h"
 
 namespace tarn::x11 {
 namespace {
@@ -60,6 +61,42 @@ TEST(ResourceTest, FindsAnEntryByItsWholeName) {
     EXPECT_EQ(resource_value(database, "Xft.dpi"), "120");
     EXPECT_EQ(resource_value(database, "Xft.dp"), "");
     EXPECT_EQ(resource_value("Xft.dpi", "Xft.dpi"), "");
+}
+
+TEST(SettingsTest, AreReadAsFarAsTheyMakeSense) {
+    auto number = [](std::uint32_t value, std::size_t bytes, bool swapped) {
+        std::string text;
+        for (std::size_t i = 0; i < bytes; ++i)
+            text.push_back(static_cast<char>(value >> 8 * (swapped ? bytes - 1 - i : i)));
+        return text;
+    };
+    for (bool swapped : {false, true}) {
+        auto padded = [](std::string text) {
+            return text += std::string((4 - text.size() % 4) % 4, '\0');
+        };
+        auto setting = [&](char kind, const std::string& name, const std::string& value) {
+            std::uint32_t length = static_cast<std::uint32_t>(name.size());
+            return std::string{kind, 0} + number(length, 2, swapped) + padded(name) +
+                   number(7, 4, swapped) + value;
+        };
+        std::string theme = "Quiet-Dark!";
+        std::string all = std::string(1, swapped ? '\1' : '\0') + std::string(7, '\0') +
+                          number(4, 4, swapped) + setting(2, "A/Colour", std::string(8, 'x')) +
+                          setting(0, "Xft/DPI", number(144 * 1024, 4, swapped)) +
+                          setting(1, "Net/ThemeName", number(11, 4, swapped) + padded(theme)) +
+                          setting(1, "Last", number(0xFFFFFFF0, 4, swapped));
+        Settings settings = read_settings(all);
+        EXPECT_EQ(settings.theme, theme);
+        EXPECT_EQ(settings.dpi, 144.0);
+        EXPECT_TRUE(looks_dark(settings));
+        // Cut off anywhere, it is no more than what was whole.
+        for (std::size_t length = 0; length < all.size(); ++length) {
+            Settings part = read_settings(std::string_view(all).substr(0, length));
+            EXPECT_TRUE(part.theme.empty() || part.theme == theme);
+            EXPECT_TRUE(part.dpi == 0.0 || part.dpi == 144.0);
+        }
+    }
+    EXPECT_FALSE(looks_dark({}));
 }
 
 TEST(GeometryTest, LogicalPixelsAndRealOnesAgree) {

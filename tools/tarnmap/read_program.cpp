@@ -48,6 +48,14 @@ bool is_fortran(int language) {
     }
 }
 
+// A procedure as its source declares it. What is inlined across files, or moved about by the
+// linker, has it in another unit.
+struct Declared {
+    Dwarf_Die die;
+    std::string source;
+    int line;
+};
+
 class Reader {
   public:
     explicit Reader(const std::string& path);
@@ -63,7 +71,6 @@ class Reader {
         std::string folder;
         bool fortran;
         Dwarf_Files* files = nullptr;
-        std::vector<Dwarf_Die> routines = {};  // as they are declared, of Fortran
     };
 
     void read_sections();
@@ -87,6 +94,7 @@ class Reader {
     Elf* elf_ = nullptr;
     Dwarf* dwarf_ = nullptr;
     std::vector<Range> code_;
+    std::vector<Declared> declared_;  // of Fortran, but internal procedures
     std::unordered_map<std::uint64_t, std::string> symbols_;
     std::unordered_map<std::string, std::uint32_t> files_;
     Spelling spelling_;
@@ -144,11 +152,12 @@ std::vector<Routine> Reader::read_symbols() {
             const char* name = elf_strptr(elf_, header.sh_link, symbol.st_name);
             if (name == nullptr || *name == 0 || !is_code(symbol.st_value)) continue;
             if (!symbols_.emplace(symbol.st_value, name).second) continue;
-            const std::uint32_t flags =
-                std::strcmp(name, "_start") == 0 ? traceback::routine_hidden : 0;
+            std::uint32_t flags = 0;
+            if (std::strcmp(name, "_start") == 0) flags = traceback::routine_hidden;
+            if (std::strcmp(name, "MAIN__") == 0) flags = traceback::routine_is_main;
             routines.push_back({symbol.st_value,
                                 symbol.st_value + std::max<std::uint64_t>(symbol.st_size, 1),
-                                demangled(name), flags});
+                                readable(name), flags});
         }
     }
     return routines;
@@ -215,7 +224,7 @@ int line_of(Dwarf_Die* die) {
 }
 
 std::string Reader::spelled(const Unit& unit, Dwarf_Die* die) {
-    const std::string name = attribute_text(die, DW_AT_name);
+    std::string name = attribute_text(die, DW_AT_name);
     const std::string file = source_of(unit.folder, die);
     const int line = line_of(die);
     if (file.empty() || line == 0) return name;
@@ -230,18 +239,13 @@ std::string Reader::spelled(const Unit& unit, Dwarf_Die* die) {
 std::string Reader::host_of(const Unit& unit, Dwarf_Die* die) {
     const std::string file = source_of(unit.folder, die);
     const int contains = spelling_.contains_before(file, line_of(die));
-    const Dwarf_Die* host = nullptr;
-    int nearest = 0;
-    for (const Dwarf_Die& each : unit.routines) {
-        Dwarf_Die candidate = each;
-        const int line = line_of(&candidate);
-        if (line >= contains || line <= nearest || source_of(unit.folder, &candidate) != file)
-            continue;
-        nearest = line;
-        host = &each;
+    const Declared* host = nullptr;
+    for (const Declared& each : declared_) {
+        const bool nearer = host == nullptr || each.line > host->line;
+        if (each.line < contains && nearer && each.source == file) host = &each;
     }
     if (host == nullptr) return {};
-    Dwarf_Die found = *host;
+    Dwarf_Die found = host->die;
     return fortran_name(unit, &found);
 }
 
@@ -270,7 +274,7 @@ std::string Reader::fortran_name(const Unit& unit, Dwarf_Die* die) {
     for (int i = 1; i < count; ++i) {
         if (dwarf_tag(&scopes[i]) != DW_TAG_subprogram) continue;
         nested = true;
-        name = spelled(unit, &scopes[i]) + "::" + name;
+        name.insert(0, spelled(unit, &scopes[i]) + "::");
         symbol = attribute_text(&scopes[i], DW_AT_linkage_name);
     }
     if (!nested && is_internal(die)) {
@@ -286,8 +290,8 @@ std::string Reader::fortran_name(const Unit& unit, Dwarf_Die* die) {
 
 // The body of a parallel region is a routine that the compiler names after the one it stands in.
 std::string Reader::parallel_name(const Unit& unit, const std::string& symbol) {
-    for (const Dwarf_Die& each : unit.routines) {
-        Dwarf_Die die = each;
+    for (const Declared& each : declared_) {
+        Dwarf_Die die = each.die;
         if (attribute_text(&die, DW_AT_linkage_name) == symbol ||
             attribute_text(&die, DW_AT_name) == symbol ||
             (symbol == "MAIN__" && is_main_program(&die)))
@@ -392,17 +396,17 @@ void Reader::read_children(const Unit& unit, Dwarf_Die* parent, int inline_depth
     } while (dwarf_siblingof(&child, &child) == 0);
 }
 
-void list_routines(Dwarf_Die* parent, std::vector<Dwarf_Die>& routines) {
+void list_declared(Dwarf_Die* parent, const std::string& folder, std::vector<Declared>& all) {
     Dwarf_Die child;
     if (dwarf_child(parent, &child) != 0) return;
     do {
         const int tag = dwarf_tag(&child);
-        const bool declared =
-            tag == DW_TAG_subprogram && line_of(&child) != 0 && !has(&child, DW_AT_abstract_origin);
+        if (tag == DW_TAG_module) list_declared(&child, folder, all);
+        const int line = tag == DW_TAG_subprogram ? line_of(&child) : 0;
         // What the C library calls as `main` is the compiler's.
-        const bool made = attribute_text(&child, DW_AT_name) == "main";
-        if (declared && !made && !is_internal(&child)) routines.push_back(child);
-        if (tag == DW_TAG_module) list_routines(&child, routines);
+        const bool made = line == 0 || has(&child, DW_AT_abstract_origin) ||
+                          attribute_text(&child, DW_AT_name) == "main";
+        if (!made && !is_internal(&child)) all.push_back({child, source_of(folder, &child), line});
     } while (dwarf_siblingof(&child, &child) == 0);
 }
 
@@ -410,7 +414,6 @@ void Reader::read_unit(Dwarf_Die* die) {
     const int tag = dwarf_tag(die);
     if (tag != DW_TAG_compile_unit && tag != DW_TAG_partial_unit) return;
     Unit unit{die, attribute_text(die, DW_AT_comp_dir), is_fortran(dwarf_srclang(die))};
-    if (unit.fortran) list_routines(die, unit.routines);
     std::size_t count = 0;
     if (dwarf_getsrcfiles(die, &unit.files, &count) != 0) unit.files = nullptr;
     read_lines(unit);
@@ -422,11 +425,17 @@ ProgramMap Reader::read() {
     // The symbols first, for they tell which routine is a Fortran main program.
     const std::vector<Routine> from_symbols = read_symbols();
     map_.files.emplace_back();  // the file of no line
+    std::vector<Dwarf_Die> units;
     Dwarf_CU* unit = nullptr;
     Dwarf_Die die;
     while (dwarf_ != nullptr &&
            dwarf_get_units(dwarf_, unit, &unit, nullptr, nullptr, &die, nullptr) == 0)
-        read_unit(&die);
+        units.push_back(die);
+    for (Dwarf_Die& each : units) {
+        if (is_fortran(dwarf_srclang(&each)))
+            list_declared(&each, attribute_text(&each, DW_AT_comp_dir), declared_);
+    }
+    for (Dwarf_Die& each : units) read_unit(&each);
     // What the debug information told counts before the symbols.
     map_.routines.insert(map_.routines.end(), from_symbols.begin(), from_symbols.end());
     return std::move(map_);

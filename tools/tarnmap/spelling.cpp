@@ -109,4 +109,11 @@ std::string demangled(const std::string& symbol) {
     return result;
 }
 
+std::string readable(const std::string& symbol) {
+    if (symbol == "MAIN__") return "main program";
+    const std::string module = module_in_symbol(symbol);
+    if (module.empty()) return demangled(symbol);
+    return module + "::" + symbol.substr(module.size() + 7);
+}
+
 }  // namespace tarn::map

@@ -29,6 +29,9 @@ class Spelling {
 // none.
 std::string module_in_symbol(const std::string& symbol);
 
+// Any symbol as the source would have it, as far as it tells that.
+std::string readable(const std::string& symbol);
+
 // A C++ symbol as the source would write it; other names unchanged.
 std::string demangled(const std::string& symbol);
 

@@ -143,6 +143,7 @@ void file_adopt(File& file, int descriptor, std::uint32_t access_bits, bool owne
     file.seekable = known && (S_ISREG(about.st_mode) || S_ISBLK(about.st_mode));
     file.size = known && S_ISREG(about.st_mode) ? about.st_size : 0;
     file.terminal = !file.seekable && ::isatty(descriptor) == 1;
+    file.undecided_pipe = false;
     forget_buffer(file);
     // A descriptor that another program opened may stand anywhere.
     const off_t here = file.seekable && !owned ? ::lseek(descriptor, 0, SEEK_CUR) : 0;

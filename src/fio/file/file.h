@@ -45,6 +45,9 @@ struct File {
     bool keep_tabs = false;
     bool seekable = true;  // a disk file; pipes, terminals and devices are not
     bool terminal = false;
+    // A named pipe that nobody said is only read: opened for both, it would be a writer of its own,
+    // and what it reads would never end. The first reading makes it a reader.
+    bool undecided_pipe = false;
     bool owned = true;         // close closes the descriptor (not so for 0, 1 and 2)
     std::uint64_t device = 0;  // identity of the file, with inode; 0, 0 when unknown
     std::uint64_t inode = 0;

@@ -4,7 +4,9 @@
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
+#include <fcntl.h>
 #include <poll.h>
+#include <string>
 #include <sys/stat.h>
 #include <sys/uio.h>
 #include <unistd.h>
@@ -25,7 +27,12 @@ bool ensure_capacity(File& file, std::size_t capacity) {
     std::size_t wanted = file.capacity == 0 ? first_capacity : file.capacity;
     while (wanted < capacity) wanted *= 2;
     void* grown = std::realloc(file.buffer, wanted);
-    if (grown == nullptr) return false;
+    if (grown == nullptr) {
+        // A program that has used up its memory can still say so.
+        wanted = capacity;
+        grown = std::realloc(file.buffer, wanted);
+        if (grown == nullptr) return false;
+    }
     file.buffer = static_cast<char*>(grown);
     file.capacity = wanted;
     return true;
@@ -136,9 +143,25 @@ bool grow_runs(Runs runs) {
     return changed;
 }
 
+// Once a writer has sent something: who opened the pipe for reading alone before that would be at
+// its end at once.
+void become_reader(File& file) {
+    file.undecided_pipe = false;
+    pollfd wait{file.descriptor, POLLIN, 0};
+    while (poll(&wait, 1, -1) < 0 && errno == EINTR) {
+    }
+    const std::string name = "/proc/self/fd/" + std::to_string(file.descriptor);
+    const int reader = open(name.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    if (reader < 0) return;
+    fcntl(reader, F_SETFL, fcntl(reader, F_GETFL) & ~O_NONBLOCK);
+    dup3(reader, file.descriptor, O_CLOEXEC);
+    close(reader);
+}
+
 // Reads once, whatever interrupts it, into the one and then the other run; 0 at the end of the file
 // or on failure.
 std::size_t read_at(File& file, std::int64_t position, Runs runs, int& err) {
+    if (file.undecided_pipe) become_reader(file);
     const bool elsewhere = lies_elsewhere(file, position);
     for (bool grown = false;;) {
         iovec* const to = runs.begin();
@@ -188,14 +211,23 @@ std::size_t read_more(File& file, std::size_t wanted, int& err) {
     return got;
 }
 
+// What was read from a pipe can't be read again: the buffer keeps it, as far as it has room, for
+// BACKSPACE and REWIND.
+bool keeps_what_was_read(const File& file) {
+    return !file.seekable && !file.terminal;
+}
+
 // Room for reading more behind what is still unread.
 bool make_input_room(File& file) {
     if (file.data_count < file.capacity) return true;
     if (file.read_index > 0) {
-        file.data_count -= file.read_index;
-        std::memmove(file.buffer, file.buffer + file.read_index, file.data_count);
-        file.buffer_position += static_cast<std::int64_t>(file.read_index);
-        file.read_index = 0;
+        const std::size_t kept = keeps_what_was_read(file) ? file.capacity / 4 : 0;
+        const std::size_t dropped =
+            file.read_index > kept ? file.read_index - kept : file.read_index;
+        file.data_count -= dropped;
+        std::memmove(file.buffer, file.buffer + dropped, file.data_count);
+        file.buffer_position += static_cast<std::int64_t>(dropped);
+        file.read_index -= dropped;
         return true;
     }
     return ensure_capacity(file, file.capacity + 1);
@@ -208,8 +240,9 @@ void prepare_input(File& file, int& err) {
         forget_buffer(file);
     }
     file.write_index = 0;
-    if (file.read_index == file.data_count) forget_buffer(file);
-    if (!ensure_capacity(file, first_capacity)) err = ENOMEM;
+    if (file.read_index == file.data_count && !keeps_what_was_read(file)) forget_buffer(file);
+    constexpr std::size_t least = 1024;
+    if (!ensure_capacity(file, least)) err = ENOMEM;
 }
 
 }  // namespace
@@ -355,6 +388,7 @@ std::size_t take_bytes(File& file, char* bytes, std::size_t count, int& err) {
             prepare_input(file, err);
             if (err != 0) break;
             if (file.terminal) flush_console_output();
+            forget_buffer(file);
             // A little of what follows comes along: a record's markers, a short item.
             const Runs runs(bytes + done, left, file.buffer, read_ahead);
             const std::size_t got = read_at(file, file.logical_position, runs, err);

@@ -323,7 +323,8 @@ class Parser {
         if (width.overflow) return fault(width_too_large, width);
         node.w = width.value;
         if (node.w == 0) unfit_for_input(width);
-        if (node.w == 0 && node.edit == Edit::G && rules_.before_f2008) {
+        if (node.w == 0 && node.edit != Edit::F &&
+            (node.edit == Edit::G ? rules_.before_f2008 : rules_.before_f2018)) {
             return fault(zero_width_on_input, width);
         }
         const Token period = scanner_.next();

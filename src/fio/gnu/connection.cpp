@@ -3,9 +3,11 @@
 #include <algorithm>
 #include <atomic>
 #include <cerrno>
+#include <charconv>
 #include <cstdlib>
 #include <fcntl.h>
 #include <mutex>
+#include <string_view>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -163,6 +165,38 @@ bool is_refusal(int errno_value) {
     return errno_value == EACCES || errno_value == EPERM || errno_value == EROFS;
 }
 
+// A name that stands for a descriptor of this process: which; -1: it is none.
+int descriptor_of_name(std::string_view path) {
+    constexpr std::string_view standard[] = {"/dev/stdin", "/dev/stdout", "/dev/stderr"};
+    for (int i = 0; i < 3; ++i) {
+        if (path == standard[i]) return i;
+    }
+    for (const std::string_view folder : {"/dev/fd/", "/proc/self/fd/"}) {
+        if (!path.starts_with(folder)) continue;
+        const std::string_view digits = path.substr(folder.size());
+        int number = -1;
+        const auto [end, error] =
+            std::from_chars(digits.data(), digits.data() + digits.size(), number);
+        return error == std::errc() && end == digits.data() + digits.size() ? number : -1;
+    }
+    return -1;
+}
+
+bool is_pipe(int descriptor) {
+    struct stat status {};
+    return fstat(descriptor, &status) == 0 && S_ISFIFO(status.st_mode);
+}
+
+// Who opens an end of a pipe for both would be a writer of what it reads, and the end would never
+// come. False: it isn't an end of a pipe.
+bool find_pipe_end(const char* path, Action& action) {
+    const int descriptor = descriptor_of_name(path);
+    if (descriptor < 0 || !is_pipe(descriptor)) return false;
+    const int mode = fcntl(descriptor, F_GETFL) & O_ACCMODE;
+    action = mode == O_WRONLY ? Action::write : Action::read;
+    return mode != O_RDWR;
+}
+
 // Opens by name. Without an ACTION= the file decides.
 Opened open_named(const Terms& terms, const char* path) {
     int flags = 0;
@@ -183,6 +217,7 @@ Opened open_named(const Terms& terms, const char* path) {
     if (terms.action_given) {
         return {open_for(path, flags, terms.action, terms.share), terms.action};
     }
+    if (Action end{}; find_pipe_end(path, end)) return {open_for(path, 0, end, terms.share), end};
     int descriptor = open_for(path, flags, Action::readwrite, terms.share);
     if (descriptor >= 0 || !is_refusal(errno)) return {descriptor, Action::readwrite};
     const int read_flags = terms.status == FileStatus::unknown ? 0 : flags;
@@ -292,6 +327,8 @@ bool connect(Caller& caller, Unit& unit, const Terms& terms, std::string_view na
     file.buffered = true;
     file.append = file.keep_tabs = false;
     file_adopt(file, opened.descriptor, access_bits(opened.action), true);
+    file.undecided_pipe =
+        !terms.action_given && opened.action == Action::readwrite && is_pipe(opened.descriptor);
     file.shared = terms.share != Share::unspecified;
     unit.share = terms.share == Share::deny_rw ? 1 : terms.share == Share::deny_none ? 4 : 0;
     if (!scratch) {

@@ -1,5 +1,6 @@
 #include "fio/gnu/format_run.h"
 
+#include <algorithm>
 #include <cstring>
 
 #include "fio/gnu/options.h"
@@ -13,6 +14,7 @@ constexpr Fault text_on_input{71, iostat_format};
 
 void put_literal(Statement& s, const FormatNode& node) {
     if (s.reading) return fail(s, text_on_input);
+    if (node.length == 0) return write_nothing(s);
     char* at = room(s, node.length);
     if (at == nullptr) return;
     std::memcpy(at, s.format->literals.data() + node.text, node.length);
@@ -32,7 +34,7 @@ void next_records(Statement& s, std::int32_t count) {
 // A move to the right on input passes characters, as far as the record has them.
 void skip_input(Statement& s, std::int64_t count) {
     meet_carriage_return(s, static_cast<std::size_t>(count));
-    const std::int64_t left = s.limit - s.cursor;
+    const std::int64_t left = std::max<std::ptrdiff_t>(input_end(s) - s.cursor, 0);
     const std::int64_t passed = count < left ? count : left;
     s.cursor += passed;
     s.size_count += passed;
@@ -41,7 +43,12 @@ void skip_input(Statement& s, std::int64_t count) {
 
 void position(Statement& s, Edit edit, std::int64_t n) {
     if (!s.reading) {
-        if (edit == Edit::TR) return move_right(s, n);
+        if (edit == Edit::TR) {
+            move_right(s, n);
+            // A statement that doesn't advance writes its blanks at the end of each record, too.
+            if (s.non_advancing) write_nothing(s);
+            return;
+        }
         if (edit == Edit::TL) return move_left(s, n);
         return move_to_column(s, n - 1);
     }
@@ -133,9 +140,12 @@ void close_group(Statement& s, const FormatNode& node) {
 
 const FormatNode* run_format(Statement& s, bool pending) {
     if (s.repeat_left > 0) return nullptr;  // only without an item in hand
-    // A group that repeats without limit must meet an item on each round.
+    // A group that repeats without limit must meet an item on each round. Behind the last item it
+    // goes on to its next data descriptor as any other repeat does: '(*("<",a,">"))' ends with a
+    // `<`.
     bool round_without_data = false;
     while (!s.failed) {
+        if (s.reading && s.end_of_record && s.non_advancing) return nullptr;
         const FormatNode& node = *s.next;
         if (is_data_edit(node.edit)) return pending ? data_edit_at_hand(s) : nullptr;
         switch (node.edit) {
@@ -185,7 +195,6 @@ const FormatNode* run_format(Statement& s, bool pending) {
                 ++s.next;
                 break;
         }
-        if (s.reading && s.end_of_record && s.non_advancing) return nullptr;
     }
     return nullptr;
 }

@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include "fio/file/record_buffer.h"
+#include "fio/gnu/child.h"
 #include "fio/gnu/connection.h"
 #include "fio/unit.h"
 
@@ -235,7 +236,9 @@ void inquire(Caller& caller, const Inquiry& q) {
         unit = acquire_unit_of(path);
     } else {
         caller.has_unit = true;
-        if (caller.unit == internal_unit_number) raise_fault(caller, internal_file);
+        const Statement* const parent = parent_of(caller.unit);
+        const bool internal = parent != nullptr && parent->internal;
+        if (internal || caller.unit == internal_unit_number) raise_fault(caller, internal_file);
         unit = acquire_unit(caller.unit);
     }
     if (unit != nullptr && unit->status.connected) {

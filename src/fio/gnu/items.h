@@ -40,7 +40,7 @@ inline bool lacks_width(const Statement& s, const FormatNode& node, ItemType typ
 
 // Bits of a REAL are Fortran 2008.
 inline bool is_bits_of_real_refused(ItemType type) {
-    return type == ItemType::real && gnu_options().formats.before_f2008;
+    return type == ItemType::real && (gnu_options().allow_std & std_f2008) == 0;
 }
 
 // What stands before an item of list-directed output.

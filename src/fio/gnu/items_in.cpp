@@ -1,4 +1,6 @@
 #include <algorithm>
+#include <cstring>
+#include <utility>
 
 #include "fio/gnu/edit_in_quick.h"
 #include "fio/gnu/format_run.h"
@@ -33,24 +35,19 @@ bool meet_record_end(Statement& s, std::size_t at_hand) {
     return true;
 }
 
-// Where the record's characters end for a field. The trailing blanks of a scalar internal file
-// count only under BZ: A8 reading 'abc' into five characters gives 'abc', not the right-hand part
-// of the field.
-const char* input_end(const Statement& s) {
-    return s.internal && s.modes.blank == Blank::null ? s.text_end : s.limit;
-}
-
 std::size_t characters_left(const Statement& s) {
     const char* end = input_end(s);
     return s.cursor < end ? static_cast<std::size_t>(end - s.cursor) : 0;
 }
 
-// The next `width` characters. On a file a comma ends a numeric field early and is passed.
+// The next `width` characters. On a file, and in memory by the rules of old, a comma ends a numeric
+// field early and is passed.
 Field take_number(Statement& s, std::size_t width) {
     meet_carriage_return(s, width);
     const std::size_t left = characters_left(s);
     Field field{s.cursor, std::min(width, left)};
-    const std::size_t end = s.internal ? field.width : field_end(field.text, field.width, s.modes);
+    const bool by_width = s.internal && !gnu_options().legacy;
+    const std::size_t end = by_width ? field.width : field_end(field.text, field.width, s.modes);
     if (end < field.width) {
         field.width = end;
         s.cursor += end + 1;
@@ -85,35 +82,40 @@ void report_field(Statement& s, const Field& field, const FieldResult& result) {
     fail(s, result.fault, {detail, before.size() + text.size() + 1});
 }
 
-[[gnu::noinline]] void read_number(Statement& s, const FormatNode& node, Edit edit, char* item,
-                                   int kind) {
-    const Field field = take_number(s, node.w < 0 ? 1 : static_cast<std::size_t>(node.w));
-    if (field.text == nullptr) return;
-    FieldResult result;
+FieldResult get_number(const Field& field, const FormatNode& node, Edit edit, char* item, int kind,
+                       const EditModes& modes) {
+    const auto size = static_cast<std::size_t>(kind);
     switch (edit) {
         case Edit::I:
-            result = get_integer(field.text, field.width, item, kind, s.modes);
-            break;
+            return get_integer(field.text, field.width, item, kind, modes);
         case Edit::B:
-            result =
-                get_bits(field.text, field.width, 2, item, static_cast<std::size_t>(kind), s.modes);
-            break;
+            return get_bits(field.text, field.width, 2, item, size, modes);
         case Edit::O:
-            result =
-                get_bits(field.text, field.width, 8, item, static_cast<std::size_t>(kind), s.modes);
-            break;
+            return get_bits(field.text, field.width, 8, item, size, modes);
         case Edit::Z:
-            result = get_bits(field.text, field.width, 16, item, static_cast<std::size_t>(kind),
-                              s.modes);
-            break;
+            return get_bits(field.text, field.width, 16, item, size, modes);
         case Edit::L:
-            result = get_logical(field.text, field.width, item, kind);
-            break;
+            return get_logical(field.text, field.width, item, kind);
         default:
-            result =
-                get_real(field.text, field.width, node.d < 0 ? 0 : node.d, item, kind, s.modes);
-            break;
+            return get_real(field.text, field.width, node.d < 0 ? 0 : node.d, item, kind, modes);
     }
+}
+
+// A byte of zero ends the field of an integer, as gfortran has it: programs read zeros from records
+// of a direct file that nobody has written.
+bool ends_at_zero(Field& field, Edit edit) {
+    if (edit != Edit::I && edit != Edit::B && edit != Edit::O && edit != Edit::Z) return false;
+    const std::size_t width = strnlen(field.text, field.width);
+    return std::exchange(field.width, width) != width;
+}
+
+[[gnu::noinline]] void read_number(Statement& s, const FormatNode& node, Edit edit, char* item,
+                                   int kind) {
+    Field field = take_number(s, node.w < 0 ? 1 : static_cast<std::size_t>(node.w));
+    if (field.text == nullptr) return;
+    FieldResult result = get_number(field, node, edit, item, kind, s.modes);
+    if (result.fault.number != 0 && ends_at_zero(field, edit))
+        result = get_number(field, node, edit, item, kind, s.modes);
     report_field(s, field, result);
 }
 
@@ -164,7 +166,7 @@ void read_utf8_characters(Statement& s, std::size_t width, char* item, int kind,
     const char* end = input_end(s);
     for (; read < wanted && s.cursor < end; ++read) {
         std::size_t size = 0;
-        const char32_t code = get_utf8(s.cursor, end, size);
+        const char32_t code = get_utf8(s.cursor, end, !s.internal, size);
         if (code == U'?' && *s.cursor != '?') return fail(s, bad_encoding);
         s.cursor += size;
         if (skip > 0) {

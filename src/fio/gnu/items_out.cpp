@@ -227,7 +227,7 @@ void put_blanks(Statement& s, std::size_t count) {
 }
 
 void put_characters(Statement& s, const char* text, int kind, std::size_t length) {
-    if (length == 0) return;
+    if (length == 0) return write_nothing(s);
     if (kind == 4 && s.wide) {
         if (room(s, length) == nullptr) return;
         std::memcpy(s.cursor, text, 4 * length);

@@ -16,14 +16,14 @@ void put_wide(char* item, std::size_t index, char32_t code) {
 }
 
 // The characters of UTF-8 text, one by one.
-void give_decoded(char* item, int kind, std::size_t size, std::string_view text) {
+void give_decoded(char* item, int kind, std::size_t size, std::string_view text, bool in_file) {
     const char* at = text.data();
     const char* const end = at + text.size();
     for (std::size_t i = 0; i < size; ++i) {
         char32_t code = U' ';
         if (at < end) {
             std::size_t bytes = 0;
-            code = get_utf8(at, end, bytes);
+            code = get_utf8(at, end, in_file, bytes);
             at += bytes;
         }
         if (kind == 4) {
@@ -35,7 +35,7 @@ void give_decoded(char* item, int kind, std::size_t size, std::string_view text)
 }
 
 void give_text(const Statement& s, char* item, int kind, std::size_t size, std::string_view text) {
-    if (s.utf8 || s.wide) return give_decoded(item, kind, size, text);
+    if (s.utf8 || s.wide) return give_decoded(item, kind, size, text, !s.internal);
     const std::size_t count = std::min(size, text.size());
     if (kind == 1) {
         if (count != 0) std::memcpy(item, text.data(), count);

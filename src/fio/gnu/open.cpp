@@ -218,7 +218,9 @@ bool make_terms(Caller& caller, const OpenSpecifiers& s, const Request& r, std::
     return true;
 }
 
-std::string_view without_trailing_blanks(std::string_view text) {
+// A name as the system takes it: a zero byte ends it, and trailing blanks don't count.
+std::string_view file_name_in(std::string_view text) {
+    text = text.substr(0, text.find('\0'));
     const std::size_t last = text.find_last_not_of(' ');
     return text.substr(0, last == std::string_view::npos ? 0 : last + 1);
 }
@@ -228,7 +230,7 @@ void open_new(Caller& caller, Unit& unit, const OpenSpecifiers& s, const Request
     if (!make_terms(caller, s, r, unit.number, terms)) return;
     const std::string fallback = default_file_name(unit.number);
     const std::string_view name =
-        s.file.data() != nullptr ? without_trailing_blanks(s.file) : std::string_view(fallback);
+        s.file.data() != nullptr ? file_name_in(s.file) : std::string_view(fallback);
     connect(caller, unit, terms, name);
 }
 

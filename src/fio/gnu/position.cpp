@@ -22,7 +22,6 @@ constexpr Fault move_of_direct{96, iostat_option_conflict};
 constexpr Fault backspace_of_stream{90, iostat_option_conflict};
 constexpr Fault backspace_of_nothing{94, iostat_bad_unit};
 constexpr Fault flush_of_nothing{94, -iostat_bad_unit};
-constexpr Fault wait_of_nothing{94, iostat_bad_unit};
 constexpr Fault behind_end{104, iostat_option_conflict};
 constexpr Fault bad_wait_id{81, iostat_bad_wait_id};
 constexpr Fault same_unit{433, iostat_option_conflict};
@@ -66,8 +65,9 @@ void end_output(Unit& unit, int& err) {
     finish_open_record(unit, err);
     gnu.record_open = false;
     write_out(unit.file, err);
+    // What ends a stream, a formatted one by its whole records, has done so.
     const bool cuts = written && unit.status.may_write && !unit.status.direct &&
-                      !is_unformatted_stream(unit) && !unit.file.append && !gnu.preconnected;
+                      !unit.status.stream && !unit.file.append && !gnu.preconnected;
     if (cuts) cut_here(unit.file, err);
     gnu.last_was_write = false;
 }
@@ -101,10 +101,17 @@ void set_place(Unit& unit, std::int64_t target, int& err) {
     file.position_state = position_unknown;
 }
 
-// Reads `count` bytes that end at `end`, without the buffer. False: they can't be had.
+// Reads `count` bytes that end at `end`, from the buffer where that has them. False: they can't be
+// had.
 bool read_before(const File& file, std::int64_t end, char* bytes, std::size_t count, int& err) {
     std::size_t done = 0;
     const std::int64_t start = end - static_cast<std::int64_t>(count);
+    const std::int64_t buffer_end =
+        file.buffer_position + static_cast<std::int64_t>(file.data_count);
+    if (!file.dirty && start >= file.buffer_position && end <= buffer_end) {
+        std::memcpy(bytes, file.buffer + (start - file.buffer_position), count);
+        return true;
+    }
     while (done < count) {
         const ssize_t n = ::pread(file.descriptor, bytes + done, count - done,
                                   start + static_cast<std::int64_t>(done));
@@ -131,7 +138,11 @@ std::int64_t start_of_line_before(const File& file, std::int64_t end, int& err) 
         }
         at = file.buffer_position;
     }
-    if (!file.seekable) return at;
+    if (!file.seekable) {
+        // The record may have begun before what the buffer holds.
+        if (at > 0) err = ESPIPE;
+        return at;
+    }
     char block[8192];
     while (at > 0) {
         const auto length = static_cast<std::size_t>(std::min<std::int64_t>(at, sizeof block));
@@ -200,8 +211,9 @@ void go_to_start(Unit& unit, int& err) {
     File& file = unit.file;
     if (file.seekable) {
         set_place(unit, 0, err);
-    } else if (!has_places(file)) {
+    } else if (!has_places(file) && !step_in_buffer(file, 0)) {
         err = ESPIPE;
+        return;
     }
     file.position_state = 1;
     unit.current_record = 0;
@@ -327,12 +339,12 @@ void flush_unit(Caller& caller) {
     report(caller, err);
 }
 
-// Every transfer is done when its statement ends: there is nothing to wait for.
+// Every transfer is done when its statement ends: there is nothing to wait for, least of all on a
+// unit without a file.
 void wait_for_unit(Caller& caller, const std::int32_t* id) {
     const Holding held(caller);
     Unit* unit = held.unit();
-    if (unit == nullptr) return raise_fault(caller, wait_of_nothing);
-    if (id == nullptr || !unit->gnu.asynchronous) return;
+    if (unit == nullptr || id == nullptr || !unit->gnu.asynchronous) return;
     if (*id < 0 || *id > unit->gnu.last_id) raise_fault(caller, bad_wait_id);
 }
 

@@ -26,6 +26,12 @@ inline char* room(Statement& statement, std::size_t count) {
     return make_room(statement, count);
 }
 
+// What takes no room at all is written all the same where a move has led: the blanks before it
+// count.
+inline void write_nothing(Statement& statement) {
+    if (statement.pending > 0) make_room(statement, 0);
+}
+
 // Says that the characters up to `end` of the last room have been written.
 inline void filled(Statement& statement, char* end) {
     if (statement.wide) {
@@ -34,6 +40,13 @@ inline void filled(Statement& statement, char* end) {
     }
     statement.cursor = end;
     if (end > statement.high) statement.high = end;
+}
+
+// Where the record's characters end for a field and for a move. The trailing blanks of a scalar
+// internal file count only under BZ: A8 reading 'abc' into five characters gives 'abc', not the
+// right-hand part of the field.
+inline const char* input_end(const Statement& s) {
+    return s.internal && s.modes.blank == Blank::null ? s.text_end : s.limit;
 }
 
 // Moves, in characters from the record's start.

@@ -34,7 +34,7 @@ bool internal_record(Statement& s) {
         return true;
     }
     // The reader takes UTF-8.
-    char* text = scratch_room(s, s.file.length * 4);
+    char* text = scratch_room(s, s.file.length * longest_utf8);
     if (text == nullptr) return false;
     std::size_t length = 0;
     for (std::size_t i = 0; i < s.file.length; ++i) {

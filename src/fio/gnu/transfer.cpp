@@ -3,6 +3,7 @@
 #include "fio/gnu/child.h"
 #include "fio/gnu/format_run.h"
 #include "fio/gnu/items.h"
+#include "fio/gnu/list_scan.h"
 #include "fio/gnu/records.h"
 #include "fio/gnu/thread_state.h"
 #include "fio/gnu/unformatted.h"
@@ -52,13 +53,25 @@ void finish_format(Statement& s) {
     run_format(s, false);
 }
 
+// A list-directed child has passed the separator behind its last value: at the end of the record
+// that is the record itself, for a parent with a format.
+void pass_last_separator(Statement& s) {
+    const Statement& parent = *s.parent;
+    if (!s.list_directed || s.failed || parent.list_directed || parent.namelist != nullptr) return;
+    if (!s.record_at_hand) return;
+    skip_list_blanks(s);
+    if (s.cursor == s.limit) leave_record(s);
+}
+
 // The rest of a child's format. The record stays open, unless a field has run into its end.
 void end_child(Statement& s) {
     finish_format(s);
     if (s.reading && !s.unformatted) {
         if (!s.failed && s.end_of_record) fail_end_of_record(s);
         if (s.end_of_record) leave_record(s);
+        pass_last_separator(s);
         if (s.size != nullptr) *s.size = s.size_count;
+        s.parent->size_count += s.size_count;
     }
     give_record_back(s);
     if (s.cached != nullptr) FormatCache::release(s.cached);

@@ -5,10 +5,16 @@
 
 namespace tarn::fio {
 
+inline constexpr std::size_t longest_utf8 = 7;
+
+// Values that are no characters have their bytes, too, as gfortran's programs know them.
 constexpr std::size_t utf8_size(char32_t code) {
     if (code < 0x80) return 1;
     if (code < 0x800) return 2;
-    return code < 0x10000 ? 3 : 4;
+    if (code < 0x10000) return 3;
+    if (code < 0x200000) return 4;
+    if (code < 0x4000000) return 5;
+    return code < 0x80000000 ? 6 : longest_utf8;
 }
 
 // Writes the bytes of a character; their number.
@@ -18,7 +24,7 @@ inline std::size_t put_utf8(char32_t code, char* out) {
         out[0] = static_cast<char>(code);
         return 1;
     }
-    constexpr unsigned char lead[] = {0, 0, 0xC0, 0xE0, 0xF0};
+    constexpr unsigned char lead[] = {0, 0, 0xC0, 0xE0, 0xF0, 0xF8, 0xFC, 0x80};
     for (std::size_t i = size - 1; i > 0; --i, code >>= 6) {
         out[i] = static_cast<char>(0x80 | (code & 0x3F));
     }
@@ -27,29 +33,24 @@ inline std::size_t put_utf8(char32_t code, char* out) {
 }
 
 // The character at `at`, which lies before `end`; `size` becomes the number of its bytes. A byte
-// that begins no character of the encoding counts as one character, '?'.
-inline char32_t get_utf8(const char* at, const char* end, std::size_t& size) {
+// that begins no character of the encoding counts as one character, '?'. So does one that begins
+// more bytes than its character takes and, in a file, a half of a pair.
+inline char32_t get_utf8(const char* at, const char* end, bool in_file, std::size_t& size) {
     const auto lead = static_cast<unsigned char>(*at);
     size = 1;
     if (lead < 0x80) return lead;
-    std::size_t wanted = 0;
-    char32_t code = 0;
-    if ((lead & 0xE0) == 0xC0) {
-        wanted = 2;
-        code = lead & 0x1F;
-    } else if ((lead & 0xF0) == 0xE0) {
-        wanted = 3;
-        code = lead & 0x0F;
-    } else if ((lead & 0xF8) == 0xF0) {
-        wanted = 4;
-        code = lead & 0x07;
-    }
-    if (wanted == 0 || static_cast<std::size_t>(end - at) < wanted) return U'?';
+    std::size_t wanted = 2;
+    while (wanted < 7 && (lead & (0x80U >> wanted)) != 0) ++wanted;
+    if ((lead & 0x40) == 0 || wanted == 7 || static_cast<std::size_t>(end - at) < wanted)
+        return U'?';
+    char32_t code = lead & (0x7FU >> wanted);
     for (std::size_t i = 1; i < wanted; ++i) {
         const auto next = static_cast<unsigned char>(at[i]);
         if ((next & 0xC0) != 0x80) return U'?';
         code = (code << 6) | (next & 0x3F);
     }
+    const bool half = code >= 0xD800 && code < 0xE000;
+    if (utf8_size(code) != wanted || (in_file && half)) return U'?';
     size = wanted;
     return code;
 }

@@ -1,5 +1,7 @@
 // The entries of files and processes.
 
+#include <cerrno>
+
 #include "frame/console_lines.h"
 #include "frame/link_name.h"
 #include "frame/state.h"
@@ -7,6 +9,7 @@
 #include "intrinsics/system/files.h"
 #include "intrinsics/system/processes.h"
 #include "intrinsics/system/text.h"
+#include "platform/kernel/error.h"
 #include "tarn/files.h"
 
 namespace tarn::intrinsics {
@@ -263,6 +266,10 @@ TARN_EXPORT int __spawns(int mode, const char* program, const char* arguments) {
     constexpr int goes_on = 2;
     if (mode != waits && mode != goes_on) return spawn_failed;
     return spawn(mode == waits ? Wait::for_end : Wait::no, program, arguments);
+}
+TARN_EXPORT int __spawn_process(const char* command, const char*, int wait) {
+    const int result = spawn(wait != 0 ? Wait::for_end : Wait::no, command, "");
+    return result < 0 ? tarn::platform::platform_error(errno) : 0;
 }
 
 }  // extern "C"

@@ -92,6 +92,7 @@ int spawn(Wait wait, std::string_view program, std::string_view arguments) {
     std::string command;
     std::string rest;
     if (!fio::clean_name(program, command) || !fio::clean_name(arguments, rest)) {
+        errno = EINVAL;
         return spawn_failed;
     }
     std::vector<std::string> words;
@@ -101,7 +102,10 @@ int spawn(Wait wait, std::string_view program, std::string_view arguments) {
         words = split_words(command);
     }
     for (std::string& word : split_words(rest)) words.push_back(std::move(word));
-    if (words.empty()) return nothing_to_spawn;
+    if (words.empty()) {
+        errno = ENOENT;
+        return nothing_to_spawn;
+    }
 
     std::vector<char*> pointers;
     pointers.reserve(words.size() + 1);
@@ -110,10 +114,10 @@ int spawn(Wait wait, std::string_view program, std::string_view arguments) {
     write_out_everything();
     pid_t process = 0;
     const std::string file = frame::search_program(words[0]);
-    if (file.empty() ||
-        ::posix_spawn(&process, file.c_str(), nullptr, nullptr, pointers.data(), environ) != 0) {
-        return spawn_failed;
-    }
+    errno = file.empty()
+                ? ENOENT
+                : ::posix_spawn(&process, file.c_str(), nullptr, nullptr, pointers.data(), environ);
+    if (errno != 0) return spawn_failed;
     if (wait == Wait::for_end) return exit_code(process);
     remember(process);
     return 0;

@@ -22,7 +22,8 @@ std::vector<std::string> split_words(std::string_view text);
 
 // Starts a program with arguments; `program` may hold some itself, unless it is a file's name as it
 // stands. It is looked for along PATH and then in the current folder. Its exit code (128 and the
-// signal's number for one that a signal ended), or 0 without a wait; or one of the numbers above.
+// signal's number for one that a signal ended), or 0 without a wait; or one of the numbers above,
+// with errno.
 int spawn(Wait wait, std::string_view program, std::string_view arguments);
 // Runs a command by the shell: 0, or errno where that couldn't be.
 int run_command(std::string_view command);

@@ -24,6 +24,14 @@ namespace {
     return status;
 }
 
+// Of numbers that may be anything: those of a dimension without elements, or of an array without
+// storage.
+std::ptrdiff_t wrapped_product(std::ptrdiff_t x, std::ptrdiff_t y) {
+    std::ptrdiff_t product = 0;
+    (void)__builtin_mul_overflow(x, y, &product);
+    return product;
+}
+
 // ---- Types ----
 
 bool is_kind_of(int family, int kind) {
@@ -97,9 +105,7 @@ CStatus establish(CDescriptor* descriptor, void* base, int attribute, std::int16
     auto step = static_cast<std::ptrdiff_t>(descriptor->element_length);
     for (int d = 0; d < rank; ++d) {
         descriptor->dimension[d] = {0, extents[d], step};
-        // Without storage the extents may be anything.
-        step = static_cast<std::ptrdiff_t>(static_cast<std::size_t>(step) *
-                                           static_cast<std::size_t>(extents[d]));
+        step = wrapped_product(step, extents[d]);
     }
     return c_success;
 }
@@ -186,7 +192,7 @@ bool is_contiguous(const CDescriptor* descriptor) {
     auto step = static_cast<std::ptrdiff_t>(descriptor->element_length);
     for (int d = 0; d < descriptor->rank; ++d) {
         if (descriptor->dimension[d].step != step) return false;
-        step *= descriptor->dimension[d].extent;
+        step = wrapped_product(step, descriptor->dimension[d].extent);
     }
     return true;
 }
@@ -206,6 +212,18 @@ CStatus check_part(const char* routine, const CDescriptor* result, const CDescri
     return c_success;
 }
 
+// Whether there is an element `index`. Where nobody knows the extent, it must be one that has an
+// address.
+bool reaches(const CDimension& dimension, bool open, std::ptrdiff_t index) {
+    if (index < dimension.lower_bound) return false;
+    std::ptrdiff_t place = 0;
+    if (__builtin_sub_overflow(index, dimension.lower_bound, &place)) return false;
+    if (!open) return place < dimension.extent;
+    constexpr std::ptrdiff_t farthest = PTRDIFF_MAX / 2;
+    return place < farthest && !__builtin_mul_overflow(place, dimension.step, &place) &&
+           place < farthest && place > -farthest;
+}
+
 // The elements from `lower` to `upper` along one dimension; a stride of 0 chooses one of them.
 CStatus choose(int d, const CDimension& dimension, bool open, std::ptrdiff_t lower,
                std::ptrdiff_t upper, std::ptrdiff_t stride, CDimension& chosen) {
@@ -215,15 +233,14 @@ CStatus choose(int d, const CDimension& dimension, bool open, std::ptrdiff_t low
                       upper);
     const std::ptrdiff_t one = stride == 0 ? 1 : stride;
     const bool none = one > 0 ? upper < lower : upper > lower;
-    const std::ptrdiff_t last = dimension.lower_bound + dimension.extent - 1;
     for (const std::ptrdiff_t bound : {lower, upper}) {
-        if (none || (bound >= dimension.lower_bound && (open || bound <= last))) continue;
+        if (none || reaches(dimension, open, bound)) continue;
         return refuse(c_out_of_bounds,
                       "CFI_section: bound %td of dimension %d is not from %td to %td", bound, d,
-                      dimension.lower_bound, last);
+                      dimension.lower_bound, dimension.lower_bound + dimension.extent - 1);
     }
     const std::ptrdiff_t extent = none ? 0 : (upper - lower) / one + 1;
-    chosen = {0, extent, dimension.step * one};
+    chosen = {0, extent, wrapped_product(dimension.step, one)};
     return c_success;
 }
 
@@ -393,7 +410,7 @@ void from_c(ArrayDescriptor& to, const CDescriptor& from) {
     to.version = 0;
     to.rank = from.rank;
     to.type = gnu_type_of(from.type);
-    to.attribute = from.attribute;
+    to.attribute = static_cast<unsigned char>(from.attribute);
     to.offset = 0;
     to.span = static_cast<std::int64_t>(from.element_length);
     if (from.base == nullptr) return;

@@ -74,8 +74,7 @@ fio::ItemProcedure item_procedure(void* object, void* routine) {
 void transfer_derived(DataBlock& block, void* object, void* routine) {
     PrivatePart& part = block.part();
     if (part.owner == Owner::native) return native_road().refuse_derived(&block);
-    fio::transfer_derived(statement_of(block),
-                          item_procedure(object, routine));
+    fio::transfer_derived(statement_of(block), item_procedure(object, routine));
 }
 
 }  // namespace tarn::gcc

@@ -56,7 +56,7 @@ bool extends(const TypeRecord* type, const TypeRecord* ancestor) {
 
 template <class Integer>
 void shape(ArrayDescriptor& result, const ArrayDescriptor& array) {
-    const Index rank = array.rank;
+    const Index rank = static_cast<unsigned char>(array.rank);
     if (result.base == nullptr) allocate_result(result, 1, &rank, sizeof(Integer), "SHAPE");
     for (Index d = 0; d < rank; ++d)
         *reinterpret_cast<Integer*>(result.base + d * result.dimension[0].stride *

@@ -7,13 +7,20 @@ namespace tarn::gcc {
 namespace {
 
 constexpr std::int8_t derived_type = 5;
+constexpr std::int8_t class_type = 7;
+
+// How the compiler's table of a type begins.
+struct TypeTable {
+    std::int32_t hash;
+    std::int64_t size;  // of an object, in bytes
+};
 
 void add_variable(DataBlock& block, void* address, const char* path, std::int32_t kind,
                   std::size_t length, const TypeWords& type, void* procedure, void* type_table) {
     fio::NamelistVariable variable;
     variable.address = address;
     variable.path = path;
-    variable.derived = type.type == derived_type;
+    variable.derived = type.type == derived_type || type.type == class_type;
     variable.type = item_type(type.type);
     variable.kind = kind;
     variable.size = type.element_length;
@@ -22,6 +29,11 @@ void add_variable(DataBlock& block, void* address, const char* path, std::int32_
     variable.procedure = procedure;
     if (procedure != nullptr) transfer_namelists_by_procedures();
     variable.type_table = type_table;
+    if (type.type == class_type && type_table != nullptr) {
+        // What is given is the container, which begins with the object's address.
+        variable.address = *static_cast<void**>(address);
+        variable.size = static_cast<std::size_t>(static_cast<TypeTable*>(type_table)->size);
+    }
     group_of(block).add(variable);
 }
 

@@ -1,6 +1,9 @@
 // What the main program of gfortran tells of its options before it starts.
 #include <cstdint>
+#include <cstdlib>
+#include <cstring>
 
+#include "failure/report.h"
 #include "fio/gnu/options.h"
 #include "frame/debug_info.h"
 #include "frame/float_control.h"
@@ -11,6 +14,18 @@
 namespace fio = tarn::fio;
 namespace platform = tarn::platform;
 
+namespace {
+
+// -fno-backtrace leaves the callers out of what is printed, never the cause. The user of the
+// program has the last word, as on gfortran's own run-time.
+bool backtrace_wanted(bool compiled) {
+    const char* word = std::getenv("GFORTRAN_ERROR_BACKTRACE");
+    if (word == nullptr || *word == 0) return compiled;
+    return std::strchr("1tTyY", *word) != nullptr;
+}
+
+}  // namespace
+
 extern "C" {
 
 // Later compilers may pass more words, older ones fewer.
@@ -19,10 +34,13 @@ TARN_EXPORT void _gfortran_set_options(int count, const std::int32_t* words) {
     fio::GnuOptions& options = fio::gnu_options();
     if (count > 0) options.warn_std = words[0];
     if (count > 1) options.allow_std = words[1];
-    options.formats.bare_widths = count > 0 && options.warn_std == 0;
-    options.formats.before_f2008 = (options.allow_std & fio::std_f2008) == 0;
+    options.legacy = count > 0 && options.warn_std == 0;
+    options.formats.bare_widths = options.legacy;
     if (count > 2) options.pedantic = words[2] != 0;
+    options.formats.before_f2008 = options.pedantic && (options.allow_std & fio::std_f2008) == 0;
+    options.formats.before_f2018 = options.pedantic && (options.allow_std & fio::std_f2018) == 0;
     if (count > 3) options.backtrace = words[3] != 0;
+    tarn::failure::state().without_callers = !backtrace_wanted(options.backtrace);
     if (count > 4) options.sign_zero = words[4] != 0;
     if (count > 5) options.bounds_check = words[5] != 0;
     if (count > 6) options.fpe_summary = words[6];

@@ -3,6 +3,8 @@
 #include <cstdlib>
 #include <string_view>
 
+#include "failure/failure.h"
+#include "failure/report.h"
 #include "fio/gnu/options.h"
 #include "frame/hooks.h"
 #include "frame/link_name.h"
@@ -45,8 +47,10 @@ std::string note() {
 // An error's stop tells where the program stood, as a failure does.
 [[noreturn, gnu::noinline]] void error_stop(std::string words, int status, bool quiet) {
     frame::ensure_up();
-    if (!quiet && (frame::traceback_flags() & frame::tb_no_traceback) == 0)
-        words.append(traceback::console_text(traceback::registers_here(), traceback::Place::call));
+    const traceback::Registers here = traceback::registers_here();
+    const std::string_view callers = traceback::console_text(here, traceback::Place::call);
+    if (failure::hooks().write_report) failure::hooks().write_report(status, words, here);
+    if (!quiet && failure::shows_callers()) words.append(callers);
     stop(words, status, quiet);
 }
 

@@ -38,9 +38,14 @@ constexpr Row rows[] = {
     {"Error allocating", 408},
     {"Recursive call to nonrecursive procedure", 18},
     {"DO step is zero", 7},
+    {"DO step value is zero", 7},
     {"Step of zero", 7},
-    {"is not associated", 390},
-    {"is not allocated", 391},
+    {"is not associated", 420},
+    {" in intrinsic ", 357},
+    {"NCOPIES of REPEAT", 357},
+    {"Array reference out of bounds", 388},  // the dimension that UBOUND and its like are asked for
+    {"has extent", 389},
+    {"Different CHARACTER lengths", 4},
     {"Array bound mismatch", 389},
     {"Incorrect extent", 389},
     {"Incorrect size", 389},
@@ -68,9 +73,22 @@ int number_of_errno(int errno_value) {
     }
 }
 
+// The compiler counts its own copies of a variable: 'a.0' is `a` in the source.
+void drop_copy_numbers(std::string& text) {
+    for (std::size_t end = text.find('\''); end != text.npos; end = text.find('\'', end + 1)) {
+        std::size_t dot = end;
+        while (dot > 0 && text[dot - 1] >= '0' && text[dot - 1] <= '9') --dot;
+        if (dot == end || dot < 2 || text[dot - 1] != '.') continue;
+        text.erase(dot - 1, end - dot + 1);
+        end = dot - 1;
+    }
+}
+
 std::string formatted(const char* format, va_list arguments) {
-    char text[2048];
-    std::vsnprintf(text, sizeof text, format, arguments);
+    char room[2048];
+    std::vsnprintf(room, sizeof room, format, arguments);
+    std::string text = room;
+    drop_copy_numbers(text);
     return text;
 }
 
@@ -79,10 +97,21 @@ void append_line(std::string& lines, std::string_view text) {
     if (!text.empty()) lines.append("    ").append(text).append("\n");
 }
 
+// "At line 9 of file name", of a call that the compiler may have made one of several.
+void remember_place(const char* where) {
+    int line = 0;
+    int name = 0;
+    if (std::sscanf(where, "At line %d of file %n", &line, &name) == 1 && name > 0)
+        failure::set_statement(where + name, line);
+}
+
 [[noreturn]] void fail_with(int number, std::string_view text, const char* where) {
     std::string lines;
     append_line(lines, text);
-    if (where) append_line(lines, where);
+    if (where) {
+        append_line(lines, where);
+        remember_place(where);
+    }
     failure::fail(number, lines);
 }
 

@@ -2,9 +2,9 @@
 // `call integrate(dsin, ...)`. Arguments come by reference. With -ff2c a REAL(4) is returned as a
 // double, and a complex number in a place that the caller names first.
 #include <cmath>
+#include <cstddef>
 #include <cstdint>
-#include <cstdlib>
-#include <cstring>
+#include <type_traits>
 
 #include "frame/link_name.h"
 
@@ -72,18 +72,32 @@ std::size_t _gfortran_string_index(std::size_t, const char*, std::size_t, const 
 
 namespace {
 
-template <class Real>
-Real difference(Real x, Real y) {
-    return x <= y ? Real{0} : x - y;
+template <class Number>
+Number difference(Number x, Number y) {
+    if (x <= y) return 0;
+    if constexpr (std::is_floating_point_v<Number> || std::is_same_v<Number, r16>) {
+        return x - y;
+    } else {
+        Number wrapped;
+        __builtin_sub_overflow(x, y, &wrapped);
+        return wrapped;
+    }
 }
 
+// Of the most negative number there is none; it stays itself.
+template <class Integer>
+Integer negated(Integer x) {
+    Integer wrapped;
+    __builtin_sub_overflow(Integer{0}, x, &wrapped);
+    return wrapped;
+}
 template <class Integer>
 Integer absolute(Integer x) {
-    return x < 0 ? -x : x;
+    return x < 0 ? negated(x) : x;
 }
 template <class Integer>
 Integer with_sign_of(Integer x, Integer y) {
-    return (x < 0) == (y < 0) ? x : -x;
+    return (x < 0) == (y < 0) ? x : negated(x);
 }
 
 // To the nearest whole number, halves away from zero.

@@ -133,7 +133,10 @@ LRESULT Button::handle_mouse(UINT message, LPARAM lparam) {
             tracking = true;
             SetCapture(hwnd);
             if (GetFocus() != hwnd) SetFocus(hwnd);
-            if (!dead && tracking) set_pushed(true);
+            if (dead) return 0;
+            // A field that refuses what was typed takes the focus back, and with it the press.
+            if (GetFocus() != hwnd) release(false);
+            if (tracking) set_pushed(true);
             return 0;
         case WM_MOUSEMOVE: {
             const bool arrow = shape() == Shape::split && arrow_rect().contains(at);

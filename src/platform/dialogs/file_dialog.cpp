@@ -63,8 +63,8 @@ struct FileDialogState {
     DWORD error = 0;
 };
 FileDialogState& state() {
-    static FileDialogState all;
-    return all;
+    static FileDialogState* const all = new FileDialogState;  // not taken apart before the end
+    return *all;
 }
 
 FileDialog* dialog_of(HWND dialog) {

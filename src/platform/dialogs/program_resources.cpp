@@ -5,6 +5,8 @@
 #include <cstdlib>
 #include <map>
 #include <strings.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include "platform/base/constants.h"
 #include "platform/kernel/module.h"
@@ -253,10 +255,9 @@ bool Reader::resource(Scanner& scanner, const Token& name, Token& ahead) {
     constexpr struct {
         char word[8];
         resource_kind kind;
-    } kinds[] = {{"ICON", resource_kind::icon},
-                 {"CURSOR", resource_kind::cursor},
-                 {"BITMAP", resource_kind::bitmap},
-                 {"MENU", resource_kind::menu},
+    } kinds[] = {{"ICON", resource_kind::icon},     {"CURSOR", resource_kind::cursor},
+                 {"BITMAP", resource_kind::bitmap}, {"SOUND", resource_kind::sound},
+                 {"WAVE", resource_kind::sound},    {"MENU", resource_kind::menu},
                  {"MENUEX", resource_kind::menu}};
     for (const auto& each : kinds) {
         if (!is(ahead, each.word)) continue;
@@ -321,9 +322,17 @@ const char* ending_of(resource_kind kind) {
             return ".ico";
         case resource_kind::cursor:
             return ".cur";
+        case resource_kind::sound:
+            return ".wav";
         default:
             return ".bmp";
     }
+}
+
+bool is_file(const std::string& path) {
+    struct stat found;
+    return stat(path.c_str(), &found) == 0 && S_ISREG(found.st_mode) &&
+           access(path.c_str(), R_OK) == 0;
 }
 
 // The level's lines go to `into`; the result is the line behind them.
@@ -361,19 +370,24 @@ std::vector<ProgramResource> read_resource_script(const std::string& text,
     return std::move(reader.found);
 }
 
-bool read_picture_resource(resource_kind kind, const std::string& name, std::string& bytes) {
-    if (name.empty()) return false;
+std::string resource_file(resource_kind kind, const std::string& name) {
+    if (name.empty()) return {};
     const ProgramResource* resource = find_resource(kind, name);
-    if (resource != nullptr && read_file(resource->file, bytes)) return true;
+    if (resource != nullptr && is_file(resource->file)) return resource->file;
     const bool absolute = name[0] == '/';
     for (const std::string& folder : {std::string(), program_folder()}) {
         std::string path = folder + name;
-        if (read_file(path, bytes)) return true;
+        if (is_file(path)) return path;
         path += ending_of(kind);
-        if (read_file(path, bytes)) return true;
+        if (is_file(path)) return path;
         if (absolute) break;
     }
-    return false;
+    return {};
+}
+
+bool read_picture_resource(resource_kind kind, const std::string& name, std::string& bytes) {
+    const std::string path = resource_file(kind, name);
+    return !path.empty() && read_file(path, bytes);
 }
 
 HMENU LoadMenuA(const char* name) {

@@ -1,5 +1,5 @@
-// What a program carries by name: pictures and menus. They are files: in the working folder or
-// beside the program. PROGRAM.rc beside the program, in the language of resource compilers, says
+// What a program carries by name: pictures, sounds and menus. They are files: in the working folder
+// or beside the program. PROGRAM.rc beside the program, in the language of resource compilers, says
 // which name means which file, and describes the menus.
 #pragma once
 
@@ -11,7 +11,7 @@
 
 namespace tarn::platform {
 
-enum class resource_kind : std::uint8_t { icon, cursor, bitmap, menu };
+enum class resource_kind : std::uint8_t { icon, cursor, bitmap, sound, menu };
 
 struct MenuLine {
     enum class Form : std::uint8_t { item, separator, popup, end } form;
@@ -22,7 +22,7 @@ struct MenuLine {
 struct ProgramResource {
     resource_kind kind;
     std::string name;  // names don't regard case; a number is its digits
-    std::string file;  // of a picture, from the script's folder
+    std::string file;  // of any other than a menu, from the script's folder
     std::vector<MenuLine> menu;
 };
 
@@ -30,8 +30,10 @@ struct ProgramResource {
 std::vector<ProgramResource> read_resource_script(const std::string& text,
                                                   const std::string& folder);
 
-// The bytes of a picture: by the script, else a file of that name, with the ending of its kind
-// (.ico, .cur, .bmp) where it has none. False when there is none.
+// The path of a picture or sound: by the script, else a file of that name, with the ending of its
+// kind (.ico, .cur, .bmp, .wav) where it has none. Empty when there is none.
+std::string resource_file(resource_kind kind, const std::string& name);
+// The bytes of that file. False when there is none.
 bool read_picture_resource(resource_kind kind, const std::string& name, std::string& bytes);
 
 // A menu by its name in the script, or by a number below 65536 in the place of the address; the

@@ -49,7 +49,7 @@ struct TopLevelOptions {
     bool resizable = true, minimizable = true, maximizable = true;
     bool closable = true, topmost = false, accepts_focus = true;
     bool accepts_files = false;  // dropped from other programs
-    SIZE minimum;                // 0: none
+    SIZE minimum, maximum;       // 0: none
     std::string title;
     std::string class_name;
 };
@@ -75,7 +75,7 @@ struct Event {
         selection_lost,  // primary: which one; another program owns it now
         drop_files,      // point, text: paths separated by line feeds
         session_end,     // the desktop is going down
-        theme,           // light or dark changed
+        theme,           // the desktop became light or dark
     };
     Kind kind = Kind::none;
     TopLevel window = 0;
@@ -131,6 +131,8 @@ class Display {
     virtual double scale() const = 0;
     // Nobody watches: a question without a script is answered as its caller's documents say.
     virtual bool headless() const = 0;
+    // The desktop's other programs look dark.
+    virtual bool dark() const = 0;
 
     virtual bool open(TopLevel window, const TopLevelOptions& options) = 0;
     virtual void close(TopLevel window) = 0;

@@ -51,6 +51,7 @@ class MemoryDisplay final : public Display {
     RECT work_area(POINT near) const override { return monitor(near); }
     double scale() const override { return scale_; }
     bool headless() const override { return true; }
+    bool dark() const override { return false; }
 
     bool open(TopLevel id, const TopLevelOptions& options) override;
     void close(TopLevel id) override;
@@ -248,8 +249,13 @@ void MemoryDisplay::place(TopLevel id, const RECT& client) {
     Window* window = find(id);
     if (!window) return;
     RECT granted = client;
-    granted.right = granted.left + std::max({client.width(), window->options.minimum.cx, 1});
-    granted.bottom = granted.top + std::max({client.height(), window->options.minimum.cy, 1});
+    auto bounded = [](std::int32_t wish, std::int32_t least, std::int32_t most) {
+        if (most > 0) wish = std::min(wish, most);
+        return std::max({wish, least, 1});
+    };
+    const TopLevelOptions& options = window->options;
+    granted.right = granted.left + bounded(client.width(), options.minimum.cx, options.maximum.cx);
+    granted.bottom = granted.top + bounded(client.height(), options.minimum.cy, options.maximum.cy);
     window->placed = true;
     if (window->shown_state != WindowState::normal) {
         // It keeps filling the screen; the wish is for later.

@@ -104,10 +104,16 @@ constexpr Theme dark_theme{
     .small_corner = 3.0F,
 };
 
+std::string_view chosen_by_user() {
+    const char* wish = std::getenv("TARN_THEME");
+    return wish != nullptr ? wish : "";
+}
+
 const Theme*& current() {
     static const Theme* chosen = [] {
-        const char* wish = std::getenv("TARN_THEME");
-        return wish != nullptr && std::string_view(wish) == "dark" ? &dark_theme : &light_theme;
+        bool dark = chosen_by_user() == "dark";
+        if (!theme_is_chosen() && desktop_is_dark != nullptr) dark = desktop_is_dark();
+        return dark ? &dark_theme : &light_theme;
     }();
     return chosen;
 }
@@ -161,12 +167,30 @@ float luminance(COLORREF colour) {
 
 }  // namespace
 
+bool (*desktop_is_dark)() = nullptr;
+
+bool theme_is_chosen() {
+    return chosen_by_user() == "dark" || chosen_by_user() == "light";
+}
+
 const Theme& theme() {
     return *current();
 }
 
 void set_theme(bool dark) {
     current() = dark ? &dark_theme : &light_theme;
+    // Programs and classes hold these brushes.
+    for (std::int32_t i = 0; i < static_cast<std::int32_t>(std::size(system_colours)); ++i)
+        static_cast<void>(GetSysColorBrush(i));
+}
+
+COLORREF in_this_theme(COLORREF colour) {
+    const Theme& other = theme().dark ? light_theme : dark_theme;
+    for (COLORREF Theme::*each : {&Theme::face, &Theme::window, &Theme::text, &Theme::text_muted,
+                                  &Theme::text_disabled, &Theme::text_placeholder}) {
+        if (colour == other.*each) return theme().*each;
+    }
+    return colour;
 }
 
 COLORREF GetSysColor(std::int32_t which) {

@@ -24,10 +24,14 @@ struct Theme {
     float corner;        // of buttons and fields
     float small_corner;  // of check boxes and items
 };
-// `TARN_THEME` = `light` or `dark` chooses; light otherwise.
+// `TARN_THEME` = `light` or `dark` chooses; otherwise the desktop.
 const Theme& theme();
+bool theme_is_chosen();            // by the user, for this program
+extern bool (*desktop_is_dark)();  // null: there is no desktop yet
 // Another one from now on: what was drawn must be drawn again.
 void set_theme(bool dark);
+// A colour that was one of the other theme's grounds or texts, as it is in this one; others stay.
+COLORREF in_this_theme(COLORREF colour);
 COLORREF GetSysColor(std::int32_t which);
 HBRUSH GetSysColorBrush(std::int32_t which);
 

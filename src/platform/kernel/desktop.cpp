@@ -8,11 +8,10 @@
 #include <unistd.h>
 
 namespace tarn::platform {
-namespace {
 
-// In a process of its own, whose parent is gone at once: nobody has to wait
-// for it. An error of the second process comes back through a pipe that its success closes.
-bool run_opener(const char* what) {
+// In a process of its own, whose parent is gone at once: nobody has to wait for it. An error of the
+// second process comes back through a pipe that its success closes.
+bool start_apart(std::initializer_list<const char*> programs, const char* what) {
     int told[2];
     if (pipe2(told, O_CLOEXEC) != 0) return false;
     const pid_t child = fork();
@@ -23,7 +22,8 @@ bool run_opener(const char* what) {
             sigset_t none;
             sigemptyset(&none);
             sigprocmask(SIG_SETMASK, &none, nullptr);
-            execlp("xdg-open", "xdg-open", what, static_cast<char*>(nullptr));
+            for (const char* program : programs)
+                execlp(program, program, what, static_cast<char*>(nullptr));
             const int error = errno;
             if (write(told[1], &error, sizeof error) < 0) _exit(126);
         }
@@ -41,13 +41,11 @@ bool run_opener(const char* what) {
     return error == 0;
 }
 
-}  // namespace
-
 // An argument that begins with a hyphen would be an option of the opener.
 bool open_on_desktop(const char* name) {
     if (name == nullptr || *name == 0) return false;
     const std::string what = (name[0] == '-' ? "./" : "") + std::string(name);
-    return run_opener(what.c_str());
+    return start_apart({"xdg-open"}, what.c_str());
 }
 
 }  // namespace tarn::platform

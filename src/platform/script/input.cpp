@@ -91,6 +91,9 @@ void change_modifiers(HWND top, std::uint32_t bits, bool down) {
     }
 }
 
+// Two lines that click are two clicks, however quickly they follow each other.
+constexpr DWORD longer_than_a_double_click = 1000;
+
 }  // namespace
 
 void move_pointer(HWND top, POINT screen) {
@@ -98,8 +101,6 @@ void move_pointer(HWND top, POINT screen) {
 }
 
 void click(HWND top, POINT screen, MouseButton button, std::int32_t times) {
-    // Two lines that click are two clicks, however quickly they follow each other.
-    constexpr DWORD longer_than_a_double_click = 1000;
     hands().ahead += longer_than_a_double_click;
     move_pointer(top, screen);
     for (std::int32_t i = 0; i < times; ++i) {
@@ -108,9 +109,19 @@ void click(HWND top, POINT screen, MouseButton button, std::int32_t times) {
     }
 }
 
+void begin_hold(HWND top, POINT screen) {
+    hands().ahead += longer_than_a_double_click;
+    move_pointer(top, screen);
+    press_button(top, screen, MouseButton::left);
+}
+
+void end_hold(HWND top, POINT screen) {
+    release_button(top, screen, MouseButton::left);
+}
+
 void drag(HWND top, POINT from, POINT to) {
     constexpr std::int32_t steps = 4;
-    hands().ahead += 1000;
+    hands().ahead += longer_than_a_double_click;
     move_pointer(top, from);
     press_button(top, from, MouseButton::left);
     for (std::int32_t i = 1; i <= steps; ++i) {

@@ -16,6 +16,9 @@ enum class MouseButton : std::int32_t { left = 1, middle = 2, right = 3 };
 void move_pointer(HWND top, POINT screen);
 void click(HWND top, POINT screen, MouseButton button, std::int32_t times);
 void drag(HWND top, POINT from, POINT to);
+// The left button goes down there, and up in a later call.
+void begin_hold(HWND top, POINT screen);
+void end_hold(HWND top, POINT screen);
 void drop_files(HWND top, POINT screen, const std::vector<std::string>& paths);
 void turn_wheel(HWND top, POINT screen, std::int32_t notches);  // up positive
 

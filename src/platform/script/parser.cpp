@@ -25,6 +25,7 @@ constexpr Form forms[] = {
     {"double click", Command::double_click, "TO"},
     {"right click", Command::right_click, "TO"},
     {"middle click", Command::middle_click, "TO"},
+    {"hold", Command::hold, "TOD"},
     {"type", Command::type, "S"},
     {"key", Command::key, "KN"},
     {"press", Command::press, "K"},

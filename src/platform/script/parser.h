@@ -16,6 +16,7 @@ enum class Command : std::uint8_t {
     double_click,
     right_click,
     middle_click,
+    hold,
     type,
     key,
     press,

@@ -5,6 +5,7 @@
 #include <cstring>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <utility>
 
 #include "platform/dialogs/dialogs.h"
 #include "platform/display/display.h"
@@ -35,7 +36,10 @@ struct Player {
     bool trying = false;  // the next line was tried before
     DWORD tried_since = 0;
     DWORD patience = 10000;  // milliseconds
-    bool polling = false;    // the program has looked for events, and not waited for them since
+    HWND held{};             // the window over which `hold` keeps the button down
+    POINT held_at;
+    DWORD held_since = 0;
+    bool polling = false;  // the program has looked for events, and not waited for them since
     DWORD polling_since = 0;
     std::string picture_folder;
     std::int32_t pictures = 0;
@@ -201,6 +205,27 @@ bool find_point(HWND top, const Target& target, bool disabled_too, POINT& screen
     return true;
 }
 
+// Played twice: once to press and, when its time is over, once to let go.
+Outcome play_hold(HWND top, POINT at, const ScriptLine& line) {
+    Player& p = player();
+    p.held = top;
+    p.held_at = at;
+    p.held_since = GetTickCount();
+    begin_hold(top, at);
+    return {Outcome::Kind::again, line.first, false};
+}
+
+Outcome go_on_holding(const ScriptLine& line) {
+    Player& p = player();
+    const DWORD held = GetTickCount() - p.held_since;
+    const auto wanted = static_cast<DWORD>(line.first);
+    if (held < wanted)
+        return {Outcome::Kind::again, static_cast<std::int32_t>(wanted - held), false};
+    const HWND top = std::exchange(p.held, HWND{});
+    if (IsWindow(top)) end_hold(top, p.held_at);
+    return events;
+}
+
 Outcome play_pointer(HWND top, const ScriptLine& line, std::string& why_not) {
     POINT at, to;
     // The pointer rests on what is grey too: a tip tells why it is.
@@ -218,6 +243,8 @@ Outcome play_pointer(HWND top, const ScriptLine& line, std::string& why_not) {
         case Command::middle_click:
             click(top, at, MouseButton::middle, 1);
             break;
+        case Command::hold:
+            return play_hold(top, at, line);
         case Command::drag:
             drag(top, at, to);
             break;
@@ -397,6 +424,10 @@ bool play_without_window(const ScriptLine& line, Outcome& outcome, std::string& 
         case Command::wait:
             outcome = play_wait(line);
             return true;
+        case Command::hold:
+            if (p.held == HWND{}) return false;
+            outcome = go_on_holding(line);
+            return true;
         case Command::expect_window:
         case Command::expect_no_window:
         case Command::window:
@@ -422,6 +453,7 @@ Outcome play(const ScriptLine& line, std::string& why_not) {
         case Command::double_click:
         case Command::right_click:
         case Command::middle_click:
+        case Command::hold:
         case Command::drag:
         case Command::wheel:
         case Command::hover:

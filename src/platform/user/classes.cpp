@@ -2,6 +2,7 @@
 #include <cstring>
 
 #include "platform/base/text.h"
+#include "platform/gdi/theme.h"
 #include "platform/user/state.h"
 
 namespace tarn::platform {
@@ -32,6 +33,8 @@ WindowClass* find_class(std::string_view name) {
 
 bool RegisterClassA(const WNDCLASS& description) {
     auto& classes = state().windows.classes;
+    // The first sign of windows: from here on the desktop is asked for its look.
+    desktop_is_dark = [] { return display().dark(); };
     if (description.lpszClassName.empty() || description.lpfnWndProc == nullptr ||
         description.cbWndExtra < 0 || description.cbWndExtra > most_extra ||
         classes.size() >= most_classes || find_class(description.lpszClassName) != nullptr)

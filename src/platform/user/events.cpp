@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "platform/gdi/paint.h"
+#include "platform/gdi/theme.h"
 #include "platform/user/state.h"
 
 namespace tarn::platform {
@@ -72,10 +73,20 @@ void take_session_end() {
     if (agreed) PostQuitMessage(0);
 }
 
+void collect(const Window& window, std::vector<HWND>& all) {
+    all.push_back(window.handle);
+    for (const Window* c = window.first_child; c != nullptr; c = c->below) collect(*c, all);
+}
+
+// Children are told besides: a procedure of a program's own passes nothing on.
 void take_theme() {
-    for (const HWND hwnd : all_top_levels()) {
-        call(hwnd, WM_SYSCOLORCHANGE, 0, 0);
-        if (Window* const top = find(hwnd)) invalidate_all(*top);
+    if (theme_is_chosen()) return;
+    set_theme(display().dark());
+    std::vector<HWND> all;
+    for (const HWND hwnd : all_top_levels()) collect(*find(hwnd), all);
+    for (const HWND hwnd : all) {
+        if (find(hwnd) != nullptr) call(hwnd, WM_SYSCOLORCHANGE, 0, 0);
+        if (Window* const window = find(hwnd)) invalidate_all(*window);
     }
 }
 

@@ -22,9 +22,10 @@ struct MenuState {
     };
     std::vector<System> system_menus;
 };
+// Never taken apart: windows that are open at the program's end live on, and their menus with them.
 MenuState& menus() {
-    static MenuState all;
-    return all;
+    static MenuState* const all = new MenuState;
+    return *all;
 }
 
 // Sixteen bits of index, fourteen of generation.

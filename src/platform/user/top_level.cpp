@@ -43,7 +43,7 @@ TopLevelOptions options_of(Window& top) {
     o.accepts_focus = (top.ex_style & WS_EX_NOACTIVATE) == 0;
     o.accepts_files = top.top->accepts_files;
     o.accepts_files = any_accepts_files(top);
-    o.minimum = minimum_surface_size(top);
+    limit_surface_size(top, o.minimum, o.maximum);
     o.title = top.title;
     o.class_name = top.cls->name;
     return o;
@@ -80,17 +80,24 @@ void send_icon(Window& top) {
 
 }  // namespace
 
-// The smallest size that the window wants, without what the manager adds.
-SIZE minimum_surface_size(Window& top) {
+// The smallest and the largest size that the window wants, without what the manager adds; 0 where
+// it doesn't care.
+void limit_surface_size(Window& top, SIZE& least, SIZE& most) {
     MINMAXINFO info{};
     const Insets hidden = hidden_frame(top);
-    if ((top.style & WS_THICKFRAME) == 0) return {};
+    if ((top.style & WS_THICKFRAME) == 0) return;
     Pinned w(&top);
-    info.ptMaxTrackSize = {GetSystemMetrics(SM_CXMAXTRACK), GetSystemMetrics(SM_CYMAXTRACK)};
-    info.ptMaxSize = info.ptMaxTrackSize;
+    const POINT usual{GetSystemMetrics(SM_CXMAXTRACK), GetSystemMetrics(SM_CYMAXTRACK)};
+    info.ptMaxTrackSize = info.ptMaxSize = usual;
     call(*w, WM_GETMINMAXINFO, 0, reinterpret_cast<LPARAM>(&info));
-    return {std::max(info.ptMinTrackSize.x - hidden.left - hidden.right, 0),
-            std::max(info.ptMinTrackSize.y - hidden.top - hidden.bottom, 0)};
+    const POINT frame{hidden.left + hidden.right, hidden.top + hidden.bottom};
+    least = {std::max(info.ptMinTrackSize.x - frame.x, 0),
+             std::max(info.ptMinTrackSize.y - frame.y, 0)};
+    // No more than the screen: nothing was asked for.
+    if (info.ptMaxTrackSize.x < usual.x)
+        most.cx = std::max({info.ptMaxTrackSize.x - frame.x, least.cx, 1});
+    if (info.ptMaxTrackSize.y < usual.y)
+        most.cy = std::max({info.ptMaxTrackSize.y - frame.y, least.cy, 1});
 }
 
 void open_top(Window& top) {

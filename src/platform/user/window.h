@@ -194,7 +194,7 @@ void add_damage(Window& top, const RECT& surface);
 bool anything_to_present();
 void present_all();
 void options_changed(Window& top);
-SIZE minimum_surface_size(Window& top);
+void limit_surface_size(Window& top, SIZE& least, SIZE& most);
 
 // ---- Place and state ---------------------------------------------------------------------------
 // The outer rectangle changes: messages, painting, and unless it came from there the display.

@@ -65,16 +65,25 @@ constexpr const char* atom_names[] = {
     "XdndTypeList",
     "XdndSelection",
     "XdndActionCopy",
+    "WM_SAVE_YOURSELF",
+    "_NET_STARTUP_ID",
+    "_NET_STARTUP_INFO_BEGIN",
+    "_NET_STARTUP_INFO",
+    "MANAGER",
+    "_XSETTINGS_SETTINGS",
+    "_XSETTINGS_S0",
 };
 constexpr std::size_t atom_count = static_cast<std::size_t>(Atom::count);
 static_assert(std::size(atom_names) == atom_count);
 
 void intern_atoms(Connection& connection) {
+    const std::string settings = "_XSETTINGS_S" + std::to_string(connection.screen_number);
     xcb_intern_atom_cookie_t asked[atom_count];
     for (std::size_t i = 0; i < atom_count; ++i) {
-        asked[i] =
-            xcb_intern_atom(connection.xcb, 0,
-                            static_cast<std::uint16_t>(std::strlen(atom_names[i])), atom_names[i]);
+        std::string_view name = atom_names[i];
+        if (i == static_cast<std::size_t>(Atom::xsettings_selection)) name = settings;
+        asked[i] = xcb_intern_atom(connection.xcb, 0, static_cast<std::uint16_t>(name.size()),
+                                   name.data());
     }
     for (std::size_t i = 0; i < atom_count; ++i) {
         Reply<xcb_intern_atom_reply_t> reply(
@@ -213,13 +222,14 @@ std::string_view resource_value(std::string_view database, std::string_view name
     return {};
 }
 
-double desktop_scale(const Connection& connection) {
+double desktop_scale(const Connection& connection, double settings_dpi) {
     Property database = get_property(connection, connection.root(), XCB_ATOM_RESOURCE_MANAGER);
     double dpi = 0.0;
     for (char c : resource_value(database.bytes, "Xft.dpi")) {
         if (c < '0' || c > '9' || dpi > 10000) break;  // a fraction of a dpi is of no weight
         dpi = dpi * 10 + (c - '0');
     }
+    if (dpi <= 0.0) dpi = settings_dpi;
     return dpi > 0.0 ? platform::scale_of_dpi(dpi) : 1.0;
 }
 

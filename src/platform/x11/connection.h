@@ -77,6 +77,13 @@ enum class Atom : std::uint8_t {
     xdnd_type_list,
     xdnd_selection,
     xdnd_action_copy,
+    wm_save_yourself,
+    net_startup_id,
+    net_startup_info_begin,
+    net_startup_info,
+    manager,
+    xsettings,
+    xsettings_selection,  // of the screen in use
     count
 };
 
@@ -120,7 +127,8 @@ void send_message(const Connection& connection, xcb_window_t to, xcb_window_t wi
 
 // The entry `name` of a resource database ("Xft.dpi:\t96"), empty for none.
 std::string_view resource_value(std::string_view database, std::string_view name);
-// The factor of the desktop: its resolution in quarters; 1 when it tells none.
-double desktop_scale(const Connection& connection);
+// The factor of the desktop: its resolution in quarters, by the resource database or else as the
+// settings program says (0: it doesn't); 1 when nobody tells one.
+double desktop_scale(const Connection& connection, double settings_dpi);
 
 }  // namespace tarn::x11

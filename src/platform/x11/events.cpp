@@ -193,6 +193,10 @@ void X11Display::handle_window_event(const xcb_generic_event_t& event) {
             if (Window* window = find_handle(as<xcb_unmap_notify_event_t>(event).window))
                 window->viewable = false;
             break;
+        case XCB_DESTROY_NOTIFY:
+            if (as<xcb_destroy_notify_event_t>(event).window == settings_owner_)
+                settings_owner_ = 0;
+            break;
         case XCB_REPARENT_NOTIFY: {
             const auto& moved = as<xcb_reparent_notify_event_t>(event);
             Window* window = find_handle(moved.window);
@@ -211,6 +215,7 @@ void X11Display::mapped(Window& window) {
     window.viewable = true;
     window.configured = true;
     window.position_unknown |= window.reparented;
+    if (!startup_id_.empty() && window.options.role != Role::popup) finish_start();
     if (window.focus_when_mapped) {
         window.focus_when_mapped = false;
         if (!is_managed()) {
@@ -371,9 +376,10 @@ void X11Display::handle_focus(const xcb_focus_in_event_t& focus, bool in) {
 
 void X11Display::handle_property(const xcb_property_notify_event_t& change) {
     if (change.window == connection_.root()) {
-        if (change.atom == XCB_ATOM_RESOURCE_MANAGER && !own_scale_) change_scale();
+        if (change.atom == XCB_ATOM_RESOURCE_MANAGER) change_scale();
         return;
     }
+    if (settings_owner_ != 0 && change.window == settings_owner_) return settings_changed();
     Window* window = find_handle(change.window);
     if (!window) return;
     if (change.atom == connection_[Atom::wm_state] ||
@@ -383,6 +389,11 @@ void X11Display::handle_property(const xcb_property_notify_event_t& change) {
 
 void X11Display::handle_message(const xcb_client_message_event_t& message) {
     if (handle_drag(message)) return;
+    if (message.type == connection_[Atom::manager] && message.format == 32 &&
+        message.data.data32[1] == connection_[Atom::xsettings_selection]) {
+        settings_owner_ = find_settings_owner(connection_);
+        return settings_changed();
+    }
     Window* window = find_handle(message.window);
     if (!window || message.type != connection_[Atom::wm_protocols] || message.format != 32) return;
     xcb_atom_t protocol = message.data.data32[0];
@@ -390,6 +401,8 @@ void X11Display::handle_message(const xcb_client_message_event_t& message) {
         queue_.push(about(Event::Kind::close, window));
     } else if (protocol == connection_[Atom::wm_take_focus]) {
         if (Window* target = focus_target(window->id)) take_focus(*target, message.data.data32[1]);
+    } else if (protocol == connection_[Atom::wm_save_yourself]) {
+        save_yourself(*window);
     } else if (protocol == connection_[Atom::net_wm_ping]) {
         xcb_client_message_event_t answer = message;
         answer.response_type = XCB_CLIENT_MESSAGE;
@@ -501,8 +514,18 @@ void X11Display::report_state(Window& window) {
     queue_.push(about(Event::Kind::state, &window));
 }
 
+void X11Display::settings_changed() {
+    settings_ = fetch_settings(connection_, settings_owner_);
+    change_scale();
+    bool dark = looks_dark(settings_);
+    if (dark == dark_) return;
+    dark_ = dark;
+    queue_.push(about(Event::Kind::theme, nullptr));
+}
+
 void X11Display::change_scale() {
-    double scale = desktop_scale(connection_);
+    if (own_scale_) return;
+    double scale = desktop_scale(connection_, settings_.dpi);
     if (scale == scale_) return;
     std::vector<RECT> wishes;
     for (auto& window : windows_) wishes.push_back(client(*window));

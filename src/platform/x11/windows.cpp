@@ -2,7 +2,9 @@
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
+#include <fcntl.h>
 #include <unistd.h>
+#include <utility>
 
 #include "platform/display/geometry.h"
 #include "platform/x11/x11_display.h"
@@ -69,9 +71,9 @@ bool X11Display::open(TopLevel id, const TopLevelOptions& options) {
                           XCB_CW_EVENT_MASK | XCB_CW_COLORMAP,
                       values);
     pointer_input_.select(connection_, window->handle);
-    const std::uint32_t protocols[] = {connection_[Atom::wm_delete_window],
-                                       connection_[Atom::wm_take_focus],
-                                       connection_[Atom::net_wm_ping]};
+    const std::uint32_t protocols[] = {
+        connection_[Atom::wm_delete_window], connection_[Atom::wm_take_focus],
+        connection_[Atom::net_wm_ping], connection_[Atom::wm_save_yourself]};
     set_words(connection_, window->handle, connection_[Atom::wm_protocols], XCB_ATOM_ATOM,
               protocols, std::size(protocols));
     const auto process = static_cast<std::uint32_t>(getpid());
@@ -111,6 +113,49 @@ void X11Display::close(TopLevel id) {
     xcb_flush(connection_.xcb);
 }
 
+// ---- Start and end of the program -----------------------------------------------------------
+
+// Whoever started the program learns which window the start was for, and when it is there.
+void X11Display::announce_start(const Window& window) const {
+    for (xcb_window_t each : {connection_.helper, window.handle})
+        set_bytes(connection_, each, connection_[Atom::net_startup_id],
+                  connection_[Atom::utf8_string], startup_id_);
+}
+
+void X11Display::finish_start() {
+    std::string message = "remove: ID=\"";
+    for (char c : std::exchange(startup_id_, {})) {
+        if (c == '"' || c == '\\') message.push_back('\\');
+        message.push_back(c);
+    }
+    message += '"';
+    message.push_back('\0');
+    Atom type = Atom::net_startup_info_begin;
+    for (std::size_t at = 0; at < message.size();) {
+        xcb_client_message_event_t piece{};
+        piece.response_type = XCB_CLIENT_MESSAGE;
+        piece.format = 8;
+        piece.window = connection_.helper;
+        piece.type = connection_[type];
+        at += message.copy(reinterpret_cast<char*>(piece.data.data8), sizeof piece.data.data8, at);
+        xcb_send_event(connection_.xcb, 0, connection_.root(), XCB_EVENT_MASK_PROPERTY_CHANGE,
+                       reinterpret_cast<const char*>(&piece));
+        type = Atom::net_startup_info;
+    }
+}
+
+// A manager that is about to end the session asks what starts the program again; writing it is the
+// answer.
+void X11Display::save_yourself(const Window& window) const {
+    constexpr std::size_t most = 4096;
+    std::string words(most, '\0');
+    int file = ::open("/proc/self/cmdline", O_RDONLY | O_CLOEXEC);
+    ssize_t length = file >= 0 ? read(file, words.data(), words.size()) : 0;
+    if (file >= 0) ::close(file);
+    words.resize(length > 0 ? static_cast<std::size_t>(length) : 0);
+    set_bytes(connection_, window.handle, XCB_ATOM_WM_COMMAND, XCB_ATOM_STRING, words);
+}
+
 // ---- Hints ----------------------------------------------------------------------------------
 
 void X11Display::write_size_hints(const Window& window) {
@@ -141,6 +186,15 @@ void X11Display::write_size_hints(const Window& window) {
         hints[0] |= least_size;
         hints[5] = static_cast<std::uint32_t>(real_edge(std::max(options.minimum.cx, 1), scale_));
         hints[6] = static_cast<std::uint32_t>(real_edge(std::max(options.minimum.cy, 1), scale_));
+    }
+    if (options.resizable && (options.maximum.cx > 0 || options.maximum.cy > 0)) {
+        constexpr std::int32_t unlimited = 32000;
+        auto real = [&](std::int32_t most) {
+            return static_cast<std::uint32_t>(most > 0 ? real_edge(most, scale_) : unlimited);
+        };
+        hints[0] |= most_size;
+        hints[7] = real(options.maximum.cx);
+        hints[8] = real(options.maximum.cy);
     }
     hints[17] = static_gravity;
     set_words(connection_, window.handle, XCB_ATOM_WM_NORMAL_HINTS, XCB_ATOM_WM_SIZE_HINTS, hints,
@@ -374,6 +428,7 @@ void X11Display::show(TopLevel id, bool visible, bool activate) {
         }
         write_hints(*window);
         write_state_property(*window);
+        if (!startup_id_.empty()) announce_start(*window);
     }
     window->focus_when_mapped = activate && !popup && window->options.accepts_focus;
     window->answer_due = true;

@@ -40,7 +40,14 @@ static_assert(std::size(cursor_names) == static_cast<std::size_t>(CursorShape::n
 
 X11Display::X11Display(const DisplaySetup& setup, Connection& connection)
     : connection_(connection), lost_(setup.lost), own_scale_(setup.scale > 0.0) {
-    scale_ = own_scale_ ? setup.scale : desktop_scale(connection_);
+    if (const char* id = std::getenv("DESKTOP_STARTUP_ID")) {
+        startup_id_ = id;
+        unsetenv("DESKTOP_STARTUP_ID");  // it isn't for programs that this one starts
+    }
+    settings_owner_ = find_settings_owner(connection_);
+    settings_ = fetch_settings(connection_, settings_owner_);
+    dark_ = looks_dark(settings_);
+    scale_ = own_scale_ ? setup.scale : desktop_scale(connection_, settings_.dpi);
     // Scale, monitors, managers that come and go.
     const std::uint32_t events = XCB_EVENT_MASK_PROPERTY_CHANGE | XCB_EVENT_MASK_STRUCTURE_NOTIFY;
     xcb_change_window_attributes(connection_.xcb, connection_.root(), XCB_CW_EVENT_MASK, &events);

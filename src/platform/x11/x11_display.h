@@ -17,6 +17,7 @@
 #include "platform/x11/keyboard.h"
 #include "platform/x11/pointer_input.h"
 #include "platform/x11/selections.h"
+#include "platform/x11/settings.h"
 #include "platform/x11/staging.h"
 
 namespace tarn::x11 {
@@ -71,6 +72,7 @@ class X11Display final : public Display {
     RECT work_area(POINT near) const override;
     double scale() const override { return scale_; }
     bool headless() const override { return false; }
+    bool dark() const override { return dark_; }
 
     bool open(TopLevel id, const TopLevelOptions& options) override;
     void close(TopLevel id) override;
@@ -113,6 +115,9 @@ class X11Display final : public Display {
     Window* find_handle(xcb_window_t handle);
 
     // windows.cpp
+    void announce_start(const Window& window) const;
+    void finish_start();
+    void save_yourself(const Window& window) const;
     void write_hints(const Window& window);
     void write_size_hints(const Window& window);
     void write_state_property(const Window& window);
@@ -148,6 +153,7 @@ class X11Display final : public Display {
     void check_frame(Window& window);
     void report_state(Window& window);
     void change_scale();
+    void settings_changed();
     Event about(Event::Kind kind, const Window* window) const;
     void place_pointer(Event& event, const Window& window, std::int32_t x, std::int32_t y,
                        std::uint16_t state) const;
@@ -183,6 +189,10 @@ class X11Display final : public Display {
     bool left_ = false;       // the process ends
     bool own_scale_ = false;  // the user's wish, not the desktop's
     double scale_ = 1.0;
+    std::string startup_id_;  // until the first window is there
+    xcb_window_t settings_owner_ = 0;
+    Settings settings_;
+    bool dark_ = false;
     Keyboard keyboard_;
     InputMethod input_method_;
     PointerInput pointer_input_;

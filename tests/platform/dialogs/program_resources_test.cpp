@@ -28,7 +28,7 @@ std::string shape(const std::vector<MenuLine>& lines) {
 
 // One text for all that a script holds.
 std::string shape(const std::vector<ProgramResource>& all) {
-    constexpr const char* kinds[] = {"icon", "cursor", "bitmap", "menu"};
+    constexpr const char* kinds[] = {"icon", "cursor", "bitmap", "sound", "menu"};
     std::string out;
     for (const ProgramResource& each : all) {
         out += std::string(kinds[static_cast<int>(each.kind)]) + ' ' + each.name + ' ';
@@ -48,6 +48,7 @@ TEST(ResourceScript, TellsPicturesAndMenus) {
          "icon save dir/pictures/save.ico;cursor grip dir/grip.cur;"},
         {"#define LOGO 0x10\nLOGO BITMAP \"/logo.bmp\"", "bitmap 16 /logo.bmp;"},
         {"/* a ICON b */ // c ICON d\n7 ICON e", "icon 7 dir/e;"},
+        {"ding SOUND ding.wav", "sound ding dir/ding.wav;"},
         {"M MENU BEGIN MENUITEM \"&A\\tF1\", 3 END", "menu M &A\tF1=3;"},
         {"#define GO 5\nM MENUEX { POPUP \"F\" { MENUITEM \"say \"\"x\"\"\", GO, CHECKED, GRAYED\n"
          "MENUITEM SEPARATOR POPUP \"S\", GRAYED { } } MENUITEM \"B\", 6 INACTIVE }",

@@ -23,6 +23,7 @@ enum : std::int32_t { id_area = 10, id_name, id_check, id_list, id_ok, id_grey, 
 struct Program {
     std::string log;
     HWND main{}, area{}, check{};
+    DWORD pressed = 0;
 };
 Program& program() {
     static Program all;
@@ -66,10 +67,12 @@ LRESULT procedure(HWND hwnd, UINT message, WPARAM wparam, LPARAM lparam) {
             return 0;
         case WM_LBUTTONDOWN:
             note((wparam & MK_SHIFT) != 0 ? "shift-down" : "down");
+            program().pressed = GetTickCount();
             SetCapture(hwnd);
             return 0;
         case WM_LBUTTONUP:
             note("up" + std::to_string(GET_X_LPARAM(lparam)));
+            if (GetTickCount() - program().pressed >= 150) note("held");
             ReleaseCapture();
             return 0;
         case WM_SIZE:
@@ -221,6 +224,7 @@ TEST_F(PlayerTest, MakesPointerEventsAndMenuCommands) {
         press Shift
         click 300,210
         release Shift
+        hold 300,210 150ms
         drag 300,210 to 320,215
         wheel 300,210 -2
         menu "File" "Open..."
@@ -233,7 +237,7 @@ TEST_F(PlayerTest, MakesPointerEventsAndMenuCommands) {
                      folder),
                 testing::ExitedWithCode(0),
                 "log right300,200;down;up300;down;up300;down;up300;double;up300;shift-down;up300;"
-                "down;up320;wheel-120;wheel-120;open;size500;");
+                "down;up300;held;down;up320;wheel-120;wheel-120;open;size500;");
 }
 
 TEST_F(PlayerTest, WritesPicturesAndTrees) {

@@ -9,6 +9,8 @@
 //> thrown: in (anonymous namespace)::throwing(int), @throw
 //> vector: in (anonymous namespace)::outside(*), @outside
 //> thread: in (anonymous namespace)::on_thread(int*), @thread
+//> not: std::__invoke
+//> not: std::thread
 //> early: in Early::Early(), @early
 //> deleted: Program aborted.
 //> deleted: in (anonymous namespace)::twice(int*), @twice

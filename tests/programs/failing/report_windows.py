@@ -30,6 +30,8 @@ CASES = [
      ["00400000 7f454c46 02010100 .* .ELF"]),
     ("null", DETAILS + 'key B 3\ntree "tree"\nfocus #3\nkey C\nkey X\n', SEGV,
      [r'value.*|" [0-9a-f]+  .*\\n>[0-9a-f]+  mov']),
+    # The callers' box takes what the window has more.
+    ("null", OPEN + 'resize 900 500\ntree "tree"\n' + CLOSE, SEGV, [r" 20,84 860x344\n"]),
     ("divide", OPEN + 'tree "tree"\n' + CLOSE, FPE,
      ["Integer divide by zero", "in go, callback.c:", "called by main"]),
     ("stack", OPEN + 'tree "tree"\n' + CLOSE, SEGV,
@@ -40,9 +42,13 @@ CASES = [
      ["in touch, callback.c:", "called by tick, callback.c:"]),
     ("failure", OPEN + 'tree "tree"\nclick "Details"\nexpect text "No further details available with '
      'this error"\nkey Enter\n' + CLOSE, 1, ["Disk full", "in go, callback.c:"]),
-    # No window: what it needs is broken, another thread's, or not there yet.
+    # Of another thread, while the windows' own waits for it, or is at rest.
+    ("thread", OPEN + 'tree "tree"\n' + CLOSE, SEGV,
+     ["Access Violation", "in touch, callback.c:", "called by faulty, callback.c:"]),
+    ("later", OPEN + 'tree "tree"\n' + CLOSE, SEGV,
+     ["Access Violation", "in touch, callback.c:", "called by late, callback.c:"]),
+    # No window: what it needs is broken, or not there yet.
     ("smash", "click \"Go\"\n", ABRT, ["Program aborted.", "in smash, callback.c:"]),
-    ("thread", "click \"Go\"\n", SEGV, ["in touch, callback.c:", "called by faulty, callback.c:"]),
     ("before", "", SEGV, ["in touch, callback.c:", "called by main, callback.c:"]),
 ]  # fmt: skip
 

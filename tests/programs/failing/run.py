@@ -12,6 +12,7 @@ The head of the program tells, in comment lines that begin with //> or !>:
 A `*` in a line's text stands for anything, and `@name` for the file and line, as a report writes
 them, of the one line of the program that ends with a comment `@name`.
 """
+import json
 import os
 import pathlib
 import re
@@ -20,7 +21,8 @@ import sys
 import tempfile
 
 DRIVERS = {".f90": "tarnfc", ".c": "tarncc", ".cpp": "tarnc++"}
-BUILDS = [["-O0"], ["-O2"], ["-O2", "-no-pie"], ["-O1", "-s"]]
+KINDS = ("failure", "exception", "signal")
+BUILDS = [["-O0"], ["-O2"], ["-O2", "-no-pie"], ["-O1", "-s"], ["-O2", "-flto"]]
 
 
 def places_in(source):
@@ -72,10 +74,30 @@ def faults_of(report, wanted, never):
             yield f"a line holds: {text}"
 
 
+def faults_of_json(folder, report):
+    """The same report for programs to read: it tells what the text tells."""
+    first = re.search(r"^    in (.*?)(?:, ([^,]*):(\d+))?$", report, re.MULTILINE)
+    path = pathlib.Path(folder) / "report.json"
+    if first is None or not path.exists():
+        if first is not None:
+            yield "no JSON"
+        return
+    told = json.loads(path.read_text())
+    if first[2] is not None:
+        if (told["routine"], told["file"], told["line"]) != (first[1], first[2], int(first[3])):
+            yield f"JSON has {told['routine']}, {told['file']}:{told['line']}"
+    if not (told["cause"] and told["registers"]["rip"] and told["modules"] and told["versions"]):
+        yield "JSON lacks something"
+    if told["callers"][0]["routine"] != told["routine"] or told["kind"] not in KINDS:
+        yield "JSON contradicts itself"
+    path.unlink()
+
+
 def main():
     build, source = pathlib.Path(sys.argv[1]).resolve(), pathlib.Path(sys.argv[2]).resolve()
     words, lines, never, more = read_head(source)
     environment = {k: v for k, v in os.environ.items() if not k.startswith(("GFORTRAN_", "TARN"))}
+    environment["TARN_REPORT"] = "report"
     failed = False
     with tempfile.TemporaryDirectory() as folder:
         # By its bare name, which the reports show.
@@ -91,6 +113,7 @@ def main():
                 report = run.stderr.decode(errors="replace")
                 wanted = [text for name, text in lines if name in ("report", word)]
                 faults = list(faults_of(report, wanted, never))
+                faults += faults_of_json(folder, report)
                 if run.returncode == 0:
                     faults.append("the exit status is 0")
                 for fault in faults:

@@ -37,6 +37,11 @@ program g_editing
     print '(A,*(" <",A,">"))', 'a group without a limit opens once more', 'a', 'b'
     print '(I0,*(2(" (",I0,")")))', 1, 2, 3
     print '(*(" one"/I0))', 4, 5
+    print '(A,1X,A)', 'an item of no characters takes what was moved to', '', 'moves alone', ''
+    print '(A,T10,A,TL3,A)', 'x', '', 'y', 'z', '', ''
+    print '(A,TL2,A,3X,:,A)', 'three', '', '', 'xyz', ''
+    print '(3(2X,A),"|")', 'a', '', ''
+    print '(A,3X,"")', 'an empty text, too'
     print '(3(F5.1,F4.0,F3.2,F0.0))', 0.0, -0.0, 0.04, -0.04, 0.5, 1.5, 0.99, 0.999, 9.99, 99.99
     print '(6I5)', 99999, -9999, -99999, 100000, 0, -0
     print '(I0,1X,I0.5,1X,I5.0,"|",I3.3,I7.6,I4.4)', -17, 17, 0, 5, -5, -123

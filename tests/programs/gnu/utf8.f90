@@ -56,6 +56,27 @@ program utf8
     print *, 'broken', ios
     close (11)
 
+    ! A half of a pair, a character in more bytes than it takes, and values above all characters.
+    do n = 1, 3
+        open (11, file='odd.txt', access='stream', status='replace')
+        if (n == 1) write (11) char(237), char(160), char(128), char(10)
+        if (n == 2) write (11) char(192), char(128), char(10)
+        if (n == 3) write (11) char(244), char(144), char(128), char(128), char(10)
+        close (11)
+        open (11, file='odd.txt', encoding='utf-8')
+        read (11, '(A)', iostat=ios) text(1:1)
+        print *, 'odd', ios
+        close (11)
+    end do
+    open (11, file='odd.txt', encoding='utf-8')
+    write (11, '(A)') char(int(z'10FFFF'), wide), char(int(z'200000'), wide), &
+        char(int(z'7FFFFFFF'), wide), transfer(-1, wide_'x')
+    close (11)
+    open (11, file='odd.txt', access='stream')
+    inquire (11, size=n)
+    print *, n
+    close (11)
+
     ! Internal files of kind 4.
     text = wide_' 12 3.5 x'
     read (text, *) i, x, narrow

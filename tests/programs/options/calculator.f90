@@ -1,4 +1,4 @@
-! Submodules, generics by kind, recursion, allocatable components of recursive types, parser of expressions.
+! Expressions are read, evaluated and derived: submodules, recursion, texts of any length.
 module expressions
   implicit none
   integer, parameter :: dp = kind(1d0)
@@ -33,60 +33,32 @@ module expressions
       character(:), allocatable :: text
     end function
   end interface
-  interface swap
-    module procedure swap_integer, swap_real, swap_text
-  end interface
-contains
-  elemental subroutine swap_integer(a, b)
-    integer, intent(inout) :: a, b
-    integer :: t
-    t = a; a = b; b = t
-  end subroutine
-  elemental subroutine swap_real(a, b)
-    real(dp), intent(inout) :: a, b
-    real(dp) :: t
-    t = a; a = b; b = t
-  end subroutine
-  subroutine swap_text(a, b)
-    character(:), allocatable, intent(inout) :: a, b
-    character(:), allocatable :: t
-    call move_alloc(a, t)
-    call move_alloc(b, a)
-    call move_alloc(t, b)
-  end subroutine
 end module
 submodule (expressions) reading
   implicit none
 contains
   module procedure parse
-    e = sum_of(text, at)
+    e = chain(text, at, 1)
   end procedure
-  recursive function sum_of(text, at) result(e)
+  ! Operands with operators of a rank between them: sums of products of atoms.
+  recursive function chain(text, at, rank) result(e)
     character(*), intent(in) :: text
     integer, intent(inout) :: at
+    integer, intent(in) :: rank
+    character(*), parameter :: operators(2) = ['+-', '*/']
     type(expression) :: e, first
     character(1) :: op
-    e = product_of(text, at)
+    if (rank > size(operators)) then
+      e = atom(text, at)
+      return
+    end if
+    e = chain(text, at, rank + 1)
     do while (at <= len(text))
       op = text(at:at)
-      if (op /= '+' .and. op /= '-') exit
+      if (index(operators(rank), op) == 0) exit
       at = at + 1
       first = e
-      e = join(op, first, product_of(text, at))
-    end do
-  end function
-  recursive function product_of(text, at) result(e)
-    character(*), intent(in) :: text
-    integer, intent(inout) :: at
-    type(expression) :: e, first
-    character(1) :: op
-    e = atom(text, at)
-    do while (at <= len(text))
-      op = text(at:at)
-      if (op /= '*' .and. op /= '/') exit
-      at = at + 1
-      first = e
-      e = join(op, first, atom(text, at))
+      e = join(op, first, chain(text, at, rank + 1))
     end do
   end function
   recursive function atom(text, at) result(e)
@@ -96,7 +68,7 @@ contains
     integer :: length, status
     if (text(at:at) == '(') then
       at = at + 1
-      e = sum_of(text, at)
+      e = chain(text, at, 1)
       at = at + 1
     else if (verify(text(at:at), '0123456789.') == 0) then
       length = verify(text(at:) // '#', '0123456789.') - 1
@@ -193,9 +165,7 @@ program calculator
     '(a-b)*(a+b)/2', '((((7))))*.5']
   type(binding) :: variables(4) = [binding('x', 3d0), binding('y', -1d0), binding('a', 5d0), binding('b', 4d0)]
   type(expression) :: e, d
-  character(:), allocatable :: s, t
-  integer :: i, at, m(3) = [1, 2, 3], n(3) = [7, 8, 9]
-  real(dp) :: u, v
+  integer :: i, at
   do i = 1, size(inputs)
     at = 1
     e = parse(trim(inputs(i)), at)
@@ -203,53 +173,4 @@ program calculator
     print '(a,t34,"= ",f9.3)', show(e), evaluate(e, variables)
     print '(4x,a,f9.3)', show(d), evaluate(d, variables)
   end do
-  call swap(m, n)
-  u = 1; v = 2
-  call swap(u, v)
-  s = 'short'; t = 'a longer text'
-  call swap(s, t)
-  print *, m, n, u, v, s, len(t)
-  print *, ackermann(2, 3), hanoi(6), gcd(1071, 462)
-  print *, queens(6)
-contains
-  recursive integer function ackermann(m, n) result(a)
-    integer, intent(in) :: m, n
-    if (m == 0) then
-      a = n + 1
-    else if (n == 0) then
-      a = ackermann(m - 1, 1)
-    else
-      a = ackermann(m - 1, ackermann(m, n - 1))
-    end if
-  end function
-  recursive integer function hanoi(n) result(moves)
-    integer, intent(in) :: n
-    moves = 0
-    if (n > 0) moves = 2 * hanoi(n - 1) + 1
-  end function
-  recursive pure integer function gcd(a, b) result(g)
-    integer, intent(in) :: a, b
-    g = a
-    if (b /= 0) g = gcd(b, mod(a, b))
-  end function
-  recursive function place(row, columns, n) result(found)
-    integer, intent(in) :: row, columns(:), n
-    integer :: found, c, r
-    if (row > n) then
-      found = 1
-      return
-    end if
-    found = 0
-    next: do c = 1, n
-      do r = 1, row - 1
-        if (columns(r) == c .or. abs(columns(r) - c) == row - r) cycle next
-      end do
-      found = found + place(row + 1, [columns(:row - 1), c, (0, r = row + 1, n)], n)
-    end do next
-  end function
-  integer function queens(n)
-    integer, intent(in) :: n
-    integer :: r
-    queens = place(1, [(0, r = 1, n)], n)
-  end function
 end program

@@ -8,7 +8,7 @@
 struct call {
     const char* format;
     const char* descriptor; /* null: an ordinary call, which brings no types */
-    const void* words[4];
+    const void* words[5];
     double doubles[3];
 };
 
@@ -45,6 +45,8 @@ static const struct call call_backs[] = {
     {"%mn[A]", NULL, {"NO"}, {0}},
     {"%`mn", NULL, {"[A]", "NO"}, {0}},
     {"%`pm", NULL, {"[A]", "NO"}, {0}},
+    {"%^1.1tb", "*C*C*C*C*I*C", {"a", "b", "c", &number, "NO"}, {0}},
+    {"%^1.1tx", "*C*C*CII*C", {spaces, codes, INT(3), INT(1), "NO"}, {0}},
 };
 static const struct call arguments[] = {
     {"%rd", "*C*F", {&real}, {0}},
@@ -127,6 +129,8 @@ static const struct call options[] = {
     {"%10.2el[font_set=256]", "*C**C*CI", {items, name, INT(16)}, {0}},
     {"%10.2ms[vertical_fill=4]", "*C**C*I", {items, &number}, {0}},
     {"%10.2ls[vertical_fill=*]", "*CF**C*I", {items, &number}, {__builtin_nan("")}},
+    {"%10.2el[height=*]", "*CI**C*CI", {INT(5), items, name, INT(16)}, {0}},
+    {"%10.2ms[height=*]", "*CI**C*I", {INT(81), items, &number}, {0}},
 };
 static const struct call colours[] = {
     {"%bg[ff]", NULL, {0}, {0}},     {"%tc[#12]x", NULL, {0}, {0}}, {"%bg[", NULL, {0}, {0}},
@@ -280,9 +284,9 @@ static int32_t run_call(const struct call* c) {
     const void* const* w = c->words;
     const double* d = c->doubles;
     if (c->descriptor)
-        __winio__(c->descriptor, format, w[0], w[1], w[2], w[3], d[0], d[1], d[2]);
+        __winio__(c->descriptor, format, w[0], w[1], w[2], w[3], w[4], d[0], d[1], d[2]);
     else
-        __winio(format, w[0], w[1], w[2], w[3], d[0], d[1], d[2]);
+        __winio(format, w[0], w[1], w[2], w[3], w[4], d[0], d[1], d[2]);
     return __winio("%sc", close_at_once);
 }
 

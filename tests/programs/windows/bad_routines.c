@@ -73,6 +73,23 @@ static void options_wrong(void) {
     __set_max_dialog_size(100, 100);
 }
 
+/* ---- Standard actions, as the window opens ---- */
+static void act(const char* action) {
+    __winio("%sc%dl", action, 0.02, close_at_once);
+}
+static void text_history(void) {
+    act("TEXT_HISTORY");
+}
+static void previous_text(void) {
+    act("PREVIOUS_TEXT");
+}
+static void printer(void) {
+    act("PRINTER_SETUP");
+}
+static void sound(void) {
+    __winio("%sc", "SOUND", "no_such_sound");
+}
+
 /* ---- Arguments that only a descriptor tells ---- */
 static void corrupt_function(void) {
     __quillpan_option("_safe_cb");
@@ -202,17 +219,43 @@ struct trial {
 #define INSIDE(function) \
     { #function, NULL, function, "" }
 static const struct trial trials[] = {
-    ALONE(winop_other_code),    ALONE(winop_no_bracket),   ALONE(winop_values),
-    ALONE(winstyle_values),     ALONE(winstyle_font),      ALONE(winstyle_full),
-    ALONE(winclass_late),       ALONE(winclass_settings),  ALONE(winclass_argument),
-    ALONE(winclass_text),       ALONE(options_wrong),      ALONE(corrupt_function),
-    ALONE(undefined_values),    ALONE(too_large),          ALONE(too_tall),
-    ALONE(exit_handler),        ALONE(incomplete),         ALONE(unused_child),
-    ALONE(other_language),      INSIDE(wrong_timers),      INSIDE(wrong_keys),
-    INSIDE(wrong_menu),         INSIDE(no_enhanced_menu),  INSIDE(no_enhanced_popup),
-    INSIDE(no_reply_awaited),   INSIDE(menu_of_control),   INSIDE(code_after_nw),
-    INSIDE(unknown_parameters), INSIDE(unhandled_handles), ALONE(bitmap_wrong),
-    ALONE(cursor_wrong),        ALONE(icon_wrong),         ALONE(menu_missing),
+    ALONE(winop_other_code),
+    ALONE(winop_no_bracket),
+    ALONE(winop_values),
+    ALONE(winstyle_values),
+    ALONE(winstyle_font),
+    ALONE(winstyle_full),
+    ALONE(winclass_late),
+    ALONE(winclass_settings),
+    ALONE(winclass_argument),
+    ALONE(winclass_text),
+    ALONE(options_wrong),
+    ALONE(text_history),
+    ALONE(previous_text),
+    ALONE(printer),
+    ALONE(sound),
+    ALONE(corrupt_function),
+    ALONE(undefined_values),
+    ALONE(too_large),
+    ALONE(too_tall),
+    ALONE(exit_handler),
+    ALONE(incomplete),
+    ALONE(unused_child),
+    ALONE(other_language),
+    INSIDE(wrong_timers),
+    INSIDE(wrong_keys),
+    INSIDE(wrong_menu),
+    INSIDE(no_enhanced_menu),
+    INSIDE(no_enhanced_popup),
+    INSIDE(no_reply_awaited),
+    INSIDE(menu_of_control),
+    INSIDE(code_after_nw),
+    INSIDE(unknown_parameters),
+    INSIDE(unhandled_handles),
+    ALONE(bitmap_wrong),
+    ALONE(cursor_wrong),
+    ALONE(icon_wrong),
+    ALONE(menu_missing),
 };
 
 static void run_trial(const void* given) {

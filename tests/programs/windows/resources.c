@@ -10,7 +10,8 @@ static const char script[] =
     "#define LEAVE 102\n"
     "logo BITMAP \"disk.bmp\"\n"
     "Main MENU BEGIN\n"
-    "  POPUP \"&File\" BEGIN MENUITEM \"&Save\\tCtrl+S\", 101\n"
+    "  POPUP \"&File\" BEGIN POPUP \"&More\" BEGIN MENUITEM \"&Deep\", 104 END\n"
+    "    MENUITEM \"&Save\\tCtrl+S\", 101\n"
     "    MENUITEM SEPARATOR\n"
     "    MENUITEM \"&Leave\", LEAVE END\n"
     "  MENUITEM \"&Help\", 103, GRAYED\n"
@@ -86,6 +87,5 @@ int main(void) {
     printf("result %d\n", __winio("%ca[Pictures]%mi[save]%^bb[save/&Save]%bm[logo]%ic[save]%nl"
                                   "%bi[disk]%bt[Disk]%`bm%bn[text=Go,icon=save]",
                                   "CONTINUE", disk));
-    __destroy_window(text);
-    return 0;
+    return 0; /* the text window stays until its user has closed it, with its menu */
 }

@@ -29,6 +29,12 @@ static void* idle(void* nothing) {
     return nothing;
 }
 
+static void* late(void* nothing) {
+    usleep(200000);
+    touch(NULL);
+    return nothing;
+}
+
 static void* faulty(void* nothing) {
     touch(NULL);
     return nothing;
@@ -53,6 +59,13 @@ NEVER_INLINED static void fail_on_other_thread(void) {
     pthread_join(other, NULL);
 }
 
+// Another thread fails while this one is at rest in the pump.
+NEVER_INLINED static void leave_other_thread(void) {
+    pthread_t other;
+    pthread_create(&other, NULL, late, NULL);
+    pthread_detach(other);
+}
+
 static int go(void) {
     const int32_t number = 117;
     if (strcmp(way, "null") == 0) touch(NULL);
@@ -62,6 +75,7 @@ static int go(void) {
     if (strcmp(way, "system") == 0) zero = (int)strlen((const char*)8 + zero);
     if (strcmp(way, "smash") == 0) smash();
     if (strcmp(way, "thread") == 0) fail_on_other_thread();
+    if (strcmp(way, "later") == 0) leave_other_thread();
     if (strcmp(way, "failure") == 0) C_FAIL_h(&number);
     return 1;
 }

@@ -83,6 +83,43 @@ def fill_in(desktop, window, where):
     desktop.keys("alt+c")
 
 
+LOST = """
+#include <stdio.h>
+#include <stdlib.h>
+#include <tarn/winio.h>
+static void leave(void) { puts("exit routine"); }
+int main(void) {
+    atexit(leave);
+    FILE* file = fopen("kept", "w");
+    fputs("not flushed", file);
+    puts("written");
+    __winio("%ca[Lost]%bt[OK]");
+    puts("answered");
+    return 0;
+}
+"""
+
+
+def lose_the_server(build, work):
+    """What a program wrote is kept when the desktop goes away under it."""
+    (pathlib.Path(work) / "lost.c").write_text(LOST)
+    subprocess.run([build / "bin" / "tarncc", "lost.c", "-o", "lost"], cwd=work, check=True)
+    server, display = start_server()
+    desktop = Desktop(display)
+    program = subprocess.Popen(["./lost"], cwd=work, text=True, stdout=subprocess.PIPE,
+                               stderr=subprocess.PIPE, env=desktop.environment)
+    try:
+        desktop.find("Lost")
+    finally:
+        server.terminate()
+        server.wait()
+    shown, said = program.communicate(timeout=30)
+    kept = (pathlib.Path(work) / "kept").read_text()
+    if (program.returncode, shown, kept) != (1, "written\nexit routine\n", "not flushed") or \
+            "The desktop has gone away" not in said:
+        sys.exit(f"without its server: {program.returncode}, {shown!r}, {kept!r}, {said!r}")
+
+
 def main():
     build, folder = pathlib.Path(sys.argv[1]).resolve(), pathlib.Path(sys.argv[2]).resolve()
     manager = sys.argv[3] if len(sys.argv) > 3 else None
@@ -115,6 +152,8 @@ def main():
                 if process.poll() is None:
                     process.terminate()
                 process.wait()
+        if not manager:
+            lose_the_server(build, work)
     expected = (folder / "form.expected").read_text()
     sys.exit(0 if shown == expected else f"it printed:\n{shown}in place of:\n{expected}")
 

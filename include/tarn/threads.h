@@ -14,9 +14,9 @@ extern "C" {
  * processors that the process may run on, any other stands for all of them. Gives back the count
  * that it is now. Until it is called the library starts no thread.
  *
- * MATMUL of large REAL, COMPLEX and INTEGER matrices uses them; the result is the same bit for bit.
- * It stays on one thread where a floating-point exception is unmasked, so that the trap is the
- * caller's. */
+ * gfortran's MATMUL of large INTEGER matrices, and of REAL and COMPLEX ones of kinds 4 and 8, uses
+ * them; the result is the same bit for bit. It stays on one thread where a floating-point exception
+ * is unmasked, so that the trap is the caller's. */
 int32_t SET_MAX_CORES_h(const int32_t* count) TARN_LINK_NAME("SET_MAX_CORES#");
 
 #ifdef __cplusplus

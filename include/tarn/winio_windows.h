@@ -81,7 +81,7 @@ void __change_timer_interval(int32_t window, double seconds);
  *
  * Sends up to 255 characters to the window of a class (%nc); its %rm call-back finds them in the
  * parameter MESSAGE_TEXT and may answer with up to 255. `reply` has room for 256. False: there is
- * no such window in this program. */
+ * no such window in this program, nor in another of the same user (they meet in XDG_RUNTIME_DIR). */
 int32_t __send_text_message(const char* window_class, const char* text, char* reply);
 void __reply_to_text_message(const char* text);
 

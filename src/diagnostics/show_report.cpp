@@ -6,7 +6,6 @@
 #include <sys/stat.h>
 #include <sys/sysmacros.h>
 #include <unistd.h>
-#include <utility>
 #include <vector>
 
 #include "diagnostics/windows.h"

@@ -101,7 +101,7 @@ constexpr SignKey sign_keys[] = {
 // The word of Ctrl+Tab isn't that of Ctrl+I.
 bool matches(std::int32_t stored, std::int32_t pressed) {
     if (stored == pressed) return true;
-    if (pressed == key_control_tab) return stored == (VK_TAB | std::int32_t{key_control});
+    if (pressed == key_control_tab) return stored == (std::int32_t{VK_TAB} | key_control);
     if ((stored & key_control) == 0 || (pressed & key_control) == 0) return false;
     const std::int32_t flags = stored & ~0xFF, sign = stored & 0xFF;
     for (const SignKey& each : sign_keys) {

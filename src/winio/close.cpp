@@ -9,6 +9,7 @@
 #include "winio/menus.h"
 #include "winio/report.h"
 #include "winio/winproc.h"
+#include "winio/text_channel.h"
 
 namespace tarn::winio {
 
@@ -179,6 +180,7 @@ void window_destroyed(fancy_window* window) {
     if (!window->flags.open) return;
     HWND hwnd = window->hwnd;
     forget_tool_help(window);
+    close_text_channel(hwnd);
     // At the end of the program the variables may be gone.
     if (!records().at_exit) save_settings(window);
     window->open_combo = nullptr;

@@ -208,6 +208,7 @@ LRESULT window_created(fancy_window* window, HWND hwnd) {
         window->base_height = client.height();
     }
     start_timers(window);
+    listen_for_texts(window);
     if (window->flags.super_maximised) PostMessageA(hwnd, msg_super_maximise, 0, 0);
     if (window->flags.dragged || window->flags.screen_saver) {
         POINT at;

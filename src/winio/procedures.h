@@ -31,6 +31,7 @@ enum : std::uint32_t {
     msg_tray = 0x41A,
     msg_button_accelerator = 0x41C,
     msg_graphics_mouse = 0x421,
+    msg_text_channel = 0x426,
 };
 
 platform::LRESULT winio_winproc(platform::HWND hwnd, platform::UINT message,

@@ -1,11 +1,12 @@
 // Text that one window sends to another by its class, and the answer that comes back.
 //
-// Windows of this process are reached. The platform knows no others: a class that isn't found here
-// is reported as not found, as a program that isn't running is.
+// Windows of this process are reached directly, those of the same user's other programs through a
+// socket (text_channel.h).
 #include <cstring>
 
 #include "winio/callbacks.h"
 #include "winio/report.h"
+#include "winio/text_channel.h"
 #include "winio/winproc.h"
 
 namespace tarn::winio {
@@ -13,32 +14,52 @@ namespace tarn::winio {
 using namespace platform;
 
 struct text_exchange {
-    static constexpr std::size_t size = 256;
-    char text[size];
-    char reply[size];
+    text_message text;
+    text_message reply;
 };
 
 namespace {
 
-void keep(char (&target)[text_exchange::size], const char* text) {
-    std::size_t length = text ? strnlen(text, text_exchange::size - 1) : 0;
+void keep(text_message& target, const char* text) {
+    std::size_t length = text ? strnlen(text, text_message_size - 1) : 0;
     std::memcpy(target, text, length);
     target[length] = 0;
+}
+
+void deliver(HWND hwnd, text_exchange& exchange) {
+    text_exchange* before = procedures().sending;
+    procedures().sending = &exchange;
+    SendMessageA(hwnd, msg_text_message, 0, reinterpret_cast<LPARAM>(&exchange));
+    procedures().sending = before;
 }
 
 }  // namespace
 
 bool send_text_message(const char* class_name, const char* text, char* reply) {
-    HWND hwnd = FindWindowA(class_name, nullptr);
-    if (!hwnd) return false;
     text_exchange exchange{};
     keep(exchange.text, text);
-    text_exchange* before = procedures().sending;
-    procedures().sending = &exchange;
-    SendMessageA(hwnd, msg_text_message, 0, reinterpret_cast<LPARAM>(&exchange));
-    procedures().sending = before;
-    if (reply) std::memcpy(reply, exchange.reply, text_exchange::size);
+    HWND hwnd = FindWindowA(class_name, nullptr);
+    if (!hwnd) {
+        if (!send_through_channel(class_name, exchange.text, exchange.reply)) return false;
+    } else {
+        deliver(hwnd, exchange);
+    }
+    if (reply) std::memcpy(reply, exchange.reply, text_message_size);
     return true;
+}
+
+void listen_for_texts(fancy_window* window) {
+    if (window->receiver_callback)
+        open_text_channel(window->hwnd, class_of(window), msg_text_channel);
+}
+
+void texts_from_outside(HWND hwnd) {
+    serve_text_channel(hwnd, [](HWND to, const text_message& text, text_message& reply) {
+        text_exchange exchange{};
+        keep(exchange.text, text);
+        deliver(to, exchange);
+        std::memcpy(reply, exchange.reply, text_message_size);
+    });
 }
 
 void text_message_arrived(fancy_window* window, LPARAM lparam) {

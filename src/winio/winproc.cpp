@@ -417,6 +417,9 @@ served private_message(fancy_window* window, UINT message, WPARAM wparam, LPARAM
         case msg_text_message:
             text_message_arrived(window, lparam);
             return {};
+        case msg_text_channel:
+            texts_from_outside(window->hwnd);
+            return {};
         case msg_pending_calls:
             perform_pending_calls();
             return {};

@@ -154,6 +154,8 @@ void save_settings(const fancy_window* window);
 
 // ---- Text messages between programs (text_messages.cpp)
 void text_message_arrived(fancy_window* window, platform::LPARAM exchange);
+void listen_for_texts(fancy_window* window);        // from other programs
+void texts_from_outside(platform::HWND hwnd);
 bool send_text_message(const char* class_name, const char* text, char* reply);
 void reply_to_text_message(const char* text);
 

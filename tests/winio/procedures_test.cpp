@@ -1,13 +1,18 @@
 // The life of windows: how they open, serve, close, and what survives.
 #include "winio/procedures.h"
 
+#include <cstdlib>
 #include <cstring>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include "platform/display/display.h"
 #include "platform/gdi/theme.h"
 #include "winio/callbacks.h"
 #include "winio/form.h"
+#include "winio/text_channel.h"
 #include "winio/winproc.h"
 
 namespace tarn::winio {
@@ -322,6 +327,43 @@ TEST_F(Windows, TextGoesToAClassAndBack) {
     EXPECT_EQ(std::string(reply), std::string(255, 'm'));
     // A number that nobody is sending is nothing.
     EXPECT_EQ(SendMessageA(newest()->hwnd, msg_text_message, 0, 1234), 0);
+}
+
+std::int32_t answer_other_program() {
+    std::string both = std::string("heard ") + quillpan_string("MESSAGE_TEXT");
+    reply_to_text_message(both.c_str());
+    return 2;
+}
+
+// The child is another program; it is the one that has no windows.
+TEST_F(Windows, TextComesFromAnotherProgramOfTheUser) {
+    char folder[] = "/tmp/tarn-winio-XXXXXX";
+    ASSERT_NE(mkdtemp(folder), nullptr);
+    setenv("XDG_RUNTIME_DIR", folder, 1);
+    std::string path = std::string(folder) + "/tarn-window-My%20Window";
+    std::int32_t window = 0;
+    form("%lw%nc[My Window]%rm", "*I*E", {w(&window), w(answer_other_program)});
+    ASSERT_EQ(access(path.c_str(), F_OK), 0);
+    pid_t child = fork();
+    if (child == 0) {
+        text_message text{"hello"}, reply{};
+        bool sent = send_through_channel("My Window", text, reply);
+        bool silent = send_through_channel("Nobody", text, reply);
+        _exit(sent && !silent && std::string(reply) == "heard hello" ? 0 : 1);
+    }
+    int status = -1;
+    for (int i = 0; i < 5000 && waitpid(child, &status, WNOHANG) == 0; ++i) {
+        settle();
+        usleep(1000);
+    }
+    EXPECT_EQ(status, 0);
+    close_all();
+    EXPECT_NE(access(path.c_str(), F_OK), 0);
+    chmod(folder, 0777);  // others could put their own there
+    text_message text{"hello"}, reply{};
+    EXPECT_FALSE(send_through_channel("My Window", text, reply));
+    rmdir(folder);
+    unsetenv("XDG_RUNTIME_DIR");
 }
 
 // ---- Call-backs that end windows within messages

@@ -131,15 +131,22 @@ struct CloseAcross {
     }
 };
 
-// n rows, `step` bytes from one to the next, whose elements have the size of Word or are gathered.
+// n rows, `step` bytes from one to the next, less than from one element of a row to the next. Their
+// elements have the size of Word, or half of it with as much in between, or are gathered.
 template <class Word>
 class SideBySide {
   public:
     SideBySide(const Row& first, Index step, Index n) : first_(first), step_(step), n_(n) {
-        // Gathered elements are flags.
-        direct_ = step == first.size && first.size == static_cast<Index>(sizeof(Word));
-        exactly_one_ = direct_ && first.truth == Truth::byte_is_one;
-        low_ = direct_ && first.truth != Truth::whole ? Word{0xFF} : static_cast<Word>(~Word{0});
+        constexpr auto word = static_cast<Index>(sizeof(Word));
+        dense_ = step == first.size && first.size == word;
+        // Elements of which every second counts are the lower halves of words.
+        halves_ = step == 2 * first.size && step == word;
+        exactly_one_ = (dense_ || halves_) && first.truth == Truth::byte_is_one;
+        if (dense_ || halves_) {
+            const auto half = static_cast<Word>((Word{1} << (4 * word)) - 1);
+            const Word whole = halves_ ? half : static_cast<Word>(~Word{0});
+            low_ = first.truth == Truth::whole ? whole : Word{0xFF};
+        }
     }
 
     void count(std::byte* to, Index to_step, Index to_size, bool parity) {
@@ -174,9 +181,12 @@ class SideBySide {
   private:
     const std::byte* words(Index k) {
         const std::byte* const at = first_.at + k * first_.stride;
-        if (direct_) return at;
+        // Behind the last half there may be nothing to read, but in between rows there is.
+        if (dense_ || (halves_ && k > 0 && k < first_.n - 1)) return at;
         load_flags(flags_, at, step_, n_, first_.size, first_.truth);
-        return reinterpret_cast<const std::byte*>(flags_);
+        if constexpr (sizeof(Word) == 1) return reinterpret_cast<const std::byte*>(flags_);
+        for (Index i = 0; i < n_; ++i) gathered_[i] = flags_[i];
+        return reinterpret_cast<const std::byte*>(gathered_);
     }
     // The last few rows that are open, each by itself from element k on.
     bool finish_few(Word* open, Index k, bool wanted) const {
@@ -199,10 +209,12 @@ class SideBySide {
     Row first_;
     Index step_;
     Index n_;
-    bool direct_;
+    bool dense_;
+    bool halves_;
     bool exactly_one_;
-    Word low_;
+    Word low_ = static_cast<Word>(~Word{0});  // gathered elements are flags
     Flag flags_[block_width];
+    Word gathered_[block_width];
 };
 
 template <class Word>
@@ -229,11 +241,12 @@ void reduce_logical(LogicalReduction what, const Mask& array, int dim, const Vie
                             std::abs(step) < std::abs(along.stride) && along.extent > 1 &&
                             along.extent < INT32_MAX;
         if (!across) return reduce_rows(what, row, step, n, to, to_step, result.element);
-        auto* const block = step != size ? reduce_block<Flag>
-                            : size == 2  ? reduce_block<std::uint16_t>
-                            : size == 4  ? reduce_block<std::uint32_t>
-                            : size == 8  ? reduce_block<std::uint64_t>
-                                         : reduce_block<Flag>;
+        const bool words = step == size || step == 2 * size;
+        auto* const block = !words      ? reduce_block<Flag>
+                            : step == 2 ? reduce_block<std::uint16_t>
+                            : step == 4 ? reduce_block<std::uint32_t>
+                            : step == 8 ? reduce_block<std::uint64_t>
+                                        : reduce_block<Flag>;
         for (Index first = 0; first < n; first += block_width) {
             Row next = row;
             next.at += first * step;

@@ -173,6 +173,8 @@ class Display {
     // The next event, waiting at most `timeout` milliseconds (-1: for ever, 0: not at all).
     // False: none came.
     virtual bool next_event(Event& event, std::int32_t timeout) = 0;
+    // A wait for events ends early when one of these files can be read.
+    virtual void watch(std::span<const int> files) = 0;
     // Where the text caret is, in logical pixels of the surface, for input methods; empty where
     // keys aren't text.
     virtual void set_input_place(TopLevel window, const RECT& caret) = 0;

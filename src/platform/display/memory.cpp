@@ -80,6 +80,7 @@ class MemoryDisplay final : public Display {
     bool has_text(bool primary) override { return selections_[primary].offered; }
 
     bool next_event(Event& event, std::int32_t timeout) override;
+    void watch(std::span<const int> files) override { watched_.assign(files.begin(), files.end()); }
     void set_input_place(TopLevel, const RECT&) override {}
     void flush() override {}
     void inject(const Event& event) override;
@@ -108,6 +109,7 @@ class MemoryDisplay final : public Display {
     TopLevel focused_ = 0, grab_ = 0;
     std::vector<std::unique_ptr<Window>> windows_;  // from the lowest to the topmost
     EventQueue queue_;
+    std::vector<int> watched_;
     Selection selections_[2];  // clipboard, PRIMARY
 };
 
@@ -145,7 +147,9 @@ void MemoryDisplay::push(Event event, bool injected) {
 bool MemoryDisplay::next_event(Event& event, std::int32_t timeout) {
     if (queue_.take(event)) return true;
     // Nobody but the program itself makes events here, so none comes while it sleeps.
-    if (timeout != 0) poll(nullptr, 0, timeout);
+    std::vector<pollfd> files;
+    for (int file : watched_) files.push_back({file, POLLIN, 0});
+    if (timeout != 0) poll(files.data(), files.size(), timeout);
     return false;
 }
 

@@ -65,7 +65,8 @@ void* help(void*) {
     return nullptr;
 }
 
-// Signals of the program are for its own threads.
+// Signals of the program are for its own threads; but a fault in a part is reported where it
+// happens.
 bool start_helper() {
     pthread_attr_t attributes;
     if (pthread_attr_init(&attributes) != 0) return false;
@@ -74,6 +75,7 @@ bool start_helper() {
     sigset_t all;
     sigset_t before;
     sigfillset(&all);
+    for (const int fault : {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGTRAP}) sigdelset(&all, fault);
     pthread_sigmask(SIG_SETMASK, &all, &before);
     pthread_t thread{};
     const bool started = pthread_create(&thread, &attributes, help, nullptr) == 0;

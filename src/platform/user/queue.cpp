@@ -1,6 +1,7 @@
 // The queue: posted messages, input, painting, timers, and the waits.
 #include <cstdio>
 #include <cstdlib>
+#include <poll.h>
 #include <time.h>
 #include <unistd.h>
 
@@ -172,12 +173,32 @@ void enqueue(Event&& event) {
     q.events.push_back(std::move(event));
 }
 
+// A wait on the display ends when one of them can be read.
+void watched_files_changed() {
+    std::vector<int> files;
+    for (const Watch& watch : state().queue.watches)
+        if (!watch.told) files.push_back(watch.file);
+    display().watch(files);
+}
+
+// A file is told of once, until somebody has looked at it.
+void look_at_watched_files() {
+    for (Watch& watch : state().queue.watches) {
+        pollfd file{watch.file, POLLIN, 0};
+        if (watch.told || poll(&file, 1, 0) <= 0) continue;
+        watch.told = true;
+        PostMessageA(watch.hwnd, watch.message, 0, 0);
+        watched_files_changed();
+    }
+}
+
 void pull_events(bool at_once) {
     if (!display_open()) return;
     Queue& q = state().queue;
     const std::int64_t now = clock_us();
     if (!at_once && now - q.last_poll < poll_us && !injected_events_waiting()) return;
     q.last_poll = now;
+    if (!q.watches.empty()) look_at_watched_files();
     Event event;
     // A flood of them must not keep a program from its own work.
     for (int i = 0; i < 256 && display().next_event(event, 0); ++i) enqueue(std::move(event));
@@ -408,7 +429,7 @@ bool program_timer_armed() {
 // How long a wait on a display that nobody watches may still go on, in microseconds.
 std::int64_t silence_left(std::int64_t now) {
     Queue& q = state().queue;
-    if (!program_timer_armed()) give_up_waiting();
+    if (!program_timer_armed() && q.watches.empty()) give_up_waiting();
     if (q.silent_since == 0) q.silent_since = now;
     const std::int64_t left = q.silent_since + silence_limit_us() - now;
     if (left <= 0) give_up_waiting();
@@ -490,6 +511,23 @@ bool modal_loop(HWND owner, bool (*take)(MSG&, void*), bool (*done)(void*), void
         DispatchMessageA(message);
     }
     return owner == HWND{} || find(owner) != nullptr;
+}
+
+// ---- Files of other programs ------------------------------------------------------------------
+void WatchFile(HWND hwnd, int file, UINT message) {
+    state().queue.watches.push_back({hwnd, file, message, false});
+    watched_files_changed();
+}
+
+void WatchAgain(int file) {
+    for (Watch& watch : state().queue.watches)
+        if (watch.file == file) watch.told = false;
+    watched_files_changed();
+}
+
+void UnwatchFile(int file) {
+    std::erase_if(state().queue.watches, [file](const Watch& w) { return w.file == file; });
+    watched_files_changed();
 }
 
 LRESULT DispatchMessageA(const MSG& message) {

@@ -40,11 +40,19 @@ struct Timer {
     bool internal = false;  // of this room: never seen by a program
 };
 
+struct Watch {  // a file that others write to
+    HWND hwnd{};
+    int file = -1;
+    UINT message = 0;
+    bool told = false;  // and not looked at since
+};
+
 struct Queue {
     std::deque<MSG> posted;
     std::deque<Event> events;        // taken from the display, not yet looked at
     std::deque<InputMessage> input;  // made from an event, not yet taken
     std::vector<Timer> timers;       // the next one first
+    std::vector<Watch> watches;
     std::uintptr_t next_timer_id = 0x7F00;
     std::int64_t last_poll = 0;   // of the display
     std::int64_t last_frame = 0;  // when something was painted or presented

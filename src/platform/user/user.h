@@ -119,6 +119,10 @@ bool RedrawWindow(HWND hwnd);  // all of it and its children, now
 LRESULT SendMessageA(HWND hwnd, UINT message, WPARAM wparam, LPARAM lparam);
 LRESULT SendMessageW(HWND hwnd, UINT message, WPARAM wparam, LPARAM lparam);
 LRESULT send_message(HWND hwnd, UINT message, WPARAM wparam, LPARAM lparam);  // texts in UTF-8
+// `message` is posted when the file can be read, and again only after WatchAgain.
+void WatchFile(HWND hwnd, int file, UINT message);
+void WatchAgain(int file);
+void UnwatchFile(int file);
 bool PostMessageA(HWND hwnd, UINT message, WPARAM wparam, LPARAM lparam);
 void PostQuitMessage(std::int32_t code);
 bool PeekMessageA(MSG& message, HWND hwnd, UINT first, UINT last, UINT remove);

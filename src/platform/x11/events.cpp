@@ -47,10 +47,11 @@ bool X11Display::next_event(Event& event, std::int32_t timeout) {
     }
 }
 
-// False: nothing came in that time, or a signal did.
+// False: nothing came from the server in that time; a signal did, or a watched file can be read.
 bool X11Display::wait(std::int32_t timeout) {
-    pollfd socket{xcb_get_file_descriptor(connection_.xcb), POLLIN, 0};
-    return poll(&socket, 1, timeout) > 0;
+    std::vector<pollfd> files{{xcb_get_file_descriptor(connection_.xcb), POLLIN, 0}};
+    for (int file : watched_) files.push_back({file, POLLIN, 0});
+    return poll(files.data(), files.size(), timeout) > 0 && files[0].revents != 0;
 }
 
 void X11Display::drain() {

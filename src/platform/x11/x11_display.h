@@ -102,6 +102,7 @@ class X11Display final : public Display {
     bool has_text(bool primary) override;
 
     bool next_event(Event& event, std::int32_t timeout) override;
+    void watch(std::span<const int> files) override { watched_.assign(files.begin(), files.end()); }
     void set_input_place(TopLevel id, const RECT& caret) override;
     void flush() override;
     void inject(const Event& event) override;
@@ -204,6 +205,7 @@ class X11Display final : public Display {
     std::vector<RECT> monitors_;       // the same, logical
     std::uint8_t randr_event_ = 0;
     xcb_cursor_t cursors_[static_cast<std::size_t>(CursorShape::none) + 1] = {};
+    std::vector<int> watched_;
     TopLevel grab_ = 0;
     bool grab_due_ = false;  // its window wasn't there yet
     POINT injected_pointer_;

@@ -1,14 +1,15 @@
 !> options: --virtual-common=big -fcray-pointer
+!> without: -flto
 !> runs: common before scratch
 !> common: (byte 8000000001 of the region ./program, which has 8000000000, from 200000000000 on)
-!> common: in fill, regions.f90:35
-!> common: called by regions, regions.f90:21
+!> common: in fill, regions.f90:36
+!> common: called by regions, regions.f90:22
 !> before: (8 bytes before the region RESULTS, which has 1000000, from * on)
-!> before: in set, regions.f90:43
-!> before: called by regions, regions.f90:24
+!> before: in set, regions.f90:44
+!> before: called by regions, regions.f90:25
 !> scratch: (byte 524288001 of the region SCRATCH_1, which has 524288000, from * on)
-!> scratch: in set, regions.f90:43
-!> scratch: called by regions, regions.f90:28
+!> scratch: in set, regions.f90:44
+!> scratch: called by regions, regions.f90:29
 program regions
   use tarn_virtual
   implicit none

@@ -9,6 +9,7 @@ The head of the program tells, in comment lines that begin with //> or !>:
     WORD: TEXT          the same, for the run of that word only
     not: TEXT           what no line may hold
     options: WORD...    more of the compiler's options
+    without: OPTION     builds that have this option are left out
 A `*` in a line's text stands for anything, and `@name` for the file and line, as a report writes
 them, of the one line of the program that ends with a comment `@name`.
 """
@@ -36,7 +37,7 @@ def places_in(source):
 
 
 def read_head(source):
-    words, lines, never, options = [], [], [], []
+    words, lines, never, options, builds = [], [], [], [], BUILDS
     places = places_in(source)
     for line in source.read_text().splitlines():
         match = re.match(r"(?://|!)> (\w+): (.*)$", line)
@@ -46,12 +47,14 @@ def read_head(source):
             words = match[2].split()
         elif match[1] == "options":
             options = match[2].split()
+        elif match[1] == "without":
+            builds = [each for each in builds if match[2] not in each]
         elif match[1] == "not":
             never.append(match[2])
         else:
             text = re.sub(r"@(\w+)", lambda mark: places[mark[1]], match[2])
             lines.append((match[1], text))
-    return words or [""], lines, never, options
+    return words or [""], lines, never, options, builds
 
 
 def is_like(line, text):
@@ -95,14 +98,14 @@ def faults_of_json(folder, report):
 
 def main():
     build, source = pathlib.Path(sys.argv[1]).resolve(), pathlib.Path(sys.argv[2]).resolve()
-    words, lines, never, more = read_head(source)
+    words, lines, never, more, builds = read_head(source)
     environment = {k: v for k, v in os.environ.items() if not k.startswith(("GFORTRAN_", "TARN"))}
     environment["TARN_REPORT"] = "report"
     failed = False
     with tempfile.TemporaryDirectory() as folder:
         # By its bare name, which the reports show.
         (pathlib.Path(folder) / source.name).write_text(source.read_text())
-        for options in BUILDS:
+        for options in builds:
             driver = build / "bin" / DRIVERS[source.suffix]
             command = [driver, "-w", *options, *more, source.name, "-o", "program"]
             subprocess.run(command, cwd=folder, check=True)

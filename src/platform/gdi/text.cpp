@@ -4,6 +4,7 @@
 #include <array>
 #include <cmath>
 #include <cstring>
+#include <emmintrin.h>
 
 #include "platform/gdi/raster.h"
 #include "platform/gdi/text_run.h"
@@ -35,11 +36,11 @@ const Contrast& contrast_for(COLORREF colour) {
     return tables[step];
 }
 
-// What a text's colour adds for each coverage, its four bytes in lanes of 16 bits, and what is left
-// of what was there: one multiplication a pixel, with the result of mix().
-struct Blend {
-    std::uint64_t ink;
-    std::uint32_t rest;  // of 256
+// What a text's colour adds for each coverage, and how many of 256 parts are left of what was
+// there, for the four bytes of a pixel in lanes of 16 bits: the result is that of mix(), and what
+// isn't covered stays as it is.
+struct alignas(16) Blend {
+    std::uint64_t ink, rest;
 };
 struct BlendTable {
     std::uint32_t pixel = 0;
@@ -47,10 +48,10 @@ struct BlendTable {
     std::array<Blend, 256> blends;
 };
 
-constexpr std::uint64_t lanes = 0x00FF00FF00FF00FF;
-
-std::uint64_t spread(std::uint32_t pixel) {
-    return (pixel | std::uint64_t{pixel} << 24) & lanes;
+std::uint64_t in_lanes(std::uint32_t pixel) {
+    std::uint64_t spread = 0;
+    for (int i = 0; i < 4; ++i) spread |= std::uint64_t{pixel >> 8 * i & 0xFF} << 16 * i;
+    return spread;
 }
 
 // Texts in a row mostly have one colour.
@@ -60,8 +61,13 @@ const BlendTable& blends_of(std::uint32_t pixel, const Contrast& contrast) {
     table.pixel = pixel;
     table.contrast = &contrast;
     for (std::size_t i = 0; i < table.blends.size(); ++i) {
-        const std::uint32_t part = contrast[i] + (contrast[i] >> 7);
-        table.blends[i] = {spread(pixel) * part + 0x0080008000800080, 256 - part};
+        constexpr std::uint64_t each = 0x0001000100010001, colours = 0x0000FFFFFFFFFFFF;
+        const std::uint64_t part = contrast[i] + (contrast[i] >> 7);
+        Blend& blend = table.blends[i];
+        blend = {in_lanes(pixel) * part + each * 0x80, each * (256 - part)};
+        if (i == 0) continue;
+        blend.ink = (blend.ink & colours) | std::uint64_t{0xFF00} << 48;
+        blend.rest &= colours;
     }
     return table;
 }
@@ -70,6 +76,32 @@ struct PlacedGlyph {
     const CachedGlyph* glyph;
     std::int32_t x, y;  // of its top left, real pixels
 };
+
+// Two pixels, in lanes of 16 bits.
+__m128i blended(__m128i under, const Blend& first, const Blend& second) {
+    const __m128i a = _mm_load_si128(reinterpret_cast<const __m128i*>(&first));
+    const __m128i b = _mm_load_si128(reinterpret_cast<const __m128i*>(&second));
+    const __m128i ink = _mm_unpacklo_epi64(a, b), rest = _mm_unpackhi_epi64(a, b);
+    return _mm_srli_epi16(_mm_add_epi16(_mm_mullo_epi16(under, rest), ink), 8);
+}
+
+void blend_four(std::uint32_t* row, const std::uint8_t* coverage, const BlendTable& table) {
+    const __m128i under = _mm_loadu_si128(reinterpret_cast<const __m128i*>(row));
+    const __m128i zero = _mm_setzero_si128();
+    const auto& blends = table.blends;
+    const __m128i low =
+        blended(_mm_unpacklo_epi8(under, zero), blends[coverage[0]], blends[coverage[1]]);
+    const __m128i high =
+        blended(_mm_unpackhi_epi8(under, zero), blends[coverage[2]], blends[coverage[3]]);
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(row), _mm_packus_epi16(low, high));
+}
+
+void blend_one(std::uint32_t* pixel, std::uint8_t coverage, const BlendTable& table) {
+    const __m128i under = _mm_cvtsi32_si128(static_cast<int>(*pixel));
+    const Blend& blend = table.blends[coverage];
+    const __m128i mixed = blended(_mm_unpacklo_epi8(under, _mm_setzero_si128()), blend, blend);
+    *pixel = static_cast<std::uint32_t>(_mm_cvtsi128_si32(_mm_packus_epi16(mixed, mixed)));
+}
 
 void blend_glyph(const Surface& surface, const RECT& clip, const PlacedGlyph& placed,
                  const std::uint8_t* bytes, const BlendTable& table) {
@@ -82,13 +114,9 @@ void blend_glyph(const Surface& surface, const RECT& clip, const PlacedGlyph& pl
         const std::uint8_t* coverage = bytes + std::ptrdiff_t{y} * glyph.width;
         std::uint32_t* row = pixel_row(surface, placed.y + y) + placed.x;
         // Edges and gaps of strokes alternate too fast for a jump to be foreseen.
-        for (std::int32_t x = left; x < right; ++x) {
-            const Blend& blend = table.blends[coverage[x]];
-            const std::uint32_t under = row[x];
-            const std::uint64_t mixed = (spread(under) * blend.rest + blend.ink) >> 8 & lanes;
-            const auto packed = static_cast<std::uint32_t>(mixed | mixed >> 24) | 0xFF000000u;
-            row[x] = coverage[x] != 0 ? packed : under;
-        }
+        std::int32_t x = left;
+        for (; x + 4 <= right; x += 4) blend_four(row + x, coverage + x, table);
+        for (; x < right; ++x) blend_one(row + x, coverage[x], table);
     }
 }
 

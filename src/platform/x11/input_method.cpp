@@ -4,6 +4,7 @@
 #include <deque>
 #include <dlfcn.h>
 #include <string_view>
+#include <utility>
 #include <vector>
 #include <xcb-imdkit/encoding.h>
 #include <xcb-imdkit/imclient.h>
@@ -96,6 +97,7 @@ struct InputMethod::Session {
     xcb_xim_t* method = nullptr;
     bool open = false;
     std::vector<Context> contexts;
+    bool abandoned = false;  // the window that an answer is due for is gone
     std::deque<MethodAnswer> answers;
 
     Context* of_window(xcb_window_t window) {
@@ -174,7 +176,7 @@ bool InputMethod::Session::start(const Connection& connection, const std::string
 }
 
 void InputMethod::Session::make(Context& context) {
-    if (!open || context.id != 0 || context.asked) return;
+    if (!open || abandoned || context.id != 0 || context.asked) return;
     // Answers come in the order of the questions, one question at a time.
     for (const Context& other : contexts) {
         if (other.asked) return;
@@ -202,12 +204,12 @@ void InputMethod::Session::make(Context& context) {
 }
 
 void InputMethod::Session::made(xcb_xic_t id) {
-    bool taken = false;
+    if (std::exchange(abandoned, false) && id != 0)
+        library.destroy_ic(method, id, nullptr, nullptr);
     for (Context& context : contexts) {
         if (!context.asked) continue;
         context.asked = false;
         context.id = id;
-        taken = true;
         if (id != 0) {
             context.events = XCB_EVENT_MASK_KEY_PRESS;
             tell_focus(context);
@@ -218,7 +220,6 @@ void InputMethod::Session::made(xcb_xic_t id) {
         }
         break;
     }
-    if (!taken && id != 0) library.destroy_ic(method, id, nullptr, nullptr);  // its window is gone
     for (Context& context : contexts) {
         if (context.id == 0 && context.over_spot) make(context);
     }
@@ -245,7 +246,7 @@ void InputMethod::Session::tell_spot(const Context& context) {
 }
 
 void InputMethod::Session::lost() {
-    open = false;
+    open = abandoned = false;
     for (Context& context : contexts) {
         context.id = 0;
         context.asked = context.told_focus = false;
@@ -337,6 +338,7 @@ void InputMethod::forget(xcb_window_t window) {
     if (!context) return;
     if (context->id != 0)
         session_->library.destroy_ic(session_->method, context->id, nullptr, nullptr);
+    session_->abandoned |= context->asked;
     session_->contexts.erase(session_->contexts.begin() + (context - session_->contexts.data()));
 }
 

@@ -100,7 +100,7 @@ void no_resource(const char* kind, const char* name) {
     report_error((kind + (" resource " + shown) + " is not available").c_str(), true);
 }
 
-// False, and said so: the window or the menu isn't there.
+// False: there is no such window, or no such menu, which is said.
 bool attach_menu(std::int32_t window, const char* resource) {
     if (find_window(HWND{window}) == nullptr) return false;
     const platform::HMENU menu = platform::LoadMenuA(resource);

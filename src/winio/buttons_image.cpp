@@ -35,7 +35,7 @@ struct picture {
     std::uint32_t& at(std::int32_t x, std::int32_t y) { return pixels[std::size_t(y) * width + x]; }
 };
 
-// A memory context with a bitmap of its own or one that is given.
+// A memory context that draws in a bitmap, or reads it.
 class canvas {
   public:
     explicit canvas(HBITMAP shown) : dc_(CreateCompatibleDC(HDC{})) {

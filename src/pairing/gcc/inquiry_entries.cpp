@@ -10,10 +10,9 @@
 namespace tarn::gcc {
 namespace {
 
-// Strides count elements, whose true length only the span knows where the type is polymorphic. The
-// compiler compares them as they stand, too.
+// The true length of elements is the span where the type is polymorphic.
 bool same_elements(const ArrayDescriptor& x, const ArrayDescriptor& y) {
-    return x.element_length == y.element_length && x.type == y.type && x.rank == y.rank;
+    return x.unit() == y.unit() && x.type == y.type && x.rank == y.rank;
 }
 
 // Whether a pointer shows exactly the elements of a target; of arrays that are empty, none does.

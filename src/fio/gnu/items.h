@@ -38,9 +38,11 @@ inline bool lacks_width(const Statement& s, const FormatNode& node, ItemType typ
     return type == ItemType::integer || type == ItemType::real || is_bits_edit(node.edit);
 }
 
-// Bits of a REAL are Fortran 2008.
-inline bool is_bits_of_real_refused(ItemType type) {
-    return type == ItemType::real && (gnu_options().allow_std & std_f2008) == 0;
+// Bits of a REAL are Fortran 2008, those of a CHARACTER in no standard.
+inline bool are_bits_refused(ItemType type) {
+    if (type == ItemType::integer) return false;
+    const std::int32_t needed = type == ItemType::real ? std_f2008 : std_gnu;
+    return (gnu_options().allow_std & needed) == 0;
 }
 
 // What stands before an item of list-directed output.

@@ -221,7 +221,7 @@ void read_through(Statement& s, const FormatNode& node, ItemType type, char* ite
         case Edit::B:
         case Edit::O:
         case Edit::Z:
-            if (is_bits_of_real_refused(type)) return fail_mismatch(s, node, type);
+            if (are_bits_refused(type)) return fail_mismatch(s, node, type);
             return read_number(s, node, node.edit, item, kind);
         case Edit::L:
             return read_number(s, node, node.edit, item, kind);

@@ -145,7 +145,7 @@ void write_through(Statement& s, const FormatNode& node, ItemType type, const ch
         case Edit::B:
         case Edit::O:
         case Edit::Z:
-            if (is_bits_of_real_refused(type)) return fail_mismatch(s, node, type);
+            if (are_bits_refused(type)) return fail_mismatch(s, node, type);
             return write_bits(s, node, item, static_cast<std::size_t>(kind));
         case Edit::L:
             return write_logical(s, node, item, kind);

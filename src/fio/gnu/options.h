@@ -34,6 +34,7 @@ struct UnitConvert {
 };
 
 // Bits of `allow_std`.
+inline constexpr std::int32_t std_gnu = 1 << 5;
 inline constexpr std::int32_t std_f2008 = 1 << 7;
 inline constexpr std::int32_t std_f2018 = 1 << 9;
 

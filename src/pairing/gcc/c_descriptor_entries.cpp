@@ -85,9 +85,7 @@ CStatus establish(CDescriptor* descriptor, void* base, int attribute, std::int16
                       "CFI_establish: an allocatable object starts without storage");
     const std::ptrdiff_t known = length_of(type);
     if (known < 0) return refuse(c_invalid_type, "CFI_establish: there is no type %d", type);
-    // Characters may be none; nothing else is.
-    const bool is_character = (type & 0xFF) == c_type::character && type >= 0;
-    if (known == 0 && length == 0 && !is_character)
+    if (known == 0 && length == 0)
         return refuse(c_invalid_length, "CFI_establish: the length of an element is 0");
     if (base != nullptr && rank > 0 && extents == nullptr)
         return refuse(c_invalid_extent, "CFI_establish: the extents are missing");

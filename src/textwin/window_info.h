@@ -182,7 +182,7 @@ void copy_selection(window_info& window);
 void register_text_class();
 bool pump_started();
 pthread_t pump_thread();  // that started it: windows are its own
-void start_pump();  // the class, the script; harmless when done before
+void start_pump();        // the class, the script; harmless when done before
 void destroy_text_window(HWND hwnd);
 void register_message_loop_hook(void (*function)());
 void register_modeless_dialog(HWND dialog);

@@ -21,7 +21,8 @@ Registers registers_of(const ucontext_t& context) {
 }
 
 const FrameRules* Walk::rules_for(std::uintptr_t place) {
-    if (place == 0) return nullptr;  // a call through a null pointer, and the mark of an unused entry
+    if (place == 0)
+        return nullptr;  // a call through a null pointer, and the mark of an unused entry
     FrameRules& kept = kept_[(place ^ place >> 6) % kept_rules];
     if (kept.place == place) return &kept;
     if (find_frame_rules(place, kept)) return &kept;

@@ -8,8 +8,8 @@
 #include "winio/callbacks.h"
 #include "winio/menus.h"
 #include "winio/report.h"
-#include "winio/winproc.h"
 #include "winio/text_channel.h"
+#include "winio/winproc.h"
 
 namespace tarn::winio {
 

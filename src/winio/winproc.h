@@ -53,7 +53,7 @@ struct procedures_state {
     bool (*interception)(platform::MSG*);
     monitor_list idle, cursor, focus, keyboard;
     platform::HWND cursor_window, focus_window;  // as they were last
-    bool dialog_key;  // the command that comes is the Enter or the Escape key's
+    bool dialog_key;             // the command that comes is the Enter or the Escape key's
     platform::HWND last_client;  // of the clipboard: the field or text window that had the focus
     platform::LRESULT message_result;  // __set_mg_return_value
     tool_help_state tool_help;
@@ -154,7 +154,7 @@ void save_settings(const fancy_window* window);
 
 // ---- Text messages between programs (text_messages.cpp)
 void text_message_arrived(fancy_window* window, platform::LPARAM exchange);
-void listen_for_texts(fancy_window* window);        // from other programs
+void listen_for_texts(fancy_window* window);  // from other programs
 void texts_from_outside(platform::HWND hwnd);
 bool send_text_message(const char* class_name, const char* text, char* reply);
 void reply_to_text_message(const char* text);

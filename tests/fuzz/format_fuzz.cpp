@@ -12,7 +12,8 @@ static void require(bool holds) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     FormatProgram program;
-    const FormatError error = parse_gnu_format(reinterpret_cast<const char*>(data), size, {}, program);
+    const FormatError error =
+        parse_gnu_format(reinterpret_cast<const char*>(data), size, {}, program);
     require(error.position <= size);
     if (error.number != 0) return 0;
     require(program.nodes.size() >= 2 && program.nodes.front().edit == Edit::open &&

@@ -259,8 +259,7 @@ void set_state(Window& window, WindowState wanted) {
         rect = filling_parent(*w);  // the parent may have another size by now
     } else if (fills && (old & WS_MAXIMIZE) == 0) {
         if (!was_icon) w->normal_rect = w->rect;
-        rect = w->top ? filling(*w, display().work_area(middle_of(w->rect)))
-                      : filling_parent(*w);
+        rect = w->top ? filling(*w, display().work_area(middle_of(w->rect))) : filling_parent(*w);
     } else if (!fills && ((old & WS_MAXIMIZE) != 0 || was_icon)) {
         rect = w->normal_rect;
     }

@@ -45,7 +45,9 @@ struct TypeRecord {
     const TypeRecord* parent;
 };
 
+// An unlimited polymorphic object without a type is extended by all others.
 bool extends(const TypeRecord* type, const TypeRecord* ancestor) {
+    if (ancestor == nullptr) return true;
     while (type != nullptr) {
         if (type == ancestor || type->hash == ancestor->hash) return true;
         type = type->parent;

@@ -71,7 +71,7 @@ Handler handler_of(const int* number) {
 
 // Seconds that were left of the alarm before; -1: the handler can't be set.
 template <class Integer>
-void set_alarm(const Integer* seconds, Handler handler, Integer* left) {
+void set_alarm(const std::int32_t* seconds, Handler handler, Integer* left) {
     if (std::signal(SIGALRM, handler) == SIG_ERR) return store(left, -1);
     store(left, ::alarm(static_cast<unsigned>(*seconds)));
 }
@@ -140,7 +140,8 @@ TARN_EXPORT void _gfortran_alarm_sub_i4(const std::int32_t* seconds, Handler han
                                         std::int32_t* left) {
     set_alarm(seconds, handler, left);
 }
-TARN_EXPORT void _gfortran_alarm_sub_i8(const std::int64_t* seconds, Handler handler,
+// The kind is that of the third argument; the compiler makes the others INTEGER(4).
+TARN_EXPORT void _gfortran_alarm_sub_i8(const std::int32_t* seconds, Handler handler,
                                         std::int64_t* left) {
     set_alarm(seconds, handler, left);
 }
@@ -148,10 +149,9 @@ TARN_EXPORT void _gfortran_alarm_sub_int_i4(const std::int32_t* seconds,
                                             const std::int32_t* handler, std::int32_t* left) {
     set_alarm(seconds, handler_of(handler), left);
 }
-TARN_EXPORT void _gfortran_alarm_sub_int_i8(const std::int64_t* seconds,
-                                            const std::int64_t* handler, std::int64_t* left) {
-    const int number = static_cast<int>(*handler);
-    set_alarm(seconds, handler_of(&number), left);
+TARN_EXPORT void _gfortran_alarm_sub_int_i8(const std::int32_t* seconds,
+                                            const std::int32_t* handler, std::int64_t* left) {
+    set_alarm(seconds, handler_of(handler), left);
 }
 
 TARN_EXPORT void _gfortran_sleep_i4_sub(const std::int32_t* seconds) {

@@ -37,6 +37,7 @@ program random
   call random_number(items%r)
   call random_number(items(2:6:2)%w)
   print *, items%r, items%w
+  large = 0
   do i = 1, 3
     call random_number(large(:20000 * i))
     call random_number(a(:300 * i))

@@ -1,13 +1,13 @@
 #include "diagnostics/report_cells.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <fcntl.h>
 #include <strings.h>
 #include <unistd.h>
 
 #include "exceptions/registers_text.h"
 #include "platform/base/text.h"
+#include "platform/kernel/console.h"
 #include "platform/kernel/module.h"
 #include "traceback/careful_memory.h"
 
@@ -154,13 +154,8 @@ std::string dump_text(std::uintptr_t address) {
 bool write_file(const std::string& path, std::string_view text) {
     const int file = open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
     if (file < 0) return false;
-    while (!text.empty()) {
-        const ssize_t written = write(file, text.data(), text.size());
-        if (written < 0 && errno == EINTR) continue;
-        if (written <= 0) break;
-        text.remove_prefix(static_cast<std::size_t>(written));
-    }
-    return close(file) == 0 && text.empty();
+    const bool written = platform::write_descriptor(file, text);
+    return close(file) == 0 && written;
 }
 
 }  // namespace tarn::diagnostics

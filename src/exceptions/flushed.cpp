@@ -15,12 +15,10 @@ namespace {
 
 constexpr std::uint32_t denormals_are_zero = 0x0040;
 constexpr std::uint32_t flush_to_zero = 0x8000;
-constexpr std::uint32_t all_masks = 0x1F80;
 constexpr std::uint32_t rounding = 0x6000;
 constexpr std::uint32_t small = platform::fp_underflow | platform::fp_denormal;
-constexpr std::uint32_t any = small | platform::fp_invalid | platform::fp_zero_divide |
-                              platform::fp_overflow | 0x20;  // and inexact
 constexpr int mask_shift = 7;
+constexpr std::uint32_t all_masks = std::uint32_t{platform::fp_all} << mask_shift;
 constexpr std::size_t half = 16;  // bytes of a register's lower half, all that SSE has
 
 // ---- Operands and results, 16 bytes at a time ----
@@ -298,7 +296,7 @@ bool with_flushing(tarn_float_area& area, Compute compute) {
     _mm_setcsr((area.sse_control & rounding) | all_masks | flush_to_zero |
                (area.sse_mask & denormals_are_zero));
     compute();
-    const std::uint32_t raised = _mm_getcsr() & any & ~small;
+    const std::uint32_t raised = _mm_getcsr() & platform::fp_all & ~small;
     _mm_setcsr(kept);
     const std::uint32_t masks = area.sse_control >> mask_shift;
     if ((raised & ~masks) != 0) return false;

@@ -68,11 +68,11 @@ void for_each_register(const ReportFacts& facts, Each each) {
 
 struct Versions {
     utsname system{};
-    char library[16] = "";
+    char own[16] = "";
 
     Versions() {
         uname(&system);
-        TextBuffer text(library, sizeof library - 1);
+        TextBuffer text(own, sizeof own - 1);
         text.decimal(frame::library_version / 100).add(".").decimal(frame::library_version % 100);
     }
 };
@@ -109,7 +109,7 @@ void write_text(FileWriter& file, const ReportFacts& facts) {
         file.add("  ").add(code.path).add("\n");
     });
     const Versions versions;
-    file.add("\nVersions: tarnlibc ").add(versions.library);
+    file.add("\nVersions: tarnlibc ").add(versions.own);
     file.add(", C library ").add(gnu_get_libc_version()).add(", ").add(versions.system.sysname);
     file.add(" ").add(versions.system.release).add("\n");
 }
@@ -181,7 +181,7 @@ void write_json(FileWriter& file, const ReportFacts& facts) {
     const Versions versions;
     file.add("  \"program\": ").json_text(program_path());
     file.add(",\n  \"process\": ").decimal(getpid());
-    file.add(",\n  \"versions\": {\"tarnlibc\": ").json_text(versions.library);
+    file.add(",\n  \"versions\": {\"tarnlibc\": ").json_text(versions.own);
     file.add(", \"libc\": ").json_text(gnu_get_libc_version());
     file.add(", \"kernel\": ").json_text(versions.system.release).add("}\n}\n");
 }

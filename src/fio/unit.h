@@ -82,6 +82,7 @@ struct GnuConnection {
     EndState end = EndState::before;
     bool last_was_write = false;     // a write makes the file end behind it
     bool record_open = false;        // a non-advancing statement left its record unfinished
+    bool no_line_end = false;        // by $: nor does CLOSE finish it
     std::size_t open_column = 0;     // where it stood in it, in bytes from the record's start
     std::int64_t record_number = 0;  // of a direct file: last record transferred
     std::int32_t last_id = 0;        // ID= of the last asynchronous transfer

@@ -14,7 +14,6 @@ namespace {
 
 constexpr std::uintptr_t page = 4096;
 constexpr int quiet = MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE;
-constexpr int undefined_byte = 0x80;
 
 void* at(std::uintptr_t address) {
     return reinterpret_cast<void*>(address);

@@ -16,6 +16,8 @@ inline constexpr std::uintptr_t range_alignment = 0x40000;
 // No access is possible for that far on either side of a range, so that a loop that runs over the
 // end faults there, not somewhere in what happens to lie behind.
 inline constexpr std::uintptr_t fence_size = 0x10000;
+// What a byte holds that the program hasn't set.
+inline constexpr int undefined_byte = 0x80;
 
 enum class Commits : std::uint8_t { by_system, by_fault };
 
@@ -40,7 +42,7 @@ bool release_range(const AddressRange& range);
 
 // Lets the pages that hold the bytes from `from` to `to` be written to.
 bool make_writable(const AddressRange& range, std::uintptr_t from, std::uintptr_t to);
-// Makes a part of the range read as bytes of 0x80 until it is written to.
+// Makes a part of the range read as undefined bytes until it is written to.
 void make_undefined(AddressRange& range, std::uintptr_t from, std::uintptr_t to);
 // How many bytes of memory the range has by now.
 std::intptr_t committed_bytes(const AddressRange& range);

@@ -16,8 +16,6 @@ namespace tarn::storage {
 
 namespace {
 
-constexpr int undefined_byte = 0x80;
-
 // The start-up object and the drivers lay records out by themselves.
 static_assert(sizeof(tarn_virtual_common) == 48 && offsetof(tarn_virtual_common, tag) == 24 &&
               offsetof(tarn_virtual_common, undefined_start) == 32);

@@ -211,6 +211,4 @@ std::int32_t action_beep() {
     return 2;
 }
 
-// Sounds come from the program's resources, of which there are none yet.
-
 }  // namespace tarn::winio

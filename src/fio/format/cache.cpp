@@ -74,7 +74,7 @@ CachedFormat* FormatCache::parse(const char* text, std::size_t length, FormatRul
     if (!kept) slot = new CachedFormat;
     slot->hash = hash;
     slot->text.assign(text, length);
-    slot->rules = rules.word();
+    slot->rules = rules;
     slot->program = FormatProgram{};
     error_ = parse_gnu_format(slot->text.data(), length, rules, slot->program);
     slot->filled = kept && error_.number == 0;
@@ -93,7 +93,7 @@ CachedFormat* FormatCache::acquire(const char* text, std::size_t length, FormatR
     for (CachedFormat** way = set; way != set + ways && *way != nullptr; ++way) {
         CachedFormat& slot = **way;
         if (slot.hash != hash || !slot.filled || slot.text.size() != length) continue;
-        if (!same_text(slot.text.data(), text, length) || slot.rules != rules.word()) continue;
+        if (!same_text(slot.text.data(), text, length) || slot.rules != rules) continue;
         slot.last_use = ++clock_;
         ++slot.users;
         return &slot;

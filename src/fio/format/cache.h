@@ -16,7 +16,7 @@ namespace tarn::fio {
 struct CachedFormat {
     std::uint64_t hash = 0;
     std::string text;
-    std::uint32_t rules = 0;
+    FormatRules rules;
     FormatProgram program;
     std::uint32_t users = 0;  // running statements
     std::uint64_t last_use = 0;

@@ -329,7 +329,7 @@ class Parser {
         }
         const Token period = scanner_.next();
         if (period.kind != Token::period) {
-            if (node.w != 0 && !rules_.bare_widths) {
+            if (node.w != 0 && !rules_.legacy) {
                 return unexpected(period, decimal_point_missing);
             }
             if (node.w != 0) node.d = 0;

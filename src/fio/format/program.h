@@ -110,15 +110,11 @@ inline constexpr std::uint32_t max_format_depth = 64;
 // What programs are compiled for decides about some formats.
 struct FormatRules {
     bool natural_widths = false;  // a data edit may come without a width (-fdec-format-defaults)
-    bool bare_widths = false;     // REAL edits need no point behind their width (-std=legacy)
+    bool legacy = false;          // REAL edits need no point behind their width (-std=legacy)
     bool before_f2008 = false;    // the standard chosen (-std=f95, -std=f2003) doesn't have G0
     bool before_f2018 = false;    // it has no zero width of exponential edits
 
-    // As a number, different for different rules.
-    std::uint32_t word() const {
-        return (natural_widths ? 1U : 0U) | (bare_widths ? 2U : 0U) | (before_f2008 ? 4U : 0U) |
-               (before_f2018 ? 8U : 0U);
-    }
+    bool operator==(const FormatRules&) const = default;
 };
 
 // Parses the text of a format in the gnu dialect. Text behind the closing parenthesis is ignored.

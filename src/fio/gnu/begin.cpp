@@ -305,16 +305,6 @@ bool open_statement(Statement& s, const TransferSpecifiers& specs) {
     return !s.failed;
 }
 
-// Whether a formatted statement without a position simply goes on where the unit stands.
-bool goes_on(const Unit& unit, bool reading) {
-    const IOStatus& status = unit.status;
-    const GnuConnection& connection = unit.gnu;
-    return status.connected && status.formatted && !status.direct && !status.stream &&
-           (reading ? status.may_read : status.may_write) && unit.statements == 1 &&
-           connection.end != EndState::after && connection.last_was_write != reading &&
-           !connection.record_open;
-}
-
 ItemRoad item_road(const Statement& s) {
     if (s.reading) return s.list_directed ? read_list_item : read_item;
     return s.list_directed ? write_list_item : write_item;
@@ -346,7 +336,7 @@ Statement* begin_usual_transfer(Caller& caller, bool reading, const char* format
                                 std::size_t format_length) {
     Unit* unit = acquire_unit(caller.unit);
     if (unit == nullptr) return nullptr;
-    if (!goes_on(*unit, reading)) {
+    if (!goes_on(*unit, reading) || !unit->status.formatted || unit->status.stream) {
         release_unit(unit);
         return nullptr;
     }

@@ -199,9 +199,9 @@ struct QuickRequest {
                                         QuickField field, const EditModes& modes) {
     QuickReal real;
     if (!(kind == 8 ? load<double>(item, real) : load<float>(item, real))) return nullptr;
+    // A zero's sign may be unwanted, and what will be shown isn't known yet.
     if (real.negative && !gnu_options().sign_zero) return nullptr;
     field.mark = modes.decimal == DecimalMark::comma ? ',' : '.';
-    // A zero's sign may be unwanted, and what will be shown isn't known yet.
     field.sign = real.negative ? '-' : modes.sign == SignMode::plus ? '+' : '\0';
     int decimals = request.d;
     bool fixed = request.edit == Edit::F;

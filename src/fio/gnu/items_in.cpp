@@ -46,7 +46,7 @@ Field take_number(Statement& s, std::size_t width) {
     meet_carriage_return(s, width);
     const std::size_t left = characters_left(s);
     Field field{s.cursor, std::min(width, left)};
-    const bool by_width = s.internal && !gnu_options().legacy;
+    const bool by_width = s.internal && !gnu_options().formats.legacy;
     const std::size_t end = by_width ? field.width : field_end(field.text, field.width, s.modes);
     if (end < field.width) {
         field.width = end;

@@ -61,7 +61,6 @@ struct GnuOptions {
     bool bounds_check = false;
     std::int32_t fpe_summary = 0;  // exceptions that STOP and ERROR STOP name
     FormatRules formats;           // as the words about standards have them
-    bool legacy = false;           // -std=legacy
 
     // GFORTRAN_STDIN_UNIT, GFORTRAN_STDOUT_UNIT, GFORTRAN_STDERR_UNIT.
     std::int32_t stdin_unit = 5;

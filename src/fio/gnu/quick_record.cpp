@@ -15,16 +15,6 @@ constexpr std::size_t usual_marker = 4;
 // As much room as the common road asks for, so that it finds the record where this one began it.
 constexpr std::size_t least_room = 512;
 
-// Whether an unformatted statement simply goes on where the unit stands.
-bool records_go_on(const Unit& unit, bool reading) {
-    const IOStatus& status = unit.status;
-    const GnuConnection& connection = unit.gnu;
-    return status.connected && !status.formatted && !status.direct && !status.transparent &&
-           (reading ? status.may_read : status.may_write) && unit.statements == 1 &&
-           connection.end != EndState::after && connection.last_was_write != reading &&
-           !connection.record_open;
-}
-
 bool has_usual_records(const Unit& unit) {
     const GnuConnection& connection = unit.gnu;
     return !connection.native_records && connection.endian != Endian::swap &&
@@ -59,19 +49,6 @@ bool find_record(QuickRecord& record) {
     return true;
 }
 
-Statement* begin_records(Unit& unit, Caller& caller, bool reading) {
-    Statement* statement = take_statement();
-    Statement& s = *statement;
-    s.caller = &caller;
-    caller.has_unit = true;
-    s.unit = &unit;
-    s.reading = reading;
-    s.unformatted = true;
-    s.raw = UnformattedState{};
-    begin_unformatted(s);
-    return statement;
-}
-
 void end_output(QuickRecord& record, std::int64_t length) {
     File& file = record.unit->file;
     store_marker(record.begin - usual_marker, usual_marker, false, length);
@@ -92,25 +69,33 @@ void end_input(const QuickRecord& record) {
 
 }  // namespace
 
-Statement* begin_usual_records(Caller& caller, bool reading) {
-    Unit* unit = acquire_unit(caller.unit);
+Unit* hold_for_records(std::int32_t number, bool reading) {
+    Unit* unit = acquire_unit(number);
     if (unit == nullptr) return nullptr;
-    if (records_go_on(*unit, reading)) return begin_records(*unit, caller, reading);
+    if (goes_on(*unit, reading) && !unit->status.formatted && !unit->status.transparent) {
+        return unit;
+    }
     release_unit(unit);
     return nullptr;
 }
 
-bool begin_quick_record(QuickRecord& record, std::int32_t number, bool reading) {
-    Unit* unit = acquire_unit(number);
-    if (unit == nullptr) return false;
-    record.unit = unit;
+bool begin_quick_record(QuickRecord& record, Unit& unit, bool reading) {
+    record.unit = &unit;
     record.reading = reading;
-    if (records_go_on(*unit, reading) && has_usual_records(*unit) &&
-        (reading ? find_record(record) : find_room(record))) {
-        return true;
-    }
-    release_unit(unit);
-    return false;
+    return has_usual_records(unit) && (reading ? find_record(record) : find_room(record));
+}
+
+Statement* begin_records(Unit& unit, Caller& caller, bool reading) {
+    Statement* statement = take_statement();
+    Statement& s = *statement;
+    s.caller = &caller;
+    caller.has_unit = true;
+    s.unit = &unit;
+    s.reading = reading;
+    s.unformatted = true;
+    s.raw = UnformattedState{};
+    begin_unformatted(s);
+    return statement;
 }
 
 bool end_quick_record(QuickRecord& record) {

@@ -22,8 +22,12 @@ struct QuickRecord {
     bool reading;
 };
 
-// False, and nothing has happened: the record isn't of that kind. Otherwise the unit is held.
-bool begin_quick_record(QuickRecord& record, std::int32_t unit, bool reading);
+// The unit with this number, which is held then, if an unformatted statement without specifiers of
+// its own simply goes on there; one of the two below begins it. Null: it has to be begun in full.
+Unit* hold_for_records(std::int32_t number, bool reading);
+// False, and nothing has happened: the record isn't of the usual kind.
+bool begin_quick_record(QuickRecord& record, Unit& unit, bool reading);
+Statement* begin_records(Unit& unit, Caller& caller, bool reading);
 // False, and nothing has happened: `leave_quick_record` has to be called, and that statement's end.
 bool end_quick_record(QuickRecord& record);
 // The statement that goes on with the record.

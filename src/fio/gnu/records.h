@@ -80,6 +80,16 @@ inline void meet_carriage_return(Statement& statement, std::size_t width) {
 // Ends the record that a non-advancing WRITE left open on a unit. err: an errno value.
 void finish_open_record(Unit& unit, int& err);
 
+// Whether a sequential statement in this direction simply goes on where the unit stands: nothing
+// has to be put in order or refused first.
+inline bool goes_on(const Unit& unit, bool reading) {
+    const IOStatus& status = unit.status;
+    const GnuConnection& connection = unit.gnu;
+    return status.connected && !status.direct && (reading ? status.may_read : status.may_write) &&
+           unit.statements == 1 && connection.end != EndState::after &&
+           connection.last_was_write != reading && !connection.record_open;
+}
+
 // Whether a record of the unit is seen by others as soon as it is complete.
 inline bool leaves_at_once(const Unit& unit) {
     return unit.gnu.unbuffered || unit.file.terminal || unit.file.shared;

@@ -109,19 +109,26 @@ bool begins_on_paper(const Statement& s) {
     return s.unit->gnu.carriage == CarriageControl::fortran && s.column_base == 0;
 }
 
-// The record stays open; what it holds up to the cursor is on its way.
+// What the record holds up to the cursor is on its way, without an end of the line.
+void finish_without_line_end(Statement& s) {
+    int err = 0;
+    s.high = s.cursor;
+    s.pending = 0;
+    if (s.high > s.begin && begins_on_paper(s) && !control_carriage(s)) return;
+    end_record(s.unit->file, static_cast<std::size_t>(s.high - s.begin), leaves_at_once(*s.unit),
+               err);
+    if (err != 0) fail_system(s, err);
+}
+
 void leave_record_open(Statement& s) {
-    Unit& unit = *s.unit;
+    GnuConnection& connection = s.unit->gnu;
     if (s.pending > 0) make_room(s, 0);
     keep_tail(s);
-    int err = 0;
-    const auto length = static_cast<std::size_t>(s.cursor - s.begin);
-    s.high = s.cursor;
-    if (length > 0 && begins_on_paper(s) && !control_carriage(s)) return;
-    end_record(unit.file, static_cast<std::size_t>(s.high - s.begin), leaves_at_once(unit), err);
-    unit.gnu.record_open = true;
-    unit.gnu.open_column = static_cast<std::size_t>(s.column_base) + length;
-    if (err != 0) fail_system(s, err);
+    connection.record_open = true;
+    connection.no_line_end = s.no_line_end;
+    connection.open_column =
+        static_cast<std::size_t>(s.column_base) + static_cast<std::size_t>(s.cursor - s.begin);
+    finish_without_line_end(s);
 }
 
 std::string_view line_end_of(const Unit& unit) {
@@ -154,15 +161,6 @@ void finish_external(Statement& s) {
     s.column_base = s.pending = 0;
     // A formatted stream ends behind the record that was written last.
     if (s.stream && file.size > file.logical_position) cut_here(file, err);
-    if (err != 0) fail_system(s, err);
-}
-
-// Behind `$` the next record follows in the same line, right behind the cursor.
-void finish_without_line_end(Statement& s) {
-    int err = 0;
-    end_record(s.unit->file, static_cast<std::size_t>(s.cursor - s.begin), leaves_at_once(*s.unit),
-               err);
-    s.pending = 0;
     if (err != 0) fail_system(s, err);
 }
 
@@ -242,6 +240,7 @@ void next_output_record(Statement& s) {
         begin_direct(s);
     } else {
         if (s.no_line_end) {
+            // Behind `$` the next record follows in the same line, right behind the cursor.
             finish_without_line_end(s);
         } else {
             finish_external(s);
@@ -325,10 +324,12 @@ void tell_record(Unit& unit, std::int64_t number) {
 void finish_open_record(Unit& unit, int& err) {
     if (!unit.gnu.record_open || !unit.gnu.last_was_write) return;
     unit.gnu.record_open = false;
-    // A prompt at the end of the program stays as it is; any other unit ends with a whole record.
+    // A prompt at the end of the program stays as it is, and so does what `$` ended last; any other
+    // unit ends with a whole record.
     const GnuOptions& options = gnu_options();
     const bool standard = unit.number == options.stdout_unit || unit.number == options.stderr_unit;
-    const std::string_view line_end = standard ? std::string_view() : line_end_of(unit);
+    const bool stays = standard || unit.gnu.no_line_end;
+    const std::string_view line_end = stays ? std::string_view() : line_end_of(unit);
     const std::size_t length = unit.saved_length + line_end.size();
     const OutputRoom at = begin_record(unit.file, length, err);
     if (at.begin == nullptr) return;

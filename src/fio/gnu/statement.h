@@ -216,8 +216,6 @@ struct TransferSpecifiers {
 // unit isn't one that simply goes on: `begin_transfer` does it then.
 Statement* begin_usual_transfer(Caller& caller, bool reading, const char* format,
                                 std::size_t format_length);
-// The same without a format.
-Statement* begin_usual_records(Caller& caller, bool reading);
 // Opens a READ or WRITE. The statement is valid in any case; a fault is in its caller's outcome.
 Statement* begin_transfer(Caller& caller, const TransferSpecifiers& specifiers);
 // A statement that has failed before it began: its items are ignored.

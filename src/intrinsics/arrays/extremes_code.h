@@ -237,7 +237,7 @@ struct BestPlace {
     Index found() const { return place >= 0 ? place : first_counted; }
 };
 
-// The quick search over pieces of an array that follow one another; `Again` walks them once more.
+// The quick search over pieces of an array that follow one another.
 template <class T, bool largest>
 class PlaceSearch {
   public:

@@ -28,11 +28,8 @@ struct TextEnd {
     }
     // Where `last` would lie on the stack. It may not be a parameter then: without a KIND= that
     // place is the caller's, and parameters are free for the compiler to write to.
-    TextEnd(Word given, Word next, std::va_list rest) {
-        const Back found = back_of(given, next);
-        back = found.set;
-        length = static_cast<std::size_t>(found.behind_kind ? va_arg(rest, Word) : next);
-    }
+    TextEnd(Word given, Word next, std::va_list rest)
+        : TextEnd(given, next, back_of(given, next).behind_kind ? va_arg(rest, Word) : next) {}
 };
 
 template <class Character>

@@ -1,6 +1,7 @@
 #include "pairing/gcc/data_transfer.h"
 
 #include "fio/gnu/items.h"
+#include "fio/gnu/unformatted.h"
 #include "pairing/gcc/namelist.h"
 
 namespace tarn::gcc {
@@ -68,10 +69,6 @@ void fill_internal(const DataBlock& block, fio::InternalFile& file) {
     part.owner = Owner::gnu;
 }
 
-std::size_t bytes_of(ItemType type, int kind, std::size_t size) {
-    return type == ItemType::character ? size * static_cast<std::size_t>(kind) : size;
-}
-
 using ItemRow = void (*)(DataBlock& block, ItemType type, char* items, int kind, std::size_t size,
                          std::int64_t stride, std::int64_t count);
 
@@ -85,7 +82,7 @@ void quick_row(DataBlock& block, ItemType type, char* items, int kind, std::size
                std::int64_t stride, std::int64_t count) {
     PrivatePart& part = block.part();
     if (part.owner == Owner::quick) {
-        const std::size_t bytes = bytes_of(type, kind, size);
+        const std::size_t bytes = fio::raw_size(type, kind, size);
         if (pass_row_quickly(part.record, items, bytes, stride, static_cast<std::size_t>(count))) {
             return;
         }
@@ -187,6 +184,21 @@ const char* format_of(const DataBlock& block) {
     return begin_transfer(caller, specs);
 }
 
+// False, and nothing has happened: the statement has to be begun in full.
+bool begin_usual_records(DataBlock& block, bool reading) {
+    PrivatePart& part = block.part();
+    fio::Unit* unit = fio::hold_for_records(block.unit, reading);
+    if (unit == nullptr) return false;
+    if (begin_quick_record(part.record, *unit, reading)) {
+        part.owner = Owner::quick;
+        return true;
+    }
+    part.owner = Owner::gnu;
+    fill_caller(block, part.caller);
+    part.statement = begin_records(*unit, part.caller, reading);
+    return true;
+}
+
 }  // namespace
 
 ItemType item_type(std::int8_t type) {
@@ -219,16 +231,11 @@ void begin_data_transfer(DataBlock& block, bool reading) {
     const std::uint32_t flags = block.flags;
     const bool usual = (flags & (reading ? unusual_in_read : unusual_in_write)) == 0;
     const bool unformatted = (flags & (has_format | list_directed)) == 0;
-    if (usual && unformatted && begin_quick_record(part.record, block.unit, reading)) {
-        part.owner = Owner::quick;
-        return;
-    }
+    if (usual && unformatted && begin_usual_records(block, reading)) return;
     part.owner = Owner::gnu;
     fill_caller(block, part.caller);
     part.statement = nullptr;
-    if (usual && unformatted) {
-        part.statement = fio::begin_usual_records(part.caller, reading);
-    } else if (usual) {
+    if (usual && !unformatted) {
         part.statement =
             fio::begin_usual_transfer(part.caller, reading, format_of(block), block.format_length);
     }
@@ -270,7 +277,7 @@ void transfer_item(DataBlock& block, ItemType type, void* item, int kind, std::s
         return;
     }
     if (part.owner == Owner::quick &&
-        pass_quickly(part.record, static_cast<char*>(item), bytes_of(type, kind, size))) {
+        pass_quickly(part.record, static_cast<char*>(item), fio::raw_size(type, kind, size))) {
         return;
     }
     Statement& statement = statement_of(block);

@@ -6,6 +6,7 @@
 
 #include "frame/link_name.h"
 #include "pairing/gcc/array_descriptor.h"
+#include "pairing/gcc/type_record.h"
 
 namespace tarn::gcc {
 namespace {
@@ -37,13 +38,6 @@ bool is_contiguous(const ArrayDescriptor& array) {
     }
     return true;
 }
-
-// The head of the record that the compiler makes of each derived type.
-struct TypeRecord {
-    std::int32_t hash;
-    std::int64_t size;
-    const TypeRecord* parent;
-};
 
 // An unlimited polymorphic object without a type is extended by all others.
 bool extends(const TypeRecord* type, const TypeRecord* ancestor) {

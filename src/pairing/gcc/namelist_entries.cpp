@@ -2,18 +2,13 @@
 #include "frame/link_name.h"
 #include "pairing/gcc/data_transfer.h"
 #include "pairing/gcc/namelist.h"
+#include "pairing/gcc/type_record.h"
 
 namespace tarn::gcc {
 namespace {
 
 constexpr std::int8_t derived_type = 5;
 constexpr std::int8_t class_type = 7;
-
-// How the compiler's table of a type begins.
-struct TypeTable {
-    std::int32_t hash;
-    std::int64_t size;  // of an object, in bytes
-};
 
 void add_variable(DataBlock& block, void* address, const char* path, std::int32_t kind,
                   std::size_t length, const TypeWords& type, void* procedure, void* type_table) {
@@ -32,7 +27,7 @@ void add_variable(DataBlock& block, void* address, const char* path, std::int32_
     if (type.type == class_type && type_table != nullptr) {
         // What is given is the container, which begins with the object's address.
         variable.address = *static_cast<void**>(address);
-        variable.size = static_cast<std::size_t>(static_cast<TypeTable*>(type_table)->size);
+        variable.size = static_cast<std::size_t>(static_cast<const TypeRecord*>(type_table)->size);
     }
     group_of(block).add(variable);
 }

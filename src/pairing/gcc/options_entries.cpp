@@ -34,8 +34,7 @@ TARN_EXPORT void _gfortran_set_options(int count, const std::int32_t* words) {
     fio::GnuOptions& options = fio::gnu_options();
     if (count > 0) options.warn_std = words[0];
     if (count > 1) options.allow_std = words[1];
-    options.legacy = count > 0 && options.warn_std == 0;
-    options.formats.bare_widths = options.legacy;
+    options.formats.legacy = count > 0 && options.warn_std == 0;
     if (count > 2) options.pedantic = words[2] != 0;
     options.formats.before_f2008 = options.pedantic && (options.allow_std & fio::std_f2008) == 0;
     options.formats.before_f2018 = options.pedantic && (options.allow_std & fio::std_f2018) == 0;

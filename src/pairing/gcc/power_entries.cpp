@@ -4,21 +4,11 @@
 
 #include "frame/link_name.h"
 #include "intrinsics/numbers/gnu_powers.h"
+#include "pairing/gcc/number_types.h"
+
+using namespace tarn::gcc;
 
 namespace {
-
-using i4 = std::int32_t;
-using i8 = std::int64_t;
-using i16 = __int128;
-using r4 = float;
-using r8 = double;
-using r10 = long double;
-using r16 = __float128;
-// The compiler's own complex types are returned as compiled code expects them.
-using c4 = __complex__ float;
-using c8 = __complex__ double;
-using c10 = __complex__ long double;
-typedef __complex__ float c16 __attribute__((mode(TC)));  // NOLINT: `using` takes no mode
 
 template <class Result, class Real, class Exponent>
 Result complex_power(Result base, Exponent exponent) {

@@ -7,22 +7,9 @@
 #include <type_traits>
 
 #include "frame/link_name.h"
+#include "pairing/gcc/number_types.h"
 
-namespace {
-
-using i4 = std::int32_t;
-using i8 = std::int64_t;
-using i16 = __int128;
-using r4 = float;
-using r8 = double;
-using r10 = long double;
-using r16 = __float128;
-using c4 = __complex__ float;
-using c8 = __complex__ double;
-using c10 = __complex__ long double;
-typedef __complex__ float c16 __attribute__((mode(TC)));  // NOLINT: `using` takes no mode
-
-}  // namespace
+using namespace tarn::gcc;
 
 // The C library's, which C++ doesn't declare for these types.
 #define C_REAL_FUNCTION(name) r16 name##f128(r16) noexcept;

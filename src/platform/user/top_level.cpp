@@ -41,7 +41,6 @@ TopLevelOptions options_of(Window& top) {
     o.closable = (top.style & WS_SYSMENU) != 0;
     o.topmost = (top.ex_style & WS_EX_TOPMOST) != 0;
     o.accepts_focus = (top.ex_style & WS_EX_NOACTIVATE) == 0;
-    o.accepts_files = top.top->accepts_files;
     o.accepts_files = any_accepts_files(top);
     limit_surface_size(top, o.minimum, o.maximum);
     o.title = top.title;

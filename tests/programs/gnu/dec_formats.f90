@@ -35,6 +35,7 @@ contains
         open (10, file='paper.'//control, carriagecontrol=control)
         write (10, '(a)') '+over', '-one', '0two', '1page', '$prompt', char(0)//'goes on', ' plain'
         write (10, '(a,/,a)') '0a', '+b'
+        write (10, '(a,$,/,a)') '0first', '+second'
         close (10)
     end subroutine
 end program

@@ -335,6 +335,13 @@ TEST_P(AnyDesktop, FollowsTheScaleOfTheDesktop) {
     }));
 }
 
+std::string text_of(FILE* file) {
+    std::string text;
+    rewind(file);
+    for (int c = getc(file); c != EOF; c = getc(file)) text.push_back(static_cast<char>(c));
+    return text;
+}
+
 // Scripts give the same logs here as in memory: the script room's own tests, run again.
 TEST_P(AnyDesktop, PlaysScriptsAsInMemory) {
 #ifndef TARN_SCRIPT_TEST
@@ -344,10 +351,13 @@ TEST_P(AnyDesktop, PlaysScriptsAsInMemory) {
     setenv("TARN_RESOURCES", library.substr(0, library.rfind('/')).c_str(), 1);
     setenv("TARN_DISPLAY", "x11", 1);
     // Each run of that program is a user's session of its own on this desktop.
-    pid_t tests = start({TARN_SCRIPT_TEST, "--gtest_filter=PlayerTest.*-*EndsWith*:*Refuses*"});
+    FILE* said = tmpfile();
+    pid_t tests = start({TARN_SCRIPT_TEST, "--gtest_filter=PlayerTest.*-*EndsWith*:*Refuses*"}, -1,
+                        fileno(said));
     int status = 1;
     waitpid(tests, &status, 0);
-    EXPECT_EQ(status, 0);
+    EXPECT_EQ(status, 0) << text_of(said);
+    fclose(said);
 #endif
 }
 

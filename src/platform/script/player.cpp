@@ -37,8 +37,9 @@ struct Player {
     DWORD tried_since = 0;
     DWORD patience = 10000;  // milliseconds
     HWND held{};             // the window over which `hold` keeps the button down
-    POINT held_at;
-    DWORD held_since = 0;
+    POINT held_at;           // in its client area: a window manager may move the window meanwhile
+    DWORD held_since = 0;    // when the program had seen the press
+    bool press_seen = false;
     bool polling = false;  // the program has looked for events, and not waited for them since
     DWORD polling_since = 0;
     std::string picture_folder;
@@ -205,24 +206,28 @@ bool find_point(HWND top, const Target& target, bool disabled_too, POINT& screen
     return true;
 }
 
-// Played twice: once to press and, when its time is over, once to let go.
-Outcome play_hold(HWND top, POINT at, const ScriptLine& line) {
+// Played three times: once to press, once when the program has seen that, which is when the time
+// begins, and once when it is over, to let go.
+Outcome play_hold(HWND top, POINT at) {
     Player& p = player();
     p.held = top;
     p.held_at = at;
-    p.held_since = GetTickCount();
+    ScreenToClient(top, p.held_at);
+    p.press_seen = false;
     begin_hold(top, at);
-    return {Outcome::Kind::again, line.first, false};
+    return {Outcome::Kind::again, 0, false};
 }
 
 Outcome go_on_holding(const ScriptLine& line) {
     Player& p = player();
+    if (!std::exchange(p.press_seen, true)) p.held_since = GetTickCount();
     const DWORD held = GetTickCount() - p.held_since;
     const auto wanted = static_cast<DWORD>(line.first);
     if (held < wanted)
         return {Outcome::Kind::again, static_cast<std::int32_t>(wanted - held), false};
     const HWND top = std::exchange(p.held, HWND{});
-    if (IsWindow(top)) end_hold(top, p.held_at);
+    POINT at = p.held_at;
+    if (ClientToScreen(top, at)) end_hold(top, at);
     return events;
 }
 
@@ -244,7 +249,7 @@ Outcome play_pointer(HWND top, const ScriptLine& line, std::string& why_not) {
             click(top, at, MouseButton::middle, 1);
             break;
         case Command::hold:
-            return play_hold(top, at, line);
+            return play_hold(top, at);
         case Command::drag:
             drag(top, at, to);
             break;

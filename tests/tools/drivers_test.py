@@ -85,6 +85,17 @@ class Drivers(unittest.TestCase):
         self.tarnfc("hello.f90", "-oother")
         self.assertEqual(self.output("other"), "a@b 42\n")
 
+    def test_the_compilers_own_run_time_stays_out(self):
+        self.put(hello_f90=HELLO, sub_f90="subroutine s\nprint *, 1\nend\n",
+                 main_c="void s_(void); int main(void) { s_(); return 0; }\n")  # fmt: skip
+        for words in (["-lm"], ["-l", "m", "-lgfortran"], ["-shared", "-fPIC", "-lm"]):
+            self.tarnfc("hello.f90", "-o", "hello", *words)
+            self.assertIn("libtarnlibc.so.0", self.needed("hello"))
+            self.assertNotIn("libgfortran.so.5", self.needed("hello"))
+        self.tarnfc("-c", "sub.f90")
+        self.tarnfc("main.c", "sub.o", "-o", "mixed", "-lgfortran", "-lm", driver="tarncc")
+        self.assertNotIn("libgfortran.so.5", self.needed("mixed"))
+
     def test_what_is_not_taken_over_stays_with_the_compiler(self):
         self.put(hello_f90="print *, reshape([1,2,3,4], [2,2], order=[2,1])\nend\n")
         self.tarnfc("hello.f90")

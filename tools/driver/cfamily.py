@@ -1,7 +1,8 @@
 """tarncc and tarnc++: C and C++ on tarnlibc. They only add to the compiler's command line."""
 
 import paths
-from command import (CommandLine, compiler_of, debug_arguments, include_arguments, link_arguments,
+from command import (CommandLine, compiler_of, debug_arguments, drop_libraries,
+                     include_arguments, link_arguments,
                      main_of, run_compiler, take_choice, take_strip, version_text)  # fmt: skip
 
 HELP = """\
@@ -32,6 +33,7 @@ def main(driver, compiler, variable, language):
         float_rules, arguments = take_choice(arguments, "--float", ["system", "native"])
         command = CommandLine(arguments)
         strip = take_strip(command)
+        drop_libraries(command, ["gfortran"])
         added = include_arguments([paths.INCLUDE]) + debug_arguments(command) + command.arguments()
         added += link_arguments(command, "c", float_rules)
         return run_compiler(command_line, added, command, strip, variable)

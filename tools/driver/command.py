@@ -163,6 +163,15 @@ def take_strip(command):
     return True
 
 
+def drop_libraries(command, names):
+    """Forgets libraries that the user names and the link has anyway. The compiler's own run-time
+    would stand ahead of ours; and where gfortran sees -lm, it puts its run-time there."""
+    if not command.links():
+        return
+    unwanted = [word for name in names for word in ([f"-l{name}"], ["-l", name])]
+    command.items = [item for item in command.items if item[1] not in unwanted]
+
+
 def add_map(command, strip):
     """The linked program gets its map of routines and lines. Without one it works all the same."""
     if not command.links() or "-r" in command.modes:

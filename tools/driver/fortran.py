@@ -22,7 +22,8 @@ import calls
 import paths
 import virtual_common
 from command import (FORTRAN_FIXED, FORTRAN_FREE, PREPROCESSED, CommandLine, UserError,
-                     add_map, compiler_of, debug_arguments, include_arguments, link_arguments,
+                     add_map, compiler_of, debug_arguments, drop_libraries,
+                     include_arguments, link_arguments,
                      main_of, missing, run_compiler, take_choice, take_strip, version_text)  # fmt: skip
 from rewrite import Form, mentions_names, read, rewrite
 
@@ -307,6 +308,8 @@ def run(arguments):
     if native and any(w[0].startswith("-flto") for k, w, _ in command.items if k == "option"):
         raise UserError("--dialect=native does not go with -flto: it works on finished objects")
     strip = take_strip(command)
+    if not command.has("-nostdlib", "-nodefaultlibs"):
+        drop_libraries(command, ["gfortran", "m"])
     if common_blocks:
         command.items += [("option", [word], None) for word in virtual_common.COMPILE]
     added = include_arguments([paths.INCLUDE, paths.MODULES])

@@ -30,6 +30,7 @@ constexpr Fault no_writing{139, iostat_bad_action};
 constexpr Fault bad_record_number{95, iostat_bad_option};
 constexpr Fault bad_position{450, iostat_bad_option};
 constexpr Fault past_end_marker{104, iostat_option_conflict};
+constexpr Fault read_past_end{104, iostat_endfile};
 constexpr Fault same_unit{433, iostat_option_conflict};
 
 // The specifiers of one statement that change modes of the connection. False: a word of none.
@@ -130,14 +131,16 @@ bool check_access(Statement& s, const TransferSpecifiers& specs) {
     return true;
 }
 
+// Behind the end of a file a statement fails. As in gfortran, a WRITE that failed so has found the
+// end and the next one appends; under -std=legacy already the first does, as old programs have it.
 bool check_end(Statement& s) {
-    const GnuConnection& connection = s.unit->gnu;
-    if (s.direct || s.stream) return true;
-    if (connection.end == EndState::after) {
-        fail(s, past_end_marker);
-        return false;
-    }
-    return true;
+    GnuConnection& connection = s.unit->gnu;
+    if (s.direct || s.stream || connection.end != EndState::after) return true;
+    const bool legacy = gnu_options().formats.legacy;
+    if (legacy && !s.reading) return true;
+    if (!s.reading) connection.end = EndState::at;
+    fail(s, legacy ? read_past_end : past_end_marker);
+    return false;
 }
 
 // A statement in the other direction: what one left behind is put in order for the other.

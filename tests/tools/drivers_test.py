@@ -124,6 +124,14 @@ class Drivers(unittest.TestCase):
         self.assertRegex(shown, r"DW_AT_name.*: caller\.f90")
         self.assertRegex(shown, r"DW_AT_comp_dir.*" + re.escape(os.path.realpath(self.folder)))
 
+    def test_all_sources_are_compiled_though_one_fails(self):
+        self.put(bad_f90="! @\nx = 'a\nend\n", hello_f90=HELLO)
+        for words in (["-c"], ["-o", "it"]):
+            shown = text_of(self.tarnfc(*words, "bad.f90", "missing.f90", "hello.f90", status=1))
+            self.assertIn("bad.f90:2", shown)
+        self.assertIn("hello.o", os.listdir(self.folder))
+        self.assertNotIn("it", os.listdir(self.folder))
+
     def test_messages_name_the_users_file_and_names(self):
         self.put(bad_f90="implicit none\ncall go@()\nx = go@ + 1\nend\n",
                  upper_F90="#define LONG 1\nimplicit none\ny@ = LONG\nend\n")  # fmt: skip

@@ -222,20 +222,22 @@ class Build:
             raise missing(objcopy, "TARN_OBJCOPY") from None
 
     def compile_only(self, sources, mode):
-        """-c, -S and -fsyntax-only: each source gives its own output, and other inputs nothing."""
+        """-c, -S and -fsyntax-only: each source gives its own output, and other inputs nothing. One
+        that fails doesn't keep the others from being compiled."""
         suffix = {"-c": ".o", "-S": ".s"}.get(mode)
+        status = 0
         for source in sources:
             stem = os.path.splitext(os.path.basename(source.path))[0]
             output = (self.command.output or stem + suffix) if suffix else None
             if not self.compile(source, output, mode):
-                return 1
-        return 0
+                status = 1
+        return status
 
     def compile_and_link(self, sources, added):
         by_path = {source.path: source for source in sources}
         arguments = []
         objects = []
-        forced = False
+        forced = failed = False
         for kind, words, language in self.command.items:
             source = by_path.get(words[0]) if kind == "input" else None
             if source is None:
@@ -255,12 +257,13 @@ class Build:
                 del self.options[-6:]
             else:
                 done = self.compile(source, output, "-c")
-            if not done:
-                return 1
+            failed = failed or not done
             objects.append(output)
             arguments += ["-x", "none", output] if forced else [output]
             if forced and language:
                 arguments += ["-x", language]
+        if failed:
+            return 1
         if self.common_blocks:
             if forced:
                 arguments += ["-x", "none"]

@@ -137,8 +137,9 @@ def link_arguments(command, language, float_rules):
         out.append(os.path.join(paths.START, f"tarn_start_{rules}{language}.o"))
     # -Xlinker, not -Wl: a folder's name may hold a comma.
     out += ["-L" + paths.LIB, "-Xlinker", "-rpath", "-Xlinker", paths.LIB]
-    if language == "fortran":
-        # Contained procedures that are handed on need it, and nobody can do anything about it.
+    if language == "fortran" and not command.has("-fuse-ld=lld"):
+        # Contained procedures that are handed on need it, and nobody can do anything about it. The
+        # linker `lld` doesn't warn.
         out.append("-Wl,--no-warn-execstack")
     # Data and code in pages of their own, which the linker `gold` has no word for.
     pages = [] if command.has("-fuse-ld=gold") else ["-Wl,-z,separate-code"]

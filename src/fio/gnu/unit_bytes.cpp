@@ -92,7 +92,7 @@ int seek_unit(std::int32_t number, std::int64_t offset, std::int32_t whence) {
     if (__builtin_add_overflow(base, offset, &offset) || offset < 0) return -1;
     file_set_append(file, false);
     move_to(file, offset, err);
-    file.position_state = 3;
+    file.position_state = place_unknown;
     unit->gnu.end = EndState::before;
     unit->gnu.record_open = false;
     return err == 0 ? 0 : -1;

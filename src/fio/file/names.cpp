@@ -127,6 +127,13 @@ bool clean_name(std::string_view given, std::string& name) {
     return name.find('\0') == std::string::npos;
 }
 
+int remove_file(const char* name) {
+    struct stat about;
+    const bool device =
+        ::stat(name, &about) == 0 && (S_ISCHR(about.st_mode) || S_ISBLK(about.st_mode));
+    return device ? 0 : ::unlink(name);
+}
+
 bool is_writable_folder(const char* name) {
     struct stat about;
     return name != nullptr && *name != '\0' && ::stat(name, &about) == 0 &&
@@ -218,7 +225,7 @@ bool sys_fileExists(std::string_view name) {
 }
 
 void sys_deleteFile(std::string_view name, int& err) {
-    const int result = ::unlink(without_trailing_blanks(name).c_str());
+    const int result = remove_file(without_trailing_blanks(name).c_str());
     err = result == 0 ? 0 : platform::platform_error(errno);
 }
 

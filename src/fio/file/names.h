@@ -14,6 +14,10 @@ std::string full_path_name(std::string_view name);
 // bytes; a zero byte within it would make it another file's name: false.
 bool clean_name(std::string_view given, std::string& name);
 
+// Removes a file's name as unlink does. A device stays where it is: root may remove /dev/null, and
+// what a program writes there to be rid of it isn't a file that its CLOSE is meant to delete.
+int remove_file(const char* name);
+
 // A folder in which files can be made.
 bool is_writable_folder(const char* name);
 // The first writable folder for temporary files; empty when there is none.

@@ -349,7 +349,7 @@ void disconnect(Unit& unit, bool remove, int& err) {
     finish_open_record(unit, err);
     write_out(unit.file, err);
     console_detach(unit);
-    if (remove && !unit.file.path.empty() && ::unlink(unit.file.path.c_str()) != 0 && err == 0) {
+    if (remove && !unit.file.path.empty() && remove_file(unit.file.path.c_str()) != 0 && err == 0) {
         err = errno;
     }
     // What couldn't be written has been reported once.

@@ -69,15 +69,11 @@ program corrected
     call show(10)
     close (10, status='delete')
 
-    ! ENDFILE ends a record that ADVANCE='NO' has left open; behind it nothing is written, twice.
+    ! ENDFILE ends a record that ADVANCE='NO' has left open.
     open (11, file='lines.txt')
     write (11, '(A)', advance='no') 'left open'
     endfile (11, iostat=ios)
     print *, ios
-    do i = 1, 2
-        write (11, '(A)', iostat=ios) 'behind'
-        print *, ios
-    end do
     rewind (11)
     call show(11)
     close (11, status='delete')

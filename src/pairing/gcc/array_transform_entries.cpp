@@ -159,7 +159,10 @@ void reshape_into(ArrayDescriptor& to, const ArrayDescriptor& from, Index elemen
     if (!padded && source.count() < shape.count())
         array_failure(wrong_shape, "The SOURCE of RESHAPE has %td elements; the result has %td",
                       source.count(), shape.count());
-    reshape(result_for(to, shape, element, "RESHAPE"), order, source, padded ? &pad : nullptr);
+    const View result = result_for(to, shape, element, "RESHAPE");
+    // The compiler trusts SHAPE to be what stands around the call, and gives storage by that.
+    require_shape(result, shape, "result", "RESHAPE");
+    reshape(result, order, source, padded ? &pad : nullptr);
 }
 
 // ---- CSHIFT and EOSHIFT ----
@@ -198,6 +201,9 @@ class BlankElement {
         bytes_ = element <= static_cast<Index>(sizeof few_)
                      ? few_
                      : static_cast<std::byte*>(std::malloc(static_cast<std::size_t>(element)));
+        constexpr int out_of_storage = 408;
+        if (bytes_ == nullptr)
+            array_failure(out_of_storage, "There is no storage for a blank of %td bytes", element);
         for (Index at = 0; at + character_size <= element; at += character_size)
             std::memcpy(bytes_ + at, &character, static_cast<std::size_t>(character_size));
     }

@@ -89,7 +89,8 @@ template <class T, bool largest>
 T best_counted(T best, const Run& run) {
     if (run.n <= few_counted) {
         for_each_element<T>(run, [&](T x, bool counts) {
-            best = static_cast<int>(counts) & static_cast<int>(beats<largest>(x, best)) ? x : best;
+            const T value = counts ? x : best;
+            best = beats<largest>(value, best) ? value : best;
         });
         return best;
     }
@@ -112,8 +113,10 @@ struct BestAcross {
             for (Index i = 0; i < n; ++i) best[i] = beats<largest>(x[i], best[i]) ? x[i] : best[i];
             return;
         }
-        for (Index i = 0; i < n; ++i)
-            best[i] = flags[i] != 0 && beats<largest>(x[i], best[i]) ? x[i] : best[i];
+        for (Index i = 0; i < n; ++i) {
+            const T value = flags[i] != 0 ? x[i] : best[i];
+            best[i] = beats<largest>(value, best[i]) ? value : best[i];
+        }
     }
 };
 
@@ -191,20 +194,25 @@ struct BestPlaces {
     [[gnu::always_inline]] static inline void run(T* best, Place* place, const T* x,
                                                   const Flag* flags, Index n, Index k, bool back) {
         const auto here = static_cast<Place>(k);
-        const auto take = [&](bool better, Index i) {
-            best[i] = better ? x[i] : best[i];
+        const auto take = [&](bool better, T value, Index i) {
+            best[i] = better ? value : best[i];
             place[i] = better ? here : place[i];
         };
+        // What a mask hides isn't compared: a NaN there would raise an exception.
+        const auto counted = [&](Index i) { return flags[i] != 0 ? x[i] : best[i]; };
         if (flags == nullptr && !back) {
-            for (Index i = 0; i < n; ++i) take(beats<largest>(x[i], best[i]), i);
+            for (Index i = 0; i < n; ++i) take(beats<largest>(x[i], best[i]), x[i], i);
         } else if (flags == nullptr) {
             for (Index i = 0; i < n; ++i)
-                take(beats<largest>(x[i], best[i]) | (x[i] == best[i]), i);
+                take(beats<largest>(x[i], best[i]) | (x[i] == best[i]), x[i], i);
         } else if (!back) {
-            for (Index i = 0; i < n; ++i) take((flags[i] != 0) & beats<largest>(x[i], best[i]), i);
+            for (Index i = 0; i < n; ++i) take(beats<largest>(counted(i), best[i]), counted(i), i);
         } else {
-            for (Index i = 0; i < n; ++i)
-                take((flags[i] != 0) & (beats<largest>(x[i], best[i]) | (x[i] == best[i])), i);
+            for (Index i = 0; i < n; ++i) {
+                const T value = counted(i);
+                take((flags[i] != 0) & (beats<largest>(value, best[i]) | (value == best[i])), value,
+                     i);
+            }
         }
     }
 };

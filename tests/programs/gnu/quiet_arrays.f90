@@ -1,5 +1,5 @@
 ! Which floating-point exceptions array intrinsics raise: none for what a mask hides, nor for the
-! parts of wide registers that no element fills.
+! parts of wide registers that no element fills. And special functions where they are infinite or 1.
 ! build: $FC $FLAGS -O0 -fno-frontend-optimize -finline-matmul-limit=0 -cpp -ffree-line-length-none $SRC/quiet_arrays.f90 $LINK -o $PROGRAM
 ! run: $PROGRAM
 ! run: env TARN_CPU=base $PROGRAM
@@ -24,6 +24,9 @@
     y = 3; y(2, :) = inf; x(2:, :) = matmul(x(2:, :), y); call tell('matmul', n); \
     x = 2; x(:, 2:) = matmul(x, y(:, 2:)); call tell('matmul', n); \
     x = 2; v = matmul(x, y(:, 1)); call tell('matmul', n); \
+    v(1) = erfc_scaled(-15*y(1, 1)); call tell('erfc_scaled', n); \
+    v(1) = erfc_scaled(tiny(inf)); call tell('erfc_scaled', n); \
+    v(1:2) = bessel_yn(n, n + 1, 0*v(1)); call tell('bessel_yn', n); \
     x = huge(x)/2; y = 1; x = matmul(x, y); call tell('overflow', n); \
     z = (2, 1); w = (3, 1); z(:, 2) = cmplx(inf, 2, k); z = matmul(z, w); call tell('complex', n); \
     z = (2, 1); w(2, :) = cmplx(3, inf, k); z(2:, :) = matmul(z(2:, :), w); call tell('complex', n); \
@@ -39,11 +42,12 @@ contains
   subroutine tell(what, n)
     character(*), intent(in) :: what
     integer, intent(in) :: n
-    logical :: invalid, divided, overflow
+    logical :: invalid, divided, overflow, underflow
     call ieee_get_flag(ieee_invalid, invalid)
     call ieee_get_flag(ieee_divide_by_zero, divided)
     call ieee_get_flag(ieee_overflow, overflow)
-    print *, what, n, invalid, divided, overflow
+    call ieee_get_flag(ieee_underflow, underflow)
+    print *, what, n, invalid, divided, overflow, underflow
     call ieee_set_flag(ieee_all, .false.)
   end subroutine
   OF_TYPE(of_real_4, 4)

@@ -221,7 +221,7 @@ void cshift_routine(NativeCall& call) {
     View result;
     if (!open_result(call, call.result(9), array, element, result)) return;
     if (shift_rank == 0) {
-        circular_shift(result, array, dim, load_integer(shifts.base, shifts.element));
+        circular_shift(result, array, dim, shifts.base, shifts.element);
     } else {
         circular_shifts(result, array, dim, shifts);
     }

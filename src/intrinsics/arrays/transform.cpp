@@ -192,8 +192,17 @@ void for_parts(Index vectors, Index n, bool apart, Work&& work) {
                 work(i, k, std::min(length, n - k));
 }
 
-Index into_range(Index shift, Index n) {
-    const Index rest = shift % n;
+// The shift at an address, from 0 to n - 1.
+Index circular_distance(const std::byte* shift, Index size, Index n) {
+    Index rest = 0;
+    if (size == sizeof(__int128)) {
+        // Cut to what an extent can be it would be another one.
+        __int128 whole;
+        std::memcpy(&whole, shift, sizeof whole);
+        rest = static_cast<Index>(whole % n);
+    } else {
+        rest = load_integer(shift, size) % n;
+    }
     return rest < 0 ? rest + n : rest;
 }
 
@@ -409,10 +418,10 @@ void reshape(const View& to, const int* order, const View& source, const View* p
     });
 }
 
-void circular_shift(const View& to, const View& from, int dim, Index shift) {
+void circular_shift(const View& to, const View& from, int dim, const std::byte* shift, Index size) {
     const Index n = from.dims[dim].extent;
     if (n <= 0) return;
-    const Index s = into_range(shift, n);
+    const Index s = circular_distance(shift, size, n);
     const Index stride = from.dims[dim].stride;
     if (to.dims[dim].stride == to.element && stride == to.element) {
         // Both parts of a vector while it is near.
@@ -439,7 +448,7 @@ void circular_shifts(const View& to, const View& from, int dim, const View& shif
     walk(loops, {to.base, from.base, shifts.base},
          [&](const std::array<std::byte*, 3>& at, Index count) {
              for_parts(count, n, apart, [&](Index i, Index k, Index m) {
-                 const Index s = into_range(load_integer(at[2] + i * step[2], shifts.element), n);
+                 const Index s = circular_distance(at[2] + i * step[2], shifts.element, n);
                  turn_part(at[0] + i * step[0], to_stride, at[1] + i * step[1],
                            from.dims[dim].stride, n, s, k, m, to.element);
              });

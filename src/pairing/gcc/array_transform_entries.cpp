@@ -185,8 +185,8 @@ void cshift(ArrayDescriptor& to, const ArrayDescriptor& from, Index element, con
     const int dim = dim_or_first(dim_given, array, "CSHIFT");
     const View result = result_for(to, array, element, "CSHIFT");
     if (shifts == nullptr) {
-        circular_shift(result, array, dim,
-                       load_integer(reinterpret_cast<const std::byte*>(shift), sizeof(Integer)));
+        circular_shift(result, array, dim, reinterpret_cast<const std::byte*>(shift),
+                       sizeof(Integer));
         return;
     }
     const View given = view_of(*shifts, sizeof(Integer));

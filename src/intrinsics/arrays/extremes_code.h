@@ -12,6 +12,14 @@ template <bool largest, class T>
     return largest ? a > b : a < b;
 }
 
+// What a mask hides isn't compared, since a NaN there would raise an exception: the start, which
+// beats nothing, stands in for it. (With the best so far in its place the compiler would make a
+// branch of it, or compare after all.)
+template <class T>
+[[gnu::always_inline]] inline T counted(Flag flag, T x, T start) {
+    return flag != 0 ? x : start;
+}
+
 // The best of n elements that lie together, and of `best`; n isn't less than `lanes`.
 template <class T, bool largest>
 struct BestOf {
@@ -88,8 +96,9 @@ T best_of(T best, const std::byte* at, Index stride, Index n) {
 template <class T, bool largest>
 T best_counted(T best, const Run& run) {
     if (run.n <= few_counted) {
+        const T start = best;
         for_each_element<T>(run, [&](T x, bool counts) {
-            const T value = counts ? x : best;
+            const T value = counted(static_cast<Flag>(counts), x, start);
             best = beats<largest>(value, best) ? value : best;
         });
         return best;
@@ -108,13 +117,14 @@ T best_of(T best, const Run& run) {
 template <class T, bool largest>
 struct BestAcross {
     static constexpr bool has_vectors = vectors_help<T>;
-    [[gnu::always_inline]] static inline void run(T* best, const T* x, const Flag* flags, Index n) {
+    [[gnu::always_inline]] static inline void run(T* best, const T* x, const Flag* flags, Index n,
+                                                  T start) {
         if (flags == nullptr) {
             for (Index i = 0; i < n; ++i) best[i] = beats<largest>(x[i], best[i]) ? x[i] : best[i];
             return;
         }
         for (Index i = 0; i < n; ++i) {
-            const T value = flags[i] != 0 ? x[i] : best[i];
+            const T value = counted(flags[i], x[i], start);
             best[i] = beats<largest>(value, best[i]) ? value : best[i];
         }
     }
@@ -174,7 +184,8 @@ template <class T, bool largest, bool finite>
 void Extreme<T, largest, finite>::step(Block& block, const std::byte* x, const Flag* flags, Index n,
                                        Index) const {
     dispatch<BestAcross<T, largest>>(block.as<Values<T, largest, finite>>().best + 0,
-                                     reinterpret_cast<const T*>(x), flags, n);
+                                     reinterpret_cast<const T*>(x), flags, n,
+                                     Values<T, largest, finite>::start);
 }
 template <class T, bool largest, bool finite>
 void Extreme<T, largest, finite>::end(Block& block, Index n, Run run, Index step, Index mask_step,
@@ -192,26 +203,28 @@ template <class T, class Place, bool largest>
 struct BestPlaces {
     static constexpr bool has_vectors = vectors_help<T>;
     [[gnu::always_inline]] static inline void run(T* best, Place* place, const T* x,
-                                                  const Flag* flags, Index n, Index k, bool back) {
+                                                  const Flag* flags, Index n, Index k, bool back,
+                                                  T start) {
         const auto here = static_cast<Place>(k);
         const auto take = [&](bool better, T value, Index i) {
             best[i] = better ? value : best[i];
             place[i] = better ? here : place[i];
         };
-        // What a mask hides isn't compared: a NaN there would raise an exception.
-        const auto counted = [&](Index i) { return flags[i] != 0 ? x[i] : best[i]; };
         if (flags == nullptr && !back) {
             for (Index i = 0; i < n; ++i) take(beats<largest>(x[i], best[i]), x[i], i);
         } else if (flags == nullptr) {
             for (Index i = 0; i < n; ++i)
                 take(beats<largest>(x[i], best[i]) | (x[i] == best[i]), x[i], i);
         } else if (!back) {
-            for (Index i = 0; i < n; ++i) take(beats<largest>(counted(i), best[i]), counted(i), i);
-        } else {
             for (Index i = 0; i < n; ++i) {
-                const T value = counted(i);
-                take((flags[i] != 0) & (beats<largest>(value, best[i]) | (value == best[i])), value,
-                     i);
+                const T value = counted(flags[i], x[i], start);
+                take(beats<largest>(value, best[i]), value, i);
+            }
+        } else {
+            // (Places don't count as long as the best is the start.)
+            for (Index i = 0; i < n; ++i) {
+                const T value = counted(flags[i], x[i], start);
+                take(beats<largest>(value, best[i]) | (value == best[i]), value, i);
             }
         }
     }
@@ -328,7 +341,7 @@ void ExtremePlace<T, largest>::step(Block& block, const std::byte* x, const Flag
                                     Index k) const {
     auto& state = block.as<Places<T, largest>>();
     dispatch<BestPlaces<T, typename Places<T, largest>::Place, largest>>(
-        state.best + 0, state.place + 0, reinterpret_cast<const T*>(x), flags, n, k, back);
+        state.best + 0, state.place + 0, reinterpret_cast<const T*>(x), flags, n, k, back, start);
 }
 template <class T, bool largest>
 void ExtremePlace<T, largest>::end(Block& block, Index n, Run run, Index step, Index mask_step,

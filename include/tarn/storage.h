@@ -71,7 +71,8 @@ uint32_t get_exception_mode(void);
 
 /* A block of `length` bytes, or null. In the own heap it is 4-aligned. */
 void* __get_memory(intptr_t length);
-/* Releases a block. Own heap: fails with 30 for what is no live block. */
+/* Releases a block, or ends what the block shares. Own heap: fails with 30 for what is no live
+ * block. */
 void __release_memory(void* block);
 /* Own heap: gives back what is above `length`; fails with 30 for what is no live block and for a
  * length above the present one. System mode: does nothing. */

@@ -12,6 +12,7 @@
 #include "frame/hooks.h"
 #include "frame/state.h"
 #include "storage/allocate.h"
+#include "storage/mappings.h"
 #include "storage/trace.h"
 
 namespace tarn::storage {
@@ -177,6 +178,11 @@ void* get_aligned_memory(std::size_t length, std::size_t alignment) {
 }
 
 void release_memory(void* pointer) {
+    // What get_memory shared is no block of an allocator.
+    if (is_mapped(pointer)) [[unlikely]] {
+        unmap(pointer);
+        return;
+    }
     if (system_mode()) {
         std::free(pointer);
         return;

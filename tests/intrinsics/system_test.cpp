@@ -15,6 +15,7 @@
 #include "intrinsics/system/file_list.h"
 #include "intrinsics/system/processes.h"
 #include "tarn/files.h"
+#include "tarn/handles.h"
 
 namespace tarn::intrinsics {
 namespace {
@@ -252,6 +253,30 @@ TEST_F(Files, HavePathsInFullAndLocal) {
         EXPECT_EQ(full_path(row.given), row.full);
         EXPECT_EQ(local_name(row.given), row.local) << row.given;
     }
+}
+
+// From the root such names would be those of other files.
+TEST_F(Files, StayThemselvesWhereTheFolderHasNoName) {
+    ASSERT_EQ(::mkdir("gone", 0777), 0);
+    ASSERT_EQ(::chdir("gone"), 0);
+    ASSERT_EQ(::rmdir((path + "/gone").c_str()), 0);
+    EXPECT_EQ(current_folder(), "");
+    EXPECT_EQ(full_path("x"), "x");
+    EXPECT_EQ(local_name("/tmp/x"), "/tmp/x");
+
+    ASSERT_EQ(::chdir(path.c_str()), 0);
+    const std::string part(200, 'd');
+    for (int depth = 0; depth < 25; ++depth) {
+        ASSERT_EQ(::mkdir(part.c_str(), 0777), 0);
+        ASSERT_EQ(::chdir(part.c_str()), 0);
+    }
+    EXPECT_EQ(current_folder().size(), path.size() + 25 * 201);
+    std::int16_t error = -1;
+    const std::int16_t handle = __fortran_open("deep", TARN_HANDLE_WRITE, &error);
+    ASSERT_EQ(error, 0);
+    EXPECT_TRUE(file_exists("deep"));
+    EXPECT_EQ(__fortran_closef(handle, 1), 0);
+    EXPECT_FALSE(file_exists("deep"));
 }
 
 TEST_F(Files, TemporaryNamesAreFreeOnesInOrder) {

@@ -95,7 +95,8 @@ mode_t process_mask() {
     return mask;
 }
 
-// -1 where the file refuses, 1 for a text that is no mode.
+// -1 where the file refuses, 1 for a text that is no mode and for a change of a file that isn't
+// there.
 int change_mode(const char* name, const char* text, std::size_t length, std::size_t text_length) {
     constexpr int no_mode = 1;
     std::string_view mode(text, text_length);
@@ -106,7 +107,7 @@ int change_mode(const char* name, const char* text, std::size_t length, std::siz
         intrinsics::ModeBefore before;
         if (!intrinsics::is_octal_mode(mode)) {
             struct stat about {};
-            if (::stat(path, &about) != 0) return -1;
+            if (::stat(path, &about) != 0) return result = no_mode;
             before = {about.st_mode, process_mask()};
         }
         const auto changed = intrinsics::changed_mode(mode, before);

@@ -142,10 +142,19 @@ int remove_file(const char* name) {
     return device ? 0 : ::unlink(name);
 }
 
+// Rights alone don't tell: a file system may have no room for a name, or take none at all.
 bool is_writable_folder(const char* name) {
     struct stat about;
-    return name != nullptr && *name != '\0' && ::stat(name, &about) == 0 &&
-           S_ISDIR(about.st_mode) && ::access(name, W_OK | X_OK) == 0;
+    if (name == nullptr || *name == '\0' || ::stat(name, &about) != 0 || !S_ISDIR(about.st_mode) ||
+        ::access(name, W_OK | X_OK) != 0)
+        return false;
+    std::string probe(name);
+    probe.append("/~~~~~~XXXXXX");
+    const int descriptor = ::mkostemp(probe.data(), O_CLOEXEC);
+    if (descriptor < 0) return errno == EMFILE || errno == ENFILE;
+    ::close(descriptor);
+    ::unlink(probe.c_str());
+    return true;
 }
 
 std::string find_temporary_folder() {

@@ -6,7 +6,8 @@
  *  - own heap, with the environment variable ORVEX_NEW_MEMORY containing "FALSE" in any case:
  *    the library manages one range of addresses below 2 GiB itself, with 4 bytes of overhead a
  *    block, and recognises what the system does not: a pointer freed twice, a pointer that never
- *    was one, a block from `new` given to `free`.
+ *    was one, a block from `new` given to `free`. Where a program wrote beside its blocks and so
+ *    over what the heap keeps there, the next request or release that comes past it fails with 30.
  *
  * The C library's names are not taken over. A program says tarn_malloc where it wants this
  * allocator, or runs with libtarnmalloc.so (linked, or preloaded), which offers the own heap under

@@ -88,6 +88,7 @@ Mode decide_mode() {
 void* get_own(std::size_t length, std::size_t alignment, Origin origin = Origin::plain) {
     void* result = the_state.heap.get(length, alignment, origin);
     if (!result) {
+        if (the_state.heap.corrupt()) failure::fail(heap_is_corrupt);
         errno = ENOMEM;
         return nullptr;
     }
@@ -98,7 +99,7 @@ void* get_own(std::size_t length, std::size_t alignment, Origin origin = Origin:
 // Raises `unknown` for what is no live block.
 Released release_own(void* pointer, int unknown) {
     Released released = the_state.heap.release(pointer);
-    if (!released.found) failure::fail(unknown);
+    if (!released.found) failure::fail(the_state.heap.corrupt() ? heap_is_corrupt : unknown);
     trace_release(released.size, pointer);
     return released;
 }

@@ -9,6 +9,7 @@ program system_files
     integer :: result, values(13), old
     character(300) :: long
     character(3) :: short
+    call before_all()
     open (10, file='f.txt')
     write (10, '(A)') 'content'
     close (10)
@@ -22,6 +23,11 @@ contains
     subroutine tell(what)
         character(*), intent(in) :: what
         print '(A,1X,I0)', what, result
+    end subroutine
+    ! The first statement on a unit brings up all, and leaves the last error alone.
+    subroutine before_all()
+        call link('nothing', 'at all')
+        print *, ierrno()
     end subroutine
     subroutine linking()
         result = rename('f.txt', 'g.txt '); call tell('rename')

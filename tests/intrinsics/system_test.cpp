@@ -2,6 +2,7 @@
 // meaning is theirs and the routines where it is not.
 #include <cerrno>
 #include <cstdlib>
+#include <cstring>
 #include <fcntl.h>
 #include <fstream>
 #include <gtest/gtest.h>
@@ -14,6 +15,7 @@
 #include "intrinsics/system/command_line.h"
 #include "intrinsics/system/file_list.h"
 #include "intrinsics/system/processes.h"
+#include "tarn/dates.h"
 #include "tarn/files.h"
 #include "tarn/handles.h"
 
@@ -411,6 +413,16 @@ TEST(Environment, ValuesAndTheirLengths) {
     std::int32_t length = 0;
     GET_ENVIRONMENT_VARIABLE(nullptr, nullptr, &length, nullptr, nullptr, 0, 0);
     EXPECT_EQ(length, -1);
+}
+
+TEST(Environment, ATimeZoneCountsAtOnce) {
+    const std::int32_t time = 0;
+    for (const char* zone : {"TZ=XXX-5", "TZ=XXX3", "TZ=UTC0"}) {
+        ASSERT_EQ(PUTENV_h(zone, static_cast<std::intptr_t>(std::strlen(zone))), 0);
+        std::string text(8, '?');
+        TOTIME_h(&time, text.data(), length_of(text));
+        EXPECT_EQ(text, zone[6] == '-' ? "05:00:00" : zone[3] == 'X' ? "21:00:00" : "00:00:00");
+    }
 }
 
 // ---- Other programs ----

@@ -142,7 +142,10 @@ void file_adopt(File& file, int descriptor, std::uint32_t access_bits, bool owne
     file.window = nullptr;
     file.seekable = known && (S_ISREG(about.st_mode) || S_ISBLK(about.st_mode));
     file.size = known && S_ISREG(about.st_mode) ? about.st_size : 0;
+    // A file that is no terminal is no error: a program may be about to ask what its last one was.
+    const int reason = errno;
     file.terminal = !file.seekable && ::isatty(descriptor) == 1;
+    errno = reason;
     file.undecided_pipe = false;
     forget_buffer(file);
     // A descriptor that another program opened may stand anywhere.

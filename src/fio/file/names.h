@@ -6,8 +6,12 @@
 
 namespace tarn::fio {
 
+// Empty where it has been removed.
+std::string current_folder();
+
 // The name from the root, with "." and doubled slashes taken out, and "name/.." where that leads
-// to the same place. Symbolic links stay as they are.
+// to the same place. Symbolic links stay as they are. As given where the current folder has no name
+// that the system takes.
 std::string full_path_name(std::string_view name);
 
 // A copy of a name for the system. White space behind a name fills a variable up, and so do zero

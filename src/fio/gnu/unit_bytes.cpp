@@ -123,8 +123,9 @@ void terminal_name(std::int32_t number, char* text, std::size_t length) {
     const int descriptor = descriptor_of_unit(number);
     char name[256];
     if (descriptor < 0 || ::ttyname_r(descriptor, name, sizeof name) != 0) return;
+    // All of it or nothing, and no room for a terminator is no room.
     const std::string_view word(name);
-    std::memcpy(text, word.data(), std::min(length, word.size()));
+    if (word.size() < length) std::memcpy(text, word.data(), word.size());
 }
 
 void flush_one_unit(std::int32_t number) {

@@ -49,12 +49,19 @@ void finish_working_line(window_info& window) {
     if (window.selected_last == working) window.selected_last = line;
 }
 
+// What doesn't fit is dropped, and a character goes as a whole.
+void append_byte(window_info& window, char byte) {
+    if (window.working_length + character_length(window, byte) > line_limit)
+        window.line_full = true;
+    if (!window.line_full) window.last->text()[window.working_length++] = byte;
+}
+
 void start_working_text(window_info& window, const char* text, std::size_t length) {
     window_line* working = window.last;
-    if (length > line_limit) length = line_limit;
-    std::memcpy(working->text(), text, length);
-    working->text()[length] = 0;
-    window.working_length = length;
+    window.working_length = 0;
+    window.line_full = false;
+    for (std::size_t i = 0; i < length; ++i) append_byte(window, text[i]);
+    working->text()[window.working_length] = 0;
     working->right_edge = 0;
     scan_line(window, *working);
 }
@@ -163,14 +170,26 @@ void free_lines(window_info& window) {
     window.working_length = 0;
 }
 
+std::size_t character_length(const window_info& window, char lead) {
+    const auto byte = static_cast<unsigned char>(lead);
+    if (!window.utf8 || byte < 0xC0) return 1;
+    return byte < 0xE0 ? 2 : byte < 0xF0 ? 3 : 4;
+}
+
+std::size_t last_character(const window_info& window, const char* text, std::size_t length) {
+    if (length == 0) return 0;
+    --length;
+    while (window.utf8 && length > 0 && (static_cast<unsigned char>(text[length]) & 0xC0) == 0x80)
+        --length;
+    return length;
+}
+
 void take_back_character(window_info& window) {
     if (window.last == nullptr || window.working_length == 0) return;
     char* text = window.last->text();
-    std::size_t length = window.working_length - 1;
-    while (window.utf8 && length > 0 && (static_cast<unsigned char>(text[length]) & 0xC0) == 0x80)
-        --length;
-    text[length] = 0;
-    window.working_length = length;
+    window.working_length = last_character(window, text, window.working_length);
+    window.line_full = false;
+    text[window.working_length] = 0;
     scan_line(window, *window.last);
     mark_changed(window);
 }
@@ -214,12 +233,9 @@ void write_bytes(window_info& window, const char* bytes, std::size_t count) {
             std::memchr(bytes, '\n', static_cast<std::size_t>(stop - bytes)));
         const char* const piece_end = feed != nullptr ? feed : stop;
         ended_on_feed = false;
-        char* text = window.last->text();
-        for (; bytes < piece_end; ++bytes) {
-            if (*bytes != '\r' && window.working_length < line_limit)
-                text[window.working_length++] = *bytes;
-        }
-        text[window.working_length] = 0;
+        for (; bytes < piece_end; ++bytes)
+            if (*bytes != '\r') append_byte(window, *bytes);
+        window.last->text()[window.working_length] = 0;
         if (feed == nullptr) break;
         scan_line(window, *window.last);
         mark_changed(window);

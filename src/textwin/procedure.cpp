@@ -122,7 +122,8 @@ LRESULT main_windows_procedure(HWND hwnd, UINT message, WPARAM wparam, LPARAM lp
         case WM_ERASEBKGND:
             return 1;
         case WM_CHAR:
-            key_typed(window, static_cast<std::int32_t>(wparam));
+        case WM_UNICHAR:
+            key_typed(window, message, wparam);
             return 0;
         case WM_KEYDOWN:
             if ((GetKeyState(VK_CONTROL) & 0x8000) != 0 && (wparam == 'C' || wparam == VK_INSERT) &&

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "platform/display/display.h"
+#include "tarn/winio.h"
 #include "textwin/window_info.h"
 
 namespace tarn::textwin {
@@ -16,7 +17,11 @@ using platform::HWND;
 
 class TextWindow : public testing::Test {
   protected:
-    static void SetUpTestSuite() { setenv("TARN_DISPLAY", "memory", 1); }
+    static void SetUpTestSuite() {
+        setenv("TARN_DISPLAY", "memory", 1);
+        unsetenv("LC_ALL");
+        setenv("LC_CTYPE", "C", 1);
+    }
     void SetUp() override { window_ = __create_window("Test", 50, 50, 500, 300); }
     void TearDown() override { __destroy_window(window_); }
 
@@ -134,6 +139,51 @@ TEST_F(TextWindow, ReadsKeysAndLines) {
     __win_getline(window_, line);
     EXPECT_STREQ(line, "abc@menu 123");
     EXPECT_NE(text().find("abc\r\nok\r\n"), std::string::npos) << "what is typed is echoed";
+}
+
+// The bytes of a character come and go together: typed, taken back, at the end of a full line.
+TEST_F(TextWindow, HoldsUtf8WhereTheProgramSaysSo) {
+    __enable_utf8(1);
+    const std::int32_t plain = window_;
+    window_ = __create_window(
+        "Gr\xC3\xB6\xC3\x9F"
+        "e",
+        50, 50, 500, 300);
+    __enable_utf8(0);
+    EXPECT_EQ(platform::window_text(HWND{window_}),
+              "Gr\xC3\xB6\xC3\x9F"
+              "e");
+    const auto post = [](std::int32_t window, platform::UINT message, platform::WPARAM code) {
+        platform::PostMessageA(HWND{window}, message, code, 0);
+    };
+    char line[256];
+    for (const std::int32_t window : {window_, plain}) {
+        post(window, platform::WM_CHAR, 0xE4);
+        post(window, platform::WM_UNICHAR, 0x20AC);  // as what the code page lacks comes
+        post(window, platform::WM_CHAR, 0xF6);
+        post(window, platform::WM_CHAR, 8);
+        post(window, platform::WM_CHAR, '\r');
+        __win_getline(window, line);
+        EXPECT_STREQ(line, window == plain ? "\xE4" : "\xC3\xA4\xE2\x82\xAC");
+    }
+    __clear_window(window_);
+    write(std::string(254, 'x') + "\xC3");
+    write("\xA4y\nz");
+    EXPECT_EQ(text(), std::string(254, 'x') + "\r\nz\r\n");
+    __destroy_window(plain);
+}
+
+TEST_F(TextWindow, TabsGoToColumns) {
+    write("aaaaaaaab\na\tb\n\tb");
+    for (const std::int32_t scrolled : {0, 1, 5, 8}) {
+        send(platform::WM_HSCROLL, platform::SB_PAGEUP, 0);
+        for (int i = 0; i < scrolled; ++i) send(platform::WM_HSCROLL, platform::SB_LINEDOWN, 0);
+        __update_window(window_);
+        const window_line* first = info().first;
+        EXPECT_GT(first->right_edge, info().left_margin);
+        EXPECT_EQ(first->next->right_edge, first->right_edge) << scrolled;
+        EXPECT_EQ(first->next->next->right_edge, first->right_edge) << scrolled;
+    }
 }
 
 TEST_F(TextWindow, SelectsWithTheMouseInEmbeddedWindows) {

@@ -29,6 +29,14 @@ window_line* allocate_finished(window_info& window, std::size_t length) {
     return line;
 }
 
+// A place in the text of one record, which another one takes over.
+void move_place(window_line*& at, const char*& character, const window_line& from,
+                window_line& to) {
+    if (at != &from) return;
+    at = &to;
+    character = to.text() + (character - from.text());
+}
+
 // The working line's text moves into a record of its exact length, which takes its place.
 void finish_working_line(window_info& window) {
     window_line* working = window.last;
@@ -45,8 +53,9 @@ void finish_working_line(window_info& window) {
     if (window.first == working) window.first = line;
     if (window.bottom == working) window.bottom = line;
     if (window.top == working) window.top = line;
-    if (window.selected_first == working) window.selected_first = line;
-    if (window.selected_last == working) window.selected_last = line;
+    move_place(window.selected_first, window.selected_first_character, *working, *line);
+    move_place(window.selected_last, window.selected_last_character, *working, *line);
+    move_place(window.anchor_line, window.anchor_character, *working, *line);
 }
 
 // What doesn't fit is dropped, and a character goes as a whole.
@@ -124,9 +133,13 @@ void remove_excess_lines(window_info& window, bool normal) {
         window_line* oldest = window.first;
         window.first = oldest->next;
         window.first->previous = nullptr;
-        if (window.bottom == oldest) window.bottom = window.first;
+        if (window.bottom == oldest)
+            window.bottom = window.first;
+        else
+            --window.bottom_number;
         if (window.top == oldest) window.top = nullptr;
-        if (window.selected_first == oldest || window.selected_last == oldest)
+        if (window.selected_first == oldest || window.selected_last == oldest ||
+            window.anchor_line == oldest)
             cancel_selection(window);
         std::free(oldest);
         --window.line_count;
@@ -165,7 +178,8 @@ void free_lines(window_info& window) {
         line = next;
     }
     window.first = window.last = window.bottom = window.top = nullptr;
-    window.selected_first = window.selected_last = nullptr;
+    window.selected_first = window.selected_last = window.anchor_line = nullptr;
+    window.anchor = window.end = {no_selection, no_selection};
     window.line_count = window.bottom_number = 0;
     window.working_length = 0;
 }

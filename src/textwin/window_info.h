@@ -171,6 +171,7 @@ bool character_at(window_info& window, HDC dc, POINT at, window_line*& line,
 void set_vert_scroll_bar(window_info& window, std::int32_t position, bool forced);
 void count_down_bars();
 void scrollv(window_info& window, std::int32_t amount, std::int32_t update_option, bool absolute);
+void show_full_page(window_info& window);
 void scrollh(window_info& window, std::int32_t amount, std::int32_t update_option);
 void scroll_message(window_info& window, UINT message, WPARAM wparam);
 void wheel(window_info& window, WPARAM wparam);

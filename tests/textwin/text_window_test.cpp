@@ -74,6 +74,22 @@ TEST_F(TextWindow, GivesUpItsOldestLines) {
         EXPECT_EQ(info().maximum_lines, 50);
         EXPECT_EQ(info().line_count, 50);
     }
+    // A view that was scrolled back keeps its lines, or gets the oldest ones.
+    for (const int back : {10, 300}) {
+        const std::int32_t other = __create_window("Other", 50, 50, 500, 300);
+        window_info& window = *find_window(HWND{other});
+        for (int i = 1; i <= 200; ++i) __cw_printf(other, "line %d", i);
+        __update_window(other);
+        platform::SendMessageA(HWND{other}, platform::WM_VSCROLL, platform::SB_BOTTOM, 0);
+        for (int i = 0; i < back; ++i)
+            platform::SendMessageA(HWND{other}, platform::WM_VSCROLL, platform::SB_LINEUP, 0);
+        setMaxLines(other, 50);
+        EXPECT_EQ(window.bottom_number, std::max(50 - back, window.lines_on_view));
+        std::int32_t above = 0;
+        for (const window_line* line = window.bottom; line; line = line->previous) ++above;
+        EXPECT_EQ(above, window.bottom_number);
+        __destroy_window(other);
+    }
     // The chain is whole both ways.
     int forward = 0, backward = 0;
     for (const window_line* line = info().first; line; line = line->next) ++forward;
@@ -209,6 +225,33 @@ TEST_F(TextWindow, SelectsWithTheMouseInEmbeddedWindows) {
     std::free(selected);
     __cancel_selection(inner);
     EXPECT_EQ(__get_selected_quillpan_text(inner, 0), nullptr);
+    // What is selected stays so while the program goes on writing, also in the line that it writes,
+    // and until the line goes.
+    const auto selected_text = [inner] {
+        char* text = __get_selected_quillpan_text(inner, 0);
+        const std::string result = text ? text : "none";
+        std::free(text);
+        return result;
+    };
+    const auto write_lines = [inner](int count) {
+        for (; count > 0; --count) __cw_printf(inner, "line");
+    };
+    mouse(platform::WM_LBUTTONDOWN, 8 + 2, 2 * height + height / 2, true);
+    mouse(platform::WM_MOUSEMOVE, 2 * 8 + 4, 2 * height + height / 2, true);
+    EXPECT_EQ(selected_text(), "hi");
+    write_lines(1);
+    EXPECT_EQ(selected_text(), "hi");
+    mouse(platform::WM_MOUSEMOVE, 3 * 8 + 4, 2 * height + height / 2, true);
+    EXPECT_EQ(selected_text(), "hir");
+    platform::PostMessageA(HWND{inner}, platform::WM_CHAR, 3, 0);  // Ctrl+C isn't input
+    platform::PostMessageA(HWND{inner}, platform::WM_CHAR, 'q', 0);
+    EXPECT_EQ(__win_getchar(inner), 'q');
+    setMaxLines(inner, 50);
+    write_lines(60);
+    EXPECT_EQ(selected_text(), "none");
+    mouse(platform::WM_MOUSEMOVE, 5, height, true);
+    EXPECT_EQ(selected_text(), "none");
+    mouse(platform::WM_LBUTTONUP, 5, height, false);
 }
 
 TEST_F(TextWindow, CallsAfterItsEndDoNothing) {

@@ -12,7 +12,6 @@ static void require(bool holds) {
 }
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t length) {
-    if (length >= 6) icon_file_length(data);
     for (const bool cursor : {false, true}) {
         POINT hot;
         const HICON icon = CreateIconFromFile(data, length, cursor, hot);

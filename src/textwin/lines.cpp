@@ -11,7 +11,6 @@ namespace tarn::textwin {
 namespace {
 
 constexpr int out_of_storage = 199;
-constexpr std::uint64_t show_interval = 2'000'000;  // nanoseconds between paints of a flood
 constexpr std::uint64_t poll_interval = 2'000'000;
 
 window_line* allocate_line(std::size_t text_bytes) {
@@ -208,15 +207,15 @@ void take_back_character(window_info& window) {
     mark_changed(window);
 }
 
-// Output only marks; a flood is painted every two milliseconds, a single write at once.
+// What is written shows at once, since nobody knows whether the program computes for hours after
+// it. Only a flood is painted every two milliseconds.
 void mark_changed(window_info& window) {
     window.changed = true;
     if (!window.update_at_once) return;
     state().show_wanted = true;
-    const std::uint64_t now = now_nanoseconds();
-    if (now - state().last_show < show_interval) return;
+    if (!platform::may_show_now()) return;
     show_output(window);
-    state().last_show = now_nanoseconds();
+    platform::present_now();
 }
 
 void show_output(window_info& window) {
@@ -232,7 +231,6 @@ void show_all_output() {
     state().show_wanted = false;
     for (window_info* window = state().windows; window != nullptr; window = window->next)
         if (window->update_at_once) show_output(*window);
-    state().last_show = now_nanoseconds();
 }
 
 void write_bytes(window_info& window, const char* bytes, std::size_t count) {

@@ -78,7 +78,7 @@ struct window_info {
     window_line* selected_last;
     const char* selected_last_character;
     HMENU popup;
-    char pending[4];                  // of one character typed
+    char pending[4];  // of one character typed
     std::uint8_t pending_length;
     char escape;
     std::size_t working_length;  // of the working line's text
@@ -126,7 +126,6 @@ struct textwin_state {
     bool destroying;
     std::int32_t bar_countdown;
     std::int32_t selection_phase;  // 0, 1 dragging, 2 finished
-    std::uint64_t last_show;       // nanoseconds: when output was painted last
     std::uint64_t last_poll;       // when a writing program looked at the queue last
     bool show_wanted;              // some window has output that isn't on the screen
     std::uint32_t yield_mask;

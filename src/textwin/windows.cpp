@@ -125,10 +125,11 @@ HWND make_window(const char* title, std::int32_t x, std::int32_t y, std::int32_t
     window->width = client.right;
     window->height = client.bottom;
     set_margins(*window);
+    set_bars(*window);  // before they are seen: a program that computes next doesn't paint again
     ShowWindow(hwnd, is_main ? s.show_command : SW_SHOW);
     UpdateWindow(hwnd);
     if (find_window(hwnd) == nullptr) return HWND{};
-    set_bars(*find_window(hwnd));
+    if (!embedded) await_first_sight(hwnd);
     yield_program_control(1);
     return hwnd;
 }

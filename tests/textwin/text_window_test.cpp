@@ -64,6 +64,13 @@ TEST_F(TextWindow, KeepsLinesAsTheyWereWritten) {
     EXPECT_EQ(text(), "ab\r\ncd\r\n");
 }
 
+TEST_F(TextWindow, ShowsEachWriteAtOnce) {
+    for (const char* const piece : {"one\n", "two\n", "three"}) {
+        write(piece);
+        EXPECT_FALSE(info().changed) << piece;
+    }
+}
+
 TEST_F(TextWindow, GivesUpItsOldestLines) {
     setMaxLines(window_, 51);
     for (int i = 1; i <= 200; ++i) __cw_printf(window_, "line %d", i);

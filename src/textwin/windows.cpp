@@ -109,6 +109,7 @@ HWND make_window(const char* title, std::int32_t x, std::int32_t y, std::int32_t
         parent = s.embedding.parent;
         id = HMENU{embedded_id};
     }
+    if (title == nullptr) title = "";
     const bool utf8 = text_is_utf8 != nullptr && text_is_utf8();
     const std::u16string caption = wide_from_utf8(utf8 ? title : utf8_from_page(title));
     const HWND hwnd = CreateWindowExW(0, wide_from_utf8(class_name).c_str(), caption.c_str(), style,

@@ -262,7 +262,7 @@ TEST_F(TextWindow, SelectsWithTheMouseInEmbeddedWindows) {
 }
 
 TEST_F(TextWindow, CallsAfterItsEndDoNothing) {
-    const std::int32_t gone = __create_window("Gone", 10, 10, 200, 100);
+    const std::int32_t gone = __create_window(nullptr, 10, 10, 200, 100);
     __destroy_window(gone);
     __win_printf(gone, "nothing %d", 1);
     __clear_window(gone);

@@ -431,6 +431,15 @@ void save_fortran_string_binding(char* copy, const char* variable, std::int32_t 
     records().bindings = binding;
 }
 
+char* get_shown_string(code_call& call, const char* what) {
+    const bool argument = *call.format == '@';
+    char* text = get_standard_string(call, what);
+    const builder_state& state = building();
+    if (argument && state.fortran_call)
+        save_fortran_string_binding(text, state.last_string_variable, state.last_length);
+    return text;
+}
+
 // ---- The usual ends of a code -------------------------------------------------------------------
 void read_resource_id(code_call& call, window_control& control) {
     const fancy_window* window = current_window();

@@ -182,6 +182,9 @@ void report_argument_error(const char* fortran_text, const char* c_text);
 char* get_standard_string(code_call& call, const char* what);
 COLORREF user_colour(code_call& call);  // [spec] in the format, else an integer
 bool valid_double(double value);
+// A text field that shows for as long as the window lives: of a Fortran string behind `@` it is a
+// copy that updates follow.
+char* get_shown_string(code_call& call, const char* what);
 void save_fortran_string_binding(char* copy, const char* variable, std::int32_t length);
 
 // What most controls read first and last: the resource ID of a %di window, or a pending %ci; the

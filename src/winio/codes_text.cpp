@@ -99,7 +99,17 @@ std::int32_t scaled(std::int32_t units) {
     return static_cast<std::int32_t>(units * current_window()->text_scale);
 }
 
+// Its first line stands on the line's base, as text beside it does.
+void stand_on_line(window_control* control) {
+    control->base_line = scaled(8) - font_descent(control->font) / 2 + control->y;
+    if (current_window()->flags.mixed_font) align_text_base(control);
+}
+
+// What a border and the text's distance from it take up, in pixels.
+constexpr std::int32_t border_room = 6;
+
 void string_control(code_call& call) {
+    flush_text(false, 0);  // what stands before it on the line
     window_control* control = new_window_control(control_type::text);
     collect_ws_options(call, control);
     read_resource_id(call, *control);
@@ -107,6 +117,8 @@ void string_control(code_call& call) {
     std::int32_t depth = 0;
     get_text_dimensions(control->font, control->text, control->width, depth);
     if (call.n > 0) control->width = scaled(call.n * 4);
+    if ((control->style & platform::WS_BORDER) != 0)
+        control->width += pixels_to_units_x(border_room);
     control->height = std::max(depth, scaled(8));
     control->flags.grave = call.grave;
     call.grave = false;
@@ -118,6 +130,7 @@ void string_control(code_call& call) {
     }
     deepen_line(control->height);
     locate(control, 0);
+    stand_on_line(control);
 }
 
 }  // namespace

@@ -33,10 +33,12 @@ HWND make_window(fancy_window* window, HWND parent, HMENU id) {
     return hwnd;
 }
 
-bool size_requested(const fancy_window* window) {
-    if (!window->size_x_var || !window->size_y_var) return false;
+// The size that the variables of %sz ask for; empty for none.
+SIZE requested_size(const fancy_window* window) {
+    if (!window->size_x_var || !window->size_y_var) return {};
     std::int32_t width = *window->size_x_var;
-    return width > 1 && width != 0x7FFFFFFF && *window->size_y_var > 0;
+    if (width <= 1 || width == 0x7FFFFFFF || *window->size_y_var <= 0) return {};
+    return {width, *window->size_y_var};
 }
 
 void show_window(fancy_window* window) {
@@ -53,10 +55,12 @@ void show_window(fancy_window* window) {
         how = SW_SHOWMAXIMIZED;
     else if (window->flags.inactive)
         how = SW_SHOWNA;
+    // Showing it tells the variables the size that it has.
+    const SIZE wanted = requested_size(window);
     ShowWindow(hwnd, how);
     if (watch.gone()) return;
-    if (size_requested(window)) {
-        MoveWindow(hwnd, window->left, window->top, *window->size_x_var, *window->size_y_var, true);
+    if (wanted.cx > 0) {
+        MoveWindow(hwnd, window->left, window->top, wanted.cx, wanted.cy, true);
         if (watch.gone()) return;
     }
     UpdateWindow(hwnd);

@@ -112,6 +112,7 @@ std::int32_t line_depth(const window_control* control) {
                                              0.5);
         case control_type::text:
         case control_type::blank:
+        case control_type::static_string:
         case control_type::button:
         case control_type::fancy_button:
         case control_type::option_button:

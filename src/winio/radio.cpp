@@ -17,7 +17,7 @@ constexpr std::int32_t mark_pixels = 22, ring_pixels = 6;
 void handle_rb(code_call& call) {
     fancy_window* window = current_window();
     window_control* control = new_window_control(control_type::radio);
-    control->text = get_standard_string(call, "radio button");
+    control->text = get_shown_string(call, "radio button");
     read_resource_id(call, *control);
     auto* variable = user_int_pointer(call.arguments);
     control->variable = variable;

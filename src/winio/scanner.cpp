@@ -209,12 +209,7 @@ void read_help(code_call& call, window_control* before) {
             quillpan_error("Missing help string");
             return;
         }
-        const bool argument = *call.format == '@';
-        control->help = get_standard_string(call, "help");
-        const builder_state& state = building();
-        if (argument && state.fortran_call)
-            save_fortran_string_binding(control->help, state.last_string_variable,
-                                        state.last_length);
+        control->help = get_shown_string(call, "help");
         text_size(control->help, control->help_width, control->help_depth);
         window->help_width = std::max(window->help_width, control->help_width);
         window->help_depth = std::max(window->help_depth, control->help_depth);

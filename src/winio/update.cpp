@@ -186,6 +186,12 @@ void window_update(void* variable) {
     textwin::yield_mask() = mask;
 }
 
+bool refresh_bound_copy(const char* copy) {
+    for (const string_binding* binding = records().bindings; binding; binding = binding->next)
+        if (copy && binding->copy == copy) return refresh_copy(*binding);
+    return false;
+}
+
 // Each copy is updated by itself; an update may end windows and their bindings, so that the walk
 // begins anew behind each.
 void window_update_f(void* variable) {
@@ -218,7 +224,10 @@ void careful_window_update(window_control* control, void* variable) {
     const std::int32_t number = window->second_number;
     control->flags.update_source = true;
     ++callbacks().update_depth;
-    window_update(variable);
+    if (control->flags.fortran_string)
+        window_update_f(variable);
+    else
+        window_update(variable);
     --callbacks().update_depth;
     if (still_open(window, number)) control->flags.update_source = false;
 }

@@ -20,7 +20,9 @@ bool is_edit_type(const window_control* control) {
            control->type == string_box || control->type == buffer_box;
 }
 
+// A Fortran string is shown from a copy, which first takes what the program has made of it.
 void show_text(const window_control* control) {
+    refresh_bound_copy(control->text);
     SetWindowTextAW(control->hwnd, control->text ? control->text : "");
 }
 
@@ -37,7 +39,7 @@ void show_switch(window_control* control, bool first) {
     if (!variable) return;
     if (first) undef_int_check(variable, "%rb", 0);
     SendMessageA(control->hwnd, BM_SETCHECK, *variable != 0, 0);
-    if (!first && control->flags.fortran_string) show_text(control);
+    if (!first && refresh_bound_copy(control->text)) show_text(control);
 }
 
 // A page or an embedded window brings its own controls.
@@ -130,6 +132,7 @@ void redraw(const window_control* control) {
 }
 
 void redraw_caption(const fancy_window* window) {
+    refresh_bound_copy(window->caption);
     if (window->caption && window->hwnd > 0) SetWindowTextAW(window->hwnd, window->caption);
 }
 

@@ -138,6 +138,19 @@ TEST_F(Layout, FractionsOfCellsAreCutToUnits) {
     }
 }
 
+// A string that is a control of its own stands on the base of the text beside it.
+TEST_F(Layout, StringControlsStandOnTheirLine) {
+    const char* text = "control";
+    const fancy_window* window =
+        open("above\n%fn[user_default]%ts[1.5]large%ts[1]%ws[left]small", "*C", {w(text)});
+    const auto line_of = [&](const char* piece) {
+        const std::string place = place_of(window, piece);
+        return place.substr(place.find(',') + 1);
+    };
+    EXPECT_EQ(line_of(text), line_of("small"));
+    EXPECT_LT(std::stoi(line_of("large")), std::stoi(line_of(text)));
+}
+
 // ---- Placing -----------------------------------------------------------------------------------
 // The records of a window under construction, without a format.
 class Placing : public testing::Test {

@@ -19,7 +19,7 @@ struct Static : Control {
     }
     LRESULT handle(UINT message, WPARAM wparam, LPARAM lparam);
     void paint();
-    void draw_words(HDC dc, const RECT& rect, const Colours& colours) const;
+    void draw_words(HDC dc, const RECT& client, const Colours& colours) const;
     void draw_image(HDC dc, const RECT& rect) const;
     void draw_by_parent(HDC dc, const RECT& rect) const;
     LRESULT set_image(std::int32_t handle);
@@ -27,7 +27,13 @@ struct Static : Control {
 
 // A label a line high stands on one line whatever its width: words that went on below would not be
 // seen at all.
-void Static::draw_words(HDC dc, const RECT& rect, const Colours& colours) const {
+void Static::draw_words(HDC dc, const RECT& client, const Colours& colours) const {
+    constexpr std::int32_t from_border = 2;
+    RECT rect = client;
+    if (has(WS_BORDER)) {
+        rect.left += from_border;
+        rect.right -= from_border;
+    }
     SetTextColor(dc, enabled() ? colours.text : disabled_text(colours));
     TEXTMETRIC metric;
     GetTextMetricsA(dc, metric);
@@ -42,8 +48,7 @@ void Static::draw_words(HDC dc, const RECT& rect, const Colours& colours) const 
     }
     format |= DT_EXPANDTABS;
     if (t <= SS_RIGHT && !one_line) format |= DT_WORDBREAK;
-    RECT area = rect;
-    draw_text(dc, text, area, format);
+    draw_text(dc, text, rect, format);
 }
 
 void Static::draw_image(HDC dc, const RECT& rect) const {

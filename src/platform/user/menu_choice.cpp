@@ -12,12 +12,23 @@ constexpr std::int32_t scroll_step = 24;
 
 // ---- Choosing ----------------------------------------------------------------------------------
 
+// By how much a pop-up that is taller than its monitor can be scrolled.
+std::int32_t room_of(const MenuLevel& level) {
+    return std::max(level.layout.size.cy - level.screen.height(), 0);
+}
+
+void scroll_to(MenuLevel& level, std::int32_t offset) {
+    level.offset = std::clamp(offset, 0, room_of(level));
+}
+
 void keep_in_view(MenuLevel& level) {
-    if (level.selected < 0) return;
+    if (level.selected < 0 || room_of(level) == 0) return;
     const RECT item = level.layout.items[static_cast<std::size_t>(level.selected)];
     const std::int32_t height = level.screen.height();
-    if (item.top - level.offset < 0) level.offset = std::max(0, item.top - 4);
-    if (item.bottom - level.offset > height) level.offset = item.bottom - height + 4;
+    if (item.top - level.offset < menu_strip_height)
+        scroll_to(level, item.top - menu_strip_height);
+    else if (item.bottom - level.offset > height - menu_strip_height)
+        scroll_to(level, item.bottom - height + menu_strip_height);
 }
 
 void select_item(MenuRun& t, std::size_t index, std::int32_t item) {
@@ -223,7 +234,15 @@ void key_pressed(MenuRun& t, WPARAM key) {
 
 // ---- Pointer -----------------------------------------------------------------------------------
 
+// -1 or 1 where the pointer is on the strip that scrolls that way.
+std::int32_t strip_at(const MenuLevel& level, POINT screen) {
+    const POINT at{screen.x - level.screen.left, screen.y - level.screen.top};
+    const MenuStrips strips = menu_strips(level.layout, level.offset, level.screen.height());
+    return strips.up.contains(at) ? -1 : strips.down.contains(at) ? 1 : 0;
+}
+
 std::int32_t item_at(const MenuLevel& level, POINT screen) {
+    if (strip_at(level, screen) != 0) return no_item;
     const POINT at{screen.x - level.screen.left, screen.y - level.screen.top + level.offset};
     for (std::size_t i = 0; i < level.layout.items.size(); ++i)
         if (level.layout.items[i].contains(at)) return static_cast<std::int32_t>(i);
@@ -250,6 +269,8 @@ void pointer_moved(MenuRun& t, POINT screen) {
     const std::int32_t level = level_at(t, screen);
     if (level >= 0) {
         const auto index = static_cast<std::size_t>(level);
+        if (strip_at(t.levels[index], screen) != 0)
+            SetTimer(t.levels[index].window, menu_scroll_timer, menu_scroll_period, nullptr);
         const std::int32_t item = item_at(t.levels[index], screen);
         if (item == t.levels[index].selected) return;
         const HWND window = t.levels[index].window;
@@ -316,14 +337,24 @@ void hover_is_over(MenuRun& t, HWND window) {
     }
 }
 
+void scroll_by_pointer(MenuRun& t, HWND window) {
+    for (MenuLevel& level : t.levels) {
+        if (level.window != window) continue;
+        const std::int32_t way = strip_at(level, t.pointer);
+        if (way == 0) break;
+        scroll_to(level, level.offset + way * scroll_step);
+        repaint_menu(window);
+        return;
+    }
+    KillTimer(window, menu_scroll_timer);
+}
+
 namespace {
 
 void wheel_turned(MenuRun& t, std::int32_t delta) {
     if (t.levels.empty()) return;
     MenuLevel& level = t.levels.back();
-    const std::int32_t room = level.layout.size.cy - level.screen.height();
-    level.offset =
-        std::clamp(level.offset - delta / WHEEL_DELTA * scroll_step, 0, std::max(room, 0));
+    scroll_to(level, level.offset - delta / WHEEL_DELTA * scroll_step);
     repaint_menu(level.window);
 }
 

@@ -175,6 +175,32 @@ MenuLayout layout_popup(HMENU menu, HWND owner) {
     return layout;
 }
 
+MenuStrips menu_strips(const MenuLayout& layout, std::int32_t offset, std::int32_t height) {
+    MenuStrips strips{};
+    const std::int32_t width = layout.size.cx;
+    if (offset > 0) strips.up = {1, 1, width - 1, menu_strip_height};
+    if (offset + height < layout.size.cy)
+        strips.down = {1, height - menu_strip_height, width - 1, height - 1};
+    return strips;
+}
+
+namespace {
+
+void draw_strip(HDC dc, const RECT& strip, bool up) {
+    if (strip.empty()) return;
+    const Theme& t = theme();
+    const HBRUSH face = CreateSolidBrush(t.menu);
+    FillRect(dc, strip, face);
+    DeleteObject(face);
+    const auto x = static_cast<float>(strip.left + strip.right) / 2;
+    const auto y = static_cast<float>(strip.top + strip.bottom) / 2;
+    const float dy = up ? 2.0F : -2.0F;
+    const PointF chevron[] = {{x - 4.5F, y + dy}, {x, y - dy}, {x + 4.5F, y + dy}};
+    stroke_path(dc, chevron, 1.4F, t.text_muted);
+}
+
+}  // namespace
+
 void draw_popup(HDC dc, HMENU menu, HWND owner, const MenuLayout& layout, std::int32_t selected,
                 std::int32_t offset, std::int32_t height) {
     const Theme& t = theme();
@@ -197,6 +223,9 @@ void draw_popup(HDC dc, HMENU menu, HWND owner, const MenuLayout& layout, std::i
         else
             draw_item(dc, item, rect, layout.shortcut_x, lit);
     }
+    const MenuStrips strips = menu_strips(layout, offset, height);
+    draw_strip(dc, strips.up, true);
+    draw_strip(dc, strips.down, false);
     const HBRUSH border = CreateSolidBrush(t.menu_border);
     FrameRect(dc, {0, 0, layout.size.cx, height}, border);
     DeleteObject(border);

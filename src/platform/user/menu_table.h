@@ -55,6 +55,13 @@ struct MenuLayout {
 MenuLayout layout_popup(HMENU menu, HWND owner);
 // The bar's items in rows of `width`; the system button, if any, stands first with index -1.
 MenuLayout layout_bar(HMENU menu, HWND owner, std::int32_t width, RECT& system_button);
+// Strips at the edges of a pop-up that is taller than its monitor, where more items lie beyond
+// them.
+struct MenuStrips {
+    RECT up, down;  // empty: nothing more that way
+};
+inline constexpr std::int32_t menu_strip_height = 20;
+MenuStrips menu_strips(const MenuLayout& layout, std::int32_t offset, std::int32_t height);
 void draw_popup(HDC dc, HMENU menu, HWND owner, const MenuLayout& layout, std::int32_t selected,
                 std::int32_t offset, std::int32_t height);
 void draw_bar(HDC dc, HMENU menu, HWND owner, const RECT& bar, std::int32_t selected,

@@ -253,7 +253,11 @@ LRESULT popup_procedure(HWND hwnd, UINT message, WPARAM wparam, LPARAM lparam) {
             return 0;
         }
         case WM_TIMER:
-            if (menu_state().current != nullptr) hover_is_over(*menu_state().current, hwnd);
+            if (menu_state().current == nullptr) return 0;
+            if (wparam == menu_scroll_timer)
+                scroll_by_pointer(*menu_state().current, hwnd);
+            else
+                hover_is_over(*menu_state().current, hwnd);
             return 0;
         default:
             return DefWindowProcA(hwnd, message, wparam, lparam);

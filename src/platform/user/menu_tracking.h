@@ -10,6 +10,8 @@ namespace tarn::platform {
 
 inline constexpr UINT menu_hover_delay = 220;  // milliseconds before a sub-menu opens by itself
 inline constexpr std::uintptr_t menu_hover_timer = 1;
+inline constexpr UINT menu_scroll_period = 60;  // milliseconds an item while the pointer rests
+inline constexpr std::uintptr_t menu_scroll_timer = 2;
 
 struct MenuLevel {
     HMENU menu{};
@@ -53,5 +55,7 @@ char32_t lower_letter(char32_t c);
 bool take_message(MenuRun& t, const MSG& message);
 // The pointer has rested on an item of that pop-up.
 void hover_is_over(MenuRun& t, HWND window);
+// It rests on a strip beyond which more items lie.
+void scroll_by_pointer(MenuRun& t, HWND window);
 
 }  // namespace tarn::platform

@@ -57,8 +57,9 @@ HWND text_window_at_hand() {
 }
 
 bool has_selection(HWND edit) {
-    const auto range = static_cast<std::uintptr_t>(SendMessageA(edit, EM_GETSEL, 0, 0));
-    return LOWORD(range) != HIWORD(range);
+    UINT start = 0, end = 0;
+    SendMessageA(edit, EM_GETSEL, reinterpret_cast<WPARAM>(&start), reinterpret_cast<LPARAM>(&end));
+    return start != end;
 }
 
 }  // namespace

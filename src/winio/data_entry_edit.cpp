@@ -15,7 +15,7 @@ using namespace platform;
 
 namespace {
 
-constexpr std::int32_t end_of_text = 100;
+constexpr std::int32_t end_of_text = 0x7FFFFFFF;
 constexpr std::size_t number_size = 100;
 constexpr double longest_buffer = 1.0E7;
 
@@ -35,13 +35,20 @@ struct selection {
     std::int32_t start = 0, end = 0;
 };
 
+// Through addresses: the result has 16 bits for each end, and a buffer may be longer.
 selection get_selection(const window_control* control) {
-    auto both = static_cast<std::uintptr_t>(SendMessageA(control->hwnd, EM_GETSEL, 0, 0));
-    return {LOWORD(both), HIWORD(both)};
+    UINT start = 0, end = 0;
+    SendMessageA(control->hwnd, EM_GETSEL, reinterpret_cast<WPARAM>(&start),
+                 reinterpret_cast<LPARAM>(&end));
+    return {static_cast<std::int32_t>(start), static_cast<std::int32_t>(end)};
 }
 
+// A selection that stands already is left alone: being set again would part what was typed into
+// pieces that are undone one by one.
 void set_selection(const window_control* control, selection what) {
-    if (control->hwnd)
+    if (!control->hwnd) return;
+    const selection now = get_selection(control);
+    if (now.start != what.start || now.end != what.end)
         SendMessageA(control->hwnd, EM_SETSEL, static_cast<WPARAM>(what.start), what.end);
 }
 

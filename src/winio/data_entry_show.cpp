@@ -16,7 +16,7 @@ using namespace platform;
 
 namespace {
 
-constexpr std::int32_t end_of_text = 100;
+constexpr std::int32_t end_of_text = 0x7FFFFFFF;
 
 word bits_of(double value) {
     word bits;

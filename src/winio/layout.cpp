@@ -283,6 +283,9 @@ void locate(window_control* control, std::int32_t extra_depth) {
         if (control->scrolls->horizontal.wanted) h += bar_height();
         if (control->scrolls->vertical.wanted) w += bar_width();
     }
+    // A line that was made deep enough for the control is so for its frame and its bar too.
+    const auto text = static_cast<std::int32_t>(window->text_scale * 8.0);
+    if (at.line_extra > 0 && at.line_extra + text >= control->height) deepen_line(h);
     if (window->flags.explicit_pen || h < 1 || control->width < 1)
         window->flags.explicit_pen = false;
     else

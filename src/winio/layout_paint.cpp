@@ -123,6 +123,7 @@ void draw_edges(HDC dc, const RECT& at, COLORREF top_left, COLORREF bottom_right
 
 RECT area_with_bars(const window_control* control) {
     RECT area{control->left, control->top, control->right + 1, control->bottom + 1};
+    if (control->spin) area.right = std::max(area.right, control->spin->right + 1);
     if (!control->scrolls) return area;
     if (control->scrolls->vertical.hwnd) area.right += GetSystemMetrics(SM_CXVSCROLL);
     if (control->scrolls->horizontal.hwnd) area.bottom += GetSystemMetrics(SM_CYHSCROLL);

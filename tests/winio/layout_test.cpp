@@ -138,6 +138,25 @@ TEST_F(Layout, FractionsOfCellsAreCutToUnits) {
     }
 }
 
+// Frames and bars of a deep box belong to its line: the next one begins below them, at the left.
+TEST_F(Layout, LinesAreAsDeepAsFramesAndBars) {
+    static char text[100];
+    static std::int32_t page = 10, range = 100, at = 0, number = 0;
+    const auto below = [](const fancy_window* window) {
+        const window_control* deep = window->first_control;
+        while (deep->type != control_type::buffer_box) deep = deep->next;
+        const window_control* next = deep->next;
+        while (next->type != control_type::integer_box) next = next->next;
+        return std::pair(next->x - deep->x, next->y >= deep->y + deep->height);
+    };
+    const std::pair in_column(0, true);
+    EXPECT_EQ(below(open("%sy[3d]%20.3re%nl%10rd", "*CI*I", {w(text), 100, w(&number)})),
+              in_column);
+    EXPECT_EQ(below(open("%hx%20.3re%nl%10rd", "*I*I*I*CI*I",
+                         {w(&page), w(&range), w(&at), w(text), 100, w(&number)})),
+              in_column);
+}
+
 // A string that is a control of its own stands on the base of the text beside it.
 TEST_F(Layout, StringControlsStandOnTheirLine) {
     const char* text = "control";

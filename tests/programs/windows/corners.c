@@ -1,4 +1,4 @@
-/* Sizes asked for, and menus that are taller than the screen. */
+/* Sizes asked for, menus that are taller than the screen, texts longer than 16 bits count. */
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
@@ -32,8 +32,23 @@ static void long_menu(void) {
     printf("menu %d\n", __winio("%ca[Menu]%sp%`mn%bt[OK]", 0, 0, menu, chosen));
 }
 
+/* ---- Typing goes on at its place, and is undone as one, also where call-backs look on. */
+static int typed;
+
+static int note(void) {
+    ++typed;
+    return 2;
+}
+static void long_text(void) {
+    static char text[100000];
+    memset(text, 'x', 70000);
+    int button = __winio("%ca[Text]%^40.4re%bt[OK]", text, 100000, note);
+    printf("text %d: %d times, %s\n", button, typed, text + 70000);
+}
+
 int main(void) {
     sizes();
+    long_text();
     long_menu();
     return 0;
 }

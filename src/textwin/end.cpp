@@ -31,6 +31,7 @@ void close_all() {
 }
 
 void winexit() {
+    const unmasked_yield all_messages;
     if (pump_hooks().end != nullptr) pump_hooks().end();
     while (any_left() && !desktop_lost()) {
         show_all_output();

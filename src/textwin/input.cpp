@@ -59,6 +59,7 @@ void take_keyboard(const window_info& window) {
 
 // What is in the queue may be what is waited for: only then is there a wait.
 void wait_for_key(HWND hwnd) {
+    const unmasked_yield all_messages;
     if (!has_input(still_there(hwnd))) take_keyboard(still_there(hwnd));
     while (!has_input(still_there(hwnd))) {
         window_info& window = still_there(hwnd);

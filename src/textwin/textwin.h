@@ -41,6 +41,18 @@ extern bool (*text_is_utf8)();
 // mode 0 runs until WM_QUIT, 1 polls, 2 polls and lets WM_QUIT through, 3 waits for one batch.
 void yield_program_control(std::int32_t mode);
 std::uint32_t& yield_mask();  // the upper limit given to PeekMessageA; 0: all
+// Around a wait for the user: keys and the pointer come through, also where a call-back that waits
+// runs under a mask.
+class unmasked_yield {
+  public:
+    unmasked_yield() : before_(yield_mask()) { yield_mask() = 0; }
+    ~unmasked_yield() { yield_mask() = before_; }
+    unmasked_yield(const unmasked_yield&) = delete;
+    unmasked_yield& operator=(const unmasked_yield&) = delete;
+
+  private:
+    std::uint32_t before_;
+};
 
 // What the room above adds to the pump.
 struct PumpHooks {

@@ -13,6 +13,7 @@
 #include "winio/options.h"
 #include "winio/procedures.h"
 #include "winio/report.h"
+#include "winio/scanner.h"
 #include "winio/text_layer.h"
 #include "winio/winproc.h"
 
@@ -188,7 +189,9 @@ void adjust_sizes(const window_control* control, std::vector<std::int32_t>& widt
     set_quillpan_info("IB_ROWS", static_cast<std::int32_t>(heights.size()));
     set_quillpan_info("IB_WIDTHS", reinterpret_cast<word>(widths.data()));
     set_quillpan_info("IB_HEIGHTS", reinterpret_cast<word>(heights.data()));
+    const std::size_t depth = suspended_constructions();
     call_function(control->callback, "SIZE_ADJUST", HWND{}, true, false);
+    return_to_construction(depth);
     set_quillpan_info("IB_WIDTHS", 0);
     set_quillpan_info("IB_HEIGHTS", 0);
     constexpr std::int32_t largest_cell = 2000;

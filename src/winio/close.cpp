@@ -134,6 +134,7 @@ void end_all(bool destroy) {
 // Windows that a program leaves open stay until the user closes them. Where nobody can, they
 // close as by a user as soon as everything that was waiting has been done.
 void wait_for_open_windows() {
+    const textwin::unmasked_yield all_messages;
     while (any_window_open() && !textwin::desktop_lost()) {
         bool unattended = display().headless() && !script_active();
         if (unattended && queue_is_idle()) {

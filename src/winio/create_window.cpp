@@ -257,6 +257,7 @@ void window_started(fancy_window* window) {
 }
 
 std::int32_t wait_for_window(fancy_window* window) {
+    const textwin::unmasked_yield all_messages;
     while (window->flags.open) {
         WaitMessage();
         textwin::yield_program_control(1);

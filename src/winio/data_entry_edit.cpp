@@ -55,6 +55,8 @@ void set_selection(const window_control* control, selection what) {
 bool call_wanted(const box_event& event, bool changed) {
     const window_control* control = event.control;
     if (!control->callback) return false;
+    // PASTE as the box's own call-back would paste for ever.
+    if (control->flags.in_callback && callbacks().clipboard_refresh) return false;
     return changed && (control->flags.spin_used || control->flags.focus_loss_check ||
                        GetFocus() == control->hwnd);
 }
@@ -65,8 +67,11 @@ bool call_altered(const box_event& event, std::int32_t& result) {
     event.control->flags.spin_used = false;
     get_action_coordinates(event.control);
     callbacks().context.latest_variable = reinterpret_cast<word>(event.control->variable);
+    const bool outer = event.control->flags.in_callback;
+    event.control->flags.in_callback = true;
     result = call_function(event.control, "DATA_ALTERATION", true);
     if (callbacks().window_gone || watch.gone()) return false;
+    event.control->flags.in_callback = outer;
     if (result != 0) return true;
     window_close(event.window);
     return false;

@@ -56,6 +56,7 @@ std::int32_t get_char(bool wait) {
     key_ring& queue = ring();
     if (queue.count == 0) textwin::yield_program_control(1);
     while (wait && queue.count == 0) {
+        const textwin::unmasked_yield all_messages;
         WaitMessage();
         textwin::yield_program_control(1);
     }

@@ -13,6 +13,7 @@ namespace platform = tarn::platform;
 namespace {
 
 void wait_and_serve() {
+    const tarn::textwin::unmasked_yield all_messages;
     platform::WaitMessage();
     tarn::textwin::yield_program_control(1);
 }

@@ -373,6 +373,7 @@ struct control_flags {
     bool right_justify : 1, read_only : 1, client_edge : 1, no_data_frame : 1;
     bool wide : 1, bound_limits : 1, initially_blank : 1, has_data : 1;
     bool prompt_shown : 1, prompt_hidden : 1, spin_used : 1, being_set : 1, password : 1;
+    bool in_callback : 1;  // "DATA_ALTERATION" runs
     bool keep_focus : 1, h_bar : 1, v_bar : 1, no_h_scroll : 1, no_v_scroll : 1;
     bool centre_text : 1, right_text : 1, no_additional_depth : 1;
     bool fortran_string : 1;

@@ -9,6 +9,7 @@
 #include "textwin/error_report.h"
 #include "winio/procedures.h"
 #include "winio/records.h"
+#include "winio/scanner.h"
 
 namespace tarn::winio {
 
@@ -29,7 +30,11 @@ void report(const char* format, std::va_list arguments) {
     const bool recoverable = format[0] == '?';
     char text[text_room];
     std::vsnprintf(text, sizeof text, format + (recoverable ? 1 : 0), arguments);
+    // While the question waits, windows that are open go on, and their call-backs may build others.
+    const bool scanning = building().accumulator != nullptr;
+    const std::size_t depth = suspended_constructions();
     textwin::report_error(text, recoverable);
+    if (scanning) return_to_construction(depth);
 }
 
 }  // namespace

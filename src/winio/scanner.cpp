@@ -234,18 +234,35 @@ void refuse_other_than_dialog(const code_call& call) {
 
 }  // namespace
 
+namespace {
+
+// One scan's text and code; those of the scan that it interrupts come back also when an exception
+// of the program passes through.
+class scan_scope {
+  public:
+    scan_scope() : outer_(building().accumulator), outer_call_(building().call) {
+        text_.reserve(accumulator_size);
+        building().accumulator = &text_;
+        building().call = nullptr;
+    }
+    ~scan_scope() {
+        building().accumulator = outer_;
+        building().call = outer_call_;
+    }
+    scan_scope(const scan_scope&) = delete;
+    scan_scope& operator=(const scan_scope&) = delete;
+
+  private:
+    std::string text_;
+    std::string* outer_;
+    code_call* outer_call_;
+};
+
+}  // namespace
+
 bool scan_format(const char* format, argument_source& arguments) {
-    builder_state& state = building();
-    std::string accumulator;
-    accumulator.reserve(accumulator_size);
-    std::string* const outer = state.accumulator;
-    code_call* const outer_call = state.call;
-    state.accumulator = &accumulator;
-    state.call = nullptr;
-    const bool goes_on = scanner(format, arguments).run();
-    state.accumulator = outer;
-    state.call = outer_call;
-    return goes_on;
+    const scan_scope scope;
+    return scanner(format, arguments).run();
 }
 
 void do_format_code(code_call& call) {

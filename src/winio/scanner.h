@@ -11,6 +11,10 @@
 namespace tarn::winio {
 
 // Walks one format, from `format` to its terminating zero. True: it ended with `&`.
+// How many constructions wait for a nested one; back to that many, if a call-back has left the
+// window that it began.
+std::size_t suspended_constructions();
+void return_to_construction(std::size_t depth);
 bool scan_format(const char* format, argument_source& arguments);
 // Of the window under construction nothing stays for the next one: one-shot values may point to
 // what dies with the window.

@@ -27,8 +27,9 @@ bool begins_with_code(const char* format, const char* code) {
 struct suspended_construction {
     window_builder builder;
     pending_values pending;
-    fancy_window* window;  // under construction
-    fancy_window* nested;  // the window that it waits for; null until it exists
+    std::string* accumulator;  // of the format being scanned; null between two calls
+    fancy_window* window;      // under construction
+    fancy_window* nested;      // the window that it waits for; null until it exists
 };
 std::vector<suspended_construction>& suspended() {
     static auto* stack = new std::vector<suspended_construction>;
@@ -36,8 +37,10 @@ std::vector<suspended_construction>& suspended() {
 }
 
 void suspend_construction() {
-    suspended().push_back({builder(), pending(), current_window(), nullptr});
+    suspended().push_back(
+        {builder(), pending(), building().accumulator, current_window(), nullptr});
     pending() = {};
+    building().accumulator = nullptr;
     builder().continuing = 0;
     builder().nw_mode = 0;
     // The nested window makes its own.
@@ -52,6 +55,7 @@ void resume_construction(const fancy_window* nested) {
     suspended().pop_back();
     builder() = back.builder;
     pending() = back.pending;
+    building().accumulator = back.accumulator;
     current_window() = back.window;
     building().continuation.clear();
 }
@@ -423,6 +427,13 @@ void choose_construction(const char* format, bool internal) {
     const bool nested = begins_with_code(format, "%ex");
     if (nested) state.nested = true;
     const bool at_work = builder().continuing != 0 || builder().nw_mode != 0;
+    // A call-back that runs while a format is scanned: of a %ib, or of a window that goes on while
+    // a report waits for its answer. That format's window isn't to be continued yet.
+    if (state.accumulator) {
+        suspend_construction();
+        if (begins_with_code(format, "%nw")) builder().nw_mode = 1;
+        return;
+    }
     if (!at_work) {
         if (begins_with_code(format, "%nw")) builder().nw_mode = 1;
         return;
@@ -440,6 +451,22 @@ void end_construction() {
     while (grey_check* pair = builder().grey_checks) {
         builder().grey_checks = pair->next;
         std::free(pair);
+    }
+}
+
+std::size_t suspended_constructions() {
+    return suspended().size();
+}
+
+void return_to_construction(std::size_t depth) {
+    while (suspended().size() > depth) {
+        quillpan_error("?A call-back has left its formatted window incomplete");
+        if (suspended().size() <= depth) return;
+        fancy_window* nested = suspended().back().nested;
+        end_construction();
+        suspended().back().nested = nullptr;
+        resume_construction(nullptr);
+        if (nested) destroy_fancy_window(nested);
     }
 }
 

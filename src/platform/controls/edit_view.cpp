@@ -249,8 +249,9 @@ std::size_t Edit::offset_at(POINT at, std::size_t* on_line) {
 void Edit::select(std::size_t new_anchor, std::size_t new_caret, bool at_line_end) {
     const std::size_t old_low = low();
     const std::size_t old_high = high();
-    anchor = new_anchor;
-    caret = new_caret;
+    // The program may have given the field another text since a drag began.
+    anchor = boundary(new_anchor);
+    caret = boundary(new_caret);
     trails = at_line_end;
     if (old_low == low() && old_high == high()) return;
     const bool had = old_low != old_high;

@@ -393,6 +393,22 @@ TEST(Edit, ThePointerSelects) {
     EXPECT_EQ(text_of(edit), "one<> two three");
 }
 
+// A program may show another value while words of the last one are being selected.
+TEST(Edit, ATextMayGetShorterUnderTheDraggingPointer) {
+    const TestWindow w;
+    const HWND edit = w.add("edit", "one two three", field_style, {10, 10, 210, 30});
+    click(edit, {60, 8});
+    press(edit, {60, 8});  // the second press: words
+    send(edit, WM_SETTEXT, 0, reinterpret_cast<LPARAM>("a"));
+    move_to(edit, {2, 8}, mod_left);
+    release(edit, {2, 8});
+    EXPECT_LE(selection(edit).to, 1);
+    key(VK_END);
+    key(VK_BACK);
+    type("b");
+    EXPECT_EQ(text_of(edit), "b");
+}
+
 TEST(Edit, ALongTextIsEditedInItsMiddle) {
     const TestWindow w;
     const HWND edit = w.add("edit", "", lines_style | WS_VSCROLL, {10, 10, 310, 200});

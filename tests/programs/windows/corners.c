@@ -46,9 +46,44 @@ static void long_text(void) {
     printf("text %d: %d times, %s\n", button, typed, text + 70000);
 }
 
+/* ---- A window that a scroll call-back opens takes input; one that opens while a format is being
+ * read leaves that format's own window alone. */
+static int position, cell = 1, page = 5, once;
+
+static int ask(void) {
+    if (!once++) printf("asked %d\n", __winio("%ca[Ask]%bt[No]%bt[Yes]"));
+    return 2;
+}
+static int sizing(void) {
+    if (strcmp(__quillpan_string("CALL_BACK_REASON"), "SIZE_ADJUST") == 0)
+        printf("sizing %d\n", __winio("%ca[Sizing]%ob wide text %cb%bt[On]"));
+    return 2;
+}
+static int leave_open(void) {
+    return __winio("%ca[Never]begun &") + 3;
+}
+static void within(void) {
+    int button = __winio("%ca[Within]%`^vs%bt[OK]", page, 50, &position, ask);
+    printf("scrolled %d, %d\n", button, position);
+    button =
+        __winio("%ca[Outer]before%^ib%ob[scored]in%cb%bt[A]%bt[B]", "/Cell", &cell, "BEEP", sizing);
+    printf("outer %d\n", button);
+    button = __winio("%ca[Left]before%^ib after%bt[A]%bt[B]", "/Cell", &cell, "BEEP", leave_open);
+    printf("left %d\n", button);
+}
+
+/* ---- A box that pastes into itself when it changes does so once. */
+static void self_paste(void) {
+    static char from[20] = "ab", text[200] = "ab";
+    int button = __winio("%ca[Paste]%10rs%^20rs%bt[OK]", from, 20, text, 200, "PASTE");
+    printf("paste %d %s\n", button, text);
+}
+
 int main(void) {
     sizes();
     long_text();
+    within();
+    self_paste();
     long_menu();
     return 0;
 }

@@ -143,8 +143,9 @@ LRESULT main_windows_procedure(HWND hwnd, UINT message, WPARAM wparam, LPARAM lp
         case WM_GETDLGCODE:
             return DLGC_WANTALLKEYS;
         case WM_LBUTTONDOWN:
+            // The field that loses it may run a call-back that closes this window.
             SetFocus(hwnd);
-            mouse_selection(window, message, wparam, at);
+            if (find_window(hwnd) != nullptr) mouse_selection(window, message, wparam, at);
             return 0;
         case WM_MOUSEMOVE:
         case WM_LBUTTONUP:

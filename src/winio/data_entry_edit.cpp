@@ -7,6 +7,7 @@
 #include "winio/callbacks.h"
 #include "winio/data_entry.h"
 #include "winio/menus.h"
+#include "winio/text_layer.h"
 #include "winio/winproc.h"
 
 namespace tarn::winio {
@@ -258,6 +259,12 @@ void full_field(const box_event& event) {
     selection caret = get_selection(control);
     if (caret.end >= static_cast<std::int32_t>(text.size()) || text.empty()) return;
     procedures().last_key = 0;
+    // The last character, whole: half of one would come back from the field as another.
+    const auto inside = [&text] {
+        return (static_cast<unsigned char>(text.back()) & 0xC0) == 0x80;
+    };
+    if (utf8_now())
+        while (text.size() > 1 && inside()) text.pop_back();
     text.pop_back();
     set_box_text(control, text.c_str());
     set_selection(control, caret);

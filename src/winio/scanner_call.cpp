@@ -373,7 +373,8 @@ std::int32_t open_window(fancy_window* window) {
 std::int32_t finish_window() {
     fancy_window* window = current_window();
     report_left_open(*window);
-    if (window->mdi_frame && window->menu == HMENU{} && !window->menu_items) {
+    if (window->mdi_frame && window->menu == HMENU{} && window->enhanced_menu == HMENU{} &&
+        !window->menu_items) {
         static const char exit_action[] = "EXIT";
         const word words[] = {reinterpret_cast<word>(exit_action)};
         add_to_window("%mn[Exit]", "*C", words, 1);

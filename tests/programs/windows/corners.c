@@ -79,8 +79,32 @@ static void self_paste(void) {
     printf("paste %d %s\n", button, text);
 }
 
+/* ---- A full field makes room by whole characters; a frame is content with an enhanced menu. */
+static double number = 1.5;
+
+static void full_field(void) {
+    __enable_utf8(1);
+    int button = __winio("%ca[Full]%co[check_on_focus_loss]%rf[fmt=8.3f]%bt[OK]", &number);
+    __enable_utf8(0);
+    button += __winio("%ca[Frame]%`mn%fr%bt[OK]", "[File[Open]]", chosen, 200, 100);
+    printf("full %d %g\n", button, number);
+}
+
+/* ---- A click into a text window whose form closes because of it. */
+static int closes(void) {
+    return 0;
+}
+static void click_closes(void) {
+    static int value = 1;
+    int button =
+        __winio("%ca[Leaving]%wt%co[check_on_focus_loss]%^rd\n%20.4cw", &value, closes, (void*)0);
+    printf("leaving %d %d\n", button, value);
+}
+
 int main(void) {
     sizes();
+    click_closes();
+    full_field();
     long_text();
     within();
     self_paste();

@@ -115,7 +115,7 @@ void Unit_initialise(Unit& unit, std::int32_t number, bool buffered) {
     std::size_t capacity = unit.file.capacity;
     if (buffered && buffer == nullptr) {
         capacity = file_buffer_size;
-        buffer = static_cast<char*>(std::malloc(capacity));
+        buffer = buffer_memory(nullptr, capacity);
         if (buffer == nullptr) out_of_memory("Not enough memory to allocate new file buffer\n");
     }
     if (buffered) std::memset(buffer, 0, capacity);

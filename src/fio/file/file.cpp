@@ -162,11 +162,17 @@ void file_set_path(File& file, std::string path) {
     file.path.swap(path);
 }
 
+char* buffer_memory(char* buffer, std::size_t capacity) {
+    if (buffer != nullptr) return static_cast<char*>(std::realloc(buffer, capacity));
+    void* fresh = nullptr;
+    return ::posix_memalign(&fresh, page_size, capacity) == 0 ? static_cast<char*>(fresh) : nullptr;
+}
+
 bool file_reserve(File& file, std::size_t capacity) {
     if (file.buffer != nullptr && file.capacity >= capacity) return true;
-    void* buffer = std::realloc(file.buffer, capacity);
+    char* const buffer = buffer_memory(file.buffer, capacity);
     if (buffer == nullptr) return false;
-    file.buffer = static_cast<char*>(buffer);
+    file.buffer = buffer;
     file.capacity = capacity;
     return true;
 }

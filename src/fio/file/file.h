@@ -140,6 +140,17 @@ void console_to_window();
 void file_adopt(File& file, int descriptor, std::uint32_t access_bits, bool owned);
 // Sets the full path, by which other threads may be looking for the file.
 void file_set_path(File& file, std::string path);
+// Where two runs of bytes lie in their pages decides how fast the system copies from one to the
+// other: several times slower when the target's place in its page is a little behind the source's.
+inline constexpr std::size_t page_size = 4096;
+constexpr bool copies_slowly(std::uint64_t to, std::uint64_t from) {
+    constexpr std::size_t line = 64;
+    const std::uint64_t ahead = (to - from) % page_size;
+    return ahead > 0 && ahead < line;
+}
+// Memory for a buffer, at the start of a page since most transfers start at one of the file's; or
+// more of it. Null: there is none, and `buffer` stays.
+char* buffer_memory(char* buffer, std::size_t capacity);
 // Gives the file a buffer of at least `capacity` bytes, with its contents kept; false: no memory.
 bool file_reserve(File& file, std::size_t capacity);
 // Every routine of this header that gives a non-zero error number leaves the system's value behind

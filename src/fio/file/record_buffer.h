@@ -38,15 +38,21 @@ inline OutputRoom begin_record(File& file, std::size_t need, int& err) {
 // More room for the record under construction, whose first `length` bytes are to be kept.
 OutputRoom grow_record(File& file, std::size_t length, std::size_t need, int& err);
 
-// Makes the record's first `length` bytes part of the file. The buffer is written out when it is
-// more than half full, or when `now` asks for it; `write_out` does that at any time.
+// Makes the record's first `length` bytes part of the file. When the buffer is more than half full,
+// its whole blocks leave (`write_blocks`); all of it when `now` asks for it. `write_out` does that
+// at any time.
 void write_out(File& file, int& err);
+void write_blocks(File& file, int& err);
 inline void end_record(File& file, std::size_t length, bool now, int& err) {
     file.write_index += length;
     file.data_count = file.write_index;
     file.logical_position += static_cast<std::int64_t>(length);
     file.dirty = file.dirty || length > 0;
-    if (now || file.write_index > file.capacity / 2) write_out(file, err);
+    if (now) {
+        write_out(file, err);
+    } else if (file.write_index > file.capacity / 2) {
+        write_blocks(file, err);
+    }
 }
 
 // A record lying in the buffer.

@@ -164,16 +164,14 @@ void Unit_close(Unit& unit) {
     std::free(unit.saved_record);
     unit.saved_record = nullptr;
     unit.saved_size = unit.saved_length = 0;
-    std::free(unit.file.buffer);
-    unit.file.buffer = nullptr;
-    unit.file.capacity = 0;
+    free_buffer(unit.file);
 }
 
 namespace {
 
 [[gnu::noinline]] void free_unit(Unit* unit) {
     std::free(unit->saved_record);
-    std::free(unit->file.buffer);
+    free_buffer(unit->file);
     delete unit;
 }
 

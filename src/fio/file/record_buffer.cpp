@@ -19,16 +19,13 @@
 namespace tarn::fio {
 namespace {
 
-// Large enough that the system calls vanish in the work, small enough to stay in the cache.
-constexpr std::size_t first_capacity = std::size_t{1} << 17;
-
 // What is written in blocks of this size that start at a multiple of it reaches large pages of the
 // system's cache; at other places it takes more than twice the time.
 constexpr std::size_t block = std::size_t{1} << 16;
 
 bool ensure_capacity(File& file, std::size_t capacity) {
     if (file.capacity >= capacity) return true;
-    std::size_t wanted = file.capacity == 0 ? first_capacity : file.capacity;
+    std::size_t wanted = file.capacity == 0 ? record_buffer_size : file.capacity;
     while (wanted < capacity) wanted *= 2;
     char* grown = buffer_memory(file.buffer, wanted);
     if (grown == nullptr) {
@@ -84,6 +81,28 @@ class Runs {
     iovec part_[2];
 };
 
+// One transfer of all runs that are left, at the descriptor's own place where `elsewhere` is null.
+// A single run goes without a list, which the system would have to fetch and check.
+ssize_t write_once(int descriptor, Runs& runs, const off_t* elsewhere) {
+    iovec* const from = runs.begin();
+    if (runs.count() == 1) {
+        return elsewhere != nullptr ? pwrite(descriptor, from->iov_base, from->iov_len, *elsewhere)
+                                    : write(descriptor, from->iov_base, from->iov_len);
+    }
+    return elsewhere != nullptr ? pwritev(descriptor, from, runs.count(), *elsewhere)
+                                : writev(descriptor, from, runs.count());
+}
+
+ssize_t read_once(int descriptor, Runs& runs, const off_t* elsewhere) {
+    iovec* const to = runs.begin();
+    if (runs.count() == 1) {
+        return elsewhere != nullptr ? pread(descriptor, to->iov_base, to->iov_len, *elsewhere)
+                                    : read(descriptor, to->iov_base, to->iov_len);
+    }
+    return elsewhere != nullptr ? preadv(descriptor, to, runs.count(), *elsewhere)
+                                : readv(descriptor, to, runs.count());
+}
+
 std::size_t write_to_window(const File& file, Runs runs) {
     const std::size_t count = runs.left();
     for (; runs.left() > 0; runs.advance(runs.begin()->iov_len)) {
@@ -101,9 +120,8 @@ std::size_t write_at(File& file, std::int64_t position, Runs runs, int& err) {
     const bool elsewhere = !file.append && lies_elsewhere(file, position);
     std::size_t done = 0;
     while (runs.left() > 0) {
-        const ssize_t n = elsewhere ? pwritev(descriptor, runs.begin(), runs.count(),
-                                              position + static_cast<std::int64_t>(done))
-                                    : writev(descriptor, runs.begin(), runs.count());
+        const off_t at = position + static_cast<std::int64_t>(done);
+        const ssize_t n = write_once(descriptor, runs, elsewhere ? &at : nullptr);
         if (n > 0) {
             done += static_cast<std::size_t>(n);
             runs.advance(static_cast<std::size_t>(n));
@@ -134,7 +152,7 @@ void follow_end(File& file) {
 // Half a buffer and more isn't worth a copy.
 constexpr std::size_t read_ahead = 4096;
 bool goes_past_buffer(std::size_t count) {
-    return count >= first_capacity / 2;
+    return count >= record_buffer_size / 2;
 }
 
 // An item may lie in storage of which the system hasn't given all pages yet.
@@ -168,14 +186,12 @@ std::size_t read_at(File& file, std::int64_t position, Runs runs, int& err) {
     if (file.undecided_pipe) become_reader(file);
     const bool elsewhere = lies_elsewhere(file, position);
     for (bool grown = false;;) {
-        iovec* const to = runs.begin();
         ssize_t n = 0;
         if (file.window != nullptr) {
-            n = window_stream().read(file.window, static_cast<char*>(to->iov_base), to->iov_len);
-        } else if (elsewhere) {
-            n = preadv(file.descriptor, to, runs.count(), position);
+            const iovec& to = *runs.begin();
+            n = window_stream().read(file.window, static_cast<char*>(to.iov_base), to.iov_len);
         } else {
-            n = readv(file.descriptor, to, runs.count());
+            n = read_once(file.descriptor, runs, elsewhere ? &position : nullptr);
         }
         if (n >= 0) {
             if (!elsewhere) file.real_position += n;
@@ -362,6 +378,21 @@ std::size_t peek_bytes(File& file, std::size_t count, char*& begin, int& err) {
     return have < count ? have : count;
 }
 
+void look_back(File& file) {
+    constexpr std::int64_t wanted = std::int64_t{1} << 15;
+    const std::int64_t end = file.logical_position;
+    if (!file.seekable || file.shared || file.dirty || file.read_index > 0 || end == 0) return;
+    if (!ensure_capacity(file, record_buffer_size)) return;
+    forget_buffer(file);
+    std::int64_t start = 0;
+    if (end > wanted) start = end - wanted + static_cast<std::int64_t>(page_size) - end % page_size;
+    const auto count = static_cast<std::size_t>(end - start);
+    if (pread(file.descriptor, file.buffer, count, start) != end - start) return;
+    file.buffer_position = start;
+    file.data_count = file.read_index = count;
+    file.next_fill = end;
+}
+
 namespace {
 
 // After a write of `waiting` bytes of the buffer and others behind them, of which `done` went out.
@@ -377,7 +408,7 @@ void keep_unwritten(File& file, std::size_t waiting, std::size_t done) {
 // By pieces that leave as they fill the buffer.
 void put_into_buffer(File& file, const char* bytes, std::size_t count, int& err) {
     while (count > 0 && err == 0) {
-        const std::size_t some = std::min(count, first_capacity / 2);
+        const std::size_t some = std::min(count, record_buffer_size / 2);
         const OutputRoom at = begin_record(file, some, err);
         if (at.begin == nullptr) return;
         std::memcpy(at.begin, bytes, some);
@@ -458,10 +489,18 @@ void skip_bytes(File& file, std::int64_t count, int& err) {
     if (!file.dirty && count <= static_cast<std::int64_t>(file.data_count - file.read_index)) {
         return consume(file, static_cast<std::size_t>(count));
     }
-    if (file.seekable) return move_to(file, file.logical_position + count, err);
+    if (file.seekable) {
+        // Behind a short step the file is read on as if there were none.
+        constexpr std::int64_t step = std::int64_t{1} << 14;
+        const std::int64_t target = file.logical_position + count;
+        const bool goes_on = target - file.next_fill < step && target >= file.next_fill;
+        move_to(file, target, err);
+        if (goes_on) file.next_fill = target;
+        return;
+    }
     while (count > 0 && err == 0) {
         char* from = nullptr;
-        const std::size_t want = std::min<std::int64_t>(count, first_capacity / 2);
+        const std::size_t want = std::min<std::int64_t>(count, record_buffer_size / 2);
         const std::size_t got = peek_bytes(file, want, from, err);
         if (got == 0) return;
         consume(file, got);

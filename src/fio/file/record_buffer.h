@@ -90,6 +90,10 @@ inline bool find_buffered_record(const File& file, InputRecord& record) {
 // has them; the number at hand.
 std::size_t peek_bytes(File& file, std::size_t count, char*& begin, int& err);
 
+// Puts what stands before the logical position into a buffer that has nothing of it, so that going
+// back record by record needn't read for each of them. A failure is met by who needs the bytes.
+void look_back(File& file);
+
 // Moves the logical position on by `count` bytes of the buffer.
 inline void consume(File& file, std::size_t count) {
     file.read_index += count;

@@ -224,7 +224,11 @@ bool pass_row_quickly(QuickRecord& record, char* items, std::size_t bytes, std::
     std::size_t all = 0;
     if (__builtin_mul_overflow(bytes, count, &all) || all > left) return false;
     if (count == 1 || stride == static_cast<std::ptrdiff_t>(bytes)) {
-        return pass_quickly(record, items, all, unit);
+        if (record.turned) return pass_turned(record, items, all, unit);
+        char* const at = record.cursor;
+        std::memcpy(record.reading ? items : at, record.reading ? at : items, all);
+        record.cursor += all;
+        return true;
     }
     for (; count > 0; --count, items += stride) pass_quickly(record, items, bytes, unit);
     return true;

@@ -20,7 +20,7 @@ namespace tarn::fio {
 namespace {
 
 // What is written in blocks of this size that start at a multiple of it reaches large pages of the
-// system's cache; at other places it takes more than twice the time.
+// system's cache; at other places it takes almost half as long again.
 constexpr std::size_t block = std::size_t{1} << 16;
 
 bool ensure_capacity(File& file, std::size_t capacity) {

@@ -115,7 +115,7 @@ void Unit_initialise(Unit& unit, std::int32_t number, bool buffered) {
     std::size_t capacity = unit.file.capacity;
     if (buffered && buffer == nullptr) {
         capacity = file_buffer_size;
-        buffer = static_cast<char*>(std::malloc(capacity));
+        buffer = buffer_memory(nullptr, capacity);
         if (buffer == nullptr) out_of_memory("Not enough memory to allocate new file buffer\n");
     }
     if (buffered) std::memset(buffer, 0, capacity);
@@ -164,16 +164,14 @@ void Unit_close(Unit& unit) {
     std::free(unit.saved_record);
     unit.saved_record = nullptr;
     unit.saved_size = unit.saved_length = 0;
-    std::free(unit.file.buffer);
-    unit.file.buffer = nullptr;
-    unit.file.capacity = 0;
+    free_buffer(unit.file);
 }
 
 namespace {
 
 [[gnu::noinline]] void free_unit(Unit* unit) {
     std::free(unit->saved_record);
-    std::free(unit->file.buffer);
+    free_buffer(unit->file);
     delete unit;
 }
 

@@ -1,6 +1,7 @@
 #include "fio/file/file.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
@@ -20,6 +21,10 @@
 
 namespace tarn::fio {
 namespace {
+
+// Programs that open one file after the other would have the system map and clear such a piece of
+// memory each time, which takes longer than all else.
+constinit std::atomic<char*> spare_buffer{nullptr};
 
 // A failure that this layer finds itself gets the errno value that belongs to its number.
 int own_error(int number) {
@@ -134,7 +139,7 @@ WindowStream& window_stream() {
     return stream;
 }
 
-void file_adopt(File& file, int descriptor, std::uint32_t access_bits, bool owned) {
+bool file_adopt(File& file, int descriptor, std::uint32_t access_bits, bool owned) {
     struct stat about = {};
     const bool known = ::fstat(descriptor, &about) == 0;
     file.access_bits = access_bits;
@@ -158,6 +163,7 @@ void file_adopt(File& file, int descriptor, std::uint32_t access_bits, bool owne
     file.descriptor = descriptor;
     file.device = about.st_dev;
     file.inode = about.st_ino;
+    return known && S_ISFIFO(about.st_mode);
 }
 
 void file_set_path(File& file, std::string path) {
@@ -165,11 +171,28 @@ void file_set_path(File& file, std::string path) {
     file.path.swap(path);
 }
 
+char* buffer_memory(char* buffer, std::size_t capacity) {
+    if (buffer != nullptr) return static_cast<char*>(std::realloc(buffer, capacity));
+    if (capacity == record_buffer_size) {
+        if (char* const kept = spare_buffer.exchange(nullptr)) return kept;
+    }
+    void* fresh = nullptr;
+    return ::posix_memalign(&fresh, page_size, capacity) == 0 ? static_cast<char*>(fresh) : nullptr;
+}
+
+void free_buffer(File& file) {
+    char* buffer = file.buffer;
+    if (file.capacity == record_buffer_size) buffer = spare_buffer.exchange(buffer);
+    std::free(buffer);
+    file.buffer = nullptr;
+    file.capacity = 0;
+}
+
 bool file_reserve(File& file, std::size_t capacity) {
     if (file.buffer != nullptr && file.capacity >= capacity) return true;
-    void* buffer = std::realloc(file.buffer, capacity);
+    char* const buffer = buffer_memory(file.buffer, capacity);
     if (buffer == nullptr) return false;
-    file.buffer = static_cast<char*>(buffer);
+    file.buffer = buffer;
     file.capacity = capacity;
     return true;
 }

@@ -21,6 +21,9 @@ inline constexpr std::uint32_t access_read = 0x80000000U;
 inline constexpr std::uint32_t access_write = 0x40000000U;
 
 inline constexpr std::size_t file_buffer_size = 8192;
+// Of records built in place: large enough that the system calls vanish in the work, small enough to
+// stay in the cache.
+inline constexpr std::size_t record_buffer_size = std::size_t{1} << 17;
 
 // What INQUIRE tells of the place in a file: as OPEN left it, or that it is to be looked at.
 enum PlaceState : std::int32_t { place_asis, place_rewind, place_append, place_unknown };
@@ -85,6 +88,8 @@ void sys_fileSeek(Unit& unit, std::int64_t target, std::int64_t& position, int& 
 void sys_logicalFileSync(Unit& unit);
 void sys_truncateFile(Unit& unit, bool to_zero, int& err);
 Unit* sys_findUnitFromFilename(std::string_view name);
+// The same; and whether there is anything of that name.
+Unit* find_unit_of_file(std::string_view name, bool& exists);
 void sys_unbufferFile(Unit& unit);
 int sys_flushWriteBuffer(Unit& unit);
 void sys_fileWrite(Unit& unit, const char* bytes, std::size_t count, int& err);
@@ -136,10 +141,23 @@ inline void* const console_window = reinterpret_cast<void*>(-1);
 // The program went over to windows mode: units on standard input and output are the default window.
 void console_to_window();
 
-// Connects an open descriptor: its kind, identity, size and position.
-void file_adopt(File& file, int descriptor, std::uint32_t access_bits, bool owned);
+// Connects an open descriptor: its kind, identity, size and position. Whether it is a pipe.
+bool file_adopt(File& file, int descriptor, std::uint32_t access_bits, bool owned);
 // Sets the full path, by which other threads may be looking for the file.
 void file_set_path(File& file, std::string path);
+// Where two runs of bytes lie in their pages decides how fast the system copies from one to the
+// other: several times slower when the target's place in its page is a little behind the source's.
+inline constexpr std::size_t page_size = 4096;
+constexpr bool copies_slowly(std::uint64_t to, std::uint64_t from) {
+    constexpr std::size_t line = 64;
+    const std::uint64_t ahead = (to - from) % page_size;
+    return ahead > 0 && ahead < line;
+}
+// Memory for a buffer, at the start of a page since most transfers start at one of the file's; or
+// more of it. Null: there is none, and `buffer` stays.
+char* buffer_memory(char* buffer, std::size_t capacity);
+// The buffer goes; one of the usual size is kept for the next file that is opened.
+void free_buffer(File& file);
 // Gives the file a buffer of at least `capacity` bytes, with its contents kept; false: no memory.
 bool file_reserve(File& file, std::size_t capacity);
 // Every routine of this header that gives a non-zero error number leaves the system's value behind

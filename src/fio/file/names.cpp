@@ -218,11 +218,23 @@ std::string sys_resolvePathName(std::string_view name, int& err) {
     return full_path_name(given);
 }
 
-Unit* sys_findUnitFromFilename(std::string_view name) {
+namespace {
+
+// Whether a unit has a file with a name at all; which others may have taken away.
+bool some_unit_has_path() {
+    const std::lock_guard guard(unit_list_lock());
+    const Unit* unit = UnitList_first();
+    while (unit != nullptr && unit->file.path.empty()) unit = unit->next;
+    return unit != nullptr;
+}
+
+}  // namespace
+
+Unit* find_unit_of_file(std::string_view name, bool& exists) {
     const std::string given = without_trailing_blanks(name);
-    if (given.empty()) return nullptr;
     struct stat about;
-    const bool exists = ::stat(given.c_str(), &about) == 0;
+    exists = !given.empty() && ::stat(given.c_str(), &about) == 0;
+    if (given.empty() || (!exists && !some_unit_has_path())) return nullptr;
     const std::string path = exists ? std::string() : full_path_name(given);
     const std::lock_guard guard(unit_list_lock());
     for (Unit* unit = UnitList_first(); unit != nullptr; unit = unit->next) {
@@ -234,6 +246,11 @@ Unit* sys_findUnitFromFilename(std::string_view name) {
         }
     }
     return nullptr;
+}
+
+Unit* sys_findUnitFromFilename(std::string_view name) {
+    bool exists = false;
+    return find_unit_of_file(name, exists);
 }
 
 bool sys_fileExists(std::string_view name) {

@@ -19,21 +19,22 @@
 namespace tarn::fio {
 namespace {
 
-// Large enough that the system calls vanish in the work, small enough to stay in the cache.
-constexpr std::size_t first_capacity = std::size_t{1} << 17;
+// What is written in blocks of this size that start at a multiple of it reaches large pages of the
+// system's cache; at other places it takes almost half as long again.
+constexpr std::size_t block = std::size_t{1} << 16;
 
 bool ensure_capacity(File& file, std::size_t capacity) {
     if (file.capacity >= capacity) return true;
-    std::size_t wanted = file.capacity == 0 ? first_capacity : file.capacity;
+    std::size_t wanted = file.capacity == 0 ? record_buffer_size : file.capacity;
     while (wanted < capacity) wanted *= 2;
-    void* grown = std::realloc(file.buffer, wanted);
+    char* grown = buffer_memory(file.buffer, wanted);
     if (grown == nullptr) {
         // A program that has used up its memory can still say so.
         wanted = capacity;
-        grown = std::realloc(file.buffer, wanted);
+        grown = buffer_memory(file.buffer, wanted);
         if (grown == nullptr) return false;
     }
-    file.buffer = static_cast<char*>(grown);
+    file.buffer = grown;
     file.capacity = wanted;
     return true;
 }
@@ -80,6 +81,28 @@ class Runs {
     iovec part_[2];
 };
 
+// One transfer of all runs that are left, at the descriptor's own place where `elsewhere` is null.
+// A single run goes without a list, which the system would have to fetch and check.
+ssize_t write_once(int descriptor, Runs& runs, const off_t* elsewhere) {
+    iovec* const from = runs.begin();
+    if (runs.count() == 1) {
+        return elsewhere != nullptr ? pwrite(descriptor, from->iov_base, from->iov_len, *elsewhere)
+                                    : write(descriptor, from->iov_base, from->iov_len);
+    }
+    return elsewhere != nullptr ? pwritev(descriptor, from, runs.count(), *elsewhere)
+                                : writev(descriptor, from, runs.count());
+}
+
+ssize_t read_once(int descriptor, Runs& runs, const off_t* elsewhere) {
+    iovec* const to = runs.begin();
+    if (runs.count() == 1) {
+        return elsewhere != nullptr ? pread(descriptor, to->iov_base, to->iov_len, *elsewhere)
+                                    : read(descriptor, to->iov_base, to->iov_len);
+    }
+    return elsewhere != nullptr ? preadv(descriptor, to, runs.count(), *elsewhere)
+                                : readv(descriptor, to, runs.count());
+}
+
 std::size_t write_to_window(const File& file, Runs runs) {
     const std::size_t count = runs.left();
     for (; runs.left() > 0; runs.advance(runs.begin()->iov_len)) {
@@ -97,9 +120,8 @@ std::size_t write_at(File& file, std::int64_t position, Runs runs, int& err) {
     const bool elsewhere = !file.append && lies_elsewhere(file, position);
     std::size_t done = 0;
     while (runs.left() > 0) {
-        const ssize_t n = elsewhere ? pwritev(descriptor, runs.begin(), runs.count(),
-                                              position + static_cast<std::int64_t>(done))
-                                    : writev(descriptor, runs.begin(), runs.count());
+        const off_t at = position + static_cast<std::int64_t>(done);
+        const ssize_t n = write_once(descriptor, runs, elsewhere ? &at : nullptr);
         if (n > 0) {
             done += static_cast<std::size_t>(n);
             runs.advance(static_cast<std::size_t>(n));
@@ -130,7 +152,7 @@ void follow_end(File& file) {
 // Half a buffer and more isn't worth a copy.
 constexpr std::size_t read_ahead = 4096;
 bool goes_past_buffer(std::size_t count) {
-    return count >= first_capacity / 2;
+    return count >= record_buffer_size / 2;
 }
 
 // An item may lie in storage of which the system hasn't given all pages yet.
@@ -164,14 +186,12 @@ std::size_t read_at(File& file, std::int64_t position, Runs runs, int& err) {
     if (file.undecided_pipe) become_reader(file);
     const bool elsewhere = lies_elsewhere(file, position);
     for (bool grown = false;;) {
-        iovec* const to = runs.begin();
         ssize_t n = 0;
         if (file.window != nullptr) {
-            n = window_stream().read(file.window, static_cast<char*>(to->iov_base), to->iov_len);
-        } else if (elsewhere) {
-            n = preadv(file.descriptor, to, runs.count(), position);
+            const iovec& to = *runs.begin();
+            n = window_stream().read(file.window, static_cast<char*>(to.iov_base), to.iov_len);
         } else {
-            n = readv(file.descriptor, to, runs.count());
+            n = read_once(file.descriptor, runs, elsewhere ? &position : nullptr);
         }
         if (n >= 0) {
             if (!elsewhere) file.real_position += n;
@@ -190,13 +210,16 @@ std::size_t read_at(File& file, std::int64_t position, Runs runs, int& err) {
 }
 
 // As much as there is room for where the file is read on; up to the end of the last page wanted
-// where somebody jumps about in it.
+// where somebody jumps about in it. Either ends where a page does if it can.
 std::size_t portion(const File& file, std::int64_t position, std::size_t wanted) {
-    constexpr std::size_t page = 4096;
     const std::size_t room = file.capacity - file.data_count;
-    if (!file.seekable || position == file.next_fill) return room;
-    const std::size_t beyond = (static_cast<std::uint64_t>(position) + wanted) % page;
-    return std::min(room, wanted + (beyond == 0 ? 0 : page - beyond));
+    if (!file.seekable) return room;
+    if (position == file.next_fill) {
+        const std::size_t beyond = (static_cast<std::uint64_t>(position) + room) % page_size;
+        return room > wanted + beyond ? room - beyond : room;
+    }
+    const std::size_t beyond = (static_cast<std::uint64_t>(position) + wanted) % page_size;
+    return std::min(room, wanted + (beyond == 0 ? 0 : page_size - beyond));
 }
 
 // Reads behind the valid bytes of the buffer, where `wanted` bytes are asked for; the number of
@@ -217,13 +240,14 @@ bool keeps_what_was_read(const File& file) {
     return !file.seekable && !file.terminal;
 }
 
-// Room for reading more behind what is still unread.
+// Room for reading more behind what is still unread. Whole pages go, so that the rest of the file
+// comes to lie in the buffer as in its own pages.
 bool make_input_room(File& file) {
     if (file.data_count < file.capacity) return true;
-    if (file.read_index > 0) {
+    if (file.read_index >= page_size) {
         const std::size_t kept = keeps_what_was_read(file) ? file.capacity / 4 : 0;
-        const std::size_t dropped =
-            file.read_index > kept ? file.read_index - kept : file.read_index;
+        std::size_t dropped = file.read_index > kept ? file.read_index - kept : file.read_index;
+        dropped = std::max(dropped - dropped % page_size, page_size);
         file.data_count -= dropped;
         std::memmove(file.buffer, file.buffer + dropped, file.data_count);
         file.buffer_position += static_cast<std::int64_t>(dropped);
@@ -245,13 +269,19 @@ void prepare_input(File& file, int& err) {
     if (!ensure_capacity(file, least)) err = ENOMEM;
 }
 
-}  // namespace
+// Of `count` bytes that are to be written at `position`, those before the last start of a block;
+// all of them where there is none between, or the file isn't one of blocks.
+std::size_t whole_blocks(const File& file, std::int64_t position, std::size_t count) {
+    if (!file.seekable || file.append) return count;
+    const std::size_t beyond = (static_cast<std::uint64_t>(position) + count) % block;
+    return beyond < count ? count - beyond : count;
+}
 
-void write_out(File& file, int& err) {
-    if (!file.dirty) return;
+// Writes the buffer's first `count` bytes, all of which are dirty.
+void write_front(File& file, std::size_t count, int& err) {
     int failure = 0;
     const std::size_t done =
-        write_at(file, file.buffer_position, Runs(file.buffer, file.data_count), failure);
+        write_at(file, file.buffer_position, Runs(file.buffer, count), failure);
     file.buffer_position += static_cast<std::int64_t>(done);
     if (file.append && file.seekable) follow_end(file);
     file.data_count -= done;
@@ -260,6 +290,17 @@ void write_out(File& file, int& err) {
     file.write_index = file.data_count;
     file.dirty = file.data_count > 0;
     if (failure != 0) err = failure;
+}
+
+}  // namespace
+
+void write_out(File& file, int& err) {
+    if (file.dirty) write_front(file, file.data_count, err);
+}
+
+void write_blocks(File& file, int& err) {
+    if (!file.dirty) return;
+    write_front(file, whole_blocks(file, file.buffer_position, file.data_count), err);
 }
 
 OutputRoom make_place_for_record(File& file, std::size_t need, int& err) {
@@ -337,6 +378,21 @@ std::size_t peek_bytes(File& file, std::size_t count, char*& begin, int& err) {
     return have < count ? have : count;
 }
 
+void look_back(File& file) {
+    constexpr std::int64_t wanted = std::int64_t{1} << 15;
+    const std::int64_t end = file.logical_position;
+    if (!file.seekable || file.shared || file.dirty || file.read_index > 0 || end == 0) return;
+    if (!ensure_capacity(file, record_buffer_size)) return;
+    forget_buffer(file);
+    std::int64_t start = 0;
+    if (end > wanted) start = end - wanted + static_cast<std::int64_t>(page_size) - end % page_size;
+    const auto count = static_cast<std::size_t>(end - start);
+    if (pread(file.descriptor, file.buffer, count, start) != end - start) return;
+    file.buffer_position = start;
+    file.data_count = file.read_index = count;
+    file.next_fill = end;
+}
+
 namespace {
 
 // After a write of `waiting` bytes of the buffer and others behind them, of which `done` went out.
@@ -349,14 +405,26 @@ void keep_unwritten(File& file, std::size_t waiting, std::size_t done) {
     std::memmove(file.buffer, file.buffer + from_buffer, file.data_count);
 }
 
+// By pieces that leave as they fill the buffer.
+void put_into_buffer(File& file, const char* bytes, std::size_t count, int& err) {
+    while (count > 0 && err == 0) {
+        const std::size_t some = std::min(count, record_buffer_size / 2);
+        const OutputRoom at = begin_record(file, some, err);
+        if (at.begin == nullptr) return;
+        std::memcpy(at.begin, bytes, some);
+        end_record(file, some, false, err);
+        bytes += some;
+        count -= some;
+    }
+}
+
 }  // namespace
 
 void put_bytes(File& file, const char* bytes, std::size_t count, int& err) {
-    if (!goes_past_buffer(count)) {
-        const OutputRoom at = begin_record(file, count, err);
-        if (at.begin == nullptr) return;
-        std::memcpy(at.begin, bytes, count);
-        return end_record(file, count, false, err);
+    const auto memory = reinterpret_cast<std::uintptr_t>(bytes);
+    if (!goes_past_buffer(count) ||
+        copies_slowly(static_cast<std::uint64_t>(file.logical_position), memory)) {
+        return put_into_buffer(file, bytes, count, err);
     }
     // What waits in the buffer leaves together with them, if they follow it.
     const std::size_t waiting =
@@ -371,10 +439,13 @@ void put_bytes(File& file, const char* bytes, std::size_t count, int& err) {
         }
     }
     if (failure == 0) {
+        // What is behind the last start of a block waits for what follows.
+        const std::size_t now = whole_blocks(file, file.buffer_position, waiting + count) - waiting;
         const std::size_t done =
-            write_at(file, file.buffer_position, Runs(file.buffer, waiting, bytes, count), failure);
+            write_at(file, file.buffer_position, Runs(file.buffer, waiting, bytes, now), failure);
         keep_unwritten(file, waiting, done);
         if (file.append && file.seekable) follow_end(file);
+        if (failure == 0 && now < count) put_bytes(file, bytes + now, count - now, failure);
     }
     if (failure != 0) err = failure;
 }
@@ -384,7 +455,9 @@ std::size_t take_bytes(File& file, char* bytes, std::size_t count, int& err) {
     while (done < count) {
         const std::size_t left = count - done;
         std::size_t ready = file.dirty ? 0 : file.data_count - file.read_index;
-        if (ready == 0 && goes_past_buffer(left)) {
+        const auto memory = reinterpret_cast<std::uintptr_t>(bytes + done);
+        if (ready == 0 && goes_past_buffer(left) &&
+            !copies_slowly(memory, static_cast<std::uint64_t>(file.logical_position))) {
             prepare_input(file, err);
             if (err != 0) break;
             if (file.terminal) flush_console_output();
@@ -416,10 +489,18 @@ void skip_bytes(File& file, std::int64_t count, int& err) {
     if (!file.dirty && count <= static_cast<std::int64_t>(file.data_count - file.read_index)) {
         return consume(file, static_cast<std::size_t>(count));
     }
-    if (file.seekable) return move_to(file, file.logical_position + count, err);
+    if (file.seekable) {
+        // Behind a short step the file is read on as if there were none.
+        constexpr std::int64_t step = std::int64_t{1} << 14;
+        const std::int64_t target = file.logical_position + count;
+        const bool goes_on = target - file.next_fill < step && target >= file.next_fill;
+        move_to(file, target, err);
+        if (goes_on) file.next_fill = target;
+        return;
+    }
     while (count > 0 && err == 0) {
         char* from = nullptr;
-        const std::size_t want = std::min<std::int64_t>(count, first_capacity / 2);
+        const std::size_t want = std::min<std::int64_t>(count, record_buffer_size / 2);
         const std::size_t got = peek_bytes(file, want, from, err);
         if (got == 0) return;
         consume(file, got);

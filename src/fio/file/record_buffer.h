@@ -38,15 +38,21 @@ inline OutputRoom begin_record(File& file, std::size_t need, int& err) {
 // More room for the record under construction, whose first `length` bytes are to be kept.
 OutputRoom grow_record(File& file, std::size_t length, std::size_t need, int& err);
 
-// Makes the record's first `length` bytes part of the file. The buffer is written out when it is
-// more than half full, or when `now` asks for it; `write_out` does that at any time.
+// Makes the record's first `length` bytes part of the file. When the buffer is more than half full,
+// its whole blocks leave (`write_blocks`); all of it when `now` asks for it. `write_out` does that
+// at any time.
 void write_out(File& file, int& err);
+void write_blocks(File& file, int& err);
 inline void end_record(File& file, std::size_t length, bool now, int& err) {
     file.write_index += length;
     file.data_count = file.write_index;
     file.logical_position += static_cast<std::int64_t>(length);
     file.dirty = file.dirty || length > 0;
-    if (now || file.write_index > file.capacity / 2) write_out(file, err);
+    if (now) {
+        write_out(file, err);
+    } else if (file.write_index > file.capacity / 2) {
+        write_blocks(file, err);
+    }
 }
 
 // A record lying in the buffer.
@@ -83,6 +89,10 @@ inline bool find_buffered_record(const File& file, InputRecord& record) {
 // Makes `count` bytes from the logical position on contiguous in the buffer, as far as the file
 // has them; the number at hand.
 std::size_t peek_bytes(File& file, std::size_t count, char*& begin, int& err);
+
+// Puts what stands before the logical position into a buffer that has nothing of it, so that going
+// back record by record needn't read for each of them. A failure is met by who needs the bytes.
+void look_back(File& file);
 
 // Moves the logical position on by `count` bytes of the buffer.
 inline void consume(File& file, std::size_t count) {

@@ -99,12 +99,12 @@ int open_with_sharing(const char* path, int flags, int access, int sharing) {
     if (descriptor < 0) {
         descriptor = open_again_if_interrupted(path, empties ? flags & ~O_TRUNC : flags);
     }
-    if (descriptor < 0) return -1;
+    if (descriptor < 0 || !locks) return descriptor;
     int reason = 0;
     struct stat about;
     if (::fstat(descriptor, &about) != 0) {
         reason = errno;
-    } else if (locks && S_ISREG(about.st_mode) && !claim_in_turn(descriptor, access, sharing)) {
+    } else if (S_ISREG(about.st_mode) && !claim_in_turn(descriptor, access, sharing)) {
         reason = EAGAIN;
     } else if (empties && S_ISREG(about.st_mode) && ::ftruncate(descriptor, 0) != 0) {
         reason = errno;

@@ -328,9 +328,8 @@ bool connect(Caller& caller, Unit& unit, const Terms& terms, std::string_view na
     File& file = unit.file;
     file.buffered = true;
     file.append = file.keep_tabs = false;
-    file_adopt(file, opened.descriptor, access_bits(opened.action), true);
-    file.undecided_pipe =
-        !terms.action_given && opened.action == Action::readwrite && is_pipe(opened.descriptor);
+    const bool pipe = file_adopt(file, opened.descriptor, access_bits(opened.action), true);
+    file.undecided_pipe = pipe && !terms.action_given && opened.action == Action::readwrite;
     file.shared = terms.share != Share::unspecified;
     unit.share = terms.share == Share::deny_rw ? 1 : terms.share == Share::deny_none ? 4 : 0;
     if (!scratch) {

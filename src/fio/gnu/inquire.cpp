@@ -126,11 +126,11 @@ void answer_numbers(Unit& unit, const Inquiry& q) {
     answer(q.recl, status.stream ? recl_of_stream : unit.recl);
     answer(q.pos, status.stream ? stream_position(unit) : 0);
     if (q.size != nullptr) *q.size = size_of(unit);
-    if (!status.scratch) answer(q.name, unit.gnu.name);
 }
 
-void answer_access(const Unit& unit, const Inquiry& q) {
+void answer_access(const Unit& unit, const InquiryTexts& q) {
     const GnuConnection& gnu = unit.gnu;
+    if (!unit.status.scratch) answer(q.name, gnu.name);
     answer(q.access, word_of(gnu.access));
     answer(q.sequential, yes_no(gnu.access == Access::sequential));
     answer(q.direct, yes_no(gnu.access == Access::direct));
@@ -146,7 +146,7 @@ void answer_access(const Unit& unit, const Inquiry& q) {
     answer(q.share, share_word(unit));
 }
 
-void answer_modes(const Unit& unit, const Inquiry& q) {
+void answer_modes(const Unit& unit, const InquiryTexts& q) {
     const GnuConnection& gnu = unit.gnu;
     const EditModes& modes = gnu.modes;
     const bool formatted = unit.status.formatted;
@@ -167,8 +167,10 @@ void answer_modes(const Unit& unit, const Inquiry& q) {
 
 void answer_connected(Caller& caller, Unit& unit, const Inquiry& q) {
     answer_numbers(unit, q);
-    answer_access(unit, q);
-    answer_modes(unit, q);
+    if (q.texts != nullptr) {
+        answer_access(unit, *q.texts);
+        answer_modes(unit, *q.texts);
+    }
     if (q.id != nullptr && unit.gnu.asynchronous && (*q.id < 0 || *q.id > unit.gnu.last_id)) {
         raise_fault(caller, bad_wait_id);
     }
@@ -181,14 +183,16 @@ void answer_unconnected(const Inquiry& q) {
     answer(q.pending, 0);
     answer(q.nextrec, 0);
     answer(q.recl, recl_of_nothing);
+    if (q.texts == nullptr) return;
+    const InquiryTexts& t = *q.texts;
     constexpr std::string_view none = "UNDEFINED";
     constexpr std::string_view unknown = "UNKNOWN";
     for (const TextAnswer* text :
-         {&q.access, &q.form, &q.blank, &q.position, &q.pad, &q.decimal, &q.encoding}) {
+         {&t.access, &t.form, &t.blank, &t.position, &t.pad, &t.decimal, &t.encoding}) {
         answer(*text, none);
     }
-    for (const TextAnswer* text : {&q.sequential, &q.direct, &q.formatted, &q.unformatted,
-                                   &q.stream, &q.share, &q.carriage_control}) {
+    for (const TextAnswer* text : {&t.sequential, &t.direct, &t.formatted, &t.unformatted,
+                                   &t.stream, &t.share, &t.carriage_control}) {
         answer(*text, unknown);
     }
 }
@@ -199,33 +203,38 @@ void answer_no_unit(std::int32_t number, const Inquiry& q) {
     answer(q.named, 0);
     answer(q.pos, 0);
     answer(q.size, -1);
+    if (q.texts == nullptr) return;
+    const InquiryTexts& t = *q.texts;
     for (const TextAnswer* text :
-         {&q.action, &q.delim, &q.convert, &q.asynchronous, &q.round, &q.sign}) {
+         {&t.action, &t.delim, &t.convert, &t.asynchronous, &t.round, &t.sign}) {
         answer(*text, "UNDEFINED");
     }
-    for (const TextAnswer* text : {&q.read, &q.write, &q.readwrite}) answer(*text, "NO");
+    for (const TextAnswer* text : {&t.read, &t.write, &t.readwrite}) answer(*text, "NO");
 }
 
 // The variables of ACTION=, DELIM=, CONVERT=, ASYNCHRONOUS=, ROUND=, SIGN= and POS= stay as they
 // are, as gfortran leaves them.
-void answer_no_connection_of(const std::string& path, std::string_view name, const Inquiry& q) {
+void answer_no_connection_of(const std::string& path, bool exists, const Inquiry& q) {
     answer_unconnected(q);
-    answer(q.exist, ::access(path.c_str(), F_OK) == 0 ? 1 : 0);
+    answer(q.exist, exists ? 1 : 0);
     answer(q.named, 1);
-    answer(q.name, name);
     if (q.size != nullptr) {
         struct stat about;
         *q.size = ::stat(path.c_str(), &about) == 0 ? about.st_size : -1;
     }
+    if (q.texts == nullptr) return;
+    const InquiryTexts& t = *q.texts;
+    answer(t.name, path);
+    if (t.read.text == nullptr && t.write.text == nullptr && t.readwrite.text == nullptr) return;
     const bool reads = ::access(path.c_str(), R_OK) == 0;
     const bool writes = ::access(path.c_str(), W_OK) == 0;
-    answer(q.read, yes_no(reads));
-    answer(q.write, yes_no(writes));
-    answer(q.readwrite, yes_no(reads && writes));
+    answer(t.read, yes_no(reads));
+    answer(t.write, yes_no(writes));
+    answer(t.readwrite, yes_no(reads && writes));
 }
 
-Unit* acquire_unit_of(const std::string& path) {
-    const Unit* found = sys_findUnitFromFilename(path);
+Unit* acquire_unit_of(const std::string& path, bool& exists) {
+    const Unit* found = find_unit_of_file(path, exists);
     return found != nullptr ? acquire_unit(found->number) : nullptr;
 }
 
@@ -234,11 +243,12 @@ Unit* acquire_unit_of(const std::string& path) {
 void inquire(Caller& caller, const Inquiry& q) {
     bring_up_units();
     std::string path;
+    bool exists = false;
     Unit* unit = nullptr;
     if (q.by_file) {
         const std::size_t last = q.file.find_last_not_of(' ');
         path = q.file.substr(0, last == std::string_view::npos ? 0 : last + 1);
-        unit = acquire_unit_of(path);
+        unit = acquire_unit_of(path, exists);
     } else {
         caller.has_unit = true;
         const Statement* const parent = parent_of(caller.unit);
@@ -249,7 +259,7 @@ void inquire(Caller& caller, const Inquiry& q) {
     if (unit != nullptr && unit->status.connected) {
         answer_connected(caller, *unit, q);
     } else if (q.by_file) {
-        answer_no_connection_of(path, path, q);
+        answer_no_connection_of(path, exists, q);
     } else {
         answer_no_unit(caller.unit, q);
     }

@@ -15,6 +15,12 @@ struct TextAnswer {
     std::size_t length = 0;
 };
 
+struct InquiryTexts {
+    TextAnswer name, access, sequential, direct, form, formatted, unformatted, blank, position;
+    TextAnswer action, read, write, readwrite, delim, pad, convert, asynchronous, decimal;
+    TextAnswer encoding, round, sign, stream, share, carriage_control;
+};
+
 // What is asked, each answer by the address of its variable, null when it isn't wanted.
 struct Inquiry {
     bool by_file = false;
@@ -29,9 +35,7 @@ struct Inquiry {
     std::int64_t* recl = nullptr;
     std::int64_t* pos = nullptr;
     std::int64_t* size = nullptr;
-    TextAnswer name, access, sequential, direct, form, formatted, unformatted, blank, position;
-    TextAnswer action, read, write, readwrite, delim, pad, convert, asynchronous, decimal;
-    TextAnswer encoding, round, sign, stream, share, carriage_control;
+    const InquiryTexts* texts = nullptr;  // most ask for none of them
 };
 
 void inquire(Caller& caller, const Inquiry& inquiry);

@@ -254,6 +254,7 @@ void go_back_one_record(Unit& unit, int& err) {
     if (here == 0 || inside || err != 0) return;
     if (!file.seekable && has_places(file)) return;
     int failure = 0;
+    if (unit.status.formatted) look_back(file);
     const std::int64_t start = unit.status.formatted ? start_of_line_before(file, here, failure)
                                                      : start_of_record_before(unit, here, failure);
     if (failure == 0) set_place(unit, start, failure);

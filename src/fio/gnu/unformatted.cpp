@@ -18,14 +18,7 @@ struct Layout {
 };
 
 Layout layout_of(ItemType type, int kind, std::size_t size) {
-    switch (type) {
-        case ItemType::character:
-            return {size * static_cast<std::size_t>(kind), static_cast<std::size_t>(kind)};
-        case ItemType::complex:
-            return {size, size / 2};
-        default:
-            return {size, size};
-    }
+    return {raw_size(type, kind, size), turned_size(type, kind, size)};
 }
 
 // Turned on the way into the buffer, a load at a time.

@@ -63,6 +63,11 @@ inline void put_raw(Statement& s, const char* bytes, std::size_t count) {
 inline std::size_t raw_size(ItemType type, int kind, std::size_t size) {
     return type == ItemType::character ? size * static_cast<std::size_t>(kind) : size;
 }
+// Of those, what is turned around as one in a file of the other byte order.
+inline std::size_t turned_size(ItemType type, int kind, std::size_t size) {
+    if (type == ItemType::character) return static_cast<std::size_t>(kind);
+    return type == ItemType::complex ? size / 2 : size;
+}
 void put_raw_item(Statement& statement, ItemType type, void* item, int kind, std::size_t size);
 void take_raw_item(Statement& statement, ItemType type, void* item, int kind, std::size_t size);
 

@@ -83,7 +83,9 @@ void quick_row(DataBlock& block, ItemType type, char* items, int kind, std::size
     PrivatePart& part = block.part();
     if (part.owner == Owner::quick) {
         const std::size_t bytes = fio::raw_size(type, kind, size);
-        if (pass_row_quickly(part.record, items, bytes, stride, static_cast<std::size_t>(count))) {
+        const std::size_t unit = fio::turned_size(type, kind, size);
+        if (pass_row_quickly(part.record, items, bytes, unit, stride,
+                             static_cast<std::size_t>(count))) {
             return;
         }
         leave_quick_road(block);
@@ -187,15 +189,17 @@ const char* format_of(const DataBlock& block) {
 // False, and nothing has happened: the statement has to be begun in full.
 bool begin_usual_records(DataBlock& block, bool reading) {
     PrivatePart& part = block.part();
-    fio::Unit* unit = fio::hold_for_records(block.unit, reading);
+    const bool direct = (block.flags & has_rec) != 0;
+    fio::Unit* unit = fio::hold_for_records(block.unit, reading, direct);
     if (unit == nullptr) return false;
-    if (begin_quick_record(part.record, *unit, reading)) {
+    const std::int64_t number = direct ? block.rec : 0;
+    if (begin_quick_record(part.record, *unit, reading, number)) {
         part.owner = Owner::quick;
         return true;
     }
     part.owner = Owner::gnu;
     fill_caller(block, part.caller);
-    part.statement = begin_records(*unit, part.caller, reading);
+    part.statement = begin_records(*unit, part.caller, reading, number);
     return true;
 }
 
@@ -229,13 +233,13 @@ NativeRoad& native_road() {
 void begin_data_transfer(DataBlock& block, bool reading) {
     PrivatePart& part = block.part();
     const std::uint32_t flags = block.flags;
-    const bool usual = (flags & (reading ? unusual_in_read : unusual_in_write)) == 0;
+    const std::uint32_t unusual = flags & (reading ? unusual_in_read : unusual_in_write);
     const bool unformatted = (flags & (has_format | list_directed)) == 0;
-    if (usual && unformatted && begin_usual_records(block, reading)) return;
+    if ((unusual & ~has_rec) == 0 && unformatted && begin_usual_records(block, reading)) return;
     part.owner = Owner::gnu;
     fill_caller(block, part.caller);
     part.statement = nullptr;
-    if (usual && !unformatted) {
+    if (unusual == 0 && !unformatted) {
         part.statement =
             fio::begin_usual_transfer(part.caller, reading, format_of(block), block.format_length);
     }
@@ -277,7 +281,8 @@ void transfer_item(DataBlock& block, ItemType type, void* item, int kind, std::s
         return;
     }
     if (part.owner == Owner::quick &&
-        pass_quickly(part.record, static_cast<char*>(item), fio::raw_size(type, kind, size))) {
+        pass_quickly(part.record, static_cast<char*>(item), fio::raw_size(type, kind, size),
+                     fio::turned_size(type, kind, size))) {
         return;
     }
     Statement& statement = statement_of(block);
@@ -291,7 +296,8 @@ void transfer_complex(DataBlock& block, void* item, int kind) {
         native_road().transfer(&block, ItemType::complex, item, kind, size);
         return;
     }
-    if (part.owner == Owner::quick && pass_quickly(part.record, static_cast<char*>(item), size)) {
+    if (part.owner == Owner::quick &&
+        pass_quickly(part.record, static_cast<char*>(item), size, size / 2)) {
         return;
     }
     fio::transfer_items(statement_of(block), ItemType::complex, item, kind, size, 0, 1);

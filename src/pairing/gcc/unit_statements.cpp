@@ -78,22 +78,6 @@ fio::OpenSpecifiers specifiers_of(const OpenBlock& block) {
     return s;
 }
 
-void ask_more(const InquireBlock& block, fio::Inquiry& q) {
-    namespace flag = inquire_more_flag;
-    const std::uint32_t flags = block.more_flags;
-    q.pending = wanted(flags, flag::pending, block.pending);
-    q.size = wanted(flags, flag::size, block.size);
-    q.id = wanted(flags, flag::id, block.id);
-    q.asynchronous = wanted(flags, flag::asynchronous, block.asynchronous);
-    q.decimal = wanted(flags, flag::decimal, block.decimal);
-    q.encoding = wanted(flags, flag::encoding, block.encoding);
-    q.round = wanted(flags, flag::round, block.round);
-    q.sign = wanted(flags, flag::sign, block.sign);
-    q.stream = wanted(flags, flag::stream, block.stream);
-    q.share = wanted(flags, flag::share, block.share);
-    q.carriage_control = wanted(flags, flag::carriage_control, block.carriage_control);
-}
-
 fio::Inquiry inquiry_of(const InquireBlock& block) {
     namespace flag = inquire_flag;
     const std::uint32_t flags = block.common.flags;
@@ -107,6 +91,39 @@ fio::Inquiry inquiry_of(const InquireBlock& block) {
     q.nextrec = wanted(flags, flag::nextrec, block.nextrec);
     q.recl = wanted(flags, flag::recl, block.recl);
     q.pos = wanted(flags, flag::pos, block.pos);
+    if ((flags & flag::more_flags) == 0) return q;
+    const std::uint32_t more = block.more_flags;
+    q.pending = wanted(more, inquire_more_flag::pending, block.pending);
+    q.size = wanted(more, inquire_more_flag::size, block.size);
+    q.id = wanted(more, inquire_more_flag::id, block.id);
+    return q;
+}
+
+bool asks_for_texts(const InquireBlock& block) {
+    namespace flag = inquire_flag;
+    constexpr std::uint32_t others = flag::exist | flag::opened | flag::number | flag::named |
+                                     flag::nextrec | flag::recl | flag::pos | flag::file;
+    constexpr std::uint32_t first = flag::exist;
+    return (block.common.flags & ~others & ~(first - 1)) != 0;
+}
+
+void ask_for_more_texts(const InquireBlock& block, fio::InquiryTexts& q) {
+    namespace flag = inquire_more_flag;
+    const std::uint32_t flags = block.more_flags;
+    q.asynchronous = wanted(flags, flag::asynchronous, block.asynchronous);
+    q.decimal = wanted(flags, flag::decimal, block.decimal);
+    q.encoding = wanted(flags, flag::encoding, block.encoding);
+    q.round = wanted(flags, flag::round, block.round);
+    q.sign = wanted(flags, flag::sign, block.sign);
+    q.stream = wanted(flags, flag::stream, block.stream);
+    q.share = wanted(flags, flag::share, block.share);
+    q.carriage_control = wanted(flags, flag::carriage_control, block.carriage_control);
+}
+
+fio::InquiryTexts texts_of(const InquireBlock& block) {
+    namespace flag = inquire_flag;
+    const std::uint32_t flags = block.common.flags;
+    fio::InquiryTexts q;
     q.name = wanted(flags, flag::name, block.name);
     q.access = wanted(flags, flag::access, block.access);
     q.sequential = wanted(flags, flag::sequential, block.sequential);
@@ -123,8 +140,16 @@ fio::Inquiry inquiry_of(const InquireBlock& block) {
     q.delim = wanted(flags, flag::delim, block.delim);
     q.pad = wanted(flags, flag::pad, block.pad);
     q.convert = wanted(flags, flag::convert, block.convert);
-    if ((flags & flag::more_flags) != 0) ask_more(block, q);
+    if ((flags & flag::more_flags) != 0) ask_for_more_texts(block, q);
     return q;
+}
+
+void inquire(fio::Caller& caller, const InquireBlock& block) {
+    fio::Inquiry inquiry = inquiry_of(block);
+    if (!asks_for_texts(block)) return fio::inquire(caller, inquiry);
+    const fio::InquiryTexts texts = texts_of(block);
+    inquiry.texts = &texts;
+    fio::inquire(caller, inquiry);
 }
 
 template <class Statement>
@@ -149,7 +174,7 @@ TARN_EXPORT void _gfortran_st_close(CloseBlock* block) {
 }
 
 TARN_EXPORT void _gfortran_st_inquire(InquireBlock* block) {
-    run(block->common, [&](fio::Caller& c) { fio::inquire(c, inquiry_of(*block)); });
+    run(block->common, [&](fio::Caller& c) { inquire(c, *block); });
 }
 
 TARN_EXPORT void _gfortran_st_rewind(CommonBlock* block) {

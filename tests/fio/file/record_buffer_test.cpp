@@ -1,10 +1,12 @@
 #include "fio/file/record_buffer.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <random>
 #include <signal.h>
 #include <string>
 #include <thread>
@@ -115,6 +117,69 @@ TEST_F(RecordBuffer, MovesInsideTheBufferAndBeyondTheEnd) {
     put("far", true);
     EXPECT_EQ(on_disk().size(), 1003U);
     EXPECT_EQ(err, 0);
+}
+
+// Bytes of any number go in at any place, from memory that lies anywhere in its page; what the file
+// holds is what a string would.
+TEST_F(RecordBuffer, BehavesAsAStringOfBytes) {
+    std::mt19937 draw(7);
+    const auto upto = [&](std::size_t most) {
+        return std::uniform_int_distribution<std::size_t>(0, most)(draw);
+    };
+    std::string expected;
+    std::vector<char> memory(std::size_t{1} << 20);
+    for (int step = 0; step < 600; ++step) {
+        const std::size_t count = upto(upto(3) == 0 ? 400000 : 5000);
+        char* const bytes = memory.data() + upto(8192);
+        int err = 0;
+        const auto here = static_cast<std::size_t>(file.logical_position);
+        switch (upto(4)) {
+            case 0:
+            case 1:
+                for (std::size_t i = 0; i < count; ++i) bytes[i] = static_cast<char>(draw());
+                put_bytes(file, bytes, count, err);
+                if (here + count > expected.size()) expected.resize(here + count);
+                expected.replace(here, count, bytes, count);
+                break;
+            case 2:
+                if (here >= 8) {
+                    const std::size_t at = upto(here - 8);
+                    overwrite_bytes(file, static_cast<std::int64_t>(at), "<marker>", 8, err);
+                    expected.replace(at, 8, "<marker>");
+                }
+                break;
+            case 3:
+                ASSERT_EQ(take_bytes(file, bytes, count, err),
+                          std::min(count, expected.size() - here));
+                ASSERT_EQ(expected.compare(here, std::min(count, expected.size() - here), bytes,
+                                           std::min(count, expected.size() - here)),
+                          0);
+                break;
+            default:
+                move_to(file, static_cast<std::int64_t>(upto(expected.size())), err);
+        }
+        ASSERT_EQ(err, 0);
+    }
+    int err = 0;
+    write_out(file, err);
+    EXPECT_TRUE(on_disk() == expected);
+}
+
+// A long run of short records leaves in blocks that start where the file's do, wherever the first
+// record stood.
+TEST_F(RecordBuffer, WritesWholeBlocks) {
+    constexpr std::int64_t block = 65536;
+    const std::string record(1000, 'r');
+    int err = 0;
+    move_to(file, 24, err);
+    std::int64_t seen = 24;
+    for (int i = 0; i < 500; ++i) {
+        put(record);
+        if (file.buffer_position == seen) continue;
+        seen = file.buffer_position;
+        EXPECT_EQ(seen % block, 0);
+    }
+    EXPECT_GT(seen, 4 * block);
 }
 
 TEST_F(RecordBuffer, AFullDiskIsReportedAndNothingPretendsToBeWritten) {

@@ -191,8 +191,10 @@ TEST_F(GnuUnits, NumbersThatCantBe) {
     char words[2][9] = {};
     inquiry.exist = &exist;
     inquiry.opened = &opened;
-    inquiry.access = {words[0], 9};
-    inquiry.read = {words[1], 3};
+    InquiryTexts texts;
+    inquiry.texts = &texts;
+    texts.access = {words[0], 9};
+    texts.read = {words[1], 3};
     inquire(nothing, inquiry);
     EXPECT_EQ(exist, 0);
     EXPECT_EQ(opened, 0);

@@ -4,6 +4,7 @@
 #include "intrinsics/arrays/dispatch.h"
 #include "intrinsics/arrays/extremes.h"
 #include "intrinsics/arrays/match.h"
+#include "intrinsics/arrays/rows.h"
 
 namespace tarn::arrays {
 
@@ -133,7 +134,7 @@ struct Values {
     T best[block_width];
 
     // The value of a run whose best is `best`.
-    static T settle(T best, const Run& run) {
+    [[gnu::noinline]] static T settle(T best, const Run& run) {
         if constexpr (is_integer<T>) {
             return best;
         } else {
@@ -157,10 +158,33 @@ struct Values {
     }
 };
 
+// A row of few elements. Of zeros the one that is met first stays.
 template <class T, bool largest, bool finite>
-void Extreme<T, largest, finite>::one(const Run& run, std::byte* to) const {
+struct ExtremeRule {
     using V = Values<T, largest, finite>;
-    *reinterpret_cast<T*>(to) = V::settle(best_of<T, largest>(V::start, run), run);
+    using Element = T;
+    using State = T;
+    static constexpr bool hides = true;
+    static T hidden() { return V::start; }
+    static State start() { return V::start; }
+    [[gnu::always_inline]] static void take(State& best, T x, Index) {
+        best = beats<largest>(x, best) ? x : best;
+    }
+    template <class MakeRun>
+    static void store(const State& best, MakeRun&& run, std::byte* to) {
+        *reinterpret_cast<T*>(to) = best;
+        if constexpr (!is_integer<T>)
+            if (best == V::start) *reinterpret_cast<T*>(to) = V::settle(best, run());
+    }
+};
+
+template <class T, bool largest, bool finite>
+void Extreme<T, largest, finite>::rows(const Rows& rows) const {
+    using V = Values<T, largest, finite>;
+    if (are_for_fours(rows)) return take_by_four(ExtremeRule<T, largest, finite>(), rows);
+    for_each_row(rows, [](const Run& run, std::byte* to) {
+        *reinterpret_cast<T*>(to) = V::settle(best_of<T, largest>(V::start, run), run);
+    });
 }
 template <class T, bool largest, bool finite>
 void Extreme<T, largest, finite>::begin(Block& block, Index n) const {
@@ -296,19 +320,50 @@ struct Places {
 };
 
 template <class T, bool largest>
-Index look_closely(const Run& run, T start, bool back) {
+[[gnu::noinline]] Index look_closely(const Run& run, T start, bool back) {
     BestPlace<T, largest> careful{start, back};
     careful.look(run, 0);
     return careful.found();
 }
 
+// A row of few elements, where the first of equal ones counts.
 template <class T, bool largest>
-void ExtremePlace<T, largest>::one(const Run& run, std::byte* to) const {
-    PlaceSearch<T, largest> quick(start, back);
-    quick.search(run);
-    store_integer(
-        to, result_size,
-        1 + (quick.decided() ? quick.found() : look_closely<T, largest>(run, start, back)));
+struct ExtremePlaceRule {
+    using Element = T;
+    struct State {
+        T best;
+        Index place;
+    };
+    T worst;
+    Index result_size;
+
+    static constexpr bool hides = true;
+    T hidden() const { return worst; }
+    State start() const { return {worst, -1}; }
+    [[gnu::always_inline]] void take(State& state, T x, Index k) const {
+        const bool better = beats<largest>(x, state.best);
+        state.best = better ? x : state.best;
+        state.place = better ? k : state.place;
+    }
+    template <class MakeRun>
+    void store(const State& state, MakeRun&& run, std::byte* to) const {
+        const Index place =
+            state.place >= 0 ? state.place : look_closely<T, largest>(run(), worst, false);
+        store_integer(to, result_size, 1 + place);
+    }
+};
+
+template <class T, bool largest>
+void ExtremePlace<T, largest>::rows(const Rows& rows) const {
+    if (!back && are_for_fours(rows))
+        return take_by_four(ExtremePlaceRule<T, largest>{start, result_size}, rows);
+    for_each_row(rows, [&](const Run& run, std::byte* to) {
+        PlaceSearch<T, largest> quick(start, back);
+        quick.search(run);
+        store_integer(
+            to, result_size,
+            1 + (quick.decided() ? quick.found() : look_closely<T, largest>(run, start, back)));
+    });
 }
 template <class T, bool largest>
 void ExtremePlace<T, largest>::begin(Block& block, Index n) const {

@@ -4,6 +4,7 @@
 #include "intrinsics/arrays/along.h"
 #include "intrinsics/arrays/dispatch.h"
 #include "intrinsics/arrays/match.h"
+#include "intrinsics/arrays/rows.h"
 
 namespace tarn::arrays {
 
@@ -59,6 +60,30 @@ Index first_match(Match match, const Run& run) {
     return -1;
 }
 
+// The same for each of some rows of few elements: calls store(place, to).
+template <bool masked, class Match, class Store>
+[[gnu::always_inline]] inline void first_of_few(Match match, const Rows& rows, Store&& store) {
+    using T = typename Match::Element;
+    const Index n = rows.first.n;
+    const Index stride = rows.first.stride;
+    const Index mask_stride = masked ? rows.first.mask_stride : 0;
+    const std::byte* at = rows.first.at;
+    const std::byte* mask = rows.first.mask;
+    std::byte* to = rows.to;
+    for (Index left = rows.n; left > 0; --left) {
+        const auto found = [&](Index i) {
+            return match(*reinterpret_cast<const T*>(at + i * stride)) &&
+                   (!masked || mask[i * mask_stride] != std::byte{0});
+        };
+        Index i = 0;
+        while (i < n && !found(i)) ++i;
+        store(i < n ? i : -1, to);
+        at += rows.step;
+        if constexpr (masked) mask += rows.mask_step;
+        to += rows.to_step;
+    }
+}
+
 // FINDLOC along a dimension. With BACK= the run is looked at from its end.
 template <class Match>
 struct MatchPlace final : Reduction {
@@ -73,16 +98,24 @@ struct MatchPlace final : Reduction {
     MatchPlace(Match wanted, bool with_back, Index size)
         : match(wanted), back(with_back), result_size(size) {}
 
-    void one(const Run& given, std::byte* to) const override {
-        Run run = given;
+    void rows(const Rows& given) const override {
+        Rows rows = given;
+        Run& run = rows.first;
         if (back && run.n > 0) {
             run.move((run.n - 1) * run.stride, (run.n - 1) * run.mask_stride);
             run.stride = -run.stride;
             run.mask_stride = -run.mask_stride;
         }
-        Index place = first_match(match, run);
-        if (place >= 0 && back) place = run.n - 1 - place;
-        store_integer(to, result_size, 1 + place);
+        const auto store = [&](Index place, std::byte* to) {
+            const Index found = back && place >= 0 ? run.n - 1 - place : place;
+            store_integer(to, result_size, 1 + found);
+        };
+        if (are_for_fours(rows)) {
+            if (run.mask != nullptr) return first_of_few<true>(match, rows, store);
+            return first_of_few<false>(match, rows, store);
+        }
+        for_each_row(
+            rows, [&](const Run& row, std::byte* to) { store(first_match(match, row), to); });
     }
     void begin(Block& block, Index n) const override {
         std::fill_n(block.as<State>().place, n, -1);

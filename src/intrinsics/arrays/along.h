@@ -212,8 +212,8 @@ void for_runs(const View& array, const Mask* mask, Work&& work) {
 // All rows, in the way that suits them.
 void reduce_rows(const Reduction& reduction, const Rows& rows);
 
-// The same of rows that start where the loops lead: the strides of a loop are those of the array, the
-// result and the mask. Of `rows` the first run and where its result goes are known.
+// The same of rows that start where the loops lead: the strides of a loop are those of the array,
+// the result and the mask. Of `rows` the first run and where its result goes are known.
 void reduce_loops(const Reduction& reduction, Rows& rows, Loops<3>& loops);
 
 // `result` has the array's dimensions without `dim`; `mask` may be null.

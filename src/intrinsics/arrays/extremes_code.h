@@ -389,6 +389,18 @@ void ExtremePlace<T, largest>::end(Block& block, Index n, Run run, Index step, I
     }
 }
 
+// The search in one short run without gaps: `found` is the place, if there is one for sure.
+template <class T, bool largest>
+bool find_in_few(const View& array, T start, bool back, Index& found) {
+    const auto* const x = reinterpret_cast<const T*>(array.base);
+    const Index n = array.count();
+    const T best = best_of<T, largest>(start, array.base, sizeof(T), n);
+    if (best == start) return false;
+    found = back ? n - 1 : 0;
+    while (x[found] != best) found += back ? -1 : 1;
+    return true;
+}
+
 // The quick search where all elements count: `found` is the place, if there is one for sure.
 template <class T, bool largest>
 bool find_extreme(const View& array, T start, bool back, Index& found) {
@@ -432,10 +444,36 @@ bool find_extreme(const View& array, T start, bool back, Index& found) {
     return true;
 }
 
+// The same under a mask, one element after the other.
+template <class T, bool largest>
+Index find_among_few(const View& array, const View& mask, T start) {
+    const ExtremePlaceRule<T, largest> rule{start, 0};
+    auto state = rule.start();
+    const Loops<2> loops = loops_over(array, mask);
+    Index seen = 0;
+    walk(loops, {array.base, mask.base}, [&](const std::array<std::byte*, 2>& at, Index n) {
+        auto best = state;
+        const std::byte* x = at[0];
+        const std::byte* flag = at[1];
+        for (Index i = 0; i < n; ++i, x += loops.stride[0][0], flag += loops.stride[0][1])
+            if (*flag != std::byte{0}) rule.take(best, *reinterpret_cast<const T*>(x), seen + i);
+        seen += n;
+        state = best;
+    });
+    return state.place;
+}
+
 template <class T, bool largest>
 Index place_of_extreme(const View& array, const Mask* mask, T start, bool back) {
+    if (mask != nullptr && !back && mask->truth == Truth::low_byte && array.count() <= few_in_row) {
+        const Index place = find_among_few<T, largest>(array, mask->view, start);
+        if (place >= 0) return place;
+    }
     if (mask == nullptr) {
         Index found = 0;
+        if (array.rank > 0 && array.count() <= 4 * few_in_row && is_contiguous(array) &&
+            find_in_few<T, largest>(array, start, back, found))
+            return found;
         if (find_extreme<T, largest>(array, start, back, found)) return found;
     } else {
         PlaceSearch<T, largest> quick(start, back);

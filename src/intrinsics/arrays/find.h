@@ -114,8 +114,8 @@ struct MatchPlace final : Reduction {
             if (run.mask != nullptr) return first_of_few<true>(match, rows, store);
             return first_of_few<false>(match, rows, store);
         }
-        for_each_row(
-            rows, [&](const Run& row, std::byte* to) { store(first_match(match, row), to); });
+        for_each_row(rows,
+                     [&](const Run& row, std::byte* to) { store(first_match(match, row), to); });
     }
     void begin(Block& block, Index n) const override {
         std::fill_n(block.as<State>().place, n, -1);
@@ -140,10 +140,36 @@ struct MatchPlace final : Reduction {
     }
 };
 
+// The first match among few elements.
+template <bool masked, class Match>
+Index place_among_few(Match match, const View& array, const View& mask) {
+    using T = typename Match::Element;
+    const Loops<2> loops = loops_over(array, mask);
+    Index seen = 0;
+    Index found = -1;
+    walk(loops, {array.base, mask.base}, [&](const std::array<std::byte*, 2>& at, Index n) {
+        const std::byte* x = at[0];
+        const std::byte* flag = at[1];
+        for (Index i = 0; i < n; ++i, x += loops.stride[0][0], flag += loops.stride[0][1]) {
+            if (!match(*reinterpret_cast<const T*>(x)) || (masked && *flag == std::byte{0}))
+                continue;
+            found = seen + i;
+            return false;
+        }
+        seen += n;
+        return true;
+    });
+    return found;
+}
+
 // Where the first match of a whole array stands in array element order (the last with BACK=), from
 // 0; -1: nowhere.
 template <class Match>
 Index place_of_match(Match match, View array, const Mask* mask, bool back) {
+    if (!back && array.count() <= 2 * few_in_row &&
+        (mask == nullptr || mask->truth == Truth::low_byte))
+        return mask == nullptr ? place_among_few<false>(match, array, array)
+                               : place_among_few<true>(match, array, mask->view);
     Mask turned;
     if (back) {
         array = reversed(array);

@@ -58,7 +58,7 @@ void store_results(std::byte* to, Index step, Index size, Index n, Value&& value
 [[gnu::always_inline]] inline bool is_everywhere(bool wanted, const Row& row) {
     Index first = 0;
     if (row.truth == Truth::low_byte) {
-        constexpr Index few = 64;
+        constexpr Index few = 16;
         for (; first < std::min(few, row.n); ++first)
             if ((row.at[first * row.stride] != std::byte{0}) != wanted) return false;
     }
@@ -84,11 +84,28 @@ struct CountRule {
     }
 };
 
+// ALL (`wanted`) or ANY of rows of few elements, by their low bytes.
+template <bool wanted, class Integer>
+void settle_few(const Row& row, Index step, Index n, std::byte* to, Index to_step) {
+    const std::byte* at = row.at;
+    const Index stride = row.stride;
+    const Index length = row.n;
+    for (; n > 0; --n, at += step, to += to_step) {
+        Index i = 0;
+        while (i < length && (at[i * stride] != std::byte{0}) == wanted) ++i;
+        *reinterpret_cast<Integer*>(to) = static_cast<Integer>((i == length) == wanted);
+    }
+}
+
 // The results of n rows, `step` bytes from one to the next.
 void reduce_rows(LogicalReduction what, Row row, Index step, Index n, std::byte* to, Index to_step,
                  Index to_size) {
     if (what == LogicalReduction::any || what == LogicalReduction::all) {
         const bool wanted = what == LogicalReduction::all;
+        constexpr Index few = 64;
+        if (row.truth == Truth::low_byte && row.n <= few && to_size == sizeof(std::int32_t))
+            return wanted ? settle_few<true, std::int32_t>(row, step, n, to, to_step)
+                          : settle_few<false, std::int32_t>(row, step, n, to, to_step);
         store_results(to, to_step, to_size, n, [&](Index) {
             const bool everywhere = is_everywhere(wanted, row);
             row.at += step;
@@ -259,8 +276,7 @@ void LogicalRows::rows(const Rows& rows) const {
     // With few elements side by side costs more than it gains.
     const bool across = rows.n * run.n > 256 && rows.n > 16 &&
                         std::abs(step) < std::abs(run.stride) && run.n > 1 && run.n < INT32_MAX;
-    if (!across)
-        return reduce_rows(what_, row, step, rows.n, rows.to, rows.to_step, result_size_);
+    if (!across) return reduce_rows(what_, row, step, rows.n, rows.to, rows.to_step, result_size_);
     const bool words = step == row.size || step == 2 * row.size;
     auto* const block = !words      ? reduce_block<Flag>
                         : step == 2 ? reduce_block<std::uint16_t>

@@ -1,10 +1,10 @@
-// Rows of so few elements that vectors don't pay: four rows are taken at a time, element by element,
-// so that their steps don't wait for one another.
+// Rows of so few elements that vectors don't pay: four rows are taken at a time, element by
+// element, so that their steps don't wait for one another.
 //
-// A rule has the Element it reads, a State for each row, and says how the state starts, how it takes
-// element k and what it stores in the end. What it seldom needs for that is the run, which is made
-// when it asks. `hidden` is an element that changes nothing, which stands for those that a mask
-// hides: masks are mostly unforeseeable, so that this is a choice of addresses, not of roads.
+// A rule has the Element it reads, a State for each row, and says how the state starts, how it
+// takes element k and what it stores in the end. What it seldom needs for that is the run, which is
+// made when it asks. `hidden` is an element that changes nothing, which stands for those that a
+// mask hides: masks are mostly unforeseeable, so that this is a choice of addresses, not of roads.
 #pragma once
 
 #include "intrinsics/arrays/along.h"

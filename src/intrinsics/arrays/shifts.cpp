@@ -66,8 +66,8 @@ void push_blocks(const View& to, const View& from, int dim, Index shift,
 
 // ---- Vectors ----
 
-// Many vectors side by side, of which each has a shift of its own, are taken in tiles that the cache
-// holds: a part of each vector, then the next part.
+// Many vectors side by side, of which each has a shift of its own, are taken in tiles that the
+// cache holds: a part of each vector, then the next part.
 constexpr Index tile_vectors = 64;
 constexpr Index tile_length = 64;
 // What the nearest cache holds, with room to spare.
@@ -96,6 +96,11 @@ template <class Size>
     size.copy(to + first * to_stride, to_stride, from + (first + shift) * stride, stride,
               last - first);
     size.fill(to + last * to_stride, to_stride, boundary, k + m - last);
+}
+
+// The shift of a vector.
+[[gnu::always_inline]] inline Index shift_at(const std::byte* from, Index size) {
+    return size == 4 ? *reinterpret_cast<const std::int32_t*>(from) : load_integer(from, size);
 }
 
 // How vectors are gone through: each in one part where they lie one behind the other, or all are
@@ -185,10 +190,9 @@ void circular_shifts(const View& to, const View& from, int dim, const View& shif
         walk(loops, {to.base, from.base, shifts.base},
              [&](const std::array<std::byte*, 3>& at, Index count) {
                  parts.each(count, [&](Index i, Index k, Index m) {
-                     const Index s =
-                         into_range(load_integer(at[2] + i * step[2], shifts.element), n);
-                     turn_part(size, at[0] + i * step[0], to_stride, at[1] + i * step[1], stride,
-                               n, s, k, m);
+                     const Index s = into_range(shift_at(at[2] + i * step[2], shifts.element), n);
+                     turn_part(size, at[0] + i * step[0], to_stride, at[1] + i * step[1], stride, n,
+                               s, k, m);
                  });
              });
     });
@@ -219,8 +223,8 @@ void end_off_shifts(const View& to, const View& from, int dim, const View& shift
     Loops<4> loops;
     for (int d = 0, r = 0; d < to.rank; ++d) {
         if (d == dim) continue;
-        loops.add(to.dims[d].extent, {to.dims[d].stride, from.dims[d].stride,
-                                      shifts.dims[r].stride, boundary.dims[r].stride});
+        loops.add(to.dims[d].extent, {to.dims[d].stride, from.dims[d].stride, shifts.dims[r].stride,
+                                      boundary.dims[r].stride});
         ++r;
     }
     loops.finish();
@@ -233,7 +237,7 @@ void end_off_shifts(const View& to, const View& from, int dim, const View& shift
              [&](const std::array<std::byte*, 4>& at, Index count) {
                  parts.each(count, [&](Index i, Index k, Index m) {
                      const Index s =
-                         std::clamp(load_integer(at[2] + i * step[2], shifts.element), -n, n);
+                         std::clamp(shift_at(at[2] + i * step[2], shifts.element), -n, n);
                      push_part(size, at[0] + i * step[0], to_stride, at[1] + i * step[1], stride, n,
                                s, at[3] + i * step[3], k, m);
                  });

@@ -1,6 +1,7 @@
 // The sizes that elements mostly have, as constants.
 #pragma once
 
+#include <cstdint>
 #include <cstring>
 
 #include "intrinsics/arrays/view.h"
@@ -29,6 +30,11 @@ template <class Work>
         default:
             return false;
     }
+}
+
+template <Index size>
+[[gnu::always_inline]] inline void move_element(std::byte* to, const std::byte* from) {
+    __builtin_memcpy(to, from, size);
 }
 
 // memcpy, and no call for a few bytes: pieces of one size from either end, which may overlap.
@@ -93,8 +99,7 @@ struct ElementSize {
 // compiled for each.
 template <class Work>
 [[gnu::always_inline]] inline void with_element_size(Index element, Work&& work) {
-    const bool known =
-        with_size(element, [&]<Index size>() { work(ElementSize<size>{}); });
+    const bool known = with_size(element, [&]<Index size>() { work(ElementSize<size>{}); });
     if (!known) work(ElementSize<0>{element});
 }
 

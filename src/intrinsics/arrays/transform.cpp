@@ -214,29 +214,46 @@ bool are_few(const Mask& mask) {
     return mask.truth == Truth::low_byte && mask.view.count() <= few_elements;
 }
 
-Index pack_few(std::byte* to, Index to_stride, Index room, const View& array, const View& mask) {
-    const Loops<2> loops = loops_over(array, mask);
-    const Index* const step = loops.stride[0];
-    Index left = room;
+// One run of elements, of which those are stored whose flag is set, while there is room: each is
+// stored and only kept if its flag says so. Everything that changes is the routine's own, as bytes
+// that are stored might be anything else.
+struct Packing {
+    std::byte* to;
+    Index to_stride;
+    Index room;
     bool fits = true;
+
+    template <class Size>
+    [[gnu::noinline]] void take(Size size, const std::byte* from, Index step, const std::byte* flag,
+                                Index flag_step, Index n) {
+        std::byte* target = to;
+        Index left = room;
+        const Index stride = to_stride;
+        Index i = 0;
+        for (; i < n && left > 0; ++i) {
+            size.move(target, from);
+            const auto kept = static_cast<Index>(*flag != std::byte{0});
+            target += stride & -kept;
+            left -= kept;
+            from += step;
+            flag += flag_step;
+        }
+        for (; i < n; ++i, flag += flag_step) fits &= *flag == std::byte{0};
+        to = target;
+        room = left;
+    }
+};
+
+[[gnu::noinline]] Index pack_few(std::byte* to, Index to_stride, Index room, const View& array,
+                                 const View& mask) {
+    const Loops<2> loops = loops_over(array, mask);
+    Packing packing{to, to_stride, room};
     with_element_size(array.element, [&](auto size) {
         walk(loops, {array.base, mask.base}, [&](const std::array<std::byte*, 2>& at, Index n) {
-            const std::byte* from = at[0];
-            const std::byte* flag = at[1];
-            Index i = 0;
-            // Each element is stored and only kept if its flag says so.
-            for (; i < n && left > 0; ++i) {
-                size.move(to, from);
-                const auto kept = static_cast<Index>(*flag != std::byte{0});
-                to += to_stride & -kept;
-                left -= kept;
-                from += step[0];
-                flag += step[1];
-            }
-            for (; i < n; ++i, flag += step[1]) fits &= *flag == std::byte{0};
+            packing.take(size, at[0], loops.stride[0][0], at[1], loops.stride[0][1], n);
         });
     });
-    return fits ? room - left : room + 1;
+    return packing.fits ? room - packing.room : room + 1;
 }
 
 }  // namespace
@@ -264,8 +281,8 @@ Index pack(std::byte* to, Index to_stride, Index room, const View& array, const 
 
     walk(loops, {array.base, mask.view.base}, [&](const std::array<std::byte*, 2>& at, Index n) {
         if (apart && n <= room - kept) {
-            const Index some =
-                compact_apart(to + kept * element, at[0], step, at[1], mask_step, n, element);
+            const Index some = compact_apart(to + kept * element, at[0], step, at[1], mask_step,
+                                             mask.view.element, n, element);
             if (some >= 0) {
                 kept += some;
                 return true;
@@ -313,32 +330,51 @@ Index pack(std::byte* to, Index to_stride, Index room, const View& array, const 
 
 namespace {
 
-bool unpack_few(const View& to, const std::byte* vector, Index stride, Index n, const View& mask,
-                const View& field) {
+// The same for UNPACK: false where the vector ends too early. A choice of addresses, not of roads,
+// as masks are mostly unforeseeable.
+struct Unpacking {
+    const std::byte* vector;
+    Index stride;
+    Index left;
+
+    template <class Size>
+    [[gnu::noinline]] bool give(Size size, std::byte* to, Index to_step, const std::byte* flag,
+                                Index flag_step, const std::byte* field, Index field_step,
+                                Index n) {
+        const std::byte* next = vector;
+        const Index step = stride;
+        Index there = left;
+        for (Index i = 0; i < n; ++i) {
+            const Index taken = -static_cast<Index>(*flag != std::byte{0});
+            there += taken;
+            if (there < 0) return false;
+            size.move(to, field + ((next - field) & taken));
+            next += step & taken;
+            to += to_step;
+            flag += flag_step;
+            field += field_step;
+        }
+        vector = next;
+        left = there;
+        return true;
+    }
+};
+
+[[gnu::noinline]] bool unpack_few(const View& to, const std::byte* vector, Index stride, Index n,
+                                  const View& mask, const View& field) {
     const Loops<3> loops = loops_over(to, mask, field);
     const Index* const step = loops.stride[0];
-    Index left = n;
+    Unpacking unpacking{vector, stride, n};
+    bool enough = true;
     with_element_size(to.element, [&](auto size) {
         walk(loops, {to.base, mask.base, field.base},
              [&](const std::array<std::byte*, 3>& at, Index count) {
-                 std::byte* target = at[0];
-                 const std::byte* flag = at[1];
-                 const std::byte* other = at[2];
-                 for (Index i = 0; i < count; ++i) {
-                     // A choice of addresses, as masks are mostly unforeseeable.
-                     const Index taken = -static_cast<Index>(*flag != std::byte{0});
-                     left += taken;
-                     if (left < 0) return false;
-                     size.move(target, other + ((vector - other) & taken));
-                     vector += stride & taken;
-                     target += step[0];
-                     flag += step[1];
-                     other += step[2];
-                 }
-                 return true;
+                 enough =
+                     unpacking.give(size, at[0], step[0], at[1], step[1], at[2], step[2], count);
+                 return enough;
              });
     });
-    return left >= 0;
+    return enough;
 }
 
 }  // namespace
@@ -392,14 +428,8 @@ void spread(const View& to, const View& source, int dim) {
     if (loops.extent[0] * copies.extent <= few_elements / 4) {
         with_element_size(element, [&](auto size) {
             walk(loops, {to.base, source.base}, [&](const std::array<std::byte*, 2>& at, Index n) {
-                if (side_by_side) {
-                    for (Index i = 0; i < n; ++i)
-                        size.fill(at[0] + i * to_step, copies.stride, at[1] + i * step,
-                                  copies.extent);
-                } else {
-                    for (Index c = 0; c < copies.extent; ++c)
-                        size.copy(at[0] + c * copies.stride, to_step, at[1], step, n);
-                }
+                for (Index c = 0; c < copies.extent; ++c)
+                    size.copy(at[0] + c * copies.stride, to_step, at[1], step, n);
             });
         });
         return;

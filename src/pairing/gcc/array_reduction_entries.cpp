@@ -23,8 +23,7 @@ class GnuIall final : public Reduction {
   public:
     void rows(const Rows& rows) const override {
         if (rows.first.n > 0 && !is_hidden(rows.first)) return all_.rows(rows);
-        for_each_row(
-            rows, [](const Run&, std::byte* to) { *reinterpret_cast<T*>(to) = 0; });
+        for_each_row(rows, [](const Run&, std::byte* to) { *reinterpret_cast<T*>(to) = 0; });
     }
     void begin(Block& block, Index n) const override { all_.begin(block, n); }
     void step(Block& block, const std::byte* x, const Flag* flags, Index n,
@@ -67,8 +66,7 @@ extern "C" {
     }                                                                                              \
     TARN_EXPORT void _gfortran_s##entry##_##type(ArrayDescriptor* to, const ArrayDescriptor* from, \
                                                  const Index* dim, const Logical* mask) {          \
-        reduce_if(mask, __VA_ARGS__(),                                                             \
-                  {*to, *from, nullptr, *dim, sizeof(T), sizeof(T), name});                        \
+        reduce_if(mask, __VA_ARGS__(), {*to, *from, nullptr, *dim, sizeof(T), sizeof(T), name});   \
     }
 
 #define TARN_SUMS(type, T)                            \
@@ -94,12 +92,11 @@ TARN_GNU_INTEGERS(TARN_BITS)
     }
 TARN_GNU_REALS(TARN_NORM)
 
-#define TARN_LOGICAL(entry, size, what, name)                                            \
-    TARN_EXPORT void _gfortran_##entry(ArrayDescriptor* to, const ArrayDescriptor* from, \
-                                       const Index* dim) {                               \
-        reduce(LogicalRows(LogicalReduction::what, Truth::low_byte, size),               \
-               {*to, *from, nullptr, *dim, static_cast<Index>(from->element_length),     \
-                size, name});                                                            \
+#define TARN_LOGICAL(entry, size, what, name)                                                      \
+    TARN_EXPORT void _gfortran_##entry(ArrayDescriptor* to, const ArrayDescriptor* from,           \
+                                       const Index* dim) {                                         \
+        reduce(LogicalRows(LogicalReduction::what, Truth::low_byte, size),                         \
+               {*to, *from, nullptr, *dim, static_cast<Index>(from->element_length), size, name}); \
     }
 #define TARN_LOGICALS(size)                              \
     TARN_LOGICAL(count_##size##_l, size, count, "COUNT") \

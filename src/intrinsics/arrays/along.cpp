@@ -4,9 +4,11 @@ namespace tarn::arrays {
 namespace {
 
 constexpr Index largest_element = 32;
-// With so few rows, or elements, the blocks cost more than they gain.
+// With so few rows the blocks cost more than they gain.
 constexpr Index few_rows = 64;
+// And with so few elements, the more where vectors do little for them.
 constexpr Index few_elements = 256;
+constexpr Index few_awkward_elements = 8192;
 
 // n runs of `run.n` elements, all in step; each is a result.
 void reduce_block(const Reduction& reduction, const Rows& rows, Index n) {
@@ -45,9 +47,12 @@ void reduce_block(const Reduction& reduction, const Rows& rows, Index n) {
 }  // namespace
 
 void reduce_rows(const Reduction& reduction, const Rows& rows) {
-    const bool across = rows.n >= few_rows && rows.n * rows.first.n > few_elements &&
-                        std::abs(rows.step) < std::abs(rows.first.stride) &&
-                        rows.first.n < INT32_MAX && reduction.side_by_side();
+    const Run& run = rows.first;
+    const bool smooth = rows.step == run.element && run.element <= 8 && run.mask == nullptr;
+    const Index few = smooth ? few_elements : few_awkward_elements;
+    const bool across = rows.n >= few_rows && rows.n * run.n > few &&
+                        std::abs(rows.step) < std::abs(run.stride) && run.n < INT32_MAX &&
+                        reduction.side_by_side();
     if (across) return reduce_blocks(reduction, rows);
     reduction.rows(rows);
 }

@@ -79,7 +79,7 @@ T best_apart(T best, const std::byte* at, Index stride, Index n) {
 template <class T, bool largest>
 T best_of(T best, const std::byte* at, Index stride, Index n) {
     if constexpr (vectors_help<T>) {
-        if (stride == static_cast<Index>(sizeof(T)) && n >= BestOf<T, largest>::lanes)
+        if (stride == static_cast<Index>(sizeof(T)) && n >= few_in_row)
             return dispatch<BestOf<T, largest>>(best, reinterpret_cast<const T*>(at), n);
     }
     return best_apart<T, largest>(best, at, stride, n);

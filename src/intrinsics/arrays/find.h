@@ -140,24 +140,27 @@ struct MatchPlace final : Reduction {
     }
 };
 
+template <bool masked, class Match>
+[[gnu::noinline]] Index first_in_run(Match match, const std::byte* x, Index stride,
+                                     const std::byte* flag, Index flag_stride, Index n) {
+    using T = typename Match::Element;
+    for (Index i = 0; i < n; ++i, x += stride, flag += flag_stride)
+        if (match(*reinterpret_cast<const T*>(x)) && (!masked || *flag != std::byte{0})) return i;
+    return -1;
+}
+
 // The first match among few elements.
 template <bool masked, class Match>
 Index place_among_few(Match match, const View& array, const View& mask) {
-    using T = typename Match::Element;
     const Loops<2> loops = loops_over(array, mask);
     Index seen = 0;
     Index found = -1;
     walk(loops, {array.base, mask.base}, [&](const std::array<std::byte*, 2>& at, Index n) {
-        const std::byte* x = at[0];
-        const std::byte* flag = at[1];
-        for (Index i = 0; i < n; ++i, x += loops.stride[0][0], flag += loops.stride[0][1]) {
-            if (!match(*reinterpret_cast<const T*>(x)) || (masked && *flag == std::byte{0}))
-                continue;
-            found = seen + i;
-            return false;
-        }
+        const Index* const step = loops.stride[0];
+        const Index place = first_in_run<masked>(match, at[0], step[0], at[1], step[1], n);
+        if (place >= 0) found = seen + place;
         seen += n;
-        return true;
+        return place < 0;
     });
     return found;
 }
@@ -166,8 +169,7 @@ Index place_among_few(Match match, const View& array, const View& mask) {
 // 0; -1: nowhere.
 template <class Match>
 Index place_of_match(Match match, View array, const Mask* mask, bool back) {
-    if (!back && array.count() <= 2 * few_in_row &&
-        (mask == nullptr || mask->truth == Truth::low_byte))
+    if (!back && are_few(array) && (mask == nullptr || mask->truth == Truth::low_byte))
         return mask == nullptr ? place_among_few<false>(match, array, array)
                                : place_among_few<true>(match, array, mask->view);
     Mask turned;

@@ -274,10 +274,10 @@ void LogicalRows::rows(const Rows& rows) const {
     const Row row{run.at, run.stride, run.n, run.element, truth_};
     const Index step = rows.step;
     // With few elements side by side costs more than it gains.
-    const bool across = rows.n * run.n > 256 && rows.n > 16 &&
+    const bool words = step == row.size || step == 2 * row.size;
+    const bool across = rows.n * run.n > (words ? 256 : 8192) && rows.n >= 64 &&
                         std::abs(step) < std::abs(run.stride) && run.n > 1 && run.n < INT32_MAX;
     if (!across) return reduce_rows(what_, row, step, rows.n, rows.to, rows.to_step, result_size_);
-    const bool words = step == row.size || step == 2 * row.size;
     auto* const block = !words      ? reduce_block<Flag>
                         : step == 2 ? reduce_block<std::uint16_t>
                         : step == 4 ? reduce_block<std::uint32_t>

@@ -35,7 +35,7 @@ class RowsByFour {
         Element element;
         if constexpr (!masked) {
             __builtin_memcpy(&element, x, sizeof element);
-        } else if constexpr (Rule::hides) {
+        } else if constexpr (Rule::hides && sizeof(Element) <= 8) {
             const auto hidden = reinterpret_cast<std::uintptr_t>(&hidden_);
             const auto counts = -static_cast<std::uintptr_t>(*mask != std::byte{0});
             const auto from = hidden + ((reinterpret_cast<std::uintptr_t>(x) - hidden) & counts);
@@ -115,6 +115,15 @@ inline bool are_for_fours(const Rows& rows) {
     const Run& run = rows.first;
     const bool few = run.n <= few_in_row || (rows.n >= 4 && run.stride != run.element);
     return few && (run.mask == nullptr || run.truth == Truth::low_byte);
+}
+
+// Whether a whole array is best looked at one element after the other: it has few, or short runs,
+// or they lie apart.
+inline bool are_few(const View& array) {
+    if (array.rank == 0) return false;
+    const Dimension& first = array.dims[0];
+    return first.stride != array.element || (array.rank > 1 && first.extent <= few_in_row) ||
+           array.count() <= 2 * few_in_row;
 }
 
 }  // namespace tarn::arrays

@@ -157,19 +157,8 @@ void copy_run(std::byte* to, Index to_stride, const std::byte* from, Index from_
     if (to_stride == element && from_stride == 2 * element && n > few &&
         copy_every_second(to, from, n, element))
         return;
-    const bool done = with_size(element, [&]<Index size>() {
-        if (to_stride == size) {
-            for (Index i = 0; i < n; ++i) move_element<size>(to + i * size, from + i * from_stride);
-        } else if (from_stride == size) {
-            for (Index i = 0; i < n; ++i) move_element<size>(to + i * to_stride, from + i * size);
-        } else {
-            for (Index i = 0; i < n; ++i)
-                move_element<size>(to + i * to_stride, from + i * from_stride);
-        }
-    });
-    if (done) return;
-    for (Index i = 0; i < n; ++i)
-        std::memcpy(to + i * to_stride, from + i * from_stride, static_cast<std::size_t>(element));
+    with_element_size(element,
+                      [&](auto size) { size.copy_apart(to, to_stride, from, from_stride, n); });
 }
 
 void fill_run(std::byte* to, Index to_stride, const std::byte* value, Index n, Index element) {

@@ -17,6 +17,11 @@ Index into_range(Index shift, Index n) {
     return rest < 0 ? rest + n : rest;
 }
 
+// The shift of a vector.
+[[gnu::always_inline]] inline Index shift_at(const std::byte* from, Index size) {
+    return size == 4 ? *reinterpret_cast<const std::int32_t*>(from) : load_integer(from, size);
+}
+
 // ---- Arrays in one piece: a shift moves blocks ----
 
 struct Blocks {
@@ -84,6 +89,27 @@ template <class Size>
     size.copy(to + (k + before_end) * to_stride, to_stride, from, stride, m - before_end);
 }
 
+// Where each vector lies in one piece, of `bytes` bytes: the steps of the loop are those of the
+// target, the source and the shifts.
+void turn_pieces(const std::array<std::byte*, 3>& at, const Index* step, Index count, Index bytes,
+                 Index element, Index shift_size) {
+    std::byte* to = at[0];
+    const std::byte* from = at[1];
+    const std::byte* shift = at[2];
+    const Index to_step = step[0];
+    const Index from_step = step[1];
+    const Index shift_step = step[2];
+    const Index n = bytes / element;
+    for (Index i = 0; i < count; ++i) {
+        const Index head = into_range(shift_at(shift, shift_size), n) * element;
+        copy_bytes(to, from + head, bytes - head);
+        copy_bytes(to + (bytes - head), from, head);
+        to += to_step;
+        from += from_step;
+        shift += shift_step;
+    }
+}
+
 // The same where what lies outside of the source is the boundary; -n <= shift <= n.
 template <class Size>
 [[gnu::always_inline]] inline void push_part(Size size, std::byte* to, Index to_stride,
@@ -96,11 +122,6 @@ template <class Size>
     size.copy(to + first * to_stride, to_stride, from + (first + shift) * stride, stride,
               last - first);
     size.fill(to + last * to_stride, to_stride, boundary, k + m - last);
-}
-
-// The shift of a vector.
-[[gnu::always_inline]] inline Index shift_at(const std::byte* from, Index size) {
-    return size == 4 ? *reinterpret_cast<const std::int32_t*>(from) : load_integer(from, size);
 }
 
 // How vectors are gone through: each in one part where they lie one behind the other, or all are
@@ -186,6 +207,13 @@ void circular_shifts(const View& to, const View& from, int dim, const View& shif
     const Index to_stride = to.dims[dim].stride;
     const Index stride = from.dims[dim].stride;
     const Parts parts(to, dim, step[0]);
+    if (to_stride == to.element && stride == to.element && to.element > 0) {
+        walk(loops, {to.base, from.base, shifts.base},
+             [&](const std::array<std::byte*, 3>& at, Index count) {
+                 turn_pieces(at, step, count, n * to.element, to.element, shifts.element);
+             });
+        return;
+    }
     with_element_size(to.element, [&](auto size) {
         walk(loops, {to.base, from.base, shifts.base},
              [&](const std::array<std::byte*, 3>& at, Index count) {

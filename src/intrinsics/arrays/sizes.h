@@ -53,8 +53,13 @@ template <class Piece>
     struct Pair {
         Sixteen halves[2];
     };
-    if (n > 64) {
+    struct Four {
+        Pair pairs[2];
+    };
+    if (n > 128) {
         std::memcpy(to, from, static_cast<std::size_t>(n));
+    } else if (n >= 64) {
+        copy_both_ends<Four>(to, from, n);
     } else if (n >= 32) {
         copy_both_ends<Pair>(to, from, n);
     } else if (n >= 16) {
@@ -71,6 +76,9 @@ template <class Piece>
 }
 
 // The size of an element: a constant, or 0 and then a number that is told.
+//
+// The loops over elements that lie apart are routines of their own, which have the registers for
+// themselves, and without vectors, which would have to be put together from single elements.
 template <Index known>
 struct ElementSize {
     Index told = known;
@@ -87,7 +95,11 @@ struct ElementSize {
     [[gnu::always_inline]] void copy(std::byte* to, Index to_stride, const std::byte* from,
                                      Index stride, Index n) const {
         if (to_stride == bytes() && stride == bytes()) return copy_bytes(to, from, n * bytes());
-        for (Index i = 0; i < n; ++i) move(to + i * to_stride, from + i * stride);
+        copy_apart(to, to_stride, from, stride, n);
+    }
+    [[gnu::noinline, gnu::optimize("no-tree-vectorize")]] void copy_apart(
+        std::byte* to, Index to_stride, const std::byte* from, Index stride, Index n) const {
+        for (Index i = 0; i < n; ++i, to += to_stride, from += stride) move(to, from);
     }
     [[gnu::always_inline]] void fill(std::byte* to, Index stride, const std::byte* value,
                                      Index n) const {

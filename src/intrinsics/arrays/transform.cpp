@@ -4,6 +4,7 @@
 #include <cstring>
 #include <emmintrin.h>
 #include <numeric>
+#include <type_traits>
 
 #include "intrinsics/arrays/loops.h"
 #include "intrinsics/arrays/runs.h"
@@ -210,8 +211,13 @@ namespace {
 // So few elements aren't worth the way to anything quicker than one after the other.
 constexpr Index few_elements = 256;
 
-bool are_few(const Mask& mask) {
-    return mask.truth == Truth::low_byte && mask.view.count() <= few_elements;
+// The same holds for short runs and for elements that lie apart in an odd way.
+bool are_few(const Mask& mask, const View& array) {
+    constexpr Index short_run = 32;
+    const Dimension& first = array.dims[0];
+    if (mask.truth != Truth::low_byte) return false;
+    return mask.view.count() <= few_elements || (array.rank > 1 && first.extent <= short_run) ||
+           (first.stride != array.element && first.stride != 2 * array.element);
 }
 
 // One run of elements, of which those are stored whose flag is set, while there is room: each is
@@ -227,20 +233,26 @@ struct Packing {
     [[gnu::noinline]] void take(Size size, const std::byte* from, Index step, const std::byte* flag,
                                 Index flag_step, Index n) {
         std::byte* target = to;
-        Index left = room;
         const Index stride = to_stride;
+        const std::byte* const end = target + room * stride;
         Index i = 0;
-        for (; i < n && left > 0; ++i) {
-            size.move(target, from);
-            const auto kept = static_cast<Index>(*flag != std::byte{0});
-            target += stride & -kept;
-            left -= kept;
-            from += step;
-            flag += flag_step;
+        const auto fill = [&](Index next) {
+            for (; i < n && target != end; ++i) {
+                size.move(target, from);
+                target += -static_cast<Index>(*flag != std::byte{0}) & next;
+                from += step;
+                flag += flag_step;
+            }
+        };
+        const std::byte* const start = target;
+        if (stride == size.bytes()) {
+            fill(size.bytes());
+        } else {
+            fill(stride);
         }
         for (; i < n; ++i, flag += flag_step) fits &= *flag == std::byte{0};
+        room -= (target - start) / stride;
         to = target;
-        room = left;
     }
 };
 
@@ -259,7 +271,9 @@ struct Packing {
 }  // namespace
 
 Index pack(std::byte* to, Index to_stride, Index room, const View& array, const Mask& mask) {
-    if (are_few(mask)) return pack_few(to, to_stride, room, array, mask.view);
+    // Elements of no length don't show how many have been stored.
+    if (to_stride != 0 && are_few(mask, array))
+        return pack_few(to, to_stride, room, array, mask.view);
     const Loops<2> loops = loops_over(array, mask.view);
     const Index element = array.element;
     const Index step = loops.stride[0][0];
@@ -344,15 +358,28 @@ struct Unpacking {
         const std::byte* next = vector;
         const Index step = stride;
         Index there = left;
-        for (Index i = 0; i < n; ++i) {
-            const Index taken = -static_cast<Index>(*flag != std::byte{0});
-            there += taken;
-            if (there < 0) return false;
-            size.move(to, field + ((next - field) & taken));
-            next += step & taken;
-            to += to_step;
-            flag += flag_step;
-            field += field_step;
+        const auto all = [&](auto check) {
+            for (Index i = 0; i < n; ++i) {
+                const Index taken = -static_cast<Index>(*flag != std::byte{0});
+                if constexpr (check) {
+                    there += taken;
+                    if (there < 0) return false;
+                }
+                size.move(to, field + ((next - field) & taken));
+                next += step & taken;
+                to += to_step;
+                flag += flag_step;
+                field += field_step;
+            }
+            return true;
+        };
+        // A vector that lasts longer than the run needs no look at its end.
+        const bool lasts = there >= n && step != 0;
+        if (lasts) {
+            all(std::false_type{});
+            there -= (next - vector) / step;
+        } else if (!all(std::true_type{})) {
+            return false;
         }
         vector = next;
         left = there;
@@ -381,7 +408,8 @@ struct Unpacking {
 
 bool unpack(const View& to, const std::byte* vector, Index stride, Index n, const Mask& mask,
             const View& field) {
-    if (are_few(mask)) return unpack_few(to, vector, stride, n, mask.view, field);
+    if (are_few(mask, field) || are_few(mask, mask.view))
+        return unpack_few(to, vector, stride, n, mask.view, field);
     const Loops<3> loops = loops_over(to, mask.view, field);
     const Index element = to.element;
     const Index* const step = loops.stride[0];

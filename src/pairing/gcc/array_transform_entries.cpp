@@ -139,10 +139,52 @@ void spread_scalar_into(ArrayDescriptor& to, const void* scalar, Index element, 
 
 // ---- RESHAPE ----
 
+// How many elements an array in one piece has; -1: it isn't such a one.
+Index count_in_one_piece(const ArrayDescriptor& array) {
+    Index count = 1;
+    for (int d = 0; d < array.rank; ++d) {
+        const Index extent = array.dimension[d].extent();
+        if (array.dimension[d].stride != count && extent != 1) return -1;
+        count *= extent;
+    }
+    return count;
+}
+
+// A source in one piece that goes into a result in one piece, with neither PAD nor ORDER.
+bool reshape_by_copy(ArrayDescriptor& to, const ArrayDescriptor& from, Index element,
+                     const ArrayDescriptor& shape) {
+    const Index rank = shape.dimension[0].extent();
+    if (rank < 1 || rank > max_rank || checks_bounds()) return false;
+    const bool make = to.base == nullptr;
+    const auto* extents = reinterpret_cast<const Index*>(shape.base);
+    Index wanted = 1;
+    for (Index d = 0; d < rank; ++d, extents += shape.dimension[0].stride) {
+        const Index extent = std::max<Index>(*extents, 0);
+        if (make) to.dimension[d] = {wanted, 0, extent - 1};
+        if (__builtin_mul_overflow(wanted, extent, &wanted)) return false;
+    }
+    if (!make && (to.rank != rank || count_in_one_piece(to) != wanted)) return false;
+    Index bytes = 0;
+    if (wanted == 0 || count_in_one_piece(from) < wanted ||
+        __builtin_mul_overflow(wanted, element, &bytes))
+        return false;
+    if (make) {
+        to.base = static_cast<char*>(std::malloc(static_cast<std::size_t>(bytes)));
+        if (to.base == nullptr) return false;
+        to.rank = static_cast<std::int8_t>(rank);
+        to.offset = 0;
+    }
+    std::memcpy(to.base, from.base, static_cast<std::size_t>(bytes));
+    return true;
+}
+
 void reshape_into(ArrayDescriptor& to, const ArrayDescriptor& from, Index element,
                   const ArrayDescriptor& shape_given, const ArrayDescriptor* pad_given,
                   const ArrayDescriptor* order_given) {
     constexpr int no_permutation = 395;
+    if (pad_given == nullptr && order_given == nullptr &&
+        reshape_by_copy(to, from, element, shape_given))
+        return;
     const View source = view_of(from, element);
     // SHAPE= and ORDER= come as 8-byte integers.
     const View extents = view_of(shape_given, sizeof(Index));

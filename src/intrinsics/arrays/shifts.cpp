@@ -110,6 +110,22 @@ void turn_pieces(const std::array<std::byte*, 3>& at, const Index* step, Index c
     }
 }
 
+// Where elements lie apart. No vectors: they would have to be put together from single elements.
+template <class Size>
+[[gnu::noinline, gnu::optimize("no-tree-vectorize")]] void turn_vectors(
+    Size size, const std::array<std::byte*, 3>& at, const Index* step, Index count, Index to_stride,
+    Index stride, Index n, Index shift_size) {
+    for (Index i = 0; i < count; ++i) {
+        std::byte* to = at[0] + i * step[0];
+        const std::byte* const first = at[1] + i * step[1];
+        const Index shift = into_range(shift_at(at[2] + i * step[2], shift_size), n);
+        const std::byte* from = first + shift * stride;
+        for (Index k = shift; k < n; ++k, to += to_stride, from += stride) size.move(to, from);
+        from = first;
+        for (Index k = 0; k < shift; ++k, to += to_stride, from += stride) size.move(to, from);
+    }
+}
+
 // The same where what lies outside of the source is the boundary; -n <= shift <= n.
 template <class Size>
 [[gnu::always_inline]] inline void push_part(Size size, std::byte* to, Index to_stride,
@@ -217,6 +233,9 @@ void circular_shifts(const View& to, const View& from, int dim, const View& shif
     with_element_size(to.element, [&](auto size) {
         walk(loops, {to.base, from.base, shifts.base},
              [&](const std::array<std::byte*, 3>& at, Index count) {
+                 if (parts.whole)
+                     return turn_vectors(size, at, step, count, to_stride, stride, n,
+                                         shifts.element);
                  parts.each(count, [&](Index i, Index k, Index m) {
                      const Index s = into_range(shift_at(at[2] + i * step[2], shifts.element), n);
                      turn_part(size, at[0] + i * step[0], to_stride, at[1] + i * step[1], stride, n,

@@ -103,7 +103,14 @@ struct ElementSize {
     }
     [[gnu::always_inline]] void fill(std::byte* to, Index stride, const std::byte* value,
                                      Index n) const {
-        for (Index i = 0; i < n; ++i) move(to + i * stride, value);
+        if (stride != bytes()) return fill_apart(to, stride, value, n);
+        for (Index i = 0; i < n; ++i) move(to + i * bytes(), value);
+    }
+    [[gnu::noinline, gnu::optimize("no-tree-vectorize")]] void fill_apart(std::byte* to,
+                                                                          Index stride,
+                                                                          const std::byte* value,
+                                                                          Index n) const {
+        for (Index i = 0; i < n; ++i, to += stride) move(to, value);
     }
 };
 

@@ -444,29 +444,58 @@ bool find_extreme(const View& array, T start, bool back, Index& found) {
     return true;
 }
 
-// The same under a mask, one element after the other.
+// What has been found so far, one element after the other. Few elements are better than all before
+// them, so that this is a branch that is seldom taken.
 template <class T, bool largest>
-Index find_among_few(const View& array, const View& mask, T start) {
-    const ExtremePlaceRule<T, largest> rule{start, 0};
-    auto state = rule.start();
-    const Loops<2> loops = loops_over(array, mask);
+struct BestSoFar {
+    T best;
     Index seen = 0;
-    walk(loops, {array.base, mask.base}, [&](const std::array<std::byte*, 2>& at, Index n) {
-        auto best = state;
-        const std::byte* x = at[0];
-        const std::byte* flag = at[1];
-        for (Index i = 0; i < n; ++i, x += loops.stride[0][0], flag += loops.stride[0][1])
-            if (*flag != std::byte{0}) rule.take(best, *reinterpret_cast<const T*>(x), seen + i);
+    Index place = -1;
+
+    template <bool masked>
+    [[gnu::noinline]] void look(const std::byte* x, Index stride, const std::byte* flag,
+                                Index flag_stride, Index n) {
+        T found = best;
+        for (Index i = 0; i < n; ++i, x += stride, flag += flag_stride) {
+            const T value = *reinterpret_cast<const T*>(x);
+            const bool counts = !masked || *flag != std::byte{0};
+            if (counts & beats<largest>(value, found)) [[unlikely]] {
+                found = value;
+                place = seen + i;
+            }
+        }
+        best = found;
         seen += n;
-        state = best;
+    }
+};
+
+template <class T, bool largest, bool masked>
+Index find_among_few(const View& array, const View& mask, T start) {
+    BestSoFar<T, largest> search{start};
+    const Loops<2> loops = loops_over(array, mask);
+    walk(loops, {array.base, mask.base}, [&](const std::array<std::byte*, 2>& at, Index n) {
+        search.template look<masked>(at[0], loops.stride[0][0], at[1], loops.stride[0][1], n);
     });
-    return state.place;
+    return search.place;
+}
+
+// The quick ways for few elements and short runs; -1: it takes another.
+template <class T, bool largest>
+Index extreme_among_few(const View& array, const Mask* mask, T start) {
+    constexpr Index near = 512;
+    if (!are_few(array) && (mask == nullptr || array.count() > near)) return -1;
+    if (mask == nullptr)
+        return array.count() <= near && !is_contiguous(array)
+                   ? find_among_few<T, largest, false>(array, array, start)
+                   : -1;
+    if (mask->truth != Truth::low_byte) return -1;
+    return find_among_few<T, largest, true>(array, mask->view, start);
 }
 
 template <class T, bool largest>
 Index place_of_extreme(const View& array, const Mask* mask, T start, bool back) {
-    if (mask != nullptr && !back && mask->truth == Truth::low_byte && array.count() <= few_in_row) {
-        const Index place = find_among_few<T, largest>(array, mask->view, start);
+    if (!back) {
+        const Index place = extreme_among_few<T, largest>(array, mask, start);
         if (place >= 0) return place;
     }
     if (mask == nullptr) {

@@ -482,7 +482,7 @@ Index find_among_few(const View& array, const View& mask, T start) {
 // The quick ways for few elements and short runs; -1: it takes another.
 template <class T, bool largest>
 Index extreme_among_few(const View& array, const Mask* mask, T start) {
-    constexpr Index near = 512;
+    constexpr Index near = 256;
     if (!are_few(array) && (mask == nullptr || array.count() > near)) return -1;
     if (mask == nullptr)
         return array.count() <= near && !is_contiguous(array)

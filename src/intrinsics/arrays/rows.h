@@ -122,8 +122,8 @@ inline bool are_for_fours(const Rows& rows) {
 inline bool are_few(const View& array) {
     if (array.rank == 0) return false;
     const Dimension& first = array.dims[0];
-    return first.stride != array.element || (array.rank > 1 && first.extent <= few_in_row) ||
-           array.count() <= 2 * few_in_row;
+    if (first.stride != array.element || array.count() <= 2 * few_in_row) return true;
+    return array.rank > 1 && first.extent <= few_in_row && !is_contiguous(array);
 }
 
 }  // namespace tarn::arrays

@@ -216,8 +216,10 @@ bool are_few(const Mask& mask, const View& array) {
     constexpr Index short_run = 32;
     const Dimension& first = array.dims[0];
     if (mask.truth != Truth::low_byte) return false;
-    return mask.view.count() <= few_elements || (array.rank > 1 && first.extent <= short_run) ||
-           (first.stride != array.element && first.stride != 2 * array.element);
+    if (mask.view.count() <= few_elements) return true;
+    if (first.stride != array.element && first.stride != 2 * array.element) return true;
+    return array.rank > 1 && first.extent <= short_run &&
+           !(is_contiguous(array) && is_contiguous(mask.view));
 }
 
 // One run of elements, of which those are stored whose flag is set, while there is room: each is
@@ -408,7 +410,7 @@ struct Unpacking {
 
 bool unpack(const View& to, const std::byte* vector, Index stride, Index n, const Mask& mask,
             const View& field) {
-    if (are_few(mask, field) || are_few(mask, mask.view))
+    if (are_few(mask, to) || are_few(mask, mask.view))
         return unpack_few(to, vector, stride, n, mask.view, field);
     const Loops<3> loops = loops_over(to, mask.view, field);
     const Index element = to.element;

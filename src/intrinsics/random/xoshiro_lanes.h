@@ -18,8 +18,8 @@ struct JumpTable {
 };
 
 inline constexpr std::size_t lane_count = 8;
-// How long a part may be: the longer, the less the jumps cost. With parts of 512 numbers they cost a
-// fifth of the whole.
+// How long a part may be: the longer, the less the jumps cost. With 512 numbers they cost a fifth
+// of the whole.
 inline constexpr std::size_t lane_lengths[] = {4096, 1024};
 
 // Fills lane_count * lane numbers and moves the generator past them. Only where AVX2 is there.

@@ -199,6 +199,16 @@ void EOSHIFT_h(const int32_t* rank, const void* array, const int32_t* extents,
 void TRANSPOSE_h(const void* matrix, const int32_t* extents, const int32_t* element_size,
                  struct tarn_array_result* result) TARN_LINK_NAME("TRANSPOSE#");
 
+/* ---- For a debugging session ----
+ *
+ * What stands in the descriptor of a POINTER array, an ALLOCATABLE one, and one of any other kind,
+ * on standard output. A descriptor is the base address and 32-bit words for each dimension: start,
+ * size, stride, section size and offset for POINTER; start, size and section size for ALLOCATABLE;
+ * start and size for others. A rank that can't be is failure 174. */
+void DUMP_ARRAY1_h(const void* descriptor, const int32_t* rank) TARN_LINK_NAME("DUMP_ARRAY1#");
+void DUMP_ARRAY2_h(const void* descriptor, const int32_t* rank) TARN_LINK_NAME("DUMP_ARRAY2#");
+void DUMP_ARRAY3_h(const void* descriptor, const int32_t* rank) TARN_LINK_NAME("DUMP_ARRAY3#");
+
 /* ---- MATMUL ----
  *
  * Extents come by value, one less than they are. Each element is a dot product summed with 80 bits

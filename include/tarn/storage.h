@@ -6,7 +6,8 @@
  *  - own heap, with the environment variable ORVEX_NEW_MEMORY containing "FALSE" in any case:
  *    the library manages one range of addresses below 2 GiB itself, with 4 bytes of overhead a
  *    block, and recognises what the system does not: a pointer freed twice, a pointer that never
- *    was one, a block from `new` given to `free`.
+ *    was one, a block from `new` given to `free`. Where a program wrote beside its blocks and so
+ *    over what the heap keeps there, the next request or release that comes past it fails with 30.
  *
  * The C library's names are not taken over. A program says tarn_malloc where it wants this
  * allocator, or runs with libtarnmalloc.so (linked, or preloaded), which offers the own heap under
@@ -71,7 +72,8 @@ uint32_t get_exception_mode(void);
 
 /* A block of `length` bytes, or null. In the own heap it is 4-aligned. */
 void* __get_memory(intptr_t length);
-/* Releases a block. Own heap: fails with 30 for what is no live block. */
+/* Releases a block, or ends what the block shares. Own heap: fails with 30 for what is no live
+ * block. */
 void __release_memory(void* block);
 /* Own heap: gives back what is above `length`; fails with 30 for what is no live block and for a
  * length above the present one. System mode: does nothing. */

@@ -11,7 +11,9 @@
  *
  * Within text, the escape character ("@", see __set_win_escape), "t" and one or two digits select
  * the font of that number (1 is the window's own, further ones come from __add_text_descriptor) for
- * the text behind it, also on following lines; the escape character twice shows it once.
+ * the text behind it, also on following lines; the escape character twice shows it once. A tab goes
+ * to the next multiple of eight columns. Text is UTF-8 where the locale says so when the window is
+ * made (or __enable_utf8 does), otherwise it has the bytes of code page 1252.
  */
 #ifndef TARN_TEXT_WINDOW_H
 #define TARN_TEXT_WINDOW_H
@@ -35,8 +37,7 @@ int32_t __create_default_window(void);
  * 0x00BBGGRR, `brush` fills the background, `popup` (0: none) is its menu on the right button. */
 int32_t __create_embeded_window_x(int32_t parent, int32_t horizontal_bar, int32_t vertical_bar,
                                   int32_t x, int32_t y, int32_t width, int32_t height,
-                                  int32_t brush, uint32_t background, uint32_t text,
-                                  int32_t popup);
+                                  int32_t brush, uint32_t background, uint32_t text, int32_t popup);
 /* The window that takes default output, and another one in its place. */
 void __set_default_window(int32_t window);
 void __clear_window(int32_t window); /* 0: the default window */
@@ -61,7 +62,8 @@ void __add_window_line(int32_t window, const char* text);
  * is the flag as it is now. */
 void __update_window(int32_t window);
 int32_t __set_window_update_flag(int32_t window, int32_t flag);
-/* Adds a font (a font handle) with its text colour; the first one added has number 2. */
+/* Adds a font (a font handle; 0: the default font) with its text colour; the first one added has
+ * number 2. */
 void __add_text_descriptor(int32_t window, int32_t font, uint32_t colour);
 /* Handle 0 sets the escape of windows to come. */
 void __set_win_escape(int32_t window, int32_t character);
@@ -78,8 +80,8 @@ uint32_t __set_quillpan_style(uint32_t style);
 
 /* ---- Reading ---- */
 
-/* The next character typed; 0 when a menu command or a close came instead. A window that is closed
- * while the program waits ends the program with status 0. */
+/* The next byte typed (a character has several in UTF-8); 0 when a menu command or a close came
+ * instead. A window that is closed while the program waits ends the program with status 0. */
 int32_t __win_getchar(int32_t window);
 /* A line into 256 bytes, without its end. A menu command ends it with "@menu N". */
 void __win_getline(int32_t window, char* buffer);
@@ -129,11 +131,12 @@ int32_t set_quillpan_message_upper_limit(int32_t limit);
 void __sleep_at(const float* seconds);
 void __new_sleep_at(const float* seconds);
 
-/* A bitmap from the image of a BMP file in storage, whose header tells its length; 0 when it can't be
- * read. Without the "BM" at its start it ends the program. */
+/* A bitmap from the image of a BMP file in storage, whose header tells its length; 0 when it can't
+ * be read. Without the "BM" at its start it ends the program. */
 int32_t __create_bitmap(const void* file_image);
 /* A cursor and an icon from the images of their files, which tell their lengths too. Without the
- * mark of a cursor file at its start the first ends the program; 0 is no picture that can be read. */
+ * mark of a cursor file at its start the first ends the program; 0 is no picture that can be read.
+ */
 int32_t __create_cursor(const void* file_image);
 int32_t __create_icon(const void* file_image);
 

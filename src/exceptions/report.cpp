@@ -43,6 +43,7 @@ void write_files(const Cause& cause) {
 constinit const Cause* the_reported = nullptr;
 
 void tell(const Cause& cause) {
+    const failure::FileLimitIgnored unlimited;
     failure::set_report(cause.text);
     failure::set_report_callers({});
     // What the program wrote comes first. The fault may have struck inside the library or the

@@ -85,6 +85,7 @@ void report(int number, std::string_view text) {
     // The reports of the room above and of the system's library compute with floating-point
     // numbers too; a trap in here would hide what went wrong.
     platform::MaskedFloat masked;
+    FileLimitIgnored unlimited;
     set_report(text);
     the_state.last_failure = number;
     if (__debugged) send_to_debugger(std::string(text));

@@ -87,6 +87,16 @@ std::string_view report_callers() {
     return reporter.callers;
 }
 
+FileLimitIgnored::FileLimitIgnored() {
+    struct sigaction ignore {};
+    ignore.sa_handler = SIG_IGN;
+    sigaction(SIGXFSZ, &ignore, &before_);
+}
+
+FileLimitIgnored::~FileLimitIgnored() {
+    sigaction(SIGXFSZ, &before_, nullptr);
+}
+
 void flush_for_report() {
     if (hooks().flush_everything) hooks().flush_everything();
     flush_c_output();

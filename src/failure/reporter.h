@@ -1,6 +1,7 @@
 // Who reports, and where a report goes: one thread, once, for failures and faults alike.
 #pragma once
 
+#include <csignal>
 #include <pthread.h>
 #include <string_view>
 
@@ -36,6 +37,19 @@ std::string_view report_callers();
 void print_report();
 // To where reports go: standard error, or with the option kill_dialogbox standard output.
 void print_line(std::string_view text);
+
+// While one lives, a write beyond the limit on the length of files fails and doesn't end the
+// process: it would be the end of the report, and of what other files still have to be given.
+class FileLimitIgnored {
+  public:
+    FileLimitIgnored();
+    ~FileLimitIgnored();
+    FileLimitIgnored(const FileLimitIgnored&) = delete;
+    FileLimitIgnored& operator=(const FileLimitIgnored&) = delete;
+
+  private:
+    struct sigaction before_ {};
+};
 
 // What a failing program has written so far, of its units, its handles and C's standard output.
 void flush_for_report();

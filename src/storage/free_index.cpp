@@ -139,7 +139,8 @@ Address FreeIndex::before(Address address) {
         if (!page_before(page)) return 0;
         region = tables_->first[page];
     }
-    for (Address next = link_of(region); next && next < address && page_of(next) == page;
+    // A link that leads back is none of ours: the heap finds that out.
+    for (Address next = link_of(region); next > region && next < address && page_of(next) == page;
          next = link_of(region)) {
         region = next;
     }

@@ -56,7 +56,8 @@ void Heap::stop() {
     free_index_.stop();
     hash_table_ = nullptr;
     free_chain_ = spare_chains_ = total_allocated_ = 0;
-    heap_extended_ = false;
+    lowest_ = room_ = 0;
+    heap_extended_ = corrupt_ = false;
 }
 
 void Heap::use_memory_block(Address start, std::uint32_t size, std::uint32_t committed) {
@@ -64,6 +65,7 @@ void Heap::use_memory_block(Address start, std::uint32_t size, std::uint32_t com
     size -= aligned - start;
     at<MemoryBlock>(aligned) = {memory_blocks_, size, aligned + committed, 0};
     memory_blocks_ = aligned;
+    note_bounds(aligned + sizeof(MemoryBlock), aligned + committed);
     free_memory_region(aligned + sizeof(MemoryBlock), size);
 }
 
@@ -85,18 +87,38 @@ bool Heap::add_more_storage() {
     return false;
 }
 
-// Commits what a block carved out of `region` needs when the rest of the region begins at `end`.
-bool Heap::commit_for(Address region, Address end) {
+// The range that an address lies in; 0: none.
+Address Heap::range_of(Address address) const {
     Address range = memory_blocks_;
-    while (range && (region < range || region - range >= at<MemoryBlock>(range).size + 16)) {
+    while (range && (address < range || address - range >= at<MemoryBlock>(range).size + 16)) {
         range = at<MemoryBlock>(range).next;
     }
+    return range;
+}
+
+void Heap::note_bounds(Address begin, Address end) {
+    Address highest = lowest_ + room_ + sizeof(LengthChain);
+    if (lowest_ == 0 || begin < lowest_) lowest_ = begin;
+    room_ = (end > highest || room_ == 0 ? end : highest) - sizeof(LengthChain) - lowest_;
+}
+
+// The list ascends, and no two regions meet.
+bool Heap::is_sound(Address region, std::uint32_t size) const {
+    Address next = link_of(region);
+    return size >= sizeof(FreeRegion) && size % 4 == 0 && size < address_limit - region &&
+           (next == 0 || (next > region + size && holds(next)));
+}
+
+// Commits what a block carved out of `region` needs when the rest of the region begins at `end`.
+bool Heap::commit_for(Address region, Address end) {
+    Address range = range_of(region);
     if (range == 0) return false;
     MemoryBlock& block = at<MemoryBlock>(range);
     if (end + 16 <= block.committed_end) return true;
     Address upto = (end + commit_margin + page_size - 1) & ~(page_size - 1);
     if (!commit_pages(block.committed_end & ~(page_size - 1), upto)) return false;
     block.committed_end = upto;
+    note_bounds(range + sizeof(MemoryBlock), upto);
     return true;
 }
 
@@ -111,11 +133,18 @@ Heap::Carved Heap::carve_memory_region(std::uint32_t total, std::uint32_t alignm
     }
     FreeIndex::Fit fit =
         free_index_.find(free_chain_, total, [&](Address region, std::uint32_t size) {
+            if (!is_sound(region, size)) return corrupt_ = true;
             std::uint32_t needed = total + padding_for(region, alignment);
             return size >= needed && !(result.extra && size - needed == 4);
         });
     Address region = fit.region;
-    if (region == 0) return result;
+    if (region == 0 || corrupt_) return result;
+    Address range = range_of(region);
+    if (range == 0 || region - range + at<FreeRegion>(region).size >
+                          at<MemoryBlock>(range).size + sizeof(MemoryBlock)) {
+        corrupt_ = true;
+        return result;
+    }
 
     result.padding = padding_for(region, alignment);
     std::uint32_t wanted = total + result.padding;
@@ -151,7 +180,7 @@ Heap::Carved Heap::carve_memory_region(std::uint32_t total, std::uint32_t alignm
 Heap::Carved Heap::get_region(std::uint32_t total, std::uint32_t alignment) {
     for (;;) {
         Carved carved = carve_memory_region(total, alignment);
-        if (carved.block) return carved;
+        if (carved.block || corrupt_) return carved;
         if (carved.commit_failed && low_memory) {
             // The handler frees storage, so the section can't be held; the list is new after it.
             section_.leave();
@@ -167,6 +196,12 @@ Heap::Carved Heap::get_region(std::uint32_t total, std::uint32_t alignment) {
 void Heap::free_memory_region(Address region, std::uint32_t size) {
     Address previous = free_index_.before(region);
     Address next = previous ? link_of(previous) : free_chain_;
+    if ((previous && (!is_sound(previous, at<FreeRegion>(previous).size) ||
+                      previous + at<FreeRegion>(previous).size > region)) ||
+        (next && (next < region + size || !is_sound(next, at<FreeRegion>(next).size)))) {
+        corrupt_ = true;
+        return;
+    }
     if (next && region + size == next) {
         size += at<FreeRegion>(next).size;
         Address behind = link_of(next);
@@ -186,6 +221,13 @@ void Heap::free_memory_region(Address region, std::uint32_t size) {
     free_index_.insert(region, size);
 }
 
+// Sees to it that there is a spare record.
+bool Heap::has_spare_chain() {
+    if (spare_chains_ == 0 && !allocate_length_chains()) return false;
+    if (!holds(spare_chains_)) corrupt_ = true;
+    return !corrupt_;
+}
+
 bool Heap::allocate_length_chains() {
     Carved batch = get_region(spare_batch * sizeof(LengthChain), 4);
     if (batch.block == 0) return false;
@@ -199,6 +241,10 @@ bool Heap::allocate_length_chains() {
 
 LengthChain* Heap::find_chain(std::uint32_t bucket, std::uint32_t length) {
     for (Address record = hash_table_[bucket]; record; record = at<LengthChain>(record).next) {
+        if (!holds(record)) {
+            corrupt_ = true;
+            return nullptr;
+        }
         if (at<LengthChain>(record).length == length) return &at<LengthChain>(record);
     }
     return nullptr;
@@ -219,49 +265,57 @@ void Heap::chain_memory(Address block, std::uint32_t length) {
     chain->first_block = block;
 }
 
+// Links that go round end the walk by their number: no heap has so many blocks.
+Heap::Place Heap::find_place(Address block) {
+    if (block == 0 || !hash_table_ || corrupt_) return {};
+    constexpr std::uint32_t most_blocks = address_limit / 8;
+    std::uint32_t passed = 0;
+    auto is_possible = [&](Address link) { return holds(link) && ++passed < most_blocks; };
+    Address* from = &hash_table_[hash_bucket(block)];
+    for (; *from != 0 && is_possible(*from); from = &at<LengthChain>(*from).next) {
+        Address previous = 0;
+        Address found = at<LengthChain>(*from).first_block;
+        for (; found != 0 && is_possible(found); found = link_of(found)) {
+            if (found == block) return {from, previous};
+            previous = found;
+        }
+        corrupt_ = found != 0;
+        if (corrupt_) return {};
+    }
+    corrupt_ = *from != 0;
+    return {};
+}
+
 // Takes the block off its chain and gives its length; nothing for what is no live block.
 std::optional<std::uint32_t> Heap::unchain_memory(Address block) {
-    if (block == 0 || !hash_table_) return std::nullopt;
-    Address* from = &hash_table_[hash_bucket(block)];
-    for (; *from != 0; from = &at<LengthChain>(*from).next) {
-        LengthChain& record = at<LengthChain>(*from);
-        Address previous = 0;
-        Address found = record.first_block;
-        while (found != 0 && found != block) {
-            previous = found;
-            found = link_of(found);
-        }
-        if (found == 0) continue;
-        if (previous) {
-            set_link(previous, link_of(block));
-        } else {
-            record.first_block = link_of(block);
-        }
-        std::uint32_t length = record.length;
-        if (record.first_block == 0) {
-            Address spare = *from;
-            *from = record.next;
-            record.next = spare_chains_;
-            spare_chains_ = spare;
-        }
-        return length;
+    Place place = find_place(block);
+    if (place.record == nullptr) return std::nullopt;
+    Address next = link_of(block);
+    if (next != 0 && !holds(next)) {
+        corrupt_ = true;
+        return std::nullopt;
     }
-    return std::nullopt;
+    LengthChain& record = at<LengthChain>(*place.record);
+    if (place.previous) {
+        set_link(place.previous, next);
+    } else {
+        record.first_block = next;
+    }
+    std::uint32_t length = record.length;
+    if (record.first_block == 0) {
+        Address spare = *place.record;
+        *place.record = record.next;
+        record.next = spare_chains_;
+        spare_chains_ = spare;
+    }
+    return length;
 }
 
 bool Heap::find_block(Address block, std::uint32_t& length) {
-    if (block == 0 || !hash_table_) return false;
-    for (Address record = hash_table_[hash_bucket(block)]; record;
-         record = at<LengthChain>(record).next) {
-        const LengthChain& chain = at<LengthChain>(record);
-        for (Address found = chain.first_block; found != 0; found = link_of(found)) {
-            if (found == block) {
-                length = chain.length;
-                return true;
-            }
-        }
-    }
-    return false;
+    Place place = find_place(block);
+    if (place.record == nullptr) return false;
+    length = at<LengthChain>(*place.record).length;
+    return true;
 }
 
 void* Heap::get(std::size_t length, std::size_t alignment, Origin origin) {
@@ -269,16 +323,17 @@ void* Heap::get(std::size_t length, std::size_t alignment, Origin origin) {
     void* result = nullptr;
     {
         InSection held(section_);
-        if (spare_chains_ == 0 && !allocate_length_chains()) return nullptr;
+        if (!has_spare_chain()) return nullptr;
         auto size = static_cast<std::uint32_t>(length);
         Carved carved = get_region(total_size(size), static_cast<std::uint32_t>(alignment));
         if (carved.block == 0) return nullptr;
-        if (spare_chains_ == 0 && !allocate_length_chains()) {
+        if (!has_spare_chain()) {
             // Others took the spare records while a low-memory handler ran.
             free_memory_region(carved.block - carved.padding, carved.size);
             return nullptr;
         }
         chain_memory(carved.block, size);
+        if (corrupt_) return nullptr;
         std::uint32_t& header = word_at(carved.block);
         if (carved.extra) header |= block_has_extra;
         if (origin == Origin::by_new) header |= block_from_new;
@@ -305,7 +360,9 @@ Released Heap::release(const void* pointer) {
     std::uint32_t size = *length + (header & block_has_extra ? 4 : 0);
     std::uint32_t total = total_size(size);
     std::uint32_t padding = header & block_has_padding ? word_at(block - 4) : 0;
-    free_memory_region(block - padding, total + padding);
+    if (padding % 4 != 0 || padding >= block - range_of(block)) corrupt_ = true;
+    if (!corrupt_) free_memory_region(block - padding, total + padding);
+    if (corrupt_) return {false, false, 0};
     if (breaks.data_address >= block && breaks.data_address - block < total) {
         auto* watched = reinterpret_cast<volatile std::uint8_t*>(breaks.data_address);
         *watched = *watched;
@@ -316,14 +373,14 @@ Released Heap::release(const void* pointer) {
 bool Heap::shrink(const void* pointer, std::size_t length) {
     InSection held(section_);
     // A spare record first: the block must not be left without a chain.
-    if (spare_chains_ == 0) allocate_length_chains();
+    bool has_spare = has_spare_chain();
     Address block = block_of(pointer);
     std::uint32_t old_length = 0;
     if (!find_block(block, old_length) || length > old_length) return false;
-    if (spare_chains_ == 0) return true;  // it stays as long as it is
+    if (!has_spare) return true;  // it stays as long as it is
     // A block that had bytes keeps one, for with less it would be smaller than a free region.
     auto new_length = static_cast<std::uint32_t>(length == 0 && old_length > 0 ? 1 : length);
-    unchain_memory(block);
+    if (!unchain_memory(block)) return false;
     total_allocated_ -= old_length - new_length;
     std::uint32_t header = word_at(block);
     std::uint32_t old_total = total_size(old_length) + (header & block_has_extra ? 4 : 0);
@@ -342,10 +399,15 @@ std::optional<std::uint32_t> Heap::find_size(const void* pointer) {
     return length;
 }
 
+bool Heap::passes(Address region) {
+    if (!is_sound(region, at<FreeRegion>(region).size)) corrupt_ = true;
+    return !corrupt_;
+}
+
 std::int64_t Heap::available() {
     InSection held(section_);
     std::int64_t sum = 0;
-    for (Address region = free_chain_; region; region = link_of(region)) {
+    for (Address region = free_chain_; region && passes(region); region = link_of(region)) {
         sum += at<FreeRegion>(region).size;
     }
     return sum;
@@ -354,7 +416,7 @@ std::int64_t Heap::available() {
 std::int64_t Heap::largest_block() {
     InSection held(section_);
     std::int64_t best = 0;
-    for (Address region = free_chain_; region; region = link_of(region)) {
+    for (Address region = free_chain_; region && passes(region); region = link_of(region)) {
         std::int64_t size = at<FreeRegion>(region).size;
         if (size > best) best = size - 2000;
     }

@@ -17,6 +17,10 @@
 // as puts its *pointer* on that boundary, the word in front of the header counts the padding's
 // bytes, and bit 31 is set. Header, chain and hash are where they are without padding, so only
 // carving and release know of it.
+//
+// All this lies among the program's own bytes, so a program that writes outside of a block ruins
+// it. Every link and size is looked at before it is followed: one that can't be makes the heap
+// corrupt, which it stays, and nothing is given or taken any more.
 #pragma once
 
 #include <cstddef>
@@ -69,6 +73,8 @@ class Heap {
     bool shrink(const void* pointer, std::size_t length);
 
     std::optional<std::uint32_t> find_size(const void* pointer);
+    // A request or a release found a link or a size that can't be, and was refused.
+    bool corrupt() const { return corrupt_; }
     std::uint32_t total_allocated() const { return total_allocated_; }
     // Sum of the free regions, and the greatest of them by the rule of the report entry.
     std::int64_t available();
@@ -101,11 +107,26 @@ class Heap {
     Carved carve_memory_region(std::uint32_t total, std::uint32_t alignment);
     bool commit_for(Address region, Address end);
     void free_memory_region(Address region, std::uint32_t size);
+    bool has_spare_chain();
     bool allocate_length_chains();
     void chain_memory(Address block, std::uint32_t length);
     std::optional<std::uint32_t> unchain_memory(Address block);
     LengthChain* find_chain(std::uint32_t bucket, std::uint32_t length);
     bool find_block(Address block, std::uint32_t& length);
+
+    // Where a block stands in its chain; no record: nowhere.
+    struct Place {
+        Address* record = nullptr;  // the link to it
+        Address previous = 0;
+    };
+    Place find_place(Address block);
+    Address range_of(Address address) const;
+    // Whether a record or a header can stand there. Bounds of all ranges do: it is asked at each
+    // step of a walk.
+    bool holds(Address address) const { return address - lowest_ < room_; }
+    void note_bounds(Address begin, Address end);
+    bool is_sound(Address region, std::uint32_t size) const;
+    bool passes(Address region);  // sound; else the heap is corrupt
 
     PolledSection section_;
     FreeIndex free_index_;
@@ -113,8 +134,11 @@ class Heap {
     Address free_chain_ = 0;
     Address spare_chains_ = 0;
     Address memory_blocks_ = 0;
+    Address lowest_ = 0;
+    std::uint32_t room_ = 0;  // from there on
     std::uint32_t total_allocated_ = 0;
     bool heap_extended_ = false;
+    bool corrupt_ = false;
 };
 
 }  // namespace tarn::storage

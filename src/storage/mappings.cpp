@@ -1,5 +1,6 @@
 #include "storage/mappings.h"
 
+#include <atomic>
 #include <cerrno>
 #include <cstdlib>
 #include <fcntl.h>
@@ -25,15 +26,26 @@ struct Mapping {
 
 struct Mappings {
     PolledSection section;
-    Mapping* first = nullptr;
+    std::atomic<Mapping*> first = nullptr;  // changes while the section is held
     bool released_at_exit = false;
 };
 constinit Mappings the_mappings;
 
-// The end of a shared name: whoever gets the lock alone is its last user.
+bool is_same_file(int a, int b) {
+    struct stat x {};
+    struct stat y {};
+    return fstat(a, &x) == 0 && fstat(b, &y) == 0 && x.st_dev == y.st_dev && x.st_ino == y.st_ino;
+}
+
+// The end of a shared name: whoever gets the lock alone is its last user. The lock is asked for by
+// a descriptor of its own, since a process that fork made has the old one, and its lock, in common
+// with its parent.
 void leave_shared(const Mapping& mapping) {
-    if (flock(mapping.file, LOCK_EX | LOCK_NB) == 0) shm_unlink(mapping.name->c_str());
+    const int file = shm_open(mapping.name->c_str(), O_RDWR | O_CLOEXEC, 0);
+    const bool named = file >= 0 && is_same_file(file, mapping.file);
     close(mapping.file);
+    if (named && flock(file, LOCK_EX | LOCK_NB) == 0) shm_unlink(mapping.name->c_str());
+    if (file >= 0) close(file);
     delete mapping.name;
 }
 
@@ -137,7 +149,12 @@ void* create_interprocess_shared_memory(std::string_view name, std::intptr_t siz
         const Found found = enter_shared(file, size);
         void* address = found == Found::usable ? map(file, size, MappedFor::sharing) : nullptr;
         if (address == nullptr) {
-            close_keeping_error(file);
+            const int error = errno;
+            // A name that was made for nothing goes again.
+            if (found != Found::stale && flock(file, LOCK_EX | LOCK_NB) == 0)
+                shm_unlink(path.c_str());
+            close(file);
+            errno = error;
             if (found == Found::stale) continue;
             return nullptr;
         }
@@ -148,7 +165,9 @@ void* create_interprocess_shared_memory(std::string_view name, std::intptr_t siz
     }
 }
 
+// Most programs have no mapping, and ask with every block that they release.
 bool is_mapped(const void* address) {
+    if (the_mappings.first.load(std::memory_order_acquire) == nullptr) return false;
     InSection held(the_mappings.section);
     const Mapping* mapping = the_mappings.first;
     while (mapping != nullptr && mapping->address != address) mapping = mapping->next;
@@ -159,10 +178,17 @@ bool unmap(void* address) {
     Mapping* found = nullptr;
     {
         InSection held(the_mappings.section);
-        Mapping** place = &the_mappings.first;
-        while (*place != nullptr && (*place)->address != address) place = &(*place)->next;
-        found = *place;
-        if (found != nullptr) *place = found->next;
+        Mapping* before = nullptr;
+        found = the_mappings.first;
+        while (found != nullptr && found->address != address) {
+            before = found;
+            found = found->next;
+        }
+        if (found != nullptr && before != nullptr) {
+            before->next = found->next;
+        } else if (found != nullptr) {
+            the_mappings.first = found->next;
+        }
     }
     if (found == nullptr) return false;
     release(found);

@@ -4,6 +4,7 @@
 #include <sys/resource.h>
 #include <unistd.h>
 
+#include "failure/reporter.h"
 #include "frame/messages.h"
 #include "frame/state.h"
 
@@ -24,6 +25,7 @@ void add_limit(char* room, std::size_t size) {
 
 // The status tells scripts and build systems that nothing ran, so it isn't 0.
 void fail_region(const char* text) {
+    failure::flush_for_report();
     const std::uint32_t flags = frame::traceback_flags();
     if ((flags & frame::tb_leaving) == 0) {
         constexpr const char* format = "%s%sFatal run-time error";

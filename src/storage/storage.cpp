@@ -12,6 +12,7 @@
 #include "frame/hooks.h"
 #include "frame/state.h"
 #include "storage/allocate.h"
+#include "storage/mappings.h"
 #include "storage/trace.h"
 
 namespace tarn::storage {
@@ -87,6 +88,7 @@ Mode decide_mode() {
 void* get_own(std::size_t length, std::size_t alignment, Origin origin = Origin::plain) {
     void* result = the_state.heap.get(length, alignment, origin);
     if (!result) {
+        if (the_state.heap.corrupt()) failure::fail(heap_is_corrupt);
         errno = ENOMEM;
         return nullptr;
     }
@@ -97,7 +99,7 @@ void* get_own(std::size_t length, std::size_t alignment, Origin origin = Origin:
 // Raises `unknown` for what is no live block.
 Released release_own(void* pointer, int unknown) {
     Released released = the_state.heap.release(pointer);
-    if (!released.found) failure::fail(unknown);
+    if (!released.found) failure::fail(the_state.heap.corrupt() ? heap_is_corrupt : unknown);
     trace_release(released.size, pointer);
     return released;
 }
@@ -177,6 +179,11 @@ void* get_aligned_memory(std::size_t length, std::size_t alignment) {
 }
 
 void release_memory(void* pointer) {
+    // What get_memory shared is no block of an allocator.
+    if (is_mapped(pointer)) [[unlikely]] {
+        unmap(pointer);
+        return;
+    }
     if (system_mode()) {
         std::free(pointer);
         return;

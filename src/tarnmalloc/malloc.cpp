@@ -54,9 +54,19 @@ Heap& heap() {
     _exit(1);
 }
 
+constexpr std::string_view corrupt = "*** Error   30, Storage heap is corrupt\n";
+
+// Of a request or a release that was refused.
+void check_heap() {
+    if (heap().corrupt()) fail(corrupt);
+}
+
 void* get(std::size_t size, std::size_t alignment = natural_alignment) {
     void* result = heap().get(size, alignment);
-    if (!result) errno = ENOMEM;
+    if (!result) {
+        check_heap();
+        errno = ENOMEM;
+    }
     return result;
 }
 
@@ -80,6 +90,7 @@ void* new_block(std::size_t size, std::size_t alignment = natural_alignment) {
     for (;;) {
         void* result = heap().get(size ? size : 1, alignment, Origin::by_new);
         if (result) return result;
+        check_heap();
         auto handler = library_routine<std::new_handler (*)()>("_ZSt15get_new_handlerv")();
         if (!handler) library_routine<void (*)()>("_ZSt17__throw_bad_allocv")();
         handler();
@@ -93,6 +104,7 @@ std::size_t new_alignment(std::align_val_t alignment) {
 void delete_block(void* block) {
     if (!block) return;
     Released released = heap().release(block);
+    if (!released.found) check_heap();
     if (!released.found) fail("*** Error  376, Attempt to delete unallocated storage\n");
     if (!released.from_new) {
         fail("*** Error  303, Attempt to 'delete' memory not allocated by 'new'\n");
@@ -110,6 +122,7 @@ TARN_EXPORT void* malloc(std::size_t size) {
 TARN_EXPORT void free(void* block) {
     if (!block) return;
     Released released = heap().release(block);
+    if (!released.found) check_heap();
     if (!released.found) fail("*** Error  377, Attempt to free unallocated storage\n");
     if (released.from_new) {
         fail("*** Error  302, Attempt to 'free' memory allocated by 'new' - use 'delete'\n");
@@ -134,7 +147,7 @@ TARN_EXPORT void* realloc(void* block, std::size_t size) {
         return nullptr;
     }
     std::optional<std::uint32_t> old = heap().find_size(block);
-    if (!old) fail("*** Error   30, Storage heap is corrupt\n");
+    if (!old) fail(corrupt);
     if (size <= *old) {
         heap().shrink(block, size);
         return block;

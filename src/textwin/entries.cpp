@@ -202,7 +202,7 @@ TARN_EXPORT void setMaxLines(std::int32_t window, std::int32_t lines) {
     if (found == nullptr) return;
     found->maximum_lines = floored(lines);
     remove_excess_lines(*found, true);
-    found->bottom_number = std::min(found->bottom_number, found->line_count);
+    show_full_page(*found);
 }
 TARN_EXPORT void setAllMaxLines(std::int32_t lines) {
     state().default_maximum_lines = floored(lines);

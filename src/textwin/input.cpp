@@ -4,8 +4,10 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <string>
 
 #include "frame/end.h"
+#include "platform/base/text.h"
 #include "textwin/window_info.h"
 
 namespace tarn::textwin {
@@ -43,7 +45,7 @@ void start_input(window_info& window) {
 }
 
 bool has_input(const window_info& window) {
-    return window.pending_character != 0 || window.event_waiting;
+    return window.pending_length != 0 || window.event_waiting;
 }
 
 // A control of the active window that waits for keys gets them: the button that led here has the
@@ -69,9 +71,20 @@ void wait_for_key(HWND hwnd) {
 
 }  // namespace
 
-void key_typed(window_info& window, std::int32_t character) {
-    if (window.pending_character != 0 || character <= 0 || character > 255) return;
-    window.pending_character = character == '\r' ? '\n' : static_cast<unsigned char>(character);
+void key_typed(window_info& window, UINT message, WPARAM wparam) {
+    if (window.pending_length != 0 || wparam == 0) return;
+    const char byte = wparam == '\r' ? '\n' : static_cast<char>(wparam);
+    std::string typed(1, byte);
+    if (message == WM_UNICHAR) {
+        typed.clear();
+        append_utf8(typed, static_cast<char32_t>(wparam));
+    } else if (window.utf8) {
+        typed = utf8_from_page(typed);
+    }
+    // A window of the code page has no byte for what isn't in it.
+    if (typed.size() > (window.utf8 ? sizeof window.pending : 1)) return;
+    std::memcpy(window.pending, typed.data(), typed.size());
+    window.pending_length = static_cast<std::uint8_t>(typed.size());
     state().key_taken = window.waiting;
 }
 
@@ -86,15 +99,17 @@ std::int32_t win_getchar(HWND hwnd) {
         window.event_waiting = false;
         return 0;
     }
-    const std::int32_t character = window.pending_character;
-    window.pending_character = 0;
+    const auto character = static_cast<unsigned char>(window.pending[0]);
+    --window.pending_length;
+    std::memmove(window.pending, window.pending + 1, window.pending_length);
     return character;
 }
 
 void win_getline(HWND hwnd, char* buffer) {
     constexpr std::size_t room = 256;
     std::size_t length = 0;
-    still_there(hwnd).pending_character = 0;
+    bool full = false;
+    still_there(hwnd).pending_length = 0;
     while (true) {
         const std::int32_t character = win_getchar(hwnd);
         window_info& window = still_there(hwnd);
@@ -112,12 +127,15 @@ void win_getline(HWND hwnd, char* buffer) {
         }
         if (character == 8) {
             if (length == 0) continue;
-            --length;
+            length = last_character(window, buffer, length);
+            full = false;
             take_back_character(window);
-        } else if (length < room - 1) {
-            buffer[length++] = byte;
-            write_bytes(window, &byte, 1);
+            continue;
         }
+        full = full || length + character_length(window, byte) > room - 1;
+        if (full) continue;
+        buffer[length++] = byte;
+        write_bytes(window, &byte, 1);
     }
 }
 

@@ -11,7 +11,6 @@ namespace tarn::textwin {
 namespace {
 
 constexpr int out_of_storage = 199;
-constexpr std::uint64_t show_interval = 2'000'000;  // nanoseconds between paints of a flood
 constexpr std::uint64_t poll_interval = 2'000'000;
 
 window_line* allocate_line(std::size_t text_bytes) {
@@ -27,6 +26,14 @@ window_line* allocate_finished(window_info& window, std::size_t length) {
     }
     if (line == nullptr) failure::fail(out_of_storage);
     return line;
+}
+
+// A place in the text of one record, which another one takes over.
+void move_place(window_line*& at, const char*& character, const window_line& from,
+                window_line& to) {
+    if (at != &from) return;
+    at = &to;
+    character = to.text() + (character - from.text());
 }
 
 // The working line's text moves into a record of its exact length, which takes its place.
@@ -45,16 +52,24 @@ void finish_working_line(window_info& window) {
     if (window.first == working) window.first = line;
     if (window.bottom == working) window.bottom = line;
     if (window.top == working) window.top = line;
-    if (window.selected_first == working) window.selected_first = line;
-    if (window.selected_last == working) window.selected_last = line;
+    move_place(window.selected_first, window.selected_first_character, *working, *line);
+    move_place(window.selected_last, window.selected_last_character, *working, *line);
+    move_place(window.anchor_line, window.anchor_character, *working, *line);
+}
+
+// What doesn't fit is dropped, and a character goes as a whole.
+void append_byte(window_info& window, char byte) {
+    if (window.working_length + character_length(window, byte) > line_limit)
+        window.line_full = true;
+    if (!window.line_full) window.last->text()[window.working_length++] = byte;
 }
 
 void start_working_text(window_info& window, const char* text, std::size_t length) {
     window_line* working = window.last;
-    if (length > line_limit) length = line_limit;
-    std::memcpy(working->text(), text, length);
-    working->text()[length] = 0;
-    window.working_length = length;
+    window.working_length = 0;
+    window.line_full = false;
+    for (std::size_t i = 0; i < length; ++i) append_byte(window, text[i]);
+    working->text()[window.working_length] = 0;
     working->right_edge = 0;
     scan_line(window, *working);
 }
@@ -117,9 +132,13 @@ void remove_excess_lines(window_info& window, bool normal) {
         window_line* oldest = window.first;
         window.first = oldest->next;
         window.first->previous = nullptr;
-        if (window.bottom == oldest) window.bottom = window.first;
+        if (window.bottom == oldest)
+            window.bottom = window.first;
+        else
+            --window.bottom_number;
         if (window.top == oldest) window.top = nullptr;
-        if (window.selected_first == oldest || window.selected_last == oldest)
+        if (window.selected_first == oldest || window.selected_last == oldest ||
+            window.anchor_line == oldest)
             cancel_selection(window);
         std::free(oldest);
         --window.line_count;
@@ -158,32 +177,45 @@ void free_lines(window_info& window) {
         line = next;
     }
     window.first = window.last = window.bottom = window.top = nullptr;
-    window.selected_first = window.selected_last = nullptr;
+    window.selected_first = window.selected_last = window.anchor_line = nullptr;
+    window.anchor = window.end = {no_selection, no_selection};
     window.line_count = window.bottom_number = 0;
     window.working_length = 0;
+}
+
+std::size_t character_length(const window_info& window, char lead) {
+    const auto byte = static_cast<unsigned char>(lead);
+    if (!window.utf8 || byte < 0xC0) return 1;
+    return byte < 0xE0 ? 2 : byte < 0xF0 ? 3 : 4;
+}
+
+std::size_t last_character(const window_info& window, const char* text, std::size_t length) {
+    if (length == 0) return 0;
+    --length;
+    while (window.utf8 && length > 0 && (static_cast<unsigned char>(text[length]) & 0xC0) == 0x80)
+        --length;
+    return length;
 }
 
 void take_back_character(window_info& window) {
     if (window.last == nullptr || window.working_length == 0) return;
     char* text = window.last->text();
-    std::size_t length = window.working_length - 1;
-    while (window.utf8 && length > 0 && (static_cast<unsigned char>(text[length]) & 0xC0) == 0x80)
-        --length;
-    text[length] = 0;
-    window.working_length = length;
+    window.working_length = last_character(window, text, window.working_length);
+    window.line_full = false;
+    text[window.working_length] = 0;
     scan_line(window, *window.last);
     mark_changed(window);
 }
 
-// Output only marks; a flood is painted every two milliseconds, a single write at once.
+// What is written shows at once, since nobody knows whether the program computes for hours after
+// it. Only a flood is painted every two milliseconds.
 void mark_changed(window_info& window) {
     window.changed = true;
     if (!window.update_at_once) return;
     state().show_wanted = true;
-    const std::uint64_t now = now_nanoseconds();
-    if (now - state().last_show < show_interval) return;
+    if (!platform::may_show_now()) return;
     show_output(window);
-    state().last_show = now_nanoseconds();
+    platform::present_now();
 }
 
 void show_output(window_info& window) {
@@ -199,7 +231,6 @@ void show_all_output() {
     state().show_wanted = false;
     for (window_info* window = state().windows; window != nullptr; window = window->next)
         if (window->update_at_once) show_output(*window);
-    state().last_show = now_nanoseconds();
 }
 
 void write_bytes(window_info& window, const char* bytes, std::size_t count) {
@@ -214,12 +245,9 @@ void write_bytes(window_info& window, const char* bytes, std::size_t count) {
             std::memchr(bytes, '\n', static_cast<std::size_t>(stop - bytes)));
         const char* const piece_end = feed != nullptr ? feed : stop;
         ended_on_feed = false;
-        char* text = window.last->text();
-        for (; bytes < piece_end; ++bytes) {
-            if (*bytes != '\r' && window.working_length < line_limit)
-                text[window.working_length++] = *bytes;
-        }
-        text[window.working_length] = 0;
+        for (; bytes < piece_end; ++bytes)
+            if (*bytes != '\r') append_byte(window, *bytes);
+        window.last->text()[window.working_length] = 0;
         if (feed == nullptr) break;
         scan_line(window, *window.last);
         mark_changed(window);

@@ -1,7 +1,9 @@
 // Painting: lines stand on the bottom of the view; new ones are scrolled in where they can be.
 #include <algorithm>
 #include <cstring>
+#include <string>
 
+#include "platform/base/text.h"
 #include "platform/gdi/theme.h"
 #include "textwin/window_info.h"
 
@@ -61,23 +63,43 @@ const char* next_character(const window_info& window, const char* at) {
     return at;
 }
 
-// Output in the window's encoding.
-void out_run(const window_info& window, HDC dc, const char* start, const char* end) {
-    const auto length = static_cast<std::int32_t>(end - start);
-    if (window.utf8)
-        text_out(dc, 0, 0, {start, static_cast<std::size_t>(length)});
-    else
-        TextOutA(dc, 0, 0, start, length);
+// Columns that a character takes: a tab goes to the next multiple of eight, as on a terminal.
+std::int32_t columns_of(char character, std::int32_t column) {
+    constexpr std::int32_t tab = 8;
+    return character == '\t' ? tab - column % tab : 1;
 }
 
-std::int32_t run_width(const window_info& window, HDC dc, const char* start, const char* end) {
-    const auto length = static_cast<std::int32_t>(end - start);
-    SIZE size;
-    if (window.utf8)
-        size = text_extent(dc, {start, static_cast<std::size_t>(length)});
-    else
-        GetTextExtentPoint32A(dc, start, length, size);
-    return size.cx;
+// A run as it is shown, in UTF-8; `column` goes on behind it.
+std::string shown_run(const window_info& window, const char* start, const char* end,
+                      std::int32_t& column) {
+    std::string shown;
+    while (start < end) {
+        const char* next = std::min(next_character(window, start), end);
+        const std::int32_t columns = columns_of(*start, column);
+        if (*start == '\t')
+            shown.append(static_cast<std::size_t>(columns), ' ');
+        else
+            shown.append(start, next);
+        column += columns;
+        start = next;
+    }
+    return window.utf8 ? shown : utf8_from_page(shown);
+}
+
+// Passes over `skip` columns; of a tab its last ones may be left.
+const char* skip_columns(const window_info& window, const char* start, const char* end,
+                         std::int32_t& skip, std::int32_t& column) {
+    while (skip > 0 && start < end) {
+        const std::int32_t columns = columns_of(*start, column);
+        column += std::min(columns, skip);
+        if (columns > skip) {
+            skip = 0;
+            break;
+        }
+        skip -= columns;
+        start = next_character(window, start);
+    }
+    return start;
 }
 
 // Where the selection stands with respect to the line being drawn.
@@ -99,7 +121,8 @@ Selection selection_in(const window_info& window, const window_line& line, bool 
 
 // Draws [start, end) piece by piece, selected ones in changed colours.
 void out_selected(const window_info& window, HDC dc, const Colours& colours,
-                  const Selection& selection, const char* start, const char* end) {
+                  const Selection& selection, const char* start, const char* end,
+                  std::int32_t& column) {
     while (start < end) {
         const bool selected = selection.covers(start);
         const char* stop = next_character(window, start);
@@ -110,7 +133,7 @@ void out_selected(const window_info& window, HDC dc, const Colours& colours,
             SetBkColor(dc, GetSysColor(COLOR_HIGHLIGHT));
             if (colours.filled) SetBkMode(dc, OPAQUE);
         }
-        out_run(window, dc, start, std::min(stop, end));
+        text_out(dc, 0, 0, shown_run(window, start, std::min(stop, end), column));
         SetTextColor(dc, colours.text);
         SetBkColor(dc, colours.background);
         if (selected && colours.filled) SetBkMode(dc, TRANSPARENT);
@@ -123,10 +146,10 @@ void out_line(window_info& window, HDC dc, window_line& line, std::int32_t y,
     if (window.graphics_dc == 0) FillRect(dc, {0, y, window.width, y + line.height}, colours.brush);
     const Selection selection = selection_in(window, line, inside_selection);
     const bool any_selected = inside_selection || selection.from != nullptr;
-    std::int32_t skip = window.column - 1;
+    std::int32_t skip = window.column - 1, column = 0;
     MoveToEx(dc, window.left_margin, y);
     walk_runs(window, line, [&](const text_descriptor* font, const char* start, const char* end) {
-        for (; skip > 0 && start < end; --skip) start = next_character(window, start);
+        start = skip_columns(window, start, end, skip, column);
         if (start >= end) return true;
         SelectObject(dc, font->font);
         const COLORREF own = font == window.descriptors ? colours.text : font->colour;
@@ -136,9 +159,9 @@ void out_line(window_info& window, HDC dc, window_line& line, std::int32_t y,
         MoveToEx(dc, at.x, y + line.height - font->height);  // all text stands on the line's bottom
         if (any_selected)
             out_selected(window, dc, {own, colours.background, colours.brush, colours.filled},
-                         selection, start, end);
+                         selection, start, end, column);
         else
-            out_run(window, dc, start, end);
+            text_out(dc, 0, 0, shown_run(window, start, end, column));
         return true;
     });
     POINT at;
@@ -287,13 +310,14 @@ bool character_at(window_info& window, HDC dc, POINT at, window_line*& line,
     }
     character = line->text();
     std::int32_t x = window.left_margin;
-    std::int32_t skip = window.column - 1;
+    std::int32_t skip = window.column - 1, column = 0;
     walk_runs(window, *line, [&](const text_descriptor* font, const char* start, const char* end) {
-        for (; skip > 0 && start < end; --skip) start = next_character(window, start);
+        start = skip_columns(window, start, end, skip, column);
         SelectObject(dc, font->font);
         for (; start < end; start = next_character(window, start)) {
             character = start;
-            x += run_width(window, dc, start, next_character(window, start));
+            x +=
+                text_extent(dc, shown_run(window, start, next_character(window, start), column)).cx;
             if (at.x < x) return false;
         }
         return true;

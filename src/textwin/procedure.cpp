@@ -50,6 +50,8 @@ void show_popup(const window_info& window, LPARAM lparam) {
     TrackPopupMenu(window.popup, TPM_CENTERALIGN, at.x, at.y, GetParent(window.hwnd));
 }
 
+constexpr WPARAM copy_character = 3;  // of Ctrl+C, whose key has copied a selection
+
 LRESULT dress_control(const window_info& window, WPARAM wparam) {
     if (!window.embedded) return 0;
     const HDC dc{static_cast<std::int32_t>(wparam)};
@@ -122,7 +124,10 @@ LRESULT main_windows_procedure(HWND hwnd, UINT message, WPARAM wparam, LPARAM lp
         case WM_ERASEBKGND:
             return 1;
         case WM_CHAR:
-            key_typed(window, static_cast<std::int32_t>(wparam));
+            if (wparam == copy_character && window.selected_first != nullptr) return 0;
+            [[fallthrough]];
+        case WM_UNICHAR:
+            key_typed(window, message, wparam);
             return 0;
         case WM_KEYDOWN:
             if ((GetKeyState(VK_CONTROL) & 0x8000) != 0 && (wparam == 'C' || wparam == VK_INSERT) &&

@@ -74,6 +74,13 @@ void scrollv(window_info& window, std::int32_t amount, std::int32_t update_optio
     repaint(window);
 }
 
+// Where lines above the view have gone, those below it come up.
+void show_full_page(window_info& window) {
+    scrollv(window,
+            std::max(0, std::min(window.lines_on_view, window.line_count) - window.bottom_number),
+            2, false);
+}
+
 void scrollh(window_info& window, std::int32_t amount, std::int32_t update_option) {
     const std::int64_t wanted = std::int64_t{window.column} + amount;
     const auto column = static_cast<std::int32_t>(std::clamp<std::int64_t>(wanted, 1, columns));

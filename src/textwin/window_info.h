@@ -78,9 +78,11 @@ struct window_info {
     window_line* selected_last;
     const char* selected_last_character;
     HMENU popup;
-    unsigned char pending_character;
+    char pending[4];  // of one character typed
+    std::uint8_t pending_length;
     char escape;
     std::size_t working_length;  // of the working line's text
+    bool line_full;              // what else comes for the line is dropped
     // State:
     bool update_at_once, has_focus, waiting, caret_exists, changed, event_waiting, repaint_all,
         embedded;
@@ -124,7 +126,6 @@ struct textwin_state {
     bool destroying;
     std::int32_t bar_countdown;
     std::int32_t selection_phase;  // 0, 1 dragging, 2 finished
-    std::uint64_t last_show;       // nanoseconds: when output was painted last
     std::uint64_t last_poll;       // when a writing program looked at the queue last
     bool show_wanted;              // some window has output that isn't on the screen
     std::uint32_t yield_mask;
@@ -145,6 +146,10 @@ void free_lines(window_info& window);
 std::int32_t font_escape(const window_info& window, const char* text, std::int32_t& number);
 text_descriptor* descriptor_of(const window_info& window, std::int32_t number);
 void write_bytes(window_info& window, const char* bytes, std::size_t count);
+// Bytes of the character that begins with `lead`: more than one in UTF-8 only.
+std::size_t character_length(const window_info& window, char lead);
+// The last character of a text begins at this offset.
+std::size_t last_character(const window_info& window, const char* text, std::size_t length);
 // Takes the last character off the working line.
 void take_back_character(window_info& window);
 void live_while_writing();
@@ -165,13 +170,15 @@ bool character_at(window_info& window, HDC dc, POINT at, window_line*& line,
 void set_vert_scroll_bar(window_info& window, std::int32_t position, bool forced);
 void count_down_bars();
 void scrollv(window_info& window, std::int32_t amount, std::int32_t update_option, bool absolute);
+void show_full_page(window_info& window);
 void scrollh(window_info& window, std::int32_t amount, std::int32_t update_option);
 void scroll_message(window_info& window, UINT message, WPARAM wparam);
 void wheel(window_info& window, WPARAM wparam);
 
 // ---- Input, selection, clipboard (input.cpp, selection.cpp)
 // -----------------------------------------
-void key_typed(window_info& window, std::int32_t character);
+// A byte of the code page (WM_CHAR), or a code point that it lacks (WM_UNICHAR).
+void key_typed(window_info& window, UINT message, WPARAM wparam);
 void mouse_selection(window_info& window, UINT message, WPARAM wparam, POINT at);
 void cancel_selection(window_info& window);
 void copy_window(window_info& window);

@@ -1,8 +1,10 @@
 // Making, finding and ending text windows.
 #include <cstdlib>
 #include <cstring>
+#include <string>
 
 #include "failure/failure.h"
+#include "platform/base/text.h"
 #include "platform/dialogs/dialogs.h"
 #include "platform/gdi/theme.h"
 #include "textwin/window_info.h"
@@ -107,7 +109,11 @@ HWND make_window(const char* title, std::int32_t x, std::int32_t y, std::int32_t
         parent = s.embedding.parent;
         id = HMENU{embedded_id};
     }
-    const HWND hwnd = CreateWindowExA(0, class_name, title, style, x, y, width, height, parent, id);
+    if (title == nullptr) title = "";
+    const bool utf8 = text_is_utf8 != nullptr && text_is_utf8();
+    const std::u16string caption = wide_from_utf8(utf8 ? title : utf8_from_page(title));
+    const HWND hwnd = CreateWindowExW(0, wide_from_utf8(class_name).c_str(), caption.c_str(), style,
+                                      x, y, width, height, parent, id);
     if (hwnd == 0) return hwnd;
     const bool is_main = s.windows == nullptr && !embedded;
     window_info* window = new_record(hwnd, style, embedded);
@@ -120,10 +126,11 @@ HWND make_window(const char* title, std::int32_t x, std::int32_t y, std::int32_t
     window->width = client.right;
     window->height = client.bottom;
     set_margins(*window);
+    set_bars(*window);  // before they are seen: a program that computes next doesn't paint again
     ShowWindow(hwnd, is_main ? s.show_command : SW_SHOW);
     UpdateWindow(hwnd);
     if (find_window(hwnd) == nullptr) return HWND{};
-    set_bars(*find_window(hwnd));
+    if (!embedded) await_first_sight(hwnd);
     yield_program_control(1);
     return hwnd;
 }
@@ -193,9 +200,10 @@ void add_text_descriptor(HWND hwnd, HFONT font, COLORREF colour) {
     if (window == nullptr) return;
     auto* entry = static_cast<text_descriptor*>(std::calloc(1, sizeof(text_descriptor)));
     if (entry == nullptr) failure::fail(out_of_storage);
-    entry->font = font;
+    LOGFONT description;
+    entry->font = GetObjectFont(font, description) ? font : default_font();
     entry->colour = colour;
-    entry->height = font_height(hwnd, font);
+    entry->height = font_height(hwnd, entry->font);
     text_descriptor** tail = &window->descriptors;
     while (*tail != nullptr) tail = &(*tail)->next;
     *tail = entry;

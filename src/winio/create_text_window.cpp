@@ -3,6 +3,7 @@
 #include <cstdio>
 
 #include "fio/native/services.h"
+#include "frame/hooks.h"
 #include "tarn/text_window.h"
 #include "textwin/textwin.h"
 #include "winio/winproc.h"
@@ -40,6 +41,13 @@ void connect(const window_control* control) {
         __set_default_window(static_cast<std::int32_t>(hwnd));
     }
 }
+
+// Text windows know nothing of format windows, nor of what encoding those take.
+void install_text_windows() {
+    textwin::pump_hooks().control_of_unit = hwnd_from_fortran_unit;
+    textwin::text_is_utf8 = utf8_enabled;
+}
+TARN_PREAMBLE(install_text_windows)
 
 }  // namespace
 

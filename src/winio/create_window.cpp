@@ -60,6 +60,8 @@ void show_window(fancy_window* window) {
         if (watch.gone()) return;
     }
     UpdateWindow(hwnd);
+    const bool goes_on = !watch.gone() && window->control_var != &window->own_control_word;
+    if (goes_on) await_first_sight(hwnd);
 }
 
 // Each child a caption further than the last, and after a while from the corner again.

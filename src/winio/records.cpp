@@ -538,6 +538,7 @@ void* get_proc_addr(const char* name, const char* module) {
 }
 
 bool utf8_enabled() {
+    settle_encoding();
     return records().utf8_default;
 }
 

@@ -504,7 +504,7 @@ struct records_state {
     std::int32_t gdi_limit;  // __max_gdi_objects; 0: none
     std::int32_t brush_and_pen_count, font_count;
     bool utf8_default;
-    bool utf8_chosen;                      // __enable_utf8: the locale isn't asked
+    bool utf8_chosen;                      // the locale isn't asked any more
     bool passive;                          // handlers count instead of store
     bool check_mode;                       // __winio_check
     bool creating;                         // CreateWindowExAW runs
@@ -583,6 +583,8 @@ HBRUSH get_brush(COLORREF colour);
 HPEN get_pen(std::int32_t style, std::int32_t width, COLORREF colour);
 void monitor_gdi_resources();
 bool utf8_enabled();
+// The locale's encoding, where the program has chosen none.
+void settle_encoding();
 
 // Text by the default colours: what a program didn't set.
 COLORREF dialog_colour();  // behind everything

@@ -163,6 +163,12 @@ void choose_default_font() {
 
 }  // namespace
 
+void settle_encoding() {
+    records_state& state = records();
+    if (!state.utf8_chosen) state.utf8_default = locale_is_utf8();
+    state.utf8_chosen = true;
+}
+
 class_record* register_class(const char* name, WNDPROC procedure, std::uint32_t style,
                              HCURSOR cursor, HBRUSH brush, HICON icon) {
     drop_removed_classes();
@@ -188,7 +194,7 @@ void initialise_quillpan_plus() {
     records_state& state = records();
     if (state.used) return;
     state.used = true;
-    if (!state.utf8_chosen) state.utf8_default = locale_is_utf8();
+    settle_encoding();
     const std::uint32_t base = platform::GetDialogBaseUnits();
     state.char_width = static_cast<std::int32_t>(base & 0xFFFF);
     state.char_height = static_cast<std::int32_t>(base >> 16);

@@ -178,8 +178,9 @@ void window_update(void* variable) {
         current_window() = nullptr;
     };
     restore_current();
-    if (callbacks().update_depth == 0 && worth_a_yield()) {
-        textwin::yield_program_control(1);
+    if (callbacks().update_depth == 0) {
+        platform::paint_now();
+        if (worth_a_yield()) textwin::yield_program_control(1);
         restore_current();
     }
     textwin::yield_mask() = mask;

@@ -2,6 +2,7 @@
 // meaning is theirs and the routines where it is not.
 #include <cerrno>
 #include <cstdlib>
+#include <cstring>
 #include <fcntl.h>
 #include <fstream>
 #include <gtest/gtest.h>
@@ -14,7 +15,9 @@
 #include "intrinsics/system/command_line.h"
 #include "intrinsics/system/file_list.h"
 #include "intrinsics/system/processes.h"
+#include "tarn/dates.h"
 #include "tarn/files.h"
+#include "tarn/handles.h"
 
 namespace tarn::intrinsics {
 namespace {
@@ -254,6 +257,30 @@ TEST_F(Files, HavePathsInFullAndLocal) {
     }
 }
 
+// From the root such names would be those of other files.
+TEST_F(Files, StayThemselvesWhereTheFolderHasNoName) {
+    ASSERT_EQ(::mkdir("gone", 0777), 0);
+    ASSERT_EQ(::chdir("gone"), 0);
+    ASSERT_EQ(::rmdir((path + "/gone").c_str()), 0);
+    EXPECT_EQ(current_folder(), "");
+    EXPECT_EQ(full_path("x"), "x");
+    EXPECT_EQ(local_name("/tmp/x"), "/tmp/x");
+
+    ASSERT_EQ(::chdir(path.c_str()), 0);
+    const std::string part(200, 'd');
+    for (int depth = 0; depth < 25; ++depth) {
+        ASSERT_EQ(::mkdir(part.c_str(), 0777), 0);
+        ASSERT_EQ(::chdir(part.c_str()), 0);
+    }
+    EXPECT_EQ(current_folder().size(), path.size() + 25 * 201);
+    std::int16_t error = -1;
+    const std::int16_t handle = __fortran_open("deep", TARN_HANDLE_WRITE, &error);
+    ASSERT_EQ(error, 0);
+    EXPECT_TRUE(file_exists("deep"));
+    EXPECT_EQ(__fortran_closef(handle, 1), 0);
+    EXPECT_FALSE(file_exists("deep"));
+}
+
 TEST_F(Files, TemporaryNamesAreFreeOnesInOrder) {
     EXPECT_EXIT(
         {
@@ -272,7 +299,7 @@ TEST_F(Files, TemporaryNamesAreFreeOnesInOrder) {
         testing::ExitedWithCode(0), "");
     EXPECT_TRUE(IS_WRITABLE_DIRECTORY_h(path.data(), length_of(path)));
     put("file");
-    for (const char* name : {"file", "none", ""}) {
+    for (const char* name : {"file", "none", "", "/proc"}) {
         EXPECT_FALSE(IS_WRITABLE_DIRECTORY_h(name, length_of(name))) << name;
     }
 }
@@ -386,6 +413,16 @@ TEST(Environment, ValuesAndTheirLengths) {
     std::int32_t length = 0;
     GET_ENVIRONMENT_VARIABLE(nullptr, nullptr, &length, nullptr, nullptr, 0, 0);
     EXPECT_EQ(length, -1);
+}
+
+TEST(Environment, ATimeZoneCountsAtOnce) {
+    const std::int32_t time = 0;
+    for (const char* zone : {"TZ=XXX-5", "TZ=XXX3", "TZ=UTC0"}) {
+        ASSERT_EQ(PUTENV_h(zone, static_cast<std::intptr_t>(std::strlen(zone))), 0);
+        std::string text(8, '?');
+        TOTIME_h(&time, text.data(), length_of(text));
+        EXPECT_EQ(text, zone[6] == '-' ? "05:00:00" : zone[3] == 'X' ? "21:00:00" : "00:00:00");
+    }
 }
 
 // ---- Other programs ----

@@ -269,6 +269,16 @@ TEST(Shared, ProcessesSeeTheSameBytes) {
     waitpid(child, &status, 0);
     EXPECT_EQ(status, 0);
     EXPECT_EQ(words[4], 18);
+    // A child that ends in the usual way leaves the name to its parent.
+    const pid_t heir = fork();
+    if (heir == 0) std::exit(0);
+    waitpid(heir, &status, 0);
+    share(name);
+    auto* again = static_cast<volatile int*>(__get_memory(40));
+    ASSERT_NE(again, nullptr);
+    EXPECT_EQ(again[3], 17);
+    __release_memory(const_cast<int*>(again));
+    EXPECT_EQ(words[3], 17);
     __enable_deallocate(const_cast<int*>(words));
     __DEALLOCATE(const_cast<int*>(words), nullptr);
     // Nobody has it any more: the next one finds zeros.

@@ -7,6 +7,7 @@
 #include <set>
 #include <sys/resource.h>
 #include <thread>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -290,6 +291,48 @@ class FirstFitModel {
     std::map<std::pair<std::uint32_t, std::uint32_t>, int> chains_;
     std::uint32_t spare_ = 50;
 };
+
+// Whatever a program writes beside its blocks, the heap says so or goes on: it neither faults nor
+// goes round for ever.
+TEST_F(HeapTest, WritingBesideBlocksIsFoundOut) {
+    int found = 0;
+    for (unsigned seed = 1; seed <= 300; ++seed) {
+        std::mt19937 random(seed);
+        Heap ruined;
+        ASSERT_TRUE(ruined.start());
+        std::vector<std::pair<char*, std::size_t>> blocks(300);
+        auto get = [&](auto& block) {
+            block.second = random() % 200;
+            const std::size_t alignment = random() % 2 ? 4 : 16;
+            block.first = static_cast<char*>(ruined.get(block.second, alignment));
+        };
+        for (auto& block : blocks) get(block);
+        for (int i = 0; i < 60; ++i)
+            ruined.release(std::exchange(blocks[random() % 300].first, nullptr));
+        for (int i = 0; i < 2; ++i) {
+            const auto& block = blocks[random() % 300];
+            if (block.first == nullptr) continue;
+            const std::size_t count = 1 + random() % 24;
+            const bool behind = random() % 2;
+            std::memset(behind ? block.first + block.second : block.first - count,
+                        static_cast<int>(random()), count);
+        }
+        for (int i = 0; i < 1000 && !ruined.corrupt(); ++i) {
+            auto& block = blocks[random() % 300];
+            if (block.first != nullptr) {
+                const bool known = ruined.release(std::exchange(block.first, nullptr)).found;
+                if (!known) break;
+            } else {
+                get(block);
+                if (block.first != nullptr) std::memset(block.first, 1, block.second);
+            }
+        }
+        found += ruined.corrupt();
+        if (ruined.corrupt()) EXPECT_EQ(ruined.get(8), nullptr);
+        ruined.stop();
+    }
+    EXPECT_GT(found, 200);
+}
 
 TEST_F(HeapTest, BlocksLieWhereFirstFitPutsThem) {
     void* probe = heap.get(4);

@@ -1,5 +1,6 @@
 #include "storage/regions.h"
 
+#include <cstdio>
 #include <cstring>
 #include <fcntl.h>
 #include <fstream>
@@ -241,10 +242,12 @@ TEST(VirtualCommon, KeepsAWildRecordWithinItsRange) {
 TEST(VirtualCommon, EndsTheProgramWhereItsRangeIsTaken) {
     const auto twice = [](std::uintptr_t first, std::uintptr_t second, std::intptr_t size) {
         setup_common_block_region("/bin/one", reinterpret_cast<void*>(first), gib, 0);
+        ::dup2(STDERR_FILENO, STDOUT_FILENO);
+        std::printf("printed before, ");
         setup_common_block_region("/bin/two", reinterpret_cast<void*>(second), size, 0);
     };
     EXPECT_EXIT(twice(0x330000000000, 0x330000001000, page), testing::ExitedWithCode(1),
-                "Virtual common address 0x330000001000 of size 4096\\(bytes\\)\n"
+                "printed before, Virtual common address 0x330000001000 of size 4096\\(bytes\\)\n"
                 "has been allocated to /bin/one,\n"
                 "which uses addresses from 0x330000000000 to 0x330040000000.\n"
                 "Please re-link program /bin/two\n with a different virtual common address.\n"

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "platform/display/display.h"
+#include "tarn/winio.h"
 #include "textwin/window_info.h"
 
 namespace tarn::textwin {
@@ -16,7 +17,11 @@ using platform::HWND;
 
 class TextWindow : public testing::Test {
   protected:
-    static void SetUpTestSuite() { setenv("TARN_DISPLAY", "memory", 1); }
+    static void SetUpTestSuite() {
+        setenv("TARN_DISPLAY", "memory", 1);
+        unsetenv("LC_ALL");
+        setenv("LC_CTYPE", "C", 1);
+    }
     void SetUp() override { window_ = __create_window("Test", 50, 50, 500, 300); }
     void TearDown() override { __destroy_window(window_); }
 
@@ -59,6 +64,13 @@ TEST_F(TextWindow, KeepsLinesAsTheyWereWritten) {
     EXPECT_EQ(text(), "ab\r\ncd\r\n");
 }
 
+TEST_F(TextWindow, ShowsEachWriteAtOnce) {
+    for (const char* const piece : {"one\n", "two\n", "three"}) {
+        write(piece);
+        EXPECT_FALSE(info().changed) << piece;
+    }
+}
+
 TEST_F(TextWindow, GivesUpItsOldestLines) {
     setMaxLines(window_, 51);
     for (int i = 1; i <= 200; ++i) __cw_printf(window_, "line %d", i);
@@ -68,6 +80,22 @@ TEST_F(TextWindow, GivesUpItsOldestLines) {
         setMaxLines(window_, low);
         EXPECT_EQ(info().maximum_lines, 50);
         EXPECT_EQ(info().line_count, 50);
+    }
+    // A view that was scrolled back keeps its lines, or gets the oldest ones.
+    for (const int back : {10, 300}) {
+        const std::int32_t other = __create_window("Other", 50, 50, 500, 300);
+        window_info& window = *find_window(HWND{other});
+        for (int i = 1; i <= 200; ++i) __cw_printf(other, "line %d", i);
+        __update_window(other);
+        platform::SendMessageA(HWND{other}, platform::WM_VSCROLL, platform::SB_BOTTOM, 0);
+        for (int i = 0; i < back; ++i)
+            platform::SendMessageA(HWND{other}, platform::WM_VSCROLL, platform::SB_LINEUP, 0);
+        setMaxLines(other, 50);
+        EXPECT_EQ(window.bottom_number, std::max(50 - back, window.lines_on_view));
+        std::int32_t above = 0;
+        for (const window_line* line = window.bottom; line; line = line->previous) ++above;
+        EXPECT_EQ(above, window.bottom_number);
+        __destroy_window(other);
     }
     // The chain is whole both ways.
     int forward = 0, backward = 0;
@@ -136,6 +164,51 @@ TEST_F(TextWindow, ReadsKeysAndLines) {
     EXPECT_NE(text().find("abc\r\nok\r\n"), std::string::npos) << "what is typed is echoed";
 }
 
+// The bytes of a character come and go together: typed, taken back, at the end of a full line.
+TEST_F(TextWindow, HoldsUtf8WhereTheProgramSaysSo) {
+    __enable_utf8(1);
+    const std::int32_t plain = window_;
+    window_ = __create_window(
+        "Gr\xC3\xB6\xC3\x9F"
+        "e",
+        50, 50, 500, 300);
+    __enable_utf8(0);
+    EXPECT_EQ(platform::window_text(HWND{window_}),
+              "Gr\xC3\xB6\xC3\x9F"
+              "e");
+    const auto post = [](std::int32_t window, platform::UINT message, platform::WPARAM code) {
+        platform::PostMessageA(HWND{window}, message, code, 0);
+    };
+    char line[256];
+    for (const std::int32_t window : {window_, plain}) {
+        post(window, platform::WM_CHAR, 0xE4);
+        post(window, platform::WM_UNICHAR, 0x20AC);  // as what the code page lacks comes
+        post(window, platform::WM_CHAR, 0xF6);
+        post(window, platform::WM_CHAR, 8);
+        post(window, platform::WM_CHAR, '\r');
+        __win_getline(window, line);
+        EXPECT_STREQ(line, window == plain ? "\xE4" : "\xC3\xA4\xE2\x82\xAC");
+    }
+    __clear_window(window_);
+    write(std::string(254, 'x') + "\xC3");
+    write("\xA4y\nz");
+    EXPECT_EQ(text(), std::string(254, 'x') + "\r\nz\r\n");
+    __destroy_window(plain);
+}
+
+TEST_F(TextWindow, TabsGoToColumns) {
+    write("aaaaaaaab\na\tb\n\tb");
+    for (const std::int32_t scrolled : {0, 1, 5, 8}) {
+        send(platform::WM_HSCROLL, platform::SB_PAGEUP, 0);
+        for (int i = 0; i < scrolled; ++i) send(platform::WM_HSCROLL, platform::SB_LINEDOWN, 0);
+        __update_window(window_);
+        const window_line* first = info().first;
+        EXPECT_GT(first->right_edge, info().left_margin);
+        EXPECT_EQ(first->next->right_edge, first->right_edge) << scrolled;
+        EXPECT_EQ(first->next->next->right_edge, first->right_edge) << scrolled;
+    }
+}
+
 TEST_F(TextWindow, SelectsWithTheMouseInEmbeddedWindows) {
     const std::int32_t inner =
         __create_embeded_window_x(window_, 0, 1, 0, 0, 400, 200,
@@ -159,10 +232,37 @@ TEST_F(TextWindow, SelectsWithTheMouseInEmbeddedWindows) {
     std::free(selected);
     __cancel_selection(inner);
     EXPECT_EQ(__get_selected_quillpan_text(inner, 0), nullptr);
+    // What is selected stays so while the program goes on writing, also in the line that it writes,
+    // and until the line goes.
+    const auto selected_text = [inner] {
+        char* text = __get_selected_quillpan_text(inner, 0);
+        const std::string result = text ? text : "none";
+        std::free(text);
+        return result;
+    };
+    const auto write_lines = [inner](int count) {
+        for (; count > 0; --count) __cw_printf(inner, "line");
+    };
+    mouse(platform::WM_LBUTTONDOWN, 8 + 2, 2 * height + height / 2, true);
+    mouse(platform::WM_MOUSEMOVE, 2 * 8 + 4, 2 * height + height / 2, true);
+    EXPECT_EQ(selected_text(), "hi");
+    write_lines(1);
+    EXPECT_EQ(selected_text(), "hi");
+    mouse(platform::WM_MOUSEMOVE, 3 * 8 + 4, 2 * height + height / 2, true);
+    EXPECT_EQ(selected_text(), "hir");
+    platform::PostMessageA(HWND{inner}, platform::WM_CHAR, 3, 0);  // Ctrl+C isn't input
+    platform::PostMessageA(HWND{inner}, platform::WM_CHAR, 'q', 0);
+    EXPECT_EQ(__win_getchar(inner), 'q');
+    setMaxLines(inner, 50);
+    write_lines(60);
+    EXPECT_EQ(selected_text(), "none");
+    mouse(platform::WM_MOUSEMOVE, 5, height, true);
+    EXPECT_EQ(selected_text(), "none");
+    mouse(platform::WM_LBUTTONUP, 5, height, false);
 }
 
 TEST_F(TextWindow, CallsAfterItsEndDoNothing) {
-    const std::int32_t gone = __create_window("Gone", 10, 10, 200, 100);
+    const std::int32_t gone = __create_window(nullptr, 10, 10, 200, 100);
     __destroy_window(gone);
     __win_printf(gone, "nothing %d", 1);
     __clear_window(gone);

@@ -142,7 +142,10 @@ void file_adopt(File& file, int descriptor, std::uint32_t access_bits, bool owne
     file.window = nullptr;
     file.seekable = known && (S_ISREG(about.st_mode) || S_ISBLK(about.st_mode));
     file.size = known && S_ISREG(about.st_mode) ? about.st_size : 0;
+    // A file that is no terminal is no error: a program may be about to ask what its last one was.
+    const int reason = errno;
     file.terminal = !file.seekable && ::isatty(descriptor) == 1;
+    errno = reason;
     file.undecided_pipe = false;
     forget_buffer(file);
     // A descriptor that another program opened may stand anywhere.
@@ -207,13 +210,13 @@ void file_sync(File& file) {
     }
     forget_buffer(file);
     file.buffer_position = file.logical_position;
-    file.position_state = 3;
+    file.position_state = place_unknown;
 }
 
 void file_seek(File& file, std::int64_t target, int& err) {
     err = file_flush(file);
     if (err != 0 || !file.seekable) return;
-    file.position_state = 3;
+    file.position_state = place_unknown;
     if (target < 0) {
         errno = EINVAL;
         err = last_error();
@@ -271,7 +274,7 @@ void file_seek_to_end(File& file, int& err) {
     file.logical_position = file.real_position = file.buffer_position = end;
     file.size = end;
     forget_buffer(file);
-    file.position_state = 3;
+    file.position_state = place_unknown;
 }
 
 void file_truncate(File& file, std::int64_t length, int& err) {
@@ -303,7 +306,7 @@ void file_truncate(File& file, std::int64_t length, int& err) {
     }
     file.logical_position = file.buffer_position = file.size = length;
     forget_buffer(file);
-    file.position_state = 3;
+    file.position_state = place_unknown;
 }
 
 std::ptrdiff_t file_fill(File& file) {
@@ -460,7 +463,7 @@ void sys_fileOpen(Unit& unit, std::string_view name, int mode, int& err, bool cr
     file.shared = sharing == 0x30 || sharing == 0x40 || sharing == 0;
     if (file.shared) file.buffered = false;
     file_set_path(file, full_path_name(path));
-    file.position_state = 0;
+    file.position_state = place_asis;
     err = 0;
 }
 

@@ -22,6 +22,9 @@ inline constexpr std::uint32_t access_write = 0x40000000U;
 
 inline constexpr std::size_t file_buffer_size = 8192;
 
+// What INQUIRE tells of the place in a file: as OPEN left it, or that it is to be looked at.
+enum PlaceState : std::int32_t { place_asis, place_rewind, place_append, place_unknown };
+
 struct File {
     std::string path;               // full path; empty for a unit that has no file
     int descriptor = -1;            // -1: no open file
@@ -51,8 +54,8 @@ struct File {
     bool owned = true;         // close closes the descriptor (not so for 0, 1 and 2)
     std::uint64_t device = 0;  // identity of the file, with inode; 0, 0 when unknown
     std::uint64_t inode = 0;
-    void* window = nullptr;           // a text window takes the place of the descriptor
-    std::int32_t position_state = 0;  // 0 ASIS, 1 REWIND, 2 APPEND as given at OPEN, 3 unknown
+    void* window = nullptr;  // a text window takes the place of the descriptor
+    std::int32_t position_state = place_asis;
     std::int64_t stream_read_position = 1;  // 1-based POS= of a stream unit
     std::int64_t stream_write_position = 1;
 };

@@ -22,11 +22,6 @@ std::string without_trailing_blanks(std::string_view name) {
     return std::string(name.substr(0, last == std::string_view::npos ? 0 : last + 1));
 }
 
-std::string current_folder() {
-    char folder[PATH_MAX];
-    return ::getcwd(folder, sizeof folder) != nullptr ? folder : "";
-}
-
 bool same_file(const std::string& a, const std::string& b) {
     struct stat x;
     struct stat y;
@@ -110,9 +105,22 @@ bool move_by_copying(const char* from, const char* to) {
 
 }  // namespace
 
+std::string current_folder() {
+    char* const folder = ::getcwd(nullptr, 0);
+    if (folder == nullptr) return {};
+    std::string result(folder);
+    std::free(folder);
+    return result;
+}
+
 std::string full_path_name(std::string_view name) {
     std::string path(name);
-    if (path.empty() || path.front() != '/') path = current_folder() + "/" + path;
+    if (path.empty() || path.front() != '/') {
+        std::string folder = current_folder();
+        // From the root the name would be another file's, or one that the system refuses.
+        if (folder.empty() || folder.size() + path.size() + 1 >= PATH_MAX) return path;
+        path = folder.append("/").append(path);
+    }
     std::string plain = normalised(path, false);
     if (plain.find("/..") == std::string::npos) return plain;
     std::string collapsed = normalised(path, true);
@@ -127,10 +135,26 @@ bool clean_name(std::string_view given, std::string& name) {
     return name.find('\0') == std::string::npos;
 }
 
+int remove_file(const char* name) {
+    struct stat about;
+    const bool device =
+        ::stat(name, &about) == 0 && (S_ISCHR(about.st_mode) || S_ISBLK(about.st_mode));
+    return device ? 0 : ::unlink(name);
+}
+
+// Rights alone don't tell: a file system may have no room for a name, or take none at all.
 bool is_writable_folder(const char* name) {
     struct stat about;
-    return name != nullptr && *name != '\0' && ::stat(name, &about) == 0 &&
-           S_ISDIR(about.st_mode) && ::access(name, W_OK | X_OK) == 0;
+    if (name == nullptr || *name == '\0' || ::stat(name, &about) != 0 || !S_ISDIR(about.st_mode) ||
+        ::access(name, W_OK | X_OK) != 0)
+        return false;
+    std::string probe(name);
+    probe.append("/~~~~~~XXXXXX");
+    const int descriptor = ::mkostemp(probe.data(), O_CLOEXEC);
+    if (descriptor < 0) return errno == EMFILE || errno == ENFILE;
+    ::close(descriptor);
+    ::unlink(probe.c_str());
+    return true;
 }
 
 std::string find_temporary_folder() {
@@ -218,7 +242,7 @@ bool sys_fileExists(std::string_view name) {
 }
 
 void sys_deleteFile(std::string_view name, int& err) {
-    const int result = ::unlink(without_trailing_blanks(name).c_str());
+    const int result = remove_file(without_trailing_blanks(name).c_str());
     err = result == 0 ? 0 : platform::platform_error(errno);
 }
 

@@ -77,7 +77,8 @@ bool apply_advance(Statement& s, const TransferSpecifiers& specs) {
             fail(s, {213, iostat_bad_option}, specs.modes->advance);
             return false;
         }
-        if (s.direct || s.internal || specs.format == nullptr) {
+        const bool in_memory = s.internal && s.parent == nullptr;
+        if (s.direct || in_memory || specs.format == nullptr) {
             fail(s, {214, iostat_option_conflict});
             return false;
         }

@@ -222,7 +222,9 @@ Opened open_named(const Terms& terms, const char* path) {
     if (descriptor >= 0 || !is_refusal(errno)) return {descriptor, Action::readwrite};
     const int read_flags = terms.status == FileStatus::unknown ? 0 : flags;
     descriptor = open_for(path, read_flags, Action::read, terms.share);
-    if (descriptor >= 0 || !is_refusal(errno)) return {descriptor, Action::read};
+    // What isn't there was refused as a new file, which is what the program has to be told.
+    if (descriptor >= 0 || !(is_refusal(errno) || errno == ENOENT))
+        return {descriptor, Action::read};
     return {open_for(path, flags, Action::write, terms.share), Action::write};
 }
 
@@ -349,7 +351,7 @@ void disconnect(Unit& unit, bool remove, int& err) {
     finish_open_record(unit, err);
     write_out(unit.file, err);
     console_detach(unit);
-    if (remove && !unit.file.path.empty() && ::unlink(unit.file.path.c_str()) != 0 && err == 0) {
+    if (remove && !unit.file.path.empty() && remove_file(unit.file.path.c_str()) != 0 && err == 0) {
         err = errno;
     }
     // What couldn't be written has been reported once.

@@ -45,8 +45,9 @@ void position(Statement& s, Edit edit, std::int64_t n) {
     if (!s.reading) {
         if (edit == Edit::TR) {
             move_right(s, n);
-            // A statement that doesn't advance writes its blanks at the end of each record, too.
-            if (s.non_advancing) write_nothing(s);
+            // A statement that doesn't advance writes its blanks at the end of each record, too;
+            // nor does the child of another, whatever it says.
+            if (s.non_advancing || s.parent != nullptr) write_nothing(s);
             return;
         }
         if (edit == Edit::TL) return move_left(s, n);

@@ -91,11 +91,16 @@ std::string_view position_word(const Unit& unit) {
     const File& file = unit.file;
     const std::int64_t here = file.logical_position;
     if (!unit.status.stream && !file.seekable && here > 0) return "UNSPECIFIED";
-    if (unit.status.stream || !file.seekable) {
-        return file.position_state == 1 ? "REWIND" : file.position_state == 2 ? "APPEND" : "ASIS";
+    const bool moved_back = unit.status.stream && file.position_state == place_unknown;
+    if ((unit.status.stream && !moved_back) || !file.seekable) {
+        return file.position_state == place_rewind   ? "REWIND"
+               : file.position_state == place_append ? "APPEND"
+                                                     : "ASIS";
     }
-    if (here == 0 && file.position_state == 0) return "ASIS";
-    if (here == end_of(file) && (here > 0 || file.position_state == 2)) return "APPEND";
+    if (here == 0 && file.position_state == place_asis) return "ASIS";
+    if (here == end_of(file) && (here > 0 || file.position_state == place_append)) {
+        return "APPEND";
+    }
     return here == 0 ? "REWIND" : "UNSPECIFIED";
 }
 

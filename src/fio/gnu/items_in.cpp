@@ -116,6 +116,8 @@ bool ends_at_zero(Field& field, Edit edit) {
     FieldResult result = get_number(field, node, edit, item, kind, s.modes);
     if (result.fault.number != 0 && ends_at_zero(field, edit))
         result = get_number(field, node, edit, item, kind, s.modes);
+    // The blanks behind a stream's end are no value of the file's, such as a LOGICAL would need.
+    if (s.behind_end && result.fault.number != 0) return fail_end_of_file(s);
     report_field(s, field, result);
 }
 

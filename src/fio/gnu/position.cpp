@@ -27,8 +27,6 @@ constexpr Fault bad_wait_id{81, iostat_bad_wait_id};
 constexpr Fault same_unit{433, iostat_option_conflict};
 constexpr Fault corrupt{110, EINVAL};
 
-constexpr std::int32_t position_unknown = 3;
-
 // The unit of a statement, locked; released at the end of the statement. Null: not connected, or
 // the caller has heard why it can't be had.
 class Holding {
@@ -98,7 +96,7 @@ void set_place(Unit& unit, std::int64_t target, int& err) {
     } else {
         move_to(file, target, err);
     }
-    file.position_state = position_unknown;
+    file.position_state = place_unknown;
 }
 
 // Reads `count` bytes that end at `end`, from the buffer where that has them. False: they can't be
@@ -215,7 +213,7 @@ void go_to_start(Unit& unit, int& err) {
         err = ESPIPE;
         return;
     }
-    file.position_state = 1;
+    file.position_state = place_rewind;
     unit.current_record = 0;
     unit.gnu.record_number = 0;
     unit.gnu.end = EndState::before;
@@ -228,7 +226,7 @@ void go_to_end(Unit& unit, int& err) {
     int number = 0;
     file_seek_to_end(file, number);
     if (number != 0) err = errno;
-    file.position_state = 2;
+    file.position_state = place_append;
     unit.gnu.end = EndState::at;
     if (!file.shared || number != 0) return;
     file_set_append(file, true);
@@ -252,7 +250,7 @@ void go_back_one_record(Unit& unit, int& err) {
     unit.status.end_of_file = false;
     File& file = unit.file;
     const std::int64_t here = file.logical_position;
-    unit.file.position_state = position_unknown;
+    unit.file.position_state = place_unknown;
     if (here == 0 || inside || err != 0) return;
     if (!file.seekable && has_places(file)) return;
     int failure = 0;
@@ -313,7 +311,7 @@ void end_file_of_unit(Caller& caller) {
             if (err != 0) return report(caller, err);
             gnu.last_was_write = false;
             gnu.end = unit->status.stream ? EndState::at : EndState::after;
-            unit->file.position_state = 2;
+            unit->file.position_state = place_append;
             return;
         }
     }

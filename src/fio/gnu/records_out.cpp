@@ -160,7 +160,10 @@ void finish_external(Statement& s) {
     ++unit.current_record;
     s.column_base = s.pending = 0;
     // A formatted stream ends behind the record that was written last.
-    if (s.stream && file.size > file.logical_position) cut_here(file, err);
+    if (s.stream && file.size > file.logical_position) {
+        cut_here(file, err);
+        file.position_state = place_append;
+    }
     if (err != 0) fail_system(s, err);
 }
 

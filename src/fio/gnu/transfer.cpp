@@ -155,6 +155,7 @@ void fail_end_of_file(Statement& s) {
         s.unit->gnu.end = EndState::after;
         s.unit->status.end_of_file = true;
     }
+    if (s.unit != nullptr && !s.direct) s.unit->file.position_state = place_append;
     raise_end_of_file(*s.caller);
 }
 

@@ -92,7 +92,7 @@ int seek_unit(std::int32_t number, std::int64_t offset, std::int32_t whence) {
     if (__builtin_add_overflow(base, offset, &offset) || offset < 0) return -1;
     file_set_append(file, false);
     move_to(file, offset, err);
-    file.position_state = 3;
+    file.position_state = place_unknown;
     unit->gnu.end = EndState::before;
     unit->gnu.record_open = false;
     return err == 0 ? 0 : -1;
@@ -123,8 +123,9 @@ void terminal_name(std::int32_t number, char* text, std::size_t length) {
     const int descriptor = descriptor_of_unit(number);
     char name[256];
     if (descriptor < 0 || ::ttyname_r(descriptor, name, sizeof name) != 0) return;
+    // All of it or nothing, and no room for a terminator is no room.
     const std::string_view word(name);
-    std::memcpy(text, word.data(), std::min(length, word.size()));
+    if (word.size() < length) std::memcpy(text, word.data(), word.size());
 }
 
 void flush_one_unit(std::int32_t number) {

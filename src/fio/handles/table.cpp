@@ -226,7 +226,7 @@ int close(Number number, bool remove) {
         if (remove) handle->file.dirty = false;
         error = own_number(file_close(handle->file));
     }
-    if (remove && !path.empty() && ::unlink(path.c_str()) != 0 && error == 0) {
+    if (remove && !path.empty() && remove_file(path.c_str()) != 0 && error == 0) {
         error = platform::platform_error(errno);
     }
     file_set_path(handle->file, {});

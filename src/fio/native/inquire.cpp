@@ -114,11 +114,11 @@ std::int32_t position_word(Unit& unit) {
     File& file = unit.file;
     if (file.path.empty()) return word_asis;
     switch (file.position_state) {
-        case 0:
+        case place_asis:
             return word_asis;
-        case 1:
+        case place_rewind:
             return word_rewind;
-        case 2:
+        case place_append:
             return word_append;
         default:
             break;

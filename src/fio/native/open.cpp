@@ -399,7 +399,7 @@ class Opening {
     }
 
     bool open_file() {
-        unit_->file.position_state = 0;
+        unit_->file.position_state = place_asis;
         if (!is_file_) return true;
         if (!has_file_) return open_scratch_file();
         if (is_blank(name_)) return IO_error(144);

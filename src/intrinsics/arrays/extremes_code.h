@@ -13,6 +13,14 @@ template <bool largest, class T>
     return largest ? a > b : a < b;
 }
 
+// What a mask hides isn't compared, since a NaN there would raise an exception: the start, which
+// beats nothing, stands in for it. (With the best so far in its place the compiler would make a
+// branch of it, or compare after all.)
+template <class T>
+[[gnu::always_inline]] inline T counted(Flag flag, T x, T start) {
+    return flag != 0 ? x : start;
+}
+
 // The best of n elements that lie together, and of `best`; n isn't less than `lanes`.
 template <class T, bool largest>
 struct BestOf {
@@ -89,8 +97,10 @@ T best_of(T best, const std::byte* at, Index stride, Index n) {
 template <class T, bool largest>
 T best_counted(T best, const Run& run) {
     if (run.n <= few_counted) {
+        const T start = best;
         for_each_element<T>(run, [&](T x, bool counts) {
-            best = static_cast<int>(counts) & static_cast<int>(beats<largest>(x, best)) ? x : best;
+            const T value = counted(static_cast<Flag>(counts), x, start);
+            best = beats<largest>(value, best) ? value : best;
         });
         return best;
     }
@@ -108,13 +118,16 @@ T best_of(T best, const Run& run) {
 template <class T, bool largest>
 struct BestAcross {
     static constexpr bool has_vectors = vectors_help<T>;
-    [[gnu::always_inline]] static inline void run(T* best, const T* x, const Flag* flags, Index n) {
+    [[gnu::always_inline]] static inline void run(T* best, const T* x, const Flag* flags, Index n,
+                                                  T start) {
         if (flags == nullptr) {
             for (Index i = 0; i < n; ++i) best[i] = beats<largest>(x[i], best[i]) ? x[i] : best[i];
             return;
         }
-        for (Index i = 0; i < n; ++i)
-            best[i] = flags[i] != 0 && beats<largest>(x[i], best[i]) ? x[i] : best[i];
+        for (Index i = 0; i < n; ++i) {
+            const T value = counted(flags[i], x[i], start);
+            best[i] = beats<largest>(value, best[i]) ? value : best[i];
+        }
     }
 };
 
@@ -195,7 +208,8 @@ template <class T, bool largest, bool finite>
 void Extreme<T, largest, finite>::step(Block& block, const std::byte* x, const Flag* flags, Index n,
                                        Index) const {
     dispatch<BestAcross<T, largest>>(block.as<Values<T, largest, finite>>().best + 0,
-                                     reinterpret_cast<const T*>(x), flags, n);
+                                     reinterpret_cast<const T*>(x), flags, n,
+                                     Values<T, largest, finite>::start);
 }
 template <class T, bool largest, bool finite>
 void Extreme<T, largest, finite>::end(Block& block, Index n, Run run, Index step, Index mask_step,
@@ -213,22 +227,29 @@ template <class T, class Place, bool largest>
 struct BestPlaces {
     static constexpr bool has_vectors = vectors_help<T>;
     [[gnu::always_inline]] static inline void run(T* best, Place* place, const T* x,
-                                                  const Flag* flags, Index n, Index k, bool back) {
+                                                  const Flag* flags, Index n, Index k, bool back,
+                                                  T start) {
         const auto here = static_cast<Place>(k);
-        const auto take = [&](bool better, Index i) {
-            best[i] = better ? x[i] : best[i];
+        const auto take = [&](bool better, T value, Index i) {
+            best[i] = better ? value : best[i];
             place[i] = better ? here : place[i];
         };
         if (flags == nullptr && !back) {
-            for (Index i = 0; i < n; ++i) take(beats<largest>(x[i], best[i]), i);
+            for (Index i = 0; i < n; ++i) take(beats<largest>(x[i], best[i]), x[i], i);
         } else if (flags == nullptr) {
             for (Index i = 0; i < n; ++i)
-                take(beats<largest>(x[i], best[i]) | (x[i] == best[i]), i);
+                take(beats<largest>(x[i], best[i]) | (x[i] == best[i]), x[i], i);
         } else if (!back) {
-            for (Index i = 0; i < n; ++i) take((flags[i] != 0) & beats<largest>(x[i], best[i]), i);
+            for (Index i = 0; i < n; ++i) {
+                const T value = counted(flags[i], x[i], start);
+                take(beats<largest>(value, best[i]), value, i);
+            }
         } else {
-            for (Index i = 0; i < n; ++i)
-                take((flags[i] != 0) & (beats<largest>(x[i], best[i]) | (x[i] == best[i])), i);
+            // (Places don't count as long as the best is the start.)
+            for (Index i = 0; i < n; ++i) {
+                const T value = counted(flags[i], x[i], start);
+                take(beats<largest>(value, best[i]) | (value == best[i]), value, i);
+            }
         }
     }
 };
@@ -375,7 +396,7 @@ void ExtremePlace<T, largest>::step(Block& block, const std::byte* x, const Flag
                                     Index k) const {
     auto& state = block.as<Places<T, largest>>();
     dispatch<BestPlaces<T, typename Places<T, largest>::Place, largest>>(
-        state.best + 0, state.place + 0, reinterpret_cast<const T*>(x), flags, n, k, back);
+        state.best + 0, state.place + 0, reinterpret_cast<const T*>(x), flags, n, k, back, start);
 }
 template <class T, bool largest>
 void ExtremePlace<T, largest>::end(Block& block, Index n, Run run, Index step, Index mask_step,
@@ -457,9 +478,10 @@ struct BestSoFar {
                                 Index flag_stride, Index n) {
         T found = best;
         for (Index i = 0; i < n; ++i, x += stride, flag += flag_stride) {
+            // A hidden NaN would raise an exception if it were compared.
+            if (masked && *flag == std::byte{0}) continue;
             const T value = *reinterpret_cast<const T*>(x);
-            const bool counts = !masked || *flag != std::byte{0};
-            if (counts & beats<largest>(value, found)) [[unlikely]] {
+            if (beats<largest>(value, found)) [[unlikely]] {
                 found = value;
                 place = seen + i;
             }

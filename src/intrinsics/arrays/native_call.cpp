@@ -22,6 +22,15 @@ View native_view(const void* base, Index element, Index rank, const std::int32_t
     return view;
 }
 
+Index bytes_of(const View& shape, Index element) {
+    constexpr int bad_request = 416;
+    Index bytes = element;
+    for (int d = 0; d < shape.rank; ++d)
+        if (__builtin_mul_overflow(bytes, shape.dims[d].extent, &bytes)) native_fail(bad_request);
+    if (bytes >> 47 != 0) native_fail(bad_request);
+    return bytes;
+}
+
 bool same_extents(const View& a, const View& b) {
     if (a.rank != b.rank) return false;
     for (int d = 0; d < a.rank; ++d)
@@ -46,18 +55,12 @@ std::byte* make_storage(NativeCall& call, Index bytes) {
 
 bool open_result(NativeCall& call, ResultDescriptor& result, const View& shape, Index element,
                  View& opened) {
-    constexpr int bad_request = 416;
     check_base(result);
     opened = shape;
     opened.element = element;
     make_contiguous(opened);
     if (result.base == 0) {
-        Index bytes = element;
-        for (int d = 0; d < shape.rank; ++d)
-            if (__builtin_mul_overflow(bytes, shape.dims[d].extent, &bytes))
-                native_fail(bad_request);
-        if (bytes >> 47 != 0) native_fail(bad_request);
-        std::byte* const storage = make_storage(call, bytes);
+        std::byte* const storage = make_storage(call, bytes_of(shape, element));
         if (storage == nullptr) return false;
         for (int d = 0; d < shape.rank; ++d) result.extent[d] = shape.dims[d].extent;
         result.base = reinterpret_cast<Word>(storage);

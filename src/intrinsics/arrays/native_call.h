@@ -59,6 +59,9 @@ inline constexpr int fail_shape = 389;
 // A contiguous array of the given extents; a rank that can't be fails.
 View native_view(const void* base, Index element, Index rank, const std::int32_t* extents);
 
+// The bytes of an array of that shape; a failure where no storage is so large.
+Index bytes_of(const View& shape, Index element);
+
 bool same_extents(const View& a, const View& b);
 
 // Fails for a base word that is a mark.

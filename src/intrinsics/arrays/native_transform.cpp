@@ -3,6 +3,7 @@
 #include <array>
 #include <cstring>
 
+#include "intrinsics/arrays/loops.h"
 #include "intrinsics/arrays/native_routines.h"
 #include "intrinsics/arrays/runs.h"
 #include "intrinsics/arrays/transform.h"
@@ -118,7 +119,8 @@ void pack_routine(NativeCall& call) {
     check_base(descriptor);
     Index room = has_vector ? vector_size : array.count();
     if (descriptor.base == 0) {
-        std::byte* const storage = make_storage(call, room * element);
+        const Index bytes = has_vector ? room * element : bytes_of(array, element);
+        std::byte* const storage = make_storage(call, bytes);
         if (storage == nullptr) return;
         descriptor.base = reinterpret_cast<Word>(storage);
     } else {
@@ -219,10 +221,35 @@ void cshift_routine(NativeCall& call) {
     View result;
     if (!open_result(call, call.result(9), array, element, result)) return;
     if (shift_rank == 0) {
-        circular_shift(result, array, dim, load_integer(shifts.base, shifts.element));
+        circular_shift(result, array, dim, shifts.base, shifts.element);
     } else {
         circular_shifts(result, array, dim, shifts);
     }
+}
+
+// EOSHIFT of elements that may be longer than the stack, vector by vector: their bytes are a
+// dimension of their own, so that one byte fills.
+void shift_bytes(const View& result, const View& array, int dim, const View& shifts,
+                 const std::byte* fill) {
+    const auto loops = loops_over(without(result, dim), without(array, dim), shifts);
+    const auto vector = [&](std::byte* base, const View& whole) {
+        View bytes;
+        bytes.base = base;
+        bytes.element = 1;
+        bytes.rank = 2;
+        bytes.dims[0] = {whole.element, 1};
+        bytes.dims[1] = whole.dims[dim];
+        return bytes;
+    };
+    walk(loops, {result.base, array.base, shifts.base},
+         [&](std::array<std::byte*, 3> at, Index count) {
+             for (Index i = 0; i < count; ++i) {
+                 const View to = vector(at[0], result);
+                 end_off_shift(to, vector(at[1], array), 1, load_integer(at[2], shifts.element),
+                               everywhere(fill, 1, without(to, 1)));
+                 for (std::size_t a = 0; a < at.size(); ++a) at[a] += loops.stride[0][a];
+             }
+         });
 }
 
 // rank, ARRAY, extents, element size; rank of SHIFT, SHIFT, extents, integer size; rank of
@@ -250,14 +277,11 @@ void eoshift_routine(NativeCall& call) {
     }
     // Nothing of an element is known but its size: the fill is as long as one.
     const bool characters = call.has(12) && call.integer(12) != 0;
-    constexpr Index usual = 64;
-    std::byte few[usual];
-    auto* const blank =
-        element <= usual
-            ? few
-            : static_cast<std::byte*>(__builtin_alloca(static_cast<std::size_t>(element)));
-    std::memset(blank, characters ? ' ' : 0, static_cast<std::size_t>(element));
-    move(everywhere(blank, element, outer));
+    constexpr Index usual = 4096;
+    std::byte fill[usual];
+    std::memset(fill, characters ? ' ' : 0, static_cast<std::size_t>(std::min(element, usual)));
+    if (element > usual) return shift_bytes(result, array, dim, shifts, fill);
+    move(everywhere(fill, element, outer));
 }
 
 // ---- TRANSPOSE: MATRIX, its two extents, element size, result ----

@@ -17,9 +17,18 @@ Index into_range(Index shift, Index n) {
     return rest < 0 ? rest + n : rest;
 }
 
-// The shift of a vector.
+// The shift at an address, cut to what an extent can be.
 [[gnu::always_inline]] inline Index shift_at(const std::byte* from, Index size) {
     return size == 4 ? *reinterpret_cast<const std::int32_t*>(from) : load_integer(from, size);
+}
+
+// The shift at an address, from 0 to n - 1.
+[[gnu::always_inline]] inline Index circular_distance(const std::byte* shift, Index size, Index n) {
+    if (size != sizeof(__int128)) return into_range(shift_at(shift, size), n);
+    // Cut to what an extent can be it would be another one.
+    __int128 whole;
+    __builtin_memcpy(&whole, shift, sizeof whole);
+    return into_range(static_cast<Index>(whole % n), n);
 }
 
 // ---- Arrays in one piece: a shift moves blocks ----
@@ -101,7 +110,7 @@ void turn_pieces(const std::array<std::byte*, 3>& at, const Index* step, Index c
     const Index shift_step = step[2];
     const Index n = bytes / element;
     for (Index i = 0; i < count; ++i) {
-        const Index head = into_range(shift_at(shift, shift_size), n) * element;
+        const Index head = circular_distance(shift, shift_size, n) * element;
         copy_bytes(to, from + head, bytes - head);
         copy_bytes(to + (bytes - head), from, head);
         to += to_step;
@@ -118,7 +127,7 @@ template <class Size>
     for (Index i = 0; i < count; ++i) {
         std::byte* to = at[0] + i * step[0];
         const std::byte* const first = at[1] + i * step[1];
-        const Index shift = into_range(shift_at(at[2] + i * step[2], shift_size), n);
+        const Index shift = circular_distance(at[2] + i * step[2], shift_size, n);
         const std::byte* from = first + shift * stride;
         for (Index k = shift; k < n; ++k, to += to_stride, from += stride) size.move(to, from);
         from = first;
@@ -183,10 +192,10 @@ bool lies_along(const View& view, int dim) {
 
 }  // namespace
 
-void circular_shift(const View& to, const View& from, int dim, Index shift) {
+void circular_shift(const View& to, const View& from, int dim, const std::byte* shift, Index size) {
     const Index n = from.dims[dim].extent;
     if (n <= 0) return;
-    const Index s = into_range(shift, n);
+    const Index s = circular_distance(shift, size, n);
     if (is_contiguous(to) && is_contiguous(from)) return turn_blocks(to, from, dim, s);
     if (!lies_along(to, dim)) {
         copy_part(to, 0, from, s, dim, n - s);
@@ -237,7 +246,7 @@ void circular_shifts(const View& to, const View& from, int dim, const View& shif
                      return turn_vectors(size, at, step, count, to_stride, stride, n,
                                          shifts.element);
                  parts.each(count, [&](Index i, Index k, Index m) {
-                     const Index s = into_range(shift_at(at[2] + i * step[2], shifts.element), n);
+                     const Index s = circular_distance(at[2] + i * step[2], shifts.element, n);
                      turn_part(size, at[0] + i * step[0], to_stride, at[1] + i * step[1], stride, n,
                                s, k, m);
                  });

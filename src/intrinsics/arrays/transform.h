@@ -31,8 +31,8 @@ void spread(const View& to, const View& source, int dim);
 // enough.
 void reshape(const View& to, const int* order, const View& source, const View* pad);
 
-// CSHIFT by one shift for all.
-void circular_shift(const View& to, const View& from, int dim, Index shift);
+// CSHIFT by one shift for all, an integer of so many bytes.
+void circular_shift(const View& to, const View& from, int dim, const std::byte* shift, Index size);
 // By a shift for each vector along `dim`: integers of shifts.element bytes in an array that has the
 // shape without `dim`.
 void circular_shifts(const View& to, const View& from, int dim, const View& shifts);

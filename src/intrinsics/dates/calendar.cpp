@@ -28,11 +28,11 @@ constexpr int seconds_a_day = 86400;
 // `leap_base` is the year after a leap year at or before the first.
 double seconds_since(const LocalTime& moment, int first_year, int leap_base) {
     if (moment.month < 1 || moment.month > 12) fail_out_of_range();
-    int days = (moment.year - leap_base) / 4;
-    days += days_before_month(moment.month) + moment.day - 1;
+    std::int64_t days = (std::int64_t{moment.year} - leap_base) / 4;
+    days += std::int64_t{days_before_month(moment.month)} + moment.day - 1;
     if (moment.year % 4 == 0 && moment.month >= 3) ++days;
-    const double seconds =
-        (moment.year - first_year) * 31536000.0 + days * static_cast<double>(seconds_a_day);
+    const double seconds = (moment.year - static_cast<double>(first_year)) * 31536000.0 +
+                           static_cast<double>(days) * seconds_a_day;
     return seconds + moment.hour * 3600.0 + moment.minute * 60.0 + moment.second;
 }
 

@@ -8,7 +8,6 @@
 #include <algorithm>
 #include <atomic>
 #include <cstdlib>
-#include <cstring>
 #include <type_traits>
 
 #include "intrinsics/matmul/multiply.h"
@@ -91,14 +90,14 @@ void multiply_plainly(const Matrix<const T>& a, const Matrix<const T>& b, const 
 
 // ---- Copies into panels ----
 
-// The columns of `from`, `height` rows of each together; rows that are missing are zeros.
+// The columns of `from`, `height` rows of each together. Rows that are missing are copies of the
+// last: what is computed with them is computed anyhow, so that it raises no floating-point
+// exception that the product doesn't. (Zeros would make NaNs of infinities.)
 template <class W, class T>
 void pack_panels(W* to, const Matrix<const T>& from, Index height) {
     for (Index first = 0; first < from.rows; first += height) {
         const Index rows = std::min(height, from.rows - first);
         const T* const base = from.base + first * from.row_step;
-        if (rows < height)
-            std::memset(to, 0, sizeof(W) * static_cast<std::size_t>(height * from.columns));
         if (from.row_step == 1) {
             for (Index p = 0; p < from.columns; ++p)
                 for (Index i = 0; i < rows; ++i)
@@ -109,6 +108,8 @@ void pack_panels(W* to, const Matrix<const T>& from, Index height) {
                     to[p * height + i] =
                         static_cast<W>(base[i * from.row_step + p * from.column_step]);
         }
+        for (Index p = 0; rows < height && p < from.columns; ++p)
+            std::fill_n(to + p * height + rows, height - rows, to[p * height + rows - 1]);
         to += height * from.columns;
     }
 }
@@ -120,12 +121,11 @@ void pack_complex_panels(T* to, const Matrix<const Complex<T>>& from, Index heig
     for (Index first = 0; first < from.rows; first += height) {
         const Index rows = std::min(height, from.rows - first);
         const Complex<T>* const base = from.base + first * from.row_step;
-        if (rows < height)
-            std::memset(to, 0, sizeof(T) * static_cast<std::size_t>(2 * height * from.columns));
         for (Index p = 0; p < from.columns; ++p) {
             T* const column = to + 2 * p * height;
-            for (Index i = 0; i < rows; ++i) {
-                const Complex<T> value = base[i * from.row_step + p * from.column_step];
+            for (Index i = 0; i < height; ++i) {
+                const Index row = std::min(i, rows - 1);
+                const Complex<T> value = base[row * from.row_step + p * from.column_step];
                 column[apart ? i : 2 * i] = value.re;
                 column[apart ? height + i : 2 * i + 1] = value.im;
             }

@@ -70,6 +70,15 @@ struct Tile {
     alignas(32) static constexpr std::int32_t window[16] = {-1, -1, -1, -1, -1, -1, -1, -1};
     return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(window + 8 - words));
 }
+// The places of words of which the first `words` are there, and then of copies of the last `unit`
+// of them, a power of 2.
+[[gnu::target("avx2,fma"), gnu::always_inline]] inline __m256i places_with_copies(int words,
+                                                                                  int unit) {
+    const __m256i place = _mm256_setr_epi32(0, 1, 2, 3, 4, 5, 6, 7);
+    const __m256i copy = _mm256_add_epi32(_mm256_set1_epi32(words - unit),
+                                          _mm256_and_si256(place, _mm256_set1_epi32(unit - 1)));
+    return _mm256_blendv_epi8(copy, place, _mm256_cmpgt_epi32(_mm256_set1_epi32(words), place));
+}
 template <class Vector>
 [[gnu::target("avx2,fma"), gnu::always_inline]] inline void store_words(void* to, Vector value,
                                                                         Index words) {
@@ -94,7 +103,8 @@ template <class Vector>
 }
 
 // A tile of `height` vectors for AVX2, of whose last only `rest` elements are there unless it is
-// `full`; a's column and c's lie together. Nothing beyond them is read or written.
+// `full`; a's column and c's lie together. Nothing beyond them is read or written, and what is
+// multiplied in their place is the last of them again, which raises no exception of its own.
 //
 // Complex numbers go as pairs: the elements of a and c are their parts, one after the other, b
 // points to the real part of a value and its steps are in parts.
@@ -102,7 +112,7 @@ template <class T, bool complex, int height, int width, bool full>
 struct RestTile {
     using Vector [[gnu::vector_size(32)]] = T;
     static constexpr int lanes = 32 / static_cast<int>(sizeof(T));
-    static constexpr Index in_words = sizeof(T) / 4;
+    static constexpr int in_words = sizeof(T) / 4;
     static constexpr int whole = height - (full ? 0 : 1);
     static constexpr int sums = complex ? 2 : 1;  // by the real part and by the imaginary
 
@@ -110,6 +120,8 @@ struct RestTile {
         Index k, const T* a, Index a_step, const T* b, Index row_step, Index column_step, T* c,
         Index c_step, Index rest) {
         const __m256i mask = mask_of_words(rest * in_words);
+        const __m256i places =
+            places_with_copies(static_cast<int>(rest * in_words), in_words * (complex ? 2 : 1));
         Vector sum[width][sums][height];
         for (int j = 0; j < width; ++j)
             for (int s = 0; s < sums; ++s)
@@ -120,8 +132,9 @@ struct RestTile {
             for (int i = 0; i < whole; ++i)
                 __builtin_memcpy(&left[i], a + i * lanes, sizeof(Vector));
             if constexpr (!full) {
-                const __m256i last =
-                    _mm256_maskload_epi32(reinterpret_cast<const int*>(a + whole * lanes), mask);
+                const __m256i last = _mm256_permutevar8x32_epi32(
+                    _mm256_maskload_epi32(reinterpret_cast<const int*>(a + whole * lanes), mask),
+                    places);
                 __builtin_memcpy(&left[whole], &last, sizeof last);
             }
             for (int j = 0; j < width; ++j) {

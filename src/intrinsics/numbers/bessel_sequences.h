@@ -42,16 +42,19 @@ void bessel_j_sequence(std::int32_t first, std::int32_t last, Wide x, Store stor
     }
 }
 
-// Upwards, where the values grow; once they are infinite they stay so.
+// Upwards, where the values grow; once they are infinite they stay so. At 0 all are, which is no
+// division by zero for gfortran's programs.
 template <class Wide, class Store>
 void bessel_y_sequence(std::int32_t first, std::int32_t last, Wide x, Store store) {
     const auto direct = [&](std::int64_t n) { return bessel_y_of(static_cast<int>(n), x); };
     Wide below = 0;
     Wide value = 0;
-    const Wide twice_inverse = 2 / x;
+    const Wide twice_inverse = x == 0 ? x : 2 / x;
     for (std::int64_t order = first; order <= last; ++order) {
         Wide next;
-        if (order < std::int64_t{first} + 2 || order < 2 || x == 0) {
+        if (x == 0) {
+            next = -std::numeric_limits<Real10>::infinity();
+        } else if (order < std::int64_t{first} + 2 || order < 2) {
             next = direct(order);
         } else if (absolute_value(value) > std::numeric_limits<Real10>::max()) {
             next = value;

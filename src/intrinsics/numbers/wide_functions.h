@@ -139,6 +139,7 @@ Wide scaled_erfc_of(Wide x) {
     constexpr bool wider = std::is_same_v<Wide, Real16>;
     const Wide limit = wider ? 100 : 12;
     if (x < -200) return std::numeric_limits<Real10>::infinity();
+    if (absolute_value(x) < static_cast<Wide>(1e-36L)) return 1;
     if (x < limit) {
         const auto head = static_cast<Wide>(static_cast<float>(x));
         const Wide tail = (x - head) * (x + head);

@@ -3,6 +3,7 @@
 #include <cerrno>
 #include <charconv>
 #include <cstdlib>
+#include <ctime>
 
 #include "fio/file/names.h"
 #include "frame/state.h"
@@ -77,7 +78,10 @@ int put_variable(std::string_view definition) {
     const std::string name = text.substr(0, equals);
     const char* value = text.c_str() + equals + 1;
     const int result = *value != '\0' ? ::setenv(name.c_str(), value, 1) : ::unsetenv(name.c_str());
-    return result == 0 ? 0 : errno;
+    if (result != 0) return errno;
+    // The C library looks at the zone once.
+    if (name == "TZ") ::tzset();
+    return 0;
 }
 
 }  // namespace tarn::intrinsics

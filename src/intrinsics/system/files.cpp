@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <climits>
 #include <cstdio>
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -81,8 +80,7 @@ int enter_folder(std::string_view name) {
 }
 
 std::string current_folder() {
-    char folder[PATH_MAX];
-    return ::getcwd(folder, sizeof folder) != nullptr ? folder : "";
+    return fio::current_folder();
 }
 
 bool is_writable_directory(std::string_view given) {
@@ -133,6 +131,7 @@ std::string full_path(std::string_view given) {
 std::string local_name(std::string_view given) {
     std::string path = full_path(given);
     std::string folder = current_folder();
+    if (folder.empty()) return path;
     if (path == folder) return ".";
     if (folder != "/") folder.push_back('/');
     return path.compare(0, folder.size(), folder) == 0 ? path.substr(folder.size()) : path;

@@ -87,7 +87,11 @@ View reduced_result_for(ArrayDescriptor& result, const View& array, int dim, Ind
 }
 
 void check_shape(const View& argument, const View& shape, const char* what, const char* intrinsic) {
-    if (!checks_bounds()) return;
+    if (checks_bounds()) require_shape(argument, shape, what, intrinsic);
+}
+
+void require_shape(const View& argument, const View& shape, const char* what,
+                   const char* intrinsic) {
     // Arrays without elements conform in what matters, whatever their other extents.
     if (argument.rank == shape.rank && argument.count() == 0 && shape.count() == 0) return;
     if (argument.rank != shape.rank)

@@ -68,6 +68,9 @@ View reduced_result_for(ArrayDescriptor& result, const View& array, int dim, Ind
 
 // Fails where an argument's extents aren't those of `shape`, when the program asked for checks.
 void check_shape(const View& argument, const View& shape, const char* what, const char* intrinsic);
+// The same whether it asked or not.
+void require_shape(const View& argument, const View& shape, const char* what,
+                   const char* intrinsic);
 
 // Failures: the catalogue's sentence, then what was found.
 [[noreturn, gnu::format(printf, 2, 3)]] void array_failure(int number, const char* format, ...);

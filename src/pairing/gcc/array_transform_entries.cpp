@@ -156,14 +156,19 @@ bool reshape_by_copy(ArrayDescriptor& to, const ArrayDescriptor& from, Index ele
     const Index rank = shape.dimension[0].extent();
     if (rank < 1 || rank > max_rank || checks_bounds()) return false;
     const bool make = to.base == nullptr;
+    if (!make && to.rank != rank) return false;
     const auto* extents = reinterpret_cast<const Index*>(shape.base);
     Index wanted = 1;
     for (Index d = 0; d < rank; ++d, extents += shape.dimension[0].stride) {
         const Index extent = std::max<Index>(*extents, 0);
-        if (make) to.dimension[d] = {wanted, 0, extent - 1};
+        if (make) {
+            to.dimension[d] = {wanted, 0, extent - 1};
+        } else if (to.dimension[d].extent() != extent) {
+            return false;
+        }
         if (__builtin_mul_overflow(wanted, extent, &wanted)) return false;
     }
-    if (!make && (to.rank != rank || count_in_one_piece(to) != wanted)) return false;
+    if (!make && count_in_one_piece(to) != wanted) return false;
     Index bytes = 0;
     if (wanted == 0 || count_in_one_piece(from) < wanted ||
         __builtin_mul_overflow(wanted, element, &bytes))
@@ -217,7 +222,10 @@ void reshape_into(ArrayDescriptor& to, const ArrayDescriptor& from, Index elemen
     if (!padded && source.count() < shape.count())
         array_failure(wrong_shape, "The SOURCE of RESHAPE has %td elements; the result has %td",
                       source.count(), shape.count());
-    reshape(result_for(to, shape, element, "RESHAPE"), order, source, padded ? &pad : nullptr);
+    const View result = result_for(to, shape, element, "RESHAPE");
+    // The compiler trusts SHAPE to be what stands around the call, and gives storage by that.
+    require_shape(result, shape, "result", "RESHAPE");
+    reshape(result, order, source, padded ? &pad : nullptr);
 }
 
 // ---- CSHIFT and EOSHIFT ----
@@ -240,8 +248,8 @@ void cshift(ArrayDescriptor& to, const ArrayDescriptor& from, Index element, con
     const int dim = dim_or_first(dim_given, array, "CSHIFT");
     const View result = result_for(to, array, element, "CSHIFT");
     if (shifts == nullptr) {
-        circular_shift(result, array, dim,
-                       load_integer(reinterpret_cast<const std::byte*>(shift), sizeof(Integer)));
+        circular_shift(result, array, dim, reinterpret_cast<const std::byte*>(shift),
+                       sizeof(Integer));
         return;
     }
     const View given = view_of(*shifts, sizeof(Integer));
@@ -263,6 +271,9 @@ class BlankElement {
         std::byte* bytes = few_;
         if (element > static_cast<Index>(sizeof few_))
             bytes = made_ = static_cast<std::byte*>(std::malloc(static_cast<std::size_t>(element)));
+        constexpr int out_of_storage = 408;
+        if (bytes == nullptr)
+            array_failure(out_of_storage, "There is no storage for a blank of %td bytes", element);
         for (Index at = 0; at + character_size <= element; at += character_size)
             std::memcpy(bytes + at, &character, static_cast<std::size_t>(character_size));
         return bytes;

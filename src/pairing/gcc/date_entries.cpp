@@ -4,6 +4,7 @@
 #include <cstdint>
 
 #include "frame/link_name.h"
+#include "intrinsics/dates/calendar.h"
 #include "tarn/dates.h"
 
 namespace {
@@ -24,10 +25,6 @@ void put_text(void (*write)(const std::int32_t*, char*, std::intptr_t), void* fi
     } else {
         write(static_cast<const std::int32_t*>(first), static_cast<char*>(second), word(third));
     }
-}
-
-std::int16_t narrowed(const std::int32_t* value) {
-    return static_cast<std::int16_t>(*value);
 }
 
 }  // namespace
@@ -72,10 +69,9 @@ TARN_EXPORT void seconds_since_1900__(double* result, const std::int32_t* second
                                       const std::int32_t* minutes, const std::int32_t* hours,
                                       const std::int32_t* day, const std::int32_t* month,
                                       const std::int32_t* year) {
-    const std::int16_t fields[] = {narrowed(seconds), narrowed(minutes), narrowed(hours),
-                                   narrowed(day),     narrowed(month),   narrowed(year)};
-    SECONDS_SINCE_1900_h(result, fields, fields + 1, fields + 2, fields + 3, fields + 4,
-                         fields + 5);
+    // An INTEGER holds more than the 16 bits of the library's own entry: 86400 seconds, say.
+    *result = tarn::intrinsics::seconds_since_1900(
+        {*year, *month, *day, *hours, *minutes, *seconds, 0, 0});
 }
 TARN_EXPORT void seconds_since_1970__(double* result) {
     SECONDS_SINCE_1970_h(result);

@@ -3,6 +3,7 @@
 // type than its own, as far as there is one.
 #include <algorithm>
 #include <cstdlib>
+#include <limits>
 #include <string>
 #include <type_traits>
 
@@ -84,7 +85,11 @@ Real worked_wide(Function function, Real x) {
 
 template <class Real>
 Real erfc_scaled(Real x) {
-    return worked_wide([](auto wide) { return scaled_erfc_of(wide); }, x);
+    const auto value = scaled_erfc_of(static_cast<Wide<Real>>(x));
+    // It grows without an end, and is infinite in silence.
+    if constexpr (!std::is_same_v<Real, r16>)
+        if (value > std::numeric_limits<Real>::max()) return std::numeric_limits<Real>::infinity();
+    return static_cast<Real>(value);
 }
 template <class Real>
 Real sine(Real x) {

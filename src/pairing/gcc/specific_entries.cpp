@@ -44,6 +44,7 @@ C_REAL_FUNCTION(sinh)
 C_REAL_FUNCTION(sqrt)
 C_REAL_FUNCTION(tan)
 C_REAL_FUNCTION(tanh)
+long lroundf128(r16) noexcept;
 r16 atan2f128(r16, r16) noexcept;
 r16 fmodf128(r16, r16) noexcept;
 r16 copysignf128(r16, r16) noexcept;
@@ -59,16 +60,16 @@ std::size_t _gfortran_string_index(std::size_t, const char*, std::size_t, const 
 
 namespace {
 
+// As the compiler's own code for DIM: the difference wraps around, and one that is no number stays.
 template <class Number>
 Number difference(Number x, Number y) {
-    if (x <= y) return 0;
+    Number left;
     if constexpr (std::is_floating_point_v<Number> || std::is_same_v<Number, r16>) {
-        return x - y;
+        left = x - y;
     } else {
-        Number wrapped;
-        __builtin_sub_overflow(x, y, &wrapped);
-        return wrapped;
+        __builtin_sub_overflow(x, y, &left);
     }
+    return left <= 0 ? 0 : left;
 }
 
 // Of the most negative number there is none; it stays itself.
@@ -87,21 +88,26 @@ Integer with_sign_of(Integer x, Integer y) {
     return (x < 0) == (y < 0) ? x : negated(x);
 }
 
-// To the nearest whole number, halves away from zero.
+// To the nearest whole number, halves away from zero. As in the compiler's own code, of a number
+// that doesn't fit in 32 bits the lowest stay.
 template <class Integer>
 Integer nearest(r4 x) {
+    if (sizeof(Integer) == sizeof(i4)) return static_cast<Integer>(lroundf(x));
     return static_cast<Integer>(roundf(x));
 }
 template <class Integer>
 Integer nearest(r8 x) {
+    if (sizeof(Integer) == sizeof(i4)) return static_cast<Integer>(lround(x));
     return static_cast<Integer>(round(x));
 }
 template <class Integer>
 Integer nearest(r10 x) {
+    if (sizeof(Integer) == sizeof(i4)) return static_cast<Integer>(lroundl(x));
     return static_cast<Integer>(roundl(x));
 }
 template <class Integer>
 Integer nearest(r16 x) {
+    if (sizeof(Integer) == sizeof(i4)) return static_cast<Integer>(lroundf128(x));
     return static_cast<Integer>(roundf128(x));
 }
 

@@ -8,8 +8,6 @@
 #include <string>
 #include <string_view>
 
-#include "fio/file/names.h"
-
 namespace tarn::gcc {
 
 template <class Integer>
@@ -23,13 +21,18 @@ inline void store_text(std::string_view text, char* variable, std::size_t length
     std::memset(variable + count, ' ', length - count);
 }
 
-// What a call of the system with a file's name gives: 0, or errno. A name with a zero byte in it is
-// no file's.
+// A text for C: without the blanks that fill a variable up, and up to a zero byte, which ends what
+// C code left in one. Other white space may be part of a file's name, as it is in OPEN.
+inline std::string c_text(const char* text, std::size_t length) {
+    std::string_view kept(text, length);
+    kept = kept.substr(0, kept.find('\0'));
+    return std::string(kept.substr(0, kept.find_last_not_of(' ') + 1));
+}
+
+// What a call of the system with a file's name gives: 0, or errno.
 template <class Call>
 int with_name(const char* name, std::size_t length, Call call) {
-    std::string path;
-    if (!fio::clean_name({name, length}, path)) return errno = EINVAL;
-    return call(path.c_str()) == 0 ? 0 : errno;
+    return call(c_text(name, length).c_str()) == 0 ? 0 : errno;
 }
 
 template <class Call>

@@ -41,6 +41,7 @@ void get_environment_variable(const char* name, char* value, Integer* length, In
 
 // Blank, with an error, where the name is too long.
 int current_folder(char* text, std::size_t length) {
+    if (length == 0) return errno = EINVAL;
     char* path = ::getcwd(nullptr, 0);
     if (path == nullptr) {
         store_text("", text, length);

@@ -1,6 +1,7 @@
 // gfortran's intrinsics on files by their names: STAT, ACCESS, CHMOD, LINK, RENAME, UNLINK ... as
 // functions and as subroutines. A result of 0 is success, others are numbers of the system's
 // errors.
+#include <algorithm>
 #include <cstdio>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -9,6 +10,7 @@
 #include "fio/unit.h"
 #include "frame/link_name.h"
 #include "intrinsics/system/file_mode.h"
+#include "pairing/gcc/array_descriptor.h"
 #include "pairing/gcc/system_arguments.h"
 
 namespace tarn::gcc {
@@ -41,22 +43,34 @@ void describe(const struct stat& about, const Vector& values) {
     }
 }
 
-using StatCall = int (*)(const char* path, struct stat* about);
+void require_room(const Vector& values, const char* intrinsic) {
+    const std::int64_t extent = values.upper_bound - values.lower_bound + 1;
+    if (extent >= stat_values) return;
+    array_failure(wrong_shape, "VALUES of %s has %td elements, and needs %td", intrinsic,
+                  std::max<std::int64_t>(extent, 0), stat_values);
+}
+
+struct StatCall {
+    int (*call)(const char* path, struct stat* about);
+    const char* intrinsic;
+};
 
 template <class Integer>
-Integer describe_name(StatCall call, const char* name, const Vector& values, std::size_t length) {
-    if (values.upper_bound - values.lower_bound + 1 < stat_values) return EINVAL;
+Integer describe_name(StatCall stat_call, const char* name, const Vector& values,
+                      std::size_t length) {
+    require_room(values, stat_call.intrinsic);
     struct stat about {};
-    const int error = with_name(name, length, [&](const char* path) { return call(path, &about); });
+    const int error =
+        with_name(name, length, [&](const char* path) { return stat_call.call(path, &about); });
     if (error == 0) describe<Integer>(about, values);
     return error;
 }
 
 template <class Integer>
 Integer describe_unit(std::int32_t unit, const Vector& values) {
+    require_room(values, "FSTAT");
     const int descriptor = fio::descriptor_of_unit(unit);
     if (descriptor < 0) return EBADF;
-    if (values.upper_bound - values.lower_bound + 1 < stat_values) return EINVAL;
     struct stat about {};
     if (::fstat(descriptor, &about) != 0) return static_cast<Integer>(errno);
     describe<Integer>(about, values);
@@ -95,7 +109,8 @@ mode_t process_mask() {
     return mask;
 }
 
-// -1 where the file refuses, 1 for a text that is no mode.
+// -1 where the file refuses, 1 for a text that is no mode and for a change of a file that isn't
+// there.
 int change_mode(const char* name, const char* text, std::size_t length, std::size_t text_length) {
     constexpr int no_mode = 1;
     std::string_view mode(text, text_length);
@@ -106,7 +121,7 @@ int change_mode(const char* name, const char* text, std::size_t length, std::siz
         intrinsics::ModeBefore before;
         if (!intrinsics::is_octal_mode(mode)) {
             struct stat about {};
-            if (::stat(path, &about) != 0) return -1;
+            if (::stat(path, &about) != 0) return result = no_mode;
             before = {about.st_mode, process_mask()};
         }
         const auto changed = intrinsics::changed_mode(mode, before);
@@ -129,12 +144,8 @@ int unlink_file(const char* name, std::size_t length) {
     return with_name(name, length, ::unlink);
 }
 
-int status_of(const char* path, struct stat* about) {
-    return ::stat(path, about);
-}
-int status_of_link(const char* path, struct stat* about) {
-    return ::lstat(path, about);
-}
+constexpr StatCall status_of = {::stat, "STAT"};
+constexpr StatCall status_of_link = {::lstat, "LSTAT"};
 
 template <class Integer>
 Integer set_mask(const Integer* mask) {

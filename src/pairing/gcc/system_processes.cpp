@@ -42,7 +42,7 @@ template <class Integer>
 void execute_command_line(const char* text, const std::int32_t* wait, Integer* exit_status,
                           Integer* command_status, char* message, std::size_t length,
                           std::size_t message_length) {
-    const std::string_view command(text, length);
+    const std::string command = c_text(text, length);
     CommandStatus status = done;
     if (wait != nullptr && *wait == 0) {
         if (!intrinsics::start_by_shell(command)) status = not_started;
@@ -110,10 +110,10 @@ TARN_EXPORT void _gfortran_execute_command_line_i8(const char* command, const st
 
 // SYSTEM gives the status as wait() does.
 TARN_EXPORT int _gfortran_system(const char* command, std::size_t length) {
-    return tarn::intrinsics::run_by_shell({command, length});
+    return tarn::intrinsics::run_by_shell(c_text(command, length));
 }
 TARN_EXPORT void _gfortran_system_sub(const char* command, int* status, std::size_t length) {
-    store(status, tarn::intrinsics::run_by_shell({command, length}));
+    store(status, tarn::intrinsics::run_by_shell(c_text(command, length)));
 }
 
 TARN_EXPORT int _gfortran_kill(int process, int number) {

@@ -18,6 +18,7 @@ namespace {
 
 constexpr long largest_file = 64L << 20;
 constexpr int deepest_include = 8, deepest_menu = 100;
+constexpr int most_includes = 1000;  // a file that includes itself often would never end
 
 bool read_file(const std::string& path, std::string& bytes) {
     std::FILE* file = std::fopen(path.c_str(), "rb");
@@ -124,6 +125,7 @@ struct Reader {
     std::string folder;
     std::map<std::string, std::string> defined;
     std::vector<ProgramResource> found;
+    int included = 0;
 
     void read(const std::string& source, int depth);
     void directive(Scanner& scanner, int depth);
@@ -168,7 +170,7 @@ void Reader::directive(Scanner& scanner, int depth) {
     if (is(what, "define")) {
         const std::string name = words.next().text;
         defined[name] = words.next().text;
-    } else if (is(what, "include") && depth < deepest_include) {
+    } else if (is(what, "include") && depth < deepest_include && included++ < most_includes) {
         const Token file = words.next();
         std::string text;
         if (file.kind == Token::Kind::text && read_file(folder + file.text, text))
@@ -365,7 +367,7 @@ std::size_t fill_menu(HMENU into, const std::vector<MenuLine>& lines, std::size_
 
 std::vector<ProgramResource> read_resource_script(const std::string& text,
                                                   const std::string& folder) {
-    Reader reader{folder, {}, {}};
+    Reader reader{folder, {}, {}, 0};
     reader.read(text, 0);
     return std::move(reader.found);
 }

@@ -118,9 +118,11 @@ std::optional<Header> read_header(const Bytes& file) {
     } else if (header.bits == 16) {
         header.channels[0].set(0x7C00), header.channels[1].set(0x3E0), header.channels[2].set(0x1F);
     }
+    const std::uint32_t used = core ? 0 : file.u32(at + 32);
+    // Colours for screens with few of them.
+    if (header.bits > 8 && used <= 256) behind += std::size_t{used} * 4;
     if (header.bits <= 8) {
         const std::uint32_t most = 1u << header.bits;
-        const std::uint32_t used = core ? 0 : file.u32(at + 32);
         const std::uint32_t count = used == 0 ? most : std::min(used, most);
         const std::size_t entry = core ? 3 : 4;
         read_palette(file, behind, count, entry, header);

@@ -194,8 +194,8 @@ HICON CreateIconFromPixels(std::int32_t width, std::int32_t height, const std::u
 // From the image of an icon or cursor file: of its pictures the one that suits best; `hot` is a
 // cursor's. Pictures that are packed can't be read. 0: none can.
 HICON CreateIconFromFile(const unsigned char* bytes, std::size_t length, bool cursor, POINT& hot);
-// How long such a file says that it is, where nothing else tells; at least its first six bytes must
-// be there. 0: more than any has.
+// How long such a file says that it is, where nothing else tells; its directory of pictures is
+// taken to be there as a whole. 0: more than any has.
 std::size_t icon_file_length(const unsigned char* bytes);
 bool DestroyIcon(HICON icon);
 bool GetIconSize(HICON icon, SIZE& size);

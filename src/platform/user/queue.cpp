@@ -364,6 +364,56 @@ bool at_rest(bool waiting, std::int32_t& script_wait) {
 
 }  // namespace
 
+// Each showing takes an interval out of the time that has been saved up since the last ones.
+bool may_show_now() {
+    constexpr std::int64_t interval_us = 2000, burst = 100;
+    Queue& q = state().queue;
+    const std::int64_t now = clock_us();
+    q.shown_until = std::max(q.shown_until, now - burst * interval_us);
+    if (q.shown_until + interval_us > now) return false;
+    q.shown_until += interval_us;
+    return true;
+}
+
+void present_now() {
+    present_all();
+}
+
+// A window that marks itself while it paints comes with the next frame.
+void paint_now() {
+    if (state().queue.paint_depth > 0 || !anything_dirty() || !may_show_now()) return;
+    for (HWND hwnd = first_window(); hwnd != HWND{} && anything_dirty();
+         hwnd = next_top_level(hwnd)) {
+        UpdateWindow(hwnd);
+        if (find(hwnd) == nullptr) break;
+    }
+    present_all();
+}
+
+// No message is dispatched meanwhile: the events wait for the pump.
+void await_first_sight(HWND hwnd) {
+    constexpr std::int64_t patience_us = 500'000;
+    const auto seen = [hwnd](const Event& e) {
+        return e.kind == Event::Kind::expose && e.window == static_cast<TopLevel>(hwnd);
+    };
+    Window* const window = find(hwnd);
+    if (window == nullptr || !window->top || !window->top->shown ||
+        window->top->state == WindowState::minimized)
+        return;
+    const auto& events = state().queue.events;
+    const std::int64_t end = clock_us() + patience_us;
+    while (std::none_of(events.begin(), events.end(), seen)) {
+        const std::int64_t left = end - clock_us();
+        if (left <= 0) return;
+        Event event;
+        if (display().next_event(event, static_cast<std::int32_t>(left / 1000) + 1))
+            enqueue(std::move(event));
+    }
+    const RECT area = surface_rect(*window);
+    add_damage(*window, {0, 0, area.width(), area.height()});
+    present_all();
+}
+
 bool PeekMessageA(MSG& message, HWND hwnd, UINT first, UINT last, UINT remove) {
     Queue& q = state().queue;
     const Filter filter{hwnd, first, last};

@@ -58,6 +58,7 @@ struct Queue {
     std::int64_t last_frame = 0;  // when something was painted or presented
     std::int64_t next_frame = 0;  // a program that doesn't wait is painted from then on
     std::int64_t frame_start = 0;
+    std::int64_t shown_until = 0;   // time that showing at once has used up
     std::int64_t silent_since = 0;  // headless: since when only timers run; 0: not waiting
     std::int32_t quit_code = 0;
     bool quit = false;

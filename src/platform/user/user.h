@@ -115,6 +115,15 @@ bool UpdateWindow(HWND hwnd);  // paints now what is marked
 bool GetUpdateRect(HWND hwnd, RECT& rect);
 bool RedrawWindow(HWND hwnd);  // all of it and its children, now
 
+// ---- For a program that may compute long before it looks at its messages again ------------------
+// Whether what changes now is shown at once: yes, but for a flood, which is every two milliseconds.
+bool may_show_now();
+void present_now();  // what was drawn
+void paint_now();    // what is marked, if it may be shown
+// A top-level window that was just shown is on the screen, which takes a manager a while and drops
+// what is shown before; half a second at most.
+void await_first_sight(HWND hwnd);
+
 // ---- Messages ----------------------------------------------------------------------------------
 LRESULT SendMessageA(HWND hwnd, UINT message, WPARAM wparam, LPARAM lparam);
 LRESULT SendMessageW(HWND hwnd, UINT message, WPARAM wparam, LPARAM lparam);

@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 #include <string>
 #include <sys/stat.h>
+#include <sys/sysmacros.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -267,6 +268,20 @@ TEST(FileNames, ResolveFindRenameDelete) {
     EXPECT_EQ(err, 2);
     EXPECT_FALSE(sys_fileExists(folder.path));
     EXPECT_TRUE(sys_fileExists(folder("three")));
+}
+
+TEST(FileNames, DevicesAreNotDeleted) {
+    const Folder folder;
+    constexpr unsigned null_major = 1;
+    constexpr unsigned null_minor = 3;
+    if (::mknod(folder("null").c_str(), S_IFCHR | 0600, makedev(null_major, null_minor)) != 0) {
+        GTEST_SKIP() << "only root makes devices";
+    }
+    int err = -1;
+    sys_deleteFile(folder("null"), err);
+    EXPECT_EQ(err, 0);
+    EXPECT_TRUE(sys_fileExists(folder("null")));
+    ASSERT_EQ(::unlink(folder("null").c_str()), 0);
 }
 
 TEST(FileNames, TemporaryNamesAreTakenAtOnce) {

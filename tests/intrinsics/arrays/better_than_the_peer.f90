@@ -7,6 +7,8 @@ program better_than_the_peer
   integer :: v(4) = [9, 0, -5, -7], failed = 0
   real(8) :: r(4) = [1, 0, 0, 2]
   logical :: first_only(4) = [.true., .false., .false., .false.], yes = .true., no = .false.
+  integer :: m(3,2) = reshape([1, 2, 3, 4, 5, 6], [3,2])
+  integer(16) :: far = 2_16**71
   integer :: none(2,0), empty(0,3), one = 1, minus = -1
   c2(1,:) = c
 
@@ -21,6 +23,8 @@ program better_than_the_peer
   call same('rows of texts under a scalar', maxloc(c2, dim=2, mask=yes), [2])
   call same('findloc in a section', findloc(r(2::2), 0d0, back=yes), [1])
   call same('spread of a negative count', shape(spread(v, 1, minus)), [0, 4])
+  call same('shift of many bits', cshift([1, 2, 3, 4, 5], far), [4, 5, 1, 2, 3])
+  call same('shifts of many bits', reshape(cshift(m, [far, -far]), [6]), [3, 1, 2, 5, 6, 4])
   call same('empty inner dimension', reshape(matmul(none, empty), [6]), [0, 0, 0, 0, 0, 0])
   call same('empty under a mask', [size(maxval(none, dim=one, mask=none > 0))], [0])
   if (failed > 0) error stop 1

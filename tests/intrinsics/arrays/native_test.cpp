@@ -4,6 +4,7 @@
 #include <cstring>
 #include <gtest/gtest.h>
 #include <limits>
+#include <string>
 #include <vector>
 
 #include "tarn/arrays.h"
@@ -311,6 +312,16 @@ TEST(NativeTransformations, PackAndUnpack) {
     EXPECT_EXIT(pack(at(scalar), at(mask.rank), at(vector.values), Ints(3)),
                 testing::ExitedWithCode(1), "less than the size of ARRAY");
 
+    // More than there can be, and no storage given.
+    const auto endless = [&] {
+        const std::int32_t rank = 2;
+        const Extents extents(2, std::numeric_limits<std::int32_t>::max());
+        tarn_array_result result = {nullptr, 4, {}};
+        PACK_h(&rank, array.values.data(), extents.data(), &int_size, &scalar, &scalar,
+               extents.data(), &int_size, TARN_NO_ARGUMENT, &three, &result);
+    };
+    EXPECT_EXIT(endless(), testing::ExitedWithCode(1), "Bad request for stack memory");
+
     const std::int32_t field = -1;
     std::int32_t size = 2;
     const std::vector<Word> words = {at(mask.rank),   at(vector.values), at(size),     at(int_size),
@@ -361,6 +372,28 @@ TEST(NativeTransformations, Shifts) {
     EXPECT_EQ(shift(EOSHIFT_h, 3, true, 1), (Ints{4, 0x20202020, 0x20202020, 0x20202020}));
 }
 
+// An element may be longer than the stack.
+TEST(NativeTransformations, LongTextsAreShifted) {
+    constexpr std::int32_t length = 10 << 20;
+    const std::int32_t rank = 2;
+    const std::int32_t vector = 1;
+    const Extents extents = {2, 2};
+    std::vector<char> texts(4 * std::size_t{length}, 'a');
+    for (std::size_t i = 1; i < 4; ++i) texts[(i + 1) * length - 1] = static_cast<char>('a' + i);
+    const auto shifted = [&](std::int32_t shift_rank, const Ints& by) {
+        std::vector<char> to(texts.size());
+        tarn_array_result result = {to.data(), length, {2, 2}};
+        EOSHIFT_h(&rank, texts.data(), extents.data(), &length, &shift_rank, by.data(),
+                  extents.data(), &int_size, &vector, TARN_NO_ARGUMENT, nullptr, &vector, &vector,
+                  &result);
+        std::string ends;
+        for (std::size_t i = 0; i < 4; ++i) ends += {to[i * length], to[(i + 1) * length - 1]};
+        return ends;
+    };
+    EXPECT_EQ(shifted(0, {1}), "ab  ad  ");
+    EXPECT_EQ(shifted(1, {1, -1}), "ab    ac");
+}
+
 TEST(NativeTransformations, LargeResultsMeetEveryPage) {
     const Extents extents = {300, 400};
     Ints matrix(120000);
@@ -372,6 +405,33 @@ TEST(NativeTransformations, LargeResultsMeetEveryPage) {
         const int column = i / 400;
         EXPECT_EQ(turned[static_cast<std::size_t>(i)], column + 300 * row);
     }
+}
+
+TEST(NativeDescriptors, ArePrinted) {
+    struct {
+        std::uint64_t base;
+        std::int32_t words[10];
+    } const descriptor = {0x7FFF12345678, {1, 2, -3, 4, 5, -6, 7, 8, 9, 10}};
+    std::int32_t rank = 2;
+    testing::internal::CaptureStdout();
+    DUMP_ARRAY1_h(&descriptor, &rank);
+    DUMP_ARRAY3_h(&descriptor, &rank);
+    rank = 1;
+    DUMP_ARRAY2_h(&descriptor, &rank);
+    EXPECT_EQ(
+        testing::internal::GetCapturedStdout(),
+        "**** Rank 2 POINTER Array @ 00007fff12345678\n"
+        "     Start:       1\n     Size:        2\n     Stride:      -3\n"
+        "     SectionSize: 4\n     Offset:      5\n"
+        "     Start:       -6\n     Size:        7\n     Stride:      8\n"
+        "     SectionSize: 9\n     Offset:      10\n"
+        "**** Rank 2 \"Normal\" Array @ 00007fff12345678\n"
+        "     Start:       1\n     Size:        2\n     Start:       -3\n     Size:        4\n"
+        "**** Rank 1 ALLOCATABLE Array @ 00007fff12345678\n"
+        "     Start:       1\n     Size:        2\n     SectionSize: -3\n");
+    rank = 8;
+    EXPECT_EXIT(DUMP_ARRAY1_h(&descriptor, &rank), testing::ExitedWithCode(1),
+                "wrong number of dimensions");
 }
 
 TEST(NativeResults, BadDescriptorsFail) {

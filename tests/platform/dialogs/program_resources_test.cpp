@@ -77,7 +77,9 @@ TEST(ResourceScript, IncludesOtherFilesButNotItselfForEver) {
         std::filesystem::temp_directory_path() / ("resources" + std::to_string(getpid()));
     std::filesystem::create_directory(folder);
     const std::string script = "#include \"own.h\"\nGO BITMAP go.bmp\n";
-    std::ofstream(folder + "/own.h") << "#include \"own.h\"\n#define GO 12\n";
+    std::string own;
+    for (int i = 0; i < 100; ++i) own += "#include \"own.h\"\n";
+    std::ofstream(folder + "/own.h") << own << "#define GO 12\n";
     EXPECT_EQ(shape(read_resource_script(script, folder + "/")),
               "bitmap 12 " + folder + "/go.bmp;");
     std::filesystem::remove_all(folder);

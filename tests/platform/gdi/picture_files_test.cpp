@@ -39,7 +39,7 @@ Bytes encoded(const BitmapFile& file) {
         put(header, file.bits, 2);
         put(header, file.compression, 4);
         for (int i = 0; i < 3; ++i) put(header, 0, 4);
-        const bool palette = file.bits <= 8;
+        const bool palette = file.compression != 3;
         put(header, palette ? static_cast<std::uint32_t>(file.extra.size()) : 0, 4);
         put(header, 0, 4);
         for (const std::uint32_t entry : file.extra) put(header, entry, 4);
@@ -78,6 +78,7 @@ const std::vector<std::pair<const char*, BitmapFile>>& sound_files() {
         {"rgb\n", {3, 1, 16, 0, {}, {0x00, 0x7C, 0xE0, 0x03, 0x1F, 0x00, 0, 0}}},
         {"rgb\n", {3, 1, 16, 3, {0xF800, 0x7E0, 0x1F}, {0x00, 0xF8, 0xE0, 0x07, 0x1F, 0x00, 0, 0}}},
         {"rg\n", {2, 1, 24, 0, {}, {0, 0, 255, 0, 255, 0, 0, 0}}},
+        {"rg\n", {2, 1, 24, 0, {0x123456, 0x654321}, {0, 0, 255, 0, 255, 0, 0, 0}}},
         {"b.\n", {2, 1, 32, 0, {}, {255, 0, 0, 0, 255, 255, 255, 0}}},
         {"rb\n", {2, 1, 32, 3, {0xFF, 0xFF00, 0xFF0000}, {255, 0, 0, 0, 0, 0, 255, 0}}},
         // Runs, a literal stretch with its padding, a jump, and what was skipped stays black.

@@ -230,7 +230,7 @@ TEST_F(PlayerTest, MakesPointerEventsAndMenuCommands) {
         menu "File" "Open..."
         resize 500 300
         move 30 50
-        wait 20ms
+        wait 300ms             # a manager takes its time to answer
         wait idle
         close
     )",

@@ -1,7 +1,10 @@
 // Update regions, clips, and when things are painted and presented.
+#include <chrono>
+
 #include "platform/gdi/theme.h"
 #include "platform/user/desk.h"
 #include "platform/user/region.h"
+#include "platform/user/window.h"
 
 namespace tarn::platform {
 namespace {
@@ -294,6 +297,25 @@ TEST_F(Painting, RegionsAddUp) {
         EXPECT_TRUE(few.touches({i * 37 % 500, i * 91 % 700, i * 37 % 500 + 3, i * 91 % 700 + 3}));
     for (std::size_t i = 0; i < few.rects().size(); ++i)
         for (std::size_t j = 0; j < i; ++j) EXPECT_FALSE(overlap(few.rects()[i], few.rects()[j]));
+}
+
+// A program that computes sees every change, a flood not more often than it can look.
+TEST_F(Painting, WhatABurstChangesIsShownAtOnce) {
+    paint_by_id();
+    const HWND w = top(WS_POPUP, HWND{}, {0, 0, 100, 100});
+    settle();
+    painted().clear();
+    const auto begin = std::chrono::steady_clock::now();
+    for (std::size_t i = 1; i <= 3000; ++i) {
+        InvalidateRect(w, nullptr, false);
+        paint_now();
+        if (i > 20) continue;
+        EXPECT_EQ(painted().size(), i);
+        EXPECT_FALSE(anything_to_present());
+    }
+    const auto end = std::chrono::steady_clock::now();
+    const std::chrono::duration<double, std::milli> taken = end - begin;
+    EXPECT_LE(painted().size(), 101 + static_cast<std::size_t>(taken.count() / 2));
 }
 
 }  // namespace

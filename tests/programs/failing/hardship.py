@@ -74,6 +74,20 @@ with tempfile.TemporaryDirectory() as folder:
         check(ended.returncode == SEGV and TOUCH in shown, f"{name:.9}: {ended.returncode}\n{shown}")
         check("The report could not be written to" in shown, f"{name:.9}: no complaint\n{shown}")
 
+    # A file at the limit of its length: other files still get what was written to them, and a
+    # report that goes to a file of that kind itself is no second fault.
+    pathlib.Path("long.f90").write_text(
+        "print *, 'printed'\nopen(10, file='short')\nwrite(10, *) 'kept'\nopen(11, file='long')\n"
+        "do i = 1, 100000\nwrite(11, *) i\nend do\nend\n")
+    subprocess.run([build / "bin/tarnfc", "long.f90", "-o", "long-program"], check=True)
+    for blocks, kept in (("8", " kept\n"), ("0", "")):
+        pathlib.Path("short").unlink(missing_ok=True)
+        limited = f"ulimit -f {blocks}; ./long-program 2> said | cat; exit ${{PIPESTATUS[0]}}"
+        ended = run("bash", "-c", limited)
+        check(ended.returncode == 128 + 25, f"limit {blocks}: status {ended.returncode}")
+        check(ended.stdout == b" printed\n", f"limit {blocks}: {ended.stdout}")
+        check(pathlib.Path("short").read_text() == kept, f"limit {blocks}: a file was lost")
+
     # Names that need care: in the files of JSON and in the report itself.
     odd = 'od"d \\ na\tme ü.c'
     pathlib.Path(odd).write_text(source.replace("touch", "gr\u00f6\u00dfe"))

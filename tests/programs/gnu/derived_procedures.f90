@@ -5,8 +5,8 @@ module items
     integer, parameter :: plain = 0, in_list = 1, texts = 2, two_lists = 3, two_records = 4, &
                           tabbed = 5, stays = 6, signed = 7, several = 8, nothing = 9, &
                           empty_list = 10, mixed = 11, comma = 12, delimited = 13, rounded = 14, &
-                          inner_format = 15, inner_list = 16, dollar = 17, flushed = 18, &
-                          fails = 19, at_end = 20, at_record_end = 21, no_text = 22
+                          inner_format = 15, inner_list = 16, dollar = 17, spaced = 18, &
+                          flushed = 19, fails = 20, at_end = 21, at_record_end = 22, no_text = 23
     type base
         integer :: value = 3
         integer :: how = plain
@@ -59,6 +59,7 @@ contains
         case (inner_format); inner%value = dtv%value + 1; write (unit, '("{",DT"in",I2,"}")') inner, 5
         case (inner_list); inner%value = dtv%value + 1; write (unit, *) 1, inner, 'x'
         case (dollar); write (unit, '(A,$)') 'dollar'
+        case (spaced); write (unit, '(2(I3,1X))') dtv%value, 5
         case (flushed); write (unit, '(A)') 'a'; flush (unit); write (unit, '(A)') 'b'
         case (fails); iostat = 77; iomsg = 'what the procedure says'
         case (at_end); iostat = -1

@@ -5,11 +5,13 @@
 ! run: $PROGRAM format
 ! run: $PROGRAM record > out.txt
 ! run: $PROGRAM internal | cat
+! run: $PROGRAM stat
 ! status: any
 program failures
     implicit none
     character(20) :: what, text
     integer :: n
+    integer, allocatable :: values(:)
     call get_command_argument(1, what)
     open (10, file='before.txt')
     write (10, '(A)') 'written before'
@@ -32,6 +34,9 @@ program failures
         read (11, rec=5) n
     case ('internal')
         write (text(1:3), '(I5)') 12345
+    case ('stat')
+        allocate (values(12))
+        n = stat('.', values)
     end select
     print *, 'not reached'
 end program

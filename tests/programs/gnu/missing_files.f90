@@ -13,6 +13,8 @@ program missing_files
     print *, ios
     open (10, file='not there', action='read', iostat=ios)
     print *, ios
+    open (10, file='/sys/not there', iostat=ios) ! nobody may make a file there
+    print *, ios
     open (10, file='.', iostat=ios)
     print *, ios
     open (10, file='..', action='write', iostat=ios)

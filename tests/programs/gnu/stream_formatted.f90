@@ -6,6 +6,7 @@ program stream_formatted
     character(12) :: text
     character :: c
     real(8) :: x
+    logical :: flag
     open (10, file='stream.txt', access='stream', form='formatted')
     do i = 1, 4
         inquire (10, pos=where(i))
@@ -88,4 +89,30 @@ program stream_formatted
     print *, p
     write (12) 'tail'
     close (12)
+
+    ! Flags are read up to the end, and INQUIRE knows that this is it.
+    open (13, file='flags.txt', access='stream', form='formatted')
+    write (13, '(L3)') .true., .false., .true.
+    rewind (13)
+    do i = 1, 4
+        read (13, '(L3)', iostat=ios) flag
+        inquire (13, position=text)
+        print *, ios, text
+    end do
+    rewind (13)
+    read (13, '(L3)')
+    write (13, '(L3)') .false.
+    inquire (13, position=text)
+    print *, text
+    do i = 1, 2
+        backspace (13)
+        inquire (13, position=text)
+        print *, text
+    end do
+    close (13, status='delete')
+    open (14, file='empty.txt')
+    read (14, '(A)', iostat=ios) text
+    inquire (14, position=text)
+    print *, ios, text
+    close (14, status='delete')
 end program

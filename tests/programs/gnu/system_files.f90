@@ -9,6 +9,7 @@ program system_files
     integer :: result, values(13), old
     character(300) :: long
     character(3) :: short
+    call before_all()
     open (10, file='f.txt')
     write (10, '(A)') 'content'
     close (10)
@@ -17,10 +18,16 @@ program system_files
     call modes_as_texts()
     call folders()
     call masks()
+    call odd_names()
 contains
     subroutine tell(what)
         character(*), intent(in) :: what
         print '(A,1X,I0)', what, result
+    end subroutine
+    ! The first statement on a unit brings up all, and leaves the last error alone.
+    subroutine before_all()
+        call link('nothing', 'at all')
+        print *, ierrno()
     end subroutine
     subroutine linking()
         result = rename('f.txt', 'g.txt '); call tell('rename')
@@ -86,6 +93,7 @@ contains
         call chmod('m.txt', '600 ', result); call tell('chmod')
         call chmod('nothing', '644', result)
         print *, result == 0
+        result = chmod('nothing', 'u+x'); call tell('chmod')
         call execute_command_line('mkdir folder')
         do i = 1, size(texts)
             result = chmod('folder', '755 ')
@@ -114,5 +122,22 @@ contains
         call umask(18)
         old = 18
         print *, umask(old)
+    end subroutine
+    ! White space other than blanks belongs to a name; a zero byte ends it.
+    subroutine odd_names()
+        character(1), parameter :: tab = achar(9), zero = achar(0)
+        integer :: i
+        character(4), parameter :: names(3) = ['x'//tab//'  ', 'x'//achar(10)//'  ', 'x   ']
+        do i = 1, 3
+            open (10, file=names(i))
+            close (10)
+        end do
+        result = stat('x'//tab, values); call tell('stat')
+        result = rename('x'//tab, 'y'//tab//zero//'rest'); call tell('rename')
+        result = unlink('x'//achar(10)//' '); call tell('unlink')
+        result = chdir('.'//tab); call tell('chdir')
+        result = access('x'//zero//'/y', 'r'); call tell('access')
+        call execute_command_line('echo first'//zero//'; echo second')
+        call getcwd(long(1:0), result); call tell('getcwd')
     end subroutine
 end program

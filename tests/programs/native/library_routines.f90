@@ -36,6 +36,8 @@ program library_routines
   write (*, '(4i5)') w, d, m, y
   call seconds_since_1900@(s, 5, 4, 3, 2, 1, 1900)
   write (*, '(f10.1,2i4)') s, len(date@()), len(time@())
+  call seconds_since_1900@(s, 86400, -1440, 0, 40000, 1, 1900)
+  write (*, '(f14.1)') s
   call dclock@(s)
   write (*, '(l2)') s >= 0 .and. s < 60
 end program

@@ -34,6 +34,11 @@ program bytes
         if (ios /= 0) exit
         print *, text
     end do
+    open (11, file='/dev/ptmx', iostat=ios)
+    do i = 8, 10
+        call ttynam(11, text(:i))
+        print *, ios, isatty(11), '['//text(:i)//']'
+    end do
     ios = fputc(6, 'Q')
     ios = fput('R')
     print *, 'behind'

@@ -8,6 +8,7 @@ import os
 import pathlib
 import re
 import shutil
+import struct
 import subprocess
 import sys
 import tempfile
@@ -120,6 +121,53 @@ def lose_the_server(build, work):
         sys.exit(f"without its server: {program.returncode}, {shown!r}, {kept!r}, {said!r}")
 
 
+BUSY = """
+program busy
+  use tarn
+  integer :: i, ctrl
+  real(8) :: value = 1d0
+  i = winio@('%ca[Busy form]%`20rf%lw', value, ctrl)
+  call open_to_window@(31, create_window@('Busy text', 20, 500, 400, 200))
+  value = 88888888d0
+  call window_update@(value)
+  call window_update@(value)
+  write (31, '(a)') '8888'
+  write (31, '(a)') '8888'
+  write (31, '(a)', advance='no') '88888888'
+  call sleep(60)
+end program
+"""
+
+
+def dark_columns(desktop, window):
+    """How many columns of a window's inside have something dark, as letters are."""
+    dump = subprocess.run(["xwd", "-silent", "-id", window], env=desktop.environment, check=True,
+                          capture_output=True).stdout
+    header = struct.unpack(">25I", dump[:100])
+    width, height, row, colours = header[4], header[5], header[12], header[19]
+    pixels = dump[header[0] + 12 * colours:]
+    return sum(any(max(pixels[y * row + 4 * x:y * row + 4 * x + 3]) < 100
+                   for y in range(10, height - 20)) for x in range(10, width - 20))
+
+
+def show_before_computing(build, work, desktop):
+    """What a program shows is seen while it computes and looks at no messages."""
+    (pathlib.Path(work) / "busy.f90").write_text(BUSY)
+    subprocess.run([build / "bin" / "tarnfc", "busy.f90", "-o", "busy"], cwd=work, check=True)
+    program = subprocess.Popen(["./busy"], cwd=work, env=dict(desktop.environment,
+                                                              TARN_DISPLAY="x11"))
+    try:
+        windows = desktop.find("Busy form"), desktop.find("Busy text")
+        time.sleep(1)
+        shown = [dark_columns(desktop, window) for window in windows]
+    finally:
+        program.terminate()
+        program.wait()
+    # Eight digits, of which each has at least four dark columns, and less than the whole window.
+    if not all(32 <= columns < 120 for columns in shown):
+        sys.exit(f"windows of a program that computes show {shown} columns of text")
+
+
 def main():
     build, folder = pathlib.Path(sys.argv[1]).resolve(), pathlib.Path(sys.argv[2]).resolve()
     manager = sys.argv[3] if len(sys.argv) > 3 else None
@@ -147,6 +195,8 @@ def main():
             time.sleep(0.5)
             fill_in(desktop, window, places(tree))
             shown = program.communicate(timeout=30)[0] + f"status {program.returncode}\n"
+            if shutil.which("xwd"):
+                show_before_computing(build, work, desktop)
         finally:
             for process in reversed(started):
                 if process.poll() is None:

@@ -180,7 +180,7 @@ TEST(Streams, ThePublishedGenerator) {
 template <class Real>
 void arrays_equal_numbers(Xoshiro& one) {
     for (const std::size_t count :
-         {1, 7, 8, 100, 255, 1000, 2000, 4095, 4096, 4097, 6000, 32768, 70001, 5, 60}) {
+         {1, 7, 8, 100, 255, 1000, 2000, 4097, 8191, 8192, 8193, 6000, 32768, 70001, 5, 60}) {
         std::vector<Real> single(count);
         std::vector<Real> array(count);
         for (Real& value : single) value = random_real<Real>(one);

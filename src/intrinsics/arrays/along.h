@@ -150,16 +150,33 @@ struct Block {
     }
 };
 
+// Runs in step, of which each makes a result.
+struct Rows {
+    Run first;
+    Index step;  // from one run to the next
+    Index mask_step;
+    std::byte* to;
+    Index to_step;
+    Index n;
+};
+
+// Calls work(run, to) for each row.
+template <class Work>
+[[gnu::always_inline]] inline void for_each_row(const Rows& rows, Work&& work) {
+    Run run = rows.first;
+    std::byte* to = rows.to;
+    for (Index left = rows.n; left > 0; --left) {
+        work(run, to);
+        run.move(rows.step, rows.mask_step);
+        to += rows.to_step;
+    }
+}
+
 // What a reduction does with runs. It has no state of its own but its parameters.
 class Reduction {
   public:
-    virtual void one(const Run& run, std::byte* to) const = 0;
-
-    // n runs, each `step` from the one before. False: they are to be taken one by one.
-    virtual bool several(const Run& /*run*/, Index /*step*/, std::byte* /*to*/, Index /*to_step*/,
-                         Index /*n*/) const {
-        return false;
-    }
+    // Rows that are taken one after the other, or a few together.
+    virtual void rows(const Rows& rows) const = 0;
 
     // Results side by side: a start, a step for element k of each run, an end. `flags` may be null.
     // `run` is the first result's, the others lie `step` and `mask_step` apart.
@@ -191,6 +208,13 @@ void for_runs(const View& array, const Mask* mask, Work&& work) {
              return work(run);
          });
 }
+
+// All rows, in the way that suits them.
+void reduce_rows(const Reduction& reduction, const Rows& rows);
+
+// The same of rows that start where the loops lead: the strides of a loop are those of the array,
+// the result and the mask. Of `rows` the first run and where its result goes are known.
+void reduce_loops(const Reduction& reduction, Rows& rows, Loops<3>& loops);
 
 // `result` has the array's dimensions without `dim`; `mask` may be null.
 void reduce_along(const Reduction& reduction, const View& array, const Mask* mask, int dim,

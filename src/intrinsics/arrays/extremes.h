@@ -32,7 +32,7 @@ constexpr T value_of_nothing() {
 // stands if nothing beats it.
 template <class T, bool largest, bool finite>
 struct Extreme final : Reduction {
-    void one(const Run& run, std::byte* to) const override;
+    void rows(const Rows& rows) const override;
     void begin(Block& block, Index n) const override;
     void step(Block& block, const std::byte* x, const Flag* flags, Index n, Index k) const override;
     void end(Block& block, Index n, Run run, Index step, Index mask_step, std::byte* to,
@@ -49,7 +49,7 @@ struct ExtremePlace final : Reduction {
     ExtremePlace(bool with_back, Index size, T worst = worst_value<T, largest>())
         : back(with_back), result_size(size), start(worst) {}
 
-    void one(const Run& run, std::byte* to) const override;
+    void rows(const Rows& rows) const override;
     void begin(Block& block, Index n) const override;
     void step(Block& block, const std::byte* x, const Flag* flags, Index n, Index k) const override;
     void end(Block& block, Index n, Run run, Index step, Index mask_step, std::byte* to,

@@ -4,6 +4,7 @@
 #include "intrinsics/arrays/dispatch.h"
 #include "intrinsics/arrays/extremes.h"
 #include "intrinsics/arrays/match.h"
+#include "intrinsics/arrays/rows.h"
 
 namespace tarn::arrays {
 
@@ -86,7 +87,7 @@ T best_apart(T best, const std::byte* at, Index stride, Index n) {
 template <class T, bool largest>
 T best_of(T best, const std::byte* at, Index stride, Index n) {
     if constexpr (vectors_help<T>) {
-        if (stride == static_cast<Index>(sizeof(T)) && n >= BestOf<T, largest>::lanes)
+        if (stride == static_cast<Index>(sizeof(T)) && n >= few_in_row)
             return dispatch<BestOf<T, largest>>(best, reinterpret_cast<const T*>(at), n);
     }
     return best_apart<T, largest>(best, at, stride, n);
@@ -146,7 +147,7 @@ struct Values {
     T best[block_width];
 
     // The value of a run whose best is `best`.
-    static T settle(T best, const Run& run) {
+    [[gnu::noinline]] static T settle(T best, const Run& run) {
         if constexpr (is_integer<T>) {
             return best;
         } else {
@@ -170,10 +171,33 @@ struct Values {
     }
 };
 
+// A row of few elements. Of zeros the one that is met first stays.
 template <class T, bool largest, bool finite>
-void Extreme<T, largest, finite>::one(const Run& run, std::byte* to) const {
+struct ExtremeRule {
     using V = Values<T, largest, finite>;
-    *reinterpret_cast<T*>(to) = V::settle(best_of<T, largest>(V::start, run), run);
+    using Element = T;
+    using State = T;
+    static constexpr bool hides = true;
+    static T hidden() { return V::start; }
+    static State start() { return V::start; }
+    [[gnu::always_inline]] static void take(State& best, T x, Index) {
+        best = beats<largest>(x, best) ? x : best;
+    }
+    template <class MakeRun>
+    static void store(const State& best, MakeRun&& run, std::byte* to) {
+        *reinterpret_cast<T*>(to) = best;
+        if constexpr (!is_integer<T>)
+            if (best == V::start) *reinterpret_cast<T*>(to) = V::settle(best, run());
+    }
+};
+
+template <class T, bool largest, bool finite>
+void Extreme<T, largest, finite>::rows(const Rows& rows) const {
+    using V = Values<T, largest, finite>;
+    if (are_for_fours(rows)) return take_by_four(ExtremeRule<T, largest, finite>(), rows);
+    for_each_row(rows, [](const Run& run, std::byte* to) {
+        *reinterpret_cast<T*>(to) = V::settle(best_of<T, largest>(V::start, run), run);
+    });
 }
 template <class T, bool largest, bool finite>
 void Extreme<T, largest, finite>::begin(Block& block, Index n) const {
@@ -317,19 +341,50 @@ struct Places {
 };
 
 template <class T, bool largest>
-Index look_closely(const Run& run, T start, bool back) {
+[[gnu::noinline]] Index look_closely(const Run& run, T start, bool back) {
     BestPlace<T, largest> careful{start, back};
     careful.look(run, 0);
     return careful.found();
 }
 
+// A row of few elements, where the first of equal ones counts.
 template <class T, bool largest>
-void ExtremePlace<T, largest>::one(const Run& run, std::byte* to) const {
-    PlaceSearch<T, largest> quick(start, back);
-    quick.search(run);
-    store_integer(
-        to, result_size,
-        1 + (quick.decided() ? quick.found() : look_closely<T, largest>(run, start, back)));
+struct ExtremePlaceRule {
+    using Element = T;
+    struct State {
+        T best;
+        Index place;
+    };
+    T worst;
+    Index result_size;
+
+    static constexpr bool hides = true;
+    T hidden() const { return worst; }
+    State start() const { return {worst, -1}; }
+    [[gnu::always_inline]] void take(State& state, T x, Index k) const {
+        const bool better = beats<largest>(x, state.best);
+        state.best = better ? x : state.best;
+        state.place = better ? k : state.place;
+    }
+    template <class MakeRun>
+    void store(const State& state, MakeRun&& run, std::byte* to) const {
+        const Index place =
+            state.place >= 0 ? state.place : look_closely<T, largest>(run(), worst, false);
+        store_integer(to, result_size, 1 + place);
+    }
+};
+
+template <class T, bool largest>
+void ExtremePlace<T, largest>::rows(const Rows& rows) const {
+    if (!back && are_for_fours(rows))
+        return take_by_four(ExtremePlaceRule<T, largest>{start, result_size}, rows);
+    for_each_row(rows, [&](const Run& run, std::byte* to) {
+        PlaceSearch<T, largest> quick(start, back);
+        quick.search(run);
+        store_integer(
+            to, result_size,
+            1 + (quick.decided() ? quick.found() : look_closely<T, largest>(run, start, back)));
+    });
 }
 template <class T, bool largest>
 void ExtremePlace<T, largest>::begin(Block& block, Index n) const {
@@ -353,6 +408,18 @@ void ExtremePlace<T, largest>::end(Block& block, Index n, Run run, Index step, I
         store_integer(to + i * to_step, result_size, 1 + place);
         run.move(step, mask_step);
     }
+}
+
+// The search in one short run without gaps: `found` is the place, if there is one for sure.
+template <class T, bool largest>
+bool find_in_few(const View& array, T start, bool back, Index& found) {
+    const auto* const x = reinterpret_cast<const T*>(array.base);
+    const Index n = array.count();
+    const T best = best_of<T, largest>(start, array.base, sizeof(T), n);
+    if (best == start) return false;
+    found = back ? n - 1 : 0;
+    while (x[found] != best) found += back ? -1 : 1;
+    return true;
 }
 
 // The quick search where all elements count: `found` is the place, if there is one for sure.
@@ -398,10 +465,66 @@ bool find_extreme(const View& array, T start, bool back, Index& found) {
     return true;
 }
 
+// What has been found so far, one element after the other. Few elements are better than all before
+// them, so that this is a branch that is seldom taken.
+template <class T, bool largest>
+struct BestSoFar {
+    T best;
+    Index seen = 0;
+    Index place = -1;
+
+    template <bool masked>
+    [[gnu::noinline]] void look(const std::byte* x, Index stride, const std::byte* flag,
+                                Index flag_stride, Index n) {
+        T found = best;
+        for (Index i = 0; i < n; ++i, x += stride, flag += flag_stride) {
+            // A hidden NaN would raise an exception if it were compared.
+            if (masked && *flag == std::byte{0}) continue;
+            const T value = *reinterpret_cast<const T*>(x);
+            if (beats<largest>(value, found)) [[unlikely]] {
+                found = value;
+                place = seen + i;
+            }
+        }
+        best = found;
+        seen += n;
+    }
+};
+
+template <class T, bool largest, bool masked>
+Index find_among_few(const View& array, const View& mask, T start) {
+    BestSoFar<T, largest> search{start};
+    const Loops<2> loops = loops_over(array, mask);
+    walk(loops, {array.base, mask.base}, [&](const std::array<std::byte*, 2>& at, Index n) {
+        search.template look<masked>(at[0], loops.stride[0][0], at[1], loops.stride[0][1], n);
+    });
+    return search.place;
+}
+
+// The quick ways for few elements and short runs; -1: it takes another.
+template <class T, bool largest>
+Index extreme_among_few(const View& array, const Mask* mask, T start) {
+    constexpr Index near = 256;
+    if (!are_few(array) && (mask == nullptr || array.count() > near)) return -1;
+    if (mask == nullptr)
+        return array.count() <= near && !is_contiguous(array)
+                   ? find_among_few<T, largest, false>(array, array, start)
+                   : -1;
+    if (mask->truth != Truth::low_byte) return -1;
+    return find_among_few<T, largest, true>(array, mask->view, start);
+}
+
 template <class T, bool largest>
 Index place_of_extreme(const View& array, const Mask* mask, T start, bool back) {
+    if (!back) {
+        const Index place = extreme_among_few<T, largest>(array, mask, start);
+        if (place >= 0) return place;
+    }
     if (mask == nullptr) {
         Index found = 0;
+        if (array.rank > 0 && array.count() <= 4 * few_in_row && is_contiguous(array) &&
+            find_in_few<T, largest>(array, start, back, found))
+            return found;
         if (find_extreme<T, largest>(array, start, back, found)) return found;
     } else {
         PlaceSearch<T, largest> quick(start, back);

@@ -4,6 +4,7 @@
 #include "intrinsics/arrays/along.h"
 #include "intrinsics/arrays/dispatch.h"
 #include "intrinsics/arrays/match.h"
+#include "intrinsics/arrays/rows.h"
 
 namespace tarn::arrays {
 
@@ -59,6 +60,30 @@ Index first_match(Match match, const Run& run) {
     return -1;
 }
 
+// The same for each of some rows of few elements: calls store(place, to).
+template <bool masked, class Match, class Store>
+[[gnu::always_inline]] inline void first_of_few(Match match, const Rows& rows, Store&& store) {
+    using T = typename Match::Element;
+    const Index n = rows.first.n;
+    const Index stride = rows.first.stride;
+    const Index mask_stride = masked ? rows.first.mask_stride : 0;
+    const std::byte* at = rows.first.at;
+    const std::byte* mask = rows.first.mask;
+    std::byte* to = rows.to;
+    for (Index left = rows.n; left > 0; --left) {
+        const auto found = [&](Index i) {
+            return match(*reinterpret_cast<const T*>(at + i * stride)) &&
+                   (!masked || mask[i * mask_stride] != std::byte{0});
+        };
+        Index i = 0;
+        while (i < n && !found(i)) ++i;
+        store(i < n ? i : -1, to);
+        at += rows.step;
+        if constexpr (masked) mask += rows.mask_step;
+        to += rows.to_step;
+    }
+}
+
 // FINDLOC along a dimension. With BACK= the run is looked at from its end.
 template <class Match>
 struct MatchPlace final : Reduction {
@@ -73,16 +98,24 @@ struct MatchPlace final : Reduction {
     MatchPlace(Match wanted, bool with_back, Index size)
         : match(wanted), back(with_back), result_size(size) {}
 
-    void one(const Run& given, std::byte* to) const override {
-        Run run = given;
+    void rows(const Rows& given) const override {
+        Rows rows = given;
+        Run& run = rows.first;
         if (back && run.n > 0) {
             run.move((run.n - 1) * run.stride, (run.n - 1) * run.mask_stride);
             run.stride = -run.stride;
             run.mask_stride = -run.mask_stride;
         }
-        Index place = first_match(match, run);
-        if (place >= 0 && back) place = run.n - 1 - place;
-        store_integer(to, result_size, 1 + place);
+        const auto store = [&](Index place, std::byte* to) {
+            const Index found = back && place >= 0 ? run.n - 1 - place : place;
+            store_integer(to, result_size, 1 + found);
+        };
+        if (are_for_fours(rows)) {
+            if (run.mask != nullptr) return first_of_few<true>(match, rows, store);
+            return first_of_few<false>(match, rows, store);
+        }
+        for_each_row(rows,
+                     [&](const Run& row, std::byte* to) { store(first_match(match, row), to); });
     }
     void begin(Block& block, Index n) const override {
         std::fill_n(block.as<State>().place, n, -1);
@@ -107,10 +140,38 @@ struct MatchPlace final : Reduction {
     }
 };
 
+template <bool masked, class Match>
+[[gnu::noinline]] Index first_in_run(Match match, const std::byte* x, Index stride,
+                                     const std::byte* flag, Index flag_stride, Index n) {
+    using T = typename Match::Element;
+    for (Index i = 0; i < n; ++i, x += stride, flag += flag_stride)
+        if (match(*reinterpret_cast<const T*>(x)) && (!masked || *flag != std::byte{0})) return i;
+    return -1;
+}
+
+// The first match among few elements.
+template <bool masked, class Match>
+Index place_among_few(Match match, const View& array, const View& mask) {
+    const Loops<2> loops = loops_over(array, mask);
+    Index seen = 0;
+    Index found = -1;
+    walk(loops, {array.base, mask.base}, [&](const std::array<std::byte*, 2>& at, Index n) {
+        const Index* const step = loops.stride[0];
+        const Index place = first_in_run<masked>(match, at[0], step[0], at[1], step[1], n);
+        if (place >= 0) found = seen + place;
+        seen += n;
+        return place < 0;
+    });
+    return found;
+}
+
 // Where the first match of a whole array stands in array element order (the last with BACK=), from
 // 0; -1: nowhere.
 template <class Match>
 Index place_of_match(Match match, View array, const Mask* mask, bool back) {
+    if (!back && are_few(array) && (mask == nullptr || mask->truth == Truth::low_byte))
+        return mask == nullptr ? place_among_few<false>(match, array, array)
+                               : place_among_few<true>(match, array, mask->view);
     Mask turned;
     if (back) {
         array = reversed(array);

@@ -5,6 +5,7 @@
 #include "intrinsics/arrays/along.h"
 #include "intrinsics/arrays/dispatch.h"
 #include "intrinsics/arrays/elements.h"
+#include "intrinsics/arrays/rows.h"
 
 namespace tarn::arrays {
 
@@ -62,27 +63,21 @@ struct FoldRun {
     }
 };
 
-// Four runs at a time: their additions don't wait for one another.
+// How a row of few elements, or of such that lie apart, is folded.
 template <class Step, class T>
-struct FoldRuns {
-    static constexpr bool has_vectors = vectors_help<T>;
-    [[gnu::always_inline]] static inline void run(T* accumulated, const std::byte* at,
-                                                  Index run_step, Index stride, Index n) {
-        T a = accumulated[0];
-        T b = accumulated[1];
-        T c = accumulated[2];
-        T d = accumulated[3];
-        for (Index i = 0; i < n; ++i) {
-            const std::byte* const p = at + i * stride;
-            a = Step::join(a, *reinterpret_cast<const T*>(p));
-            b = Step::join(b, *reinterpret_cast<const T*>(p + run_step));
-            c = Step::join(c, *reinterpret_cast<const T*>(p + 2 * run_step));
-            d = Step::join(d, *reinterpret_cast<const T*>(p + 3 * run_step));
-        }
-        accumulated[0] = a;
-        accumulated[1] = b;
-        accumulated[2] = c;
-        accumulated[3] = d;
+struct FoldRule {
+    using Element = T;
+    using State = T;
+    // What isn't counted joins as something that changes nothing, if there is such a number.
+    static constexpr bool hides = !is_complex<T>;
+    static T hidden() { return start_of<Step, T>(); }
+    static State start() { return start_of<Step, T>(); }
+    [[gnu::always_inline]] static void take(State& state, T x, Index) {
+        state = Step::join(state, x);
+    }
+    template <class MakeRun>
+    static void store(const State& state, MakeRun&&, std::byte* to) {
+        *reinterpret_cast<T*>(to) = state;
     }
 };
 
@@ -115,57 +110,22 @@ struct Fold final : Reduction {
         Element accumulated[block_width];
     };
 
+    void rows(const Rows& rows) const override {
+        // Integers are added in any order, several of a row at once.
+        const bool together = rows.first.stride == sizeof(Element) && is_integer<Type>;
+        const bool fours = rows.first.mask == nullptr && !together;
+        if (fours || are_for_fours(rows)) return take_by_four(FoldRule<Step, Element>(), rows);
+        for_each_row(rows, [](const Run& run, std::byte* to) {
+            *reinterpret_cast<Element*>(to) = whole(run);
+        });
+    }
     static Element whole(const Run& run) {
         Element result = start_of<Step, Element>();
-        if (run.n <= few_counted || (run.mask == nullptr && run.stride != sizeof(Element))) {
-            for_each_element<Element>(run, [&](Element x, bool counts) {
-                if constexpr (is_complex<Element>) {
-                    if (counts) result = Step::join(result, x);
-                } else {
-                    // What isn't counted joins as something that changes nothing.
-                    constexpr Element neutral = start_of<Step, Element>();
-                    result = Step::join(result, counts ? x : neutral);
-                }
-            });
-            return result;
-        }
         for_counted<Element>(run, [&](const Element* x, Index n) {
             result = dispatch<FoldRun<Step, Element>>(result, x, n);
         });
         return result;
     }
-    void one(const Run& run, std::byte* to) const override {
-        *reinterpret_cast<Element*>(to) = whole(run);
-    }
-
-    // Integers are added in any order, several of a run at once.
-    bool several(const Run& run, Index step, std::byte* to, Index to_step, Index n) const override {
-        if constexpr (is_integer<Type>) {
-            return false;
-        } else {
-            fold_several(run, step, to, to_step, n);
-            return true;
-        }
-    }
-    static void fold_several(Run run, Index step, std::byte* to, Index to_step, Index n) {
-        Index i = 0;
-        for (; i + 4 <= n; i += 4) {
-            Element accumulated[4];
-            std::fill_n(accumulated, 4, start_of<Step, Element>());
-            FoldRuns<Step, Element>::run(accumulated, run.at, step, run.stride, run.n);
-            for (Element value : accumulated) {
-                *reinterpret_cast<Element*>(to) = value;
-                to += to_step;
-            }
-            run.at += 4 * step;
-        }
-        for (; i < n; ++i) {
-            *reinterpret_cast<Element*>(to) = whole(run);
-            run.at += step;
-            to += to_step;
-        }
-    }
-
     void begin(Block& block, Index n) const override {
         std::fill_n(block.as<State>().accumulated, n, start_of<Step, Element>());
     }
@@ -190,14 +150,24 @@ struct Norm final : Reduction {
     static void join(T& scale, T& sum, T x);
     static T root(T value);
 
-    void one(const Run& run, std::byte* to) const override {
-        T scale = 0;
-        T sum = 1;
-        for_counted<T>(run, [&](const T* x, Index n) {
-            for (Index i = 0; i < n; ++i) join(scale, sum, x[i]);
-        });
-        *reinterpret_cast<T*>(to) = scale * root(sum);
-    }
+    struct Rule {
+        using Element = T;
+        struct State {
+            T scale;
+            T sum;
+        };
+        static constexpr bool hides = true;
+        static T hidden() { return 0; }
+        static State start() { return {0, 1}; }
+        [[gnu::always_inline]] static void take(State& state, T x, Index) {
+            join(state.scale, state.sum, x);
+        }
+        template <class MakeRun>
+        static void store(const State& state, MakeRun&&, std::byte* to) {
+            *reinterpret_cast<T*>(to) = state.scale * root(state.sum);
+        }
+    };
+    void rows(const Rows& rows) const override { take_by_four(Rule(), rows); }
     void begin(Block& block, Index n) const override {
         std::fill_n(block.as<State>().scale, n, T(0));
         std::fill_n(block.as<State>().sum, n, T(1));

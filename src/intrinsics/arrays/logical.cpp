@@ -6,6 +6,7 @@
 
 #include "intrinsics/arrays/dispatch.h"
 #include "intrinsics/arrays/loops.h"
+#include "intrinsics/arrays/rows.h"
 #include "intrinsics/arrays/runs.h"
 
 namespace tarn::arrays {
@@ -64,11 +65,47 @@ void store_results(std::byte* to, Index step, Index size, Index n, Value&& value
     return first == row.n || is_everywhere_from(first, wanted, row);
 }
 
+// How a row of few elements is counted, by their low bytes.
+struct CountRule {
+    using Element = std::uint8_t;
+    using State = Index;
+    static constexpr bool hides = true;
+    Index bits;
+    Index result_size;
+
+    static Element hidden() { return 0; }
+    static State start() { return 0; }
+    [[gnu::always_inline]] static void take(State& count, Element x, Index) {
+        count += static_cast<Index>(x != 0);
+    }
+    template <class MakeRun>
+    void store(State count, MakeRun&&, std::byte* to) const {
+        store_integer(to, result_size, count & bits);
+    }
+};
+
+// ALL (`wanted`) or ANY of rows of few elements, by their low bytes.
+template <bool wanted, class Integer>
+void settle_few(const Row& row, Index step, Index n, std::byte* to, Index to_step) {
+    const std::byte* at = row.at;
+    const Index stride = row.stride;
+    const Index length = row.n;
+    for (; n > 0; --n, at += step, to += to_step) {
+        Index i = 0;
+        while (i < length && (at[i * stride] != std::byte{0}) == wanted) ++i;
+        *reinterpret_cast<Integer*>(to) = static_cast<Integer>((i == length) == wanted);
+    }
+}
+
 // The results of n rows, `step` bytes from one to the next.
 void reduce_rows(LogicalReduction what, Row row, Index step, Index n, std::byte* to, Index to_step,
                  Index to_size) {
     if (what == LogicalReduction::any || what == LogicalReduction::all) {
         const bool wanted = what == LogicalReduction::all;
+        constexpr Index few = 64;
+        if (row.truth == Truth::low_byte && row.n <= few && to_size == sizeof(std::int32_t))
+            return wanted ? settle_few<true, std::int32_t>(row, step, n, to, to_step)
+                          : settle_few<false, std::int32_t>(row, step, n, to, to_step);
         store_results(to, to_step, to_size, n, [&](Index) {
             const bool everywhere = is_everywhere(wanted, row);
             row.at += step;
@@ -77,6 +114,10 @@ void reduce_rows(LogicalReduction what, Row row, Index step, Index n, std::byte*
         return;
     }
     const Index bits = what == LogicalReduction::parity ? 1 : ~Index{0};
+    if (row.truth == Truth::low_byte && (row.n <= few_in_row || row.stride != row.size)) {
+        const Rows rows{Run(row.at, row.stride, row.n, row.size), step, 0, to, to_step, n};
+        return take_by_four(CountRule{bits, to_size}, rows);
+    }
     while (n > 0) {
         constexpr Index together = 64;
         Index counts[together];
@@ -90,8 +131,6 @@ void reduce_rows(LogicalReduction what, Row row, Index step, Index n, std::byte*
 }
 
 // ---- Rows side by side ----
-
-constexpr Index block_width = 512;
 
 template <class Word>
 Word word_at(const std::byte* words, Index i) {
@@ -230,40 +269,30 @@ void reduce_block(LogicalReduction what, const Row& first, Index step, Index n, 
 
 }  // namespace
 
-void reduce_logical(LogicalReduction what, const Mask& array, int dim, const View& result) {
-    const Dimension along = array.view.dims[dim];
-    const Index size = array.view.element;
-    // The results of n rows, which lie `step` apart.
-    const auto reduce = [&](std::byte* from, Index step, Index n, std::byte* to, Index to_step) {
-        const Row row{from, along.stride, along.extent, size, array.truth};
-        // With few elements side by side costs more than it gains.
-        const bool across = n * along.extent > 256 && n > 1 &&
-                            std::abs(step) < std::abs(along.stride) && along.extent > 1 &&
-                            along.extent < INT32_MAX;
-        if (!across) return reduce_rows(what, row, step, n, to, to_step, result.element);
-        const bool words = step == size || step == 2 * size;
-        auto* const block = !words      ? reduce_block<Flag>
-                            : step == 2 ? reduce_block<std::uint16_t>
-                            : step == 4 ? reduce_block<std::uint32_t>
-                            : step == 8 ? reduce_block<std::uint64_t>
-                                        : reduce_block<Flag>;
-        for (Index first = 0; first < n; first += block_width) {
-            Row next = row;
-            next.at += first * step;
-            block(what, next, step, std::min(block_width, n - first), to + first * to_step, to_step,
-                  result.element);
-        }
-    };
-    if (array.view.rank == 2) {
-        const Dimension& other = array.view.dims[1 - dim];
-        return reduce(array.view.base, other.stride, other.extent, result.base,
-                      result.dims[0].stride);
+void LogicalRows::rows(const Rows& rows) const {
+    const Run& run = rows.first;
+    const Row row{run.at, run.stride, run.n, run.element, truth_};
+    const Index step = rows.step;
+    // With few elements side by side costs more than it gains.
+    const bool words = step == row.size || step == 2 * row.size;
+    const bool across = rows.n * run.n > (words ? 256 : 8192) && rows.n >= 64 &&
+                        std::abs(step) < std::abs(run.stride) && run.n > 1 && run.n < INT32_MAX;
+    if (!across) return reduce_rows(what_, row, step, rows.n, rows.to, rows.to_step, result_size_);
+    auto* const block = !words      ? reduce_block<Flag>
+                        : step == 2 ? reduce_block<std::uint16_t>
+                        : step == 4 ? reduce_block<std::uint32_t>
+                        : step == 8 ? reduce_block<std::uint64_t>
+                                    : reduce_block<Flag>;
+    for (Index first = 0; first < rows.n; first += block_width) {
+        Row next = row;
+        next.at += first * step;
+        block(what_, next, step, std::min(block_width, rows.n - first),
+              rows.to + first * rows.to_step, rows.to_step, result_size_);
     }
-    Loops<2> loops = loops_over(without(array.view, dim), result);
-    loops.nearest_first(0);
-    walk(loops, {array.view.base, result.base}, [&](std::array<std::byte*, 2> at, Index n) {
-        reduce(at[0], loops.stride[0][0], n, at[1], loops.stride[0][1]);
-    });
+}
+
+void reduce_logical(LogicalReduction what, const Mask& array, int dim, const View& result) {
+    reduce_along(LogicalRows(what, array.truth, result.element), array.view, nullptr, dim, result);
 }
 
 }  // namespace tarn::arrays

@@ -185,12 +185,14 @@ template <class T>
 struct PlainNorm final : Reduction {
     using State = std::array<T, block_width>;
 
-    void one(const Run& run, std::byte* to) const override {
-        T sum = 0;
-        for_counted<T>(run, [&](const T* x, Index n) {
-            for (Index i = 0; i < n; ++i) sum += x[i] * x[i];
+    void rows(const Rows& rows) const override {
+        for_each_row(rows, [](const Run& run, std::byte* to) {
+            T sum = 0;
+            for_counted<T>(run, [&](const T* x, Index n) {
+                for (Index i = 0; i < n; ++i) sum += x[i] * x[i];
+            });
+            *reinterpret_cast<T*>(to) = intrinsics::numbers::root_of_squares(sum);
         });
-        *reinterpret_cast<T*>(to) = intrinsics::numbers::root_of_squares(sum);
     }
     void begin(Block& block, Index n) const override {
         std::fill_n(block.as<State>().begin(), n, T(0));

@@ -1,8 +1,6 @@
 #include "intrinsics/arrays/runs.h"
 
 #include <algorithm>
-#include <array>
-#include <bit>
 #include <cstring>
 #include <immintrin.h>
 
@@ -11,11 +9,6 @@
 
 namespace tarn::arrays {
 namespace {
-
-template <Index size>
-[[gnu::always_inline]] inline void move(std::byte* to, const std::byte* from) {
-    __builtin_memcpy(to, from, size);
-}
 
 // ---- Flags ----
 
@@ -151,87 +144,6 @@ bool copy_every_second(std::byte* to, const std::byte* from, Index n, Index elem
     return true;
 }
 
-// ---- Compaction ----
-
-template <Index size>
-Index compact_plainly(std::byte* to, Index room, const std::byte* from, const Flag* flags,
-                      Index n) {
-    // Each element is stored and only kept if its flag says so; the store behind the last place
-    // would be one too many.
-    Index kept = 0;
-    Index i = 0;
-    for (; i < n && kept < room; ++i) {
-        move<size>(to + kept * size, from + i * size);
-        kept += flags[i];
-    }
-    return kept;
-}
-
-// The same from elements and mask elements at any strides; there is room for all n.
-template <Index size>
-Index compact_apart_of(std::byte* to, const std::byte* from, Index stride, const std::byte* mask,
-                       Index mask_stride, Index n) {
-    Index kept = 0;
-    for (Index i = 0; i < n; ++i) {
-        move<size>(to + kept * size, from + i * stride);
-        kept += mask[i * mask_stride] != std::byte{0};
-    }
-    return kept;
-}
-
-// For each set of 8 flags the places of those that are set, as an index for a permutation.
-constexpr std::array<std::array<std::uint8_t, 8>, 256> make_places() {
-    std::array<std::array<std::uint8_t, 8>, 256> table{};
-    for (unsigned bits = 0; bits < 256; ++bits) {
-        unsigned at = 0;
-        for (std::uint8_t place = 0; place < 8; ++place)
-            if ((bits >> place & 1) != 0) table[bits][at++] = place;
-    }
-    return table;
-}
-constexpr std::array<std::array<std::uint8_t, 8>, 256> places = make_places();
-
-// The same for 4 elements of 8 bytes, as pairs of words.
-constexpr std::array<std::array<std::uint8_t, 8>, 16> make_pair_places() {
-    std::array<std::array<std::uint8_t, 8>, 16> table{};
-    for (unsigned bits = 0; bits < 16; ++bits) {
-        unsigned at = 0;
-        for (std::uint8_t place = 0; place < 4; ++place) {
-            if ((bits >> place & 1) == 0) continue;
-            table[bits][at++] = static_cast<std::uint8_t>(2 * place);
-            table[bits][at++] = static_cast<std::uint8_t>(2 * place + 1);
-        }
-    }
-    return table;
-}
-constexpr std::array<std::array<std::uint8_t, 8>, 16> pair_places = make_pair_places();
-
-// 32 bytes at a time. What stands behind the kept elements of a group is overwritten by the next.
-template <Index size>
-[[gnu::target("avx2,popcnt")]] Index compact_avx2(std::byte* to, Index room, const std::byte* from,
-                                                  const Flag* flags, Index n) {
-    constexpr Index lanes = 32 / size;
-    Index kept = 0;
-    Index i = 0;
-    for (; i + 8 <= n && kept + 8 <= room; i += 8) {
-        const __m128i set = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(flags + i));
-        const auto bits = static_cast<unsigned>(_mm_movemask_epi8(_mm_slli_epi16(set, 7)) & 0xFF);
-        for (Index half = 0; half < 8; half += lanes) {
-            const unsigned group = bits >> half & ((1u << lanes) - 1);
-            const auto* const row = size == 4 ? places[group].data() : pair_places[group].data();
-            const __m256i order =
-                _mm256_cvtepu8_epi32(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(row)));
-            const __m256i all =
-                _mm256_loadu_si256(reinterpret_cast<const __m256i*>(from + (i + half) * size));
-            _mm256_storeu_si256(reinterpret_cast<__m256i*>(to + kept * size),
-                                _mm256_permutevar8x32_epi32(all, order));
-            kept += std::popcount(group);
-        }
-    }
-    return kept +
-           compact_plainly<size>(to + kept * size, room - kept, from + i * size, flags + i, n - i);
-}
-
 }  // namespace
 
 void copy_run(std::byte* to, Index to_stride, const std::byte* from, Index from_stride, Index n,
@@ -245,18 +157,8 @@ void copy_run(std::byte* to, Index to_stride, const std::byte* from, Index from_
     if (to_stride == element && from_stride == 2 * element && n > few &&
         copy_every_second(to, from, n, element))
         return;
-    const bool done = with_size(element, [&]<Index size>() {
-        if (to_stride == size) {
-            for (Index i = 0; i < n; ++i) move<size>(to + i * size, from + i * from_stride);
-        } else if (from_stride == size) {
-            for (Index i = 0; i < n; ++i) move<size>(to + i * to_stride, from + i * size);
-        } else {
-            for (Index i = 0; i < n; ++i) move<size>(to + i * to_stride, from + i * from_stride);
-        }
-    });
-    if (done) return;
-    for (Index i = 0; i < n; ++i)
-        std::memcpy(to + i * to_stride, from + i * from_stride, static_cast<std::size_t>(element));
+    with_element_size(element,
+                      [&](auto size) { size.copy_apart(to, to_stride, from, from_stride, n); });
 }
 
 void fill_run(std::byte* to, Index to_stride, const std::byte* value, Index n, Index element) {
@@ -327,6 +229,22 @@ bool repeat_twice(std::byte* to, const std::byte* from, Index n, Index element) 
     }
 }
 
+// The first copies of some elements, then the second ones: so few that all stay near.
+template <Index size>
+void repeat_in_turns(std::byte* to, Index to_stride, Index copy_stride, Index copies,
+                     const std::byte* from, Index from_stride, Index n) {
+    constexpr Index together = 64;
+    for (Index first = 0; first < n; first += together) {
+        const Index m = std::min(together, n - first);
+        for (Index c = 0; c < copies; ++c) {
+            std::byte* const t = to + first * to_stride + c * copy_stride;
+            const std::byte* const f = from + first * from_stride;
+            for (Index i = 0; i < m; ++i)
+                move_element<size>(t + i * to_stride, f + i * from_stride);
+        }
+    }
+}
+
 // Each element many times, the copies of one side by side.
 template <Index size>
 void repeat_many(std::byte* to, Index to_stride, Index copies, const std::byte* from,
@@ -349,14 +267,7 @@ void repeat_run(std::byte* to, Index to_stride, Index copy_stride, Index copies,
             return repeat_few<size, 3>(to, to_stride, copy_stride, from, from_stride, n);
         if (copy_stride == size && copies >= 8)
             return repeat_many<size>(to, to_stride, copies, from, from_stride, n);
-        struct Element {
-            std::byte bytes[size];
-        } one;
-        for (Index i = 0; i < n; ++i) {
-            __builtin_memcpy(&one, from + i * from_stride, size);
-            std::byte* const at = to + i * to_stride;
-            for (Index c = 0; c < copies; ++c) __builtin_memcpy(at + c * copy_stride, &one, size);
-        }
+        repeat_in_turns<size>(to, to_stride, copy_stride, copies, from, from_stride, n);
     });
     if (done) return;
     for (Index i = 0; i < n; ++i)
@@ -504,141 +415,6 @@ void count_rows(Index* counts, const std::byte* mask, Index step, Index rows, In
         default:
             for (Index r = 0; r < rows; ++r)
                 counts[r] = count_true(mask + r * step, stride, n, size, truth);
-    }
-}
-
-Index compact(std::byte* to, Index room, const std::byte* from, const Flag* flags, Index n,
-              Index element) {
-    if (platform::vector_level() >= platform::VectorLevel::avx2) {
-        if (element == 4) return compact_avx2<4>(to, room, from, flags, n);
-        if (element == 8) return compact_avx2<8>(to, room, from, flags, n);
-    }
-    Index kept = 0;
-    const bool done = with_size(
-        element, [&]<Index size>() { kept = compact_plainly<size>(to, room, from, flags, n); });
-    if (done) return kept;
-    for (Index i = 0; i < n && kept < room; ++i) {
-        if (flags[i] == 0) continue;
-        std::memcpy(to + kept * element, from + i * element, static_cast<std::size_t>(element));
-        ++kept;
-    }
-    return kept;
-}
-
-Index compact_apart(std::byte* to, const std::byte* from, Index stride, const std::byte* mask,
-                    Index mask_stride, Index n, Index element) {
-    Index kept = -1;
-    with_size(element, [&]<Index size>() {
-        kept = compact_apart_of<size>(to, from, stride, mask, mask_stride, n);
-    });
-    return kept;
-}
-
-namespace {
-
-template <Index size>
-const std::byte* expand_plainly(std::byte* to, Index to_stride, const std::byte* vector,
-                                Index stride, const std::byte* field, Index field_stride,
-                                const Flag* flags, Index n) {
-    for (Index i = 0; i < n; ++i) {
-        // A choice of addresses, not of roads: masks are mostly unforeseeable.
-        const auto chosen = -static_cast<std::uintptr_t>(flags[i]);
-        const auto address = (reinterpret_cast<std::uintptr_t>(vector) & chosen) |
-                             (reinterpret_cast<std::uintptr_t>(field) & ~chosen);
-        __builtin_memcpy(to, reinterpret_cast<const std::byte*>(address), size);
-        vector += stride & static_cast<Index>(chosen);
-        field += field_stride;
-        to += to_stride;
-    }
-    return vector;
-}
-
-// For each set of 8 flags how many of those before a place are set: where a vector's element that
-// belongs there comes from.
-constexpr std::array<std::array<std::uint8_t, 8>, 256> make_ranks() {
-    std::array<std::array<std::uint8_t, 8>, 256> table{};
-    for (unsigned bits = 0; bits < 256; ++bits) {
-        std::uint8_t met = 0;
-        for (unsigned place = 0; place < 8; ++place) {
-            table[bits][place] = met;
-            met = static_cast<std::uint8_t>(met + (bits >> place & 1));
-        }
-    }
-    return table;
-}
-constexpr std::array<std::array<std::uint8_t, 8>, 256> ranks = make_ranks();
-
-// The same for 4 elements of 8 bytes, as pairs of words.
-constexpr std::array<std::array<std::uint8_t, 8>, 16> make_pair_ranks() {
-    std::array<std::array<std::uint8_t, 8>, 16> table{};
-    for (unsigned bits = 0; bits < 16; ++bits) {
-        for (unsigned word = 0; word < 8; ++word)
-            table[bits][word] = static_cast<std::uint8_t>(2 * ranks[bits][word / 2] + word % 2);
-    }
-    return table;
-}
-constexpr std::array<std::array<std::uint8_t, 8>, 16> pair_ranks = make_pair_ranks();
-
-// Dense elements, 8 at a time; 8 of the vector must be there to be read. Says how many are done.
-template <Index size>
-[[gnu::target("avx2,popcnt")]] Index expand_avx2(std::byte* to, const std::byte*& vector,
-                                                 Index left, const std::byte* field,
-                                                 Index field_stride, const Flag* flags, Index n) {
-    constexpr Index lanes = 32 / size;
-    const __m256i one_field =
-        size == 4 ? _mm256_set1_epi32(*reinterpret_cast<const std::int32_t*>(field))
-                  : _mm256_set1_epi64x(*reinterpret_cast<const std::int64_t*>(field));
-    Index i = 0;
-    for (; i + 8 <= n && left >= 8; i += 8) {
-        const __m128i set = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(flags + i));
-        const auto bits = static_cast<unsigned>(_mm_movemask_epi8(_mm_slli_epi16(set, 7)) & 0xFF);
-        for (Index half = 0; half < 8; half += lanes) {
-            const unsigned group = bits >> half & ((1u << lanes) - 1);
-            const auto* const row = size == 4 ? ranks[group].data() : pair_ranks[group].data();
-            const __m256i order =
-                _mm256_cvtepu8_epi32(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(row)));
-            const __m256i chosen = _mm256_permutevar8x32_epi32(
-                _mm256_loadu_si256(reinterpret_cast<const __m256i*>(vector)), order);
-            const __m128i half_set = _mm_srl_epi64(set, _mm_cvtsi64_si128(8 * half));
-            const __m256i wanted =
-                size == 4 ? _mm256_cvtepi8_epi32(_mm_sub_epi8(_mm_setzero_si128(), half_set))
-                          : _mm256_cvtepi8_epi64(_mm_sub_epi8(_mm_setzero_si128(), half_set));
-            const __m256i other = field_stride == 0
-                                      ? one_field
-                                      : _mm256_loadu_si256(reinterpret_cast<const __m256i*>(
-                                            field + (i + half) * size));
-            _mm256_storeu_si256(reinterpret_cast<__m256i*>(to + (i + half) * size),
-                                _mm256_blendv_epi8(other, chosen, wanted));
-            const auto taken = std::popcount(group);
-            vector += taken * size;
-            left -= taken;
-        }
-    }
-    return i;
-}
-
-}  // namespace
-
-void expand(std::byte* to, Index to_stride, const std::byte*& vector, Index stride, Index left,
-            const std::byte* field, Index field_stride, const Flag* flags, Index n, Index element) {
-    Index done = 0;
-    if (n > 0 && (element == 4 || element == 8) && to_stride == element && stride == element &&
-        (field_stride == element || field_stride == 0) &&
-        platform::vector_level() >= platform::VectorLevel::avx2)
-        done = element == 4 ? expand_avx2<4>(to, vector, left, field, field_stride, flags, n)
-                            : expand_avx2<8>(to, vector, left, field, field_stride, flags, n);
-    to += done * to_stride;
-    field += done * field_stride;
-    flags += done;
-    n -= done;
-    const bool known = with_size(element, [&]<Index size>() {
-        vector = expand_plainly<size>(to, to_stride, vector, stride, field, field_stride, flags, n);
-    });
-    for (Index i = 0; i < n && !known; ++i) {
-        std::memcpy(to, flags[i] != 0 ? vector : field, static_cast<std::size_t>(element));
-        if (flags[i] != 0) vector += stride;
-        field += field_stride;
-        to += to_stride;
     }
 }
 

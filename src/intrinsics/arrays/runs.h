@@ -38,7 +38,7 @@ Index compact(std::byte* to, Index room, const std::byte* from, const Flag* flag
 // The same of elements and mask elements that lie apart, by the low bytes of the mask; there is
 // room for all n. -1: elements of such a size are none of its business.
 Index compact_apart(std::byte* to, const std::byte* from, Index stride, const std::byte* mask,
-                    Index mask_stride, Index n, Index element);
+                    Index mask_stride, Index mask_size, Index n, Index element);
 
 // UNPACK's inner loop: where a flag is set the next element of the vector, elsewhere the field's.
 // `vector` moves past what was taken; `left` elements are there to be read.

@@ -62,18 +62,24 @@ void store_extreme(const TextSearch<Character>& search, std::byte* to) {
 }
 
 // The runs of texts are taken one by one.
+template <class Derived>
 struct OneByOne : Reduction {
     bool side_by_side() const final { return false; }
+    void rows(const Rows& rows) const final {
+        for_each_row(rows, [&](const Run& run, std::byte* to) {
+            static_cast<const Derived*>(this)->one(run, to);
+        });
+    }
 };
 
 template <class Character>
-struct ExtremeTextPlace final : OneByOne {
+struct ExtremeTextPlace final : OneByOne<ExtremeTextPlace<Character>> {
     bool largest;
     bool back;
     Index result_size;
     ExtremeTextPlace(bool l, bool b, Index size) : largest(l), back(b), result_size(size) {}
 
-    void one(const Run& run, std::byte* to) const override {
+    void one(const Run& run, std::byte* to) const {
         TextSearch<Character> search{largest, back,
                                      run.element / static_cast<Index>(sizeof(Character))};
         search.look(run);
@@ -82,11 +88,11 @@ struct ExtremeTextPlace final : OneByOne {
 };
 
 template <class Character>
-struct ExtremeText final : OneByOne {
+struct ExtremeText final : OneByOne<ExtremeText<Character>> {
     bool largest;
     explicit ExtremeText(bool l) : largest(l) {}
 
-    void one(const Run& run, std::byte* to) const override {
+    void one(const Run& run, std::byte* to) const {
         TextSearch<Character> search{largest, false,
                                      run.element / static_cast<Index>(sizeof(Character))};
         search.look(run);
@@ -116,13 +122,13 @@ struct TextMatch {
 };
 
 template <class Character>
-struct TextPlace final : OneByOne {
+struct TextPlace final : OneByOne<TextPlace<Character>> {
     TextMatch<Character> match;
     bool back;
     Index result_size;
     TextPlace(TextMatch<Character> m, bool b, Index size) : match(m), back(b), result_size(size) {}
 
-    void one(const Run& run, std::byte* to) const override {
+    void one(const Run& run, std::byte* to) const {
         store_integer(to, result_size, 1 + match.place(run, back));
     }
 };

@@ -4,6 +4,7 @@
 #include <cstring>
 #include <emmintrin.h>
 #include <numeric>
+#include <type_traits>
 
 #include "intrinsics/arrays/loops.h"
 #include "intrinsics/arrays/runs.h"
@@ -146,76 +147,27 @@ class Sequence {
     Index turn_[max_rank + 1] = {};
 };
 
-bool is_contiguous(const View& view) {
-    Index step = view.element;
-    for (int d = 0; d < view.rank; ++d) {
-        if (view.dims[d].extent != 1 && view.dims[d].stride != step) return false;
-        step *= view.dims[d].extent;
+void copy_runs(const Loops<2>& loops, std::byte* to, std::byte* from, Index element) {
+    constexpr Index few = 32;
+    const Index step[2] = {loops.stride[0][0], loops.stride[0][1]};
+    if (loops.extent[0] > few) {
+        walk(loops, {to, from}, [&](const std::array<std::byte*, 2>& at, Index n) {
+            copy_run(at[0], step[0], at[1], step[1], n, element);
+        });
+        return;
     }
-    return true;
-}
-
-// Vectors side by side, of which each has a shift of its own, are taken in tiles that the cache
-// holds: a part of each vector, then the next part.
-constexpr Index tile_vectors = 64;
-constexpr Index tile_length = 64;
-
-// Elements k to k + m - 1 of a vector that begins with element `shift` of its source.
-void turn_part(std::byte* to, Index to_stride, const std::byte* from, Index stride, Index n,
-               Index shift, Index k, Index m, Index element) {
-    const Index place = shift + k < n ? shift + k : shift + k - n;
-    const Index before_end = std::min(m, n - place);
-    copy_run(to + k * to_stride, to_stride, from + place * stride, stride, before_end, element);
-    copy_run(to + (k + before_end) * to_stride, to_stride, from, stride, m - before_end, element);
-}
-
-// The same where what lies outside of the source is the boundary; -n <= shift <= n.
-void push_part(std::byte* to, Index to_stride, const std::byte* from, Index stride, Index n,
-               Index shift, const std::byte* boundary, Index k, Index m, Index element) {
-    const Index first = std::clamp<Index>(-shift, k, k + m);
-    const Index last = std::clamp<Index>(n - shift, first, k + m);
-    fill_run(to + k * to_stride, to_stride, boundary, first - k, element);
-    copy_run(to + first * to_stride, to_stride, from + (first + shift) * stride, stride,
-             last - first, element);
-    fill_run(to + last * to_stride, to_stride, boundary, k + m - last, element);
-}
-
-// Calls work(vector, k, m) for parts of so many vectors of n elements. When the vectors lie one
-// behind the other (`apart`), each is one part.
-template <class Work>
-void for_parts(Index vectors, Index n, bool apart, Work&& work) {
-    const Index length = apart ? n : tile_length;
-    const Index together = apart ? 1 : tile_vectors;
-    for (Index first = 0; first < vectors; first += together)
-        for (Index k = 0; k < n; k += length)
-            for (Index i = first; i < std::min(vectors, first + together); ++i)
-                work(i, k, std::min(length, n - k));
-}
-
-// The shift at an address, from 0 to n - 1.
-Index circular_distance(const std::byte* shift, Index size, Index n) {
-    Index rest = 0;
-    if (size == sizeof(__int128)) {
-        // Cut to what an extent can be it would be another one.
-        __int128 whole;
-        std::memcpy(&whole, shift, sizeof whole);
-        rest = static_cast<Index>(whole % n);
-    } else {
-        rest = load_integer(shift, size) % n;
-    }
-    return rest < 0 ? rest + n : rest;
+    with_element_size(element, [&](auto size) {
+        walk(loops, {to, from}, [&](const std::array<std::byte*, 2>& at, Index n) {
+            size.copy(at[0], step[0], at[1], step[1], n);
+        });
+    });
 }
 
 void copy_loops(Loops<2>& loops, std::byte* to, const std::byte* source, Index element) {
     loops.nearest_first(0);
     auto* const from = const_cast<std::byte*>(source);
     const int other = shortest(loops, 1);
-    if (other == 0 || loops.rank == 1) {
-        walk(loops, {to, from}, [&](const std::array<std::byte*, 2>& at, Index n) {
-            copy_run(at[0], loops.stride[0][0], at[1], loops.stride[0][1], n, element);
-        });
-        return;
-    }
+    if (other == 0 || loops.rank == 1) return copy_runs(loops, to, from, element);
     // Loop `other` runs together with loop 0; the rest goes round them.
     const Index count = loops.extent[other];
     const Index step[2] = {loops.stride[other][0], loops.stride[other][1]};
@@ -227,18 +179,6 @@ void copy_loops(Loops<2>& loops, std::byte* to, const std::byte* source, Index e
     walk(loops, {to, from}, [&](const std::array<std::byte*, 2>& at, Index n) {
         copy_turned(at[0], at[1], loops.stride[0], n, step, count, element);
     });
-}
-
-// `extent` places along `dim`, from one place of `from` to another of `to`.
-void copy_part(const View& to, Index to_first, const View& from, Index from_first, int dim,
-               Index extent) {
-    Loops<2> loops;
-    for (int d = 0; d < to.rank; ++d)
-        loops.add(d == dim ? extent : to.dims[d].extent, {to.dims[d].stride, from.dims[d].stride});
-    loops.finish();
-    if (loops.empty) return;
-    copy_loops(loops, to.base + to_first * to.dims[dim].stride,
-               from.base + from_first * from.dims[dim].stride, to.element);
 }
 
 }  // namespace
@@ -266,7 +206,76 @@ Index count_true(const Mask& mask) {
     return total;
 }
 
+namespace {
+
+// So few elements aren't worth the way to anything quicker than one after the other.
+constexpr Index few_elements = 256;
+
+// The same holds for short runs and for elements that lie apart in an odd way.
+bool are_few(const Mask& mask, const View& array) {
+    constexpr Index short_run = 32;
+    const Dimension& first = array.dims[0];
+    if (mask.truth != Truth::low_byte) return false;
+    if (mask.view.count() <= few_elements) return true;
+    if (first.stride != array.element && first.stride != 2 * array.element) return true;
+    return array.rank > 1 && first.extent <= short_run &&
+           !(is_contiguous(array) && is_contiguous(mask.view));
+}
+
+// One run of elements, of which those are stored whose flag is set, while there is room: each is
+// stored and only kept if its flag says so. Everything that changes is the routine's own, as bytes
+// that are stored might be anything else.
+struct Packing {
+    std::byte* to;
+    Index to_stride;
+    Index room;
+    bool fits = true;
+
+    template <class Size>
+    [[gnu::noinline]] void take(Size size, const std::byte* from, Index step, const std::byte* flag,
+                                Index flag_step, Index n) {
+        std::byte* target = to;
+        const Index stride = to_stride;
+        const std::byte* const end = target + room * stride;
+        Index i = 0;
+        const auto fill = [&](Index next) {
+            for (; i < n && target != end; ++i) {
+                size.move(target, from);
+                target += -static_cast<Index>(*flag != std::byte{0}) & next;
+                from += step;
+                flag += flag_step;
+            }
+        };
+        const std::byte* const start = target;
+        if (stride == size.bytes()) {
+            fill(size.bytes());
+        } else {
+            fill(stride);
+        }
+        for (; i < n; ++i, flag += flag_step) fits &= *flag == std::byte{0};
+        room -= (target - start) / stride;
+        to = target;
+    }
+};
+
+[[gnu::noinline]] Index pack_few(std::byte* to, Index to_stride, Index room, const View& array,
+                                 const View& mask) {
+    const Loops<2> loops = loops_over(array, mask);
+    Packing packing{to, to_stride, room};
+    with_element_size(array.element, [&](auto size) {
+        walk(loops, {array.base, mask.base}, [&](const std::array<std::byte*, 2>& at, Index n) {
+            packing.take(size, at[0], loops.stride[0][0], at[1], loops.stride[0][1], n);
+        });
+    });
+    return packing.fits ? room - packing.room : room + 1;
+}
+
+}  // namespace
+
 Index pack(std::byte* to, Index to_stride, Index room, const View& array, const Mask& mask) {
+    // Elements of no length don't show how many have been stored.
+    if (to_stride != 0 && are_few(mask, array))
+        return pack_few(to, to_stride, room, array, mask.view);
     const Loops<2> loops = loops_over(array, mask.view);
     const Index element = array.element;
     const Index step = loops.stride[0][0];
@@ -288,8 +297,8 @@ Index pack(std::byte* to, Index to_stride, Index room, const View& array, const 
 
     walk(loops, {array.base, mask.view.base}, [&](const std::array<std::byte*, 2>& at, Index n) {
         if (apart && n <= room - kept) {
-            const Index some =
-                compact_apart(to + kept * element, at[0], step, at[1], mask_step, n, element);
+            const Index some = compact_apart(to + kept * element, at[0], step, at[1], mask_step,
+                                             mask.view.element, n, element);
             if (some >= 0) {
                 kept += some;
                 return true;
@@ -335,8 +344,74 @@ Index pack(std::byte* to, Index to_stride, Index room, const View& array, const 
     return kept;
 }
 
+namespace {
+
+// The same for UNPACK: false where the vector ends too early. A choice of addresses, not of roads,
+// as masks are mostly unforeseeable.
+struct Unpacking {
+    const std::byte* vector;
+    Index stride;
+    Index left;
+
+    template <class Size>
+    [[gnu::noinline]] bool give(Size size, std::byte* to, Index to_step, const std::byte* flag,
+                                Index flag_step, const std::byte* field, Index field_step,
+                                Index n) {
+        const std::byte* next = vector;
+        const Index step = stride;
+        Index there = left;
+        const auto all = [&](auto check) {
+            for (Index i = 0; i < n; ++i) {
+                const Index taken = -static_cast<Index>(*flag != std::byte{0});
+                if constexpr (check) {
+                    there += taken;
+                    if (there < 0) return false;
+                }
+                size.move(to, field + ((next - field) & taken));
+                next += step & taken;
+                to += to_step;
+                flag += flag_step;
+                field += field_step;
+            }
+            return true;
+        };
+        // A vector that lasts longer than the run needs no look at its end.
+        const bool lasts = there >= n && step != 0;
+        if (lasts) {
+            all(std::false_type{});
+            there -= (next - vector) / step;
+        } else if (!all(std::true_type{})) {
+            return false;
+        }
+        vector = next;
+        left = there;
+        return true;
+    }
+};
+
+[[gnu::noinline]] bool unpack_few(const View& to, const std::byte* vector, Index stride, Index n,
+                                  const View& mask, const View& field) {
+    const Loops<3> loops = loops_over(to, mask, field);
+    const Index* const step = loops.stride[0];
+    Unpacking unpacking{vector, stride, n};
+    bool enough = true;
+    with_element_size(to.element, [&](auto size) {
+        walk(loops, {to.base, mask.base, field.base},
+             [&](const std::array<std::byte*, 3>& at, Index count) {
+                 enough =
+                     unpacking.give(size, at[0], step[0], at[1], step[1], at[2], step[2], count);
+                 return enough;
+             });
+    });
+    return enough;
+}
+
+}  // namespace
+
 bool unpack(const View& to, const std::byte* vector, Index stride, Index n, const Mask& mask,
             const View& field) {
+    if (are_few(mask, to) || are_few(mask, mask.view))
+        return unpack_few(to, vector, stride, n, mask.view, field);
     const Loops<3> loops = loops_over(to, mask.view, field);
     const Index element = to.element;
     const Index* const step = loops.stride[0];
@@ -365,9 +440,14 @@ bool unpack(const View& to, const std::byte* vector, Index stride, Index n, cons
 
 void spread(const View& to, const View& source, int dim) {
     const Dimension copies = to.dims[dim];
-    const View one = without(to, dim);
     if (copies.extent <= 0) return;
-    Loops<2> loops = loops_over(one, source);
+    Loops<2> loops;
+    for (int d = 0, s = 0; d < to.rank; ++d) {
+        if (d == dim) continue;
+        loops.add(to.dims[d].extent, {to.dims[d].stride, source.dims[s].stride});
+        ++s;
+    }
+    loops.finish();
     const Index element = to.element;
     const Index to_step = loops.stride[0][0];
     const Index step = loops.stride[0][1];
@@ -375,7 +455,17 @@ void spread(const View& to, const View& source, int dim) {
     // in pieces that stay in the nearest cache while they are copied.
     const bool side_by_side = std::abs(copies.stride) < std::abs(to_step) || loops.extent[0] == 1;
     const Index piece = std::max<Index>(1, 16384 / std::max<Index>(element, 1));
-    walk(loops, {one.base, source.base}, [&](const std::array<std::byte*, 2>& at, Index n) {
+    if (loops.extent[0] * copies.extent <= few_elements / 4) {
+        with_element_size(element, [&](auto size) {
+            walk(loops, {to.base, source.base}, [&](const std::array<std::byte*, 2>& at, Index n) {
+                if (n == 1) return size.fill(at[0], copies.stride, at[1], copies.extent);
+                for (Index c = 0; c < copies.extent; ++c)
+                    size.copy(at[0] + c * copies.stride, to_step, at[1], step, n);
+            });
+        });
+        return;
+    }
+    walk(loops, {to.base, source.base}, [&](const std::array<std::byte*, 2>& at, Index n) {
         if (side_by_side) {
             repeat_run(at[0], to_step, copies.stride, copies.extent, at[1], step, n, element);
             return;
@@ -389,6 +479,29 @@ void spread(const View& to, const View& source, int dim) {
     });
 }
 
+namespace {
+
+// The elements of `source` and then those of `pad`, again and again, into an array in one piece.
+void fill_in_order(const View& to, Index wanted, const View& source, const View* pad) {
+    View start = source;
+    start.base = to.base;
+    make_contiguous(start);
+    copy(start, source);
+    const Index given = source.count();
+    const Index rest = (wanted - given) * to.element;
+    if (rest == 0) return;
+    std::byte* const at = to.base + given * to.element;
+    Index filled = std::min(rest, pad->count() * to.element);
+    copy_bytes(at, pad->base, filled);
+    while (filled < rest) {
+        const Index more = std::min(filled, rest - filled);
+        copy_bytes(at + filled, at, more);
+        filled += more;
+    }
+}
+
+}  // namespace
+
 void reshape(const View& to, const int* order, const View& source, const View* pad) {
     View turned = to;
     for (int d = 0; d < to.rank; ++d) turned.dims[d] = to.dims[order[d]];
@@ -399,6 +512,11 @@ void reshape(const View& to, const int* order, const View& source, const View* p
         same.base = source.base;
         make_contiguous(same);
         copy(turned, same);
+        return;
+    }
+    const bool all_fits = source.count() <= wanted;
+    if (all_fits && is_contiguous(turned) && (pad == nullptr || is_contiguous(*pad))) {
+        fill_in_order(turned, wanted, source, pad);
         return;
     }
     const Loops<1> loops = loops_over(turned);
@@ -416,76 +534,6 @@ void reshape(const View& to, const int* order, const View& source, const View* p
             filled += m;
         }
     });
-}
-
-void circular_shift(const View& to, const View& from, int dim, const std::byte* shift, Index size) {
-    const Index n = from.dims[dim].extent;
-    if (n <= 0) return;
-    const Index s = circular_distance(shift, size, n);
-    const Index stride = from.dims[dim].stride;
-    if (to.dims[dim].stride == to.element && stride == to.element) {
-        // Both parts of a vector while it is near.
-        const Loops<2> loops = loops_over(without(to, dim), without(from, dim));
-        const Index* const step = loops.stride[0];
-        walk(loops, {to.base, from.base}, [&](const std::array<std::byte*, 2>& at, Index count) {
-            for (Index i = 0; i < count; ++i)
-                turn_part(at[0] + i * step[0], stride, at[1] + i * step[1], stride, n, s, 0, n,
-                          to.element);
-        });
-        return;
-    }
-    copy_part(to, 0, from, s, dim, n - s);
-    copy_part(to, n - s, from, 0, dim, s);
-}
-
-void circular_shifts(const View& to, const View& from, int dim, const View& shifts) {
-    const Index n = from.dims[dim].extent;
-    if (n <= 0) return;
-    const Index to_stride = to.dims[dim].stride;
-    const Loops<3> loops = loops_over(without(to, dim), without(from, dim), shifts);
-    const Index* const step = loops.stride[0];
-    const bool apart = std::abs(step[0]) >= std::abs(to_stride);
-    walk(loops, {to.base, from.base, shifts.base},
-         [&](const std::array<std::byte*, 3>& at, Index count) {
-             for_parts(count, n, apart, [&](Index i, Index k, Index m) {
-                 const Index s = circular_distance(at[2] + i * step[2], shifts.element, n);
-                 turn_part(at[0] + i * step[0], to_stride, at[1] + i * step[1],
-                           from.dims[dim].stride, n, s, k, m, to.element);
-             });
-         });
-}
-
-void end_off_shift(const View& to, const View& from, int dim, Index shift, const View& boundary) {
-    const Index n = from.dims[dim].extent;
-    if (n <= 0) return;
-    const Index m = shift > 0 ? std::min(shift, n) : (shift < -n ? n : -shift);
-    const Index kept = n - m;
-    const bool up = shift > 0;
-    copy_part(to, up ? 0 : m, from, up ? m : 0, dim, kept);
-    // The boundary, spread over the m places that came free.
-    View free = to;
-    free.base += (up ? kept : 0) * to.dims[dim].stride;
-    free.dims[dim].extent = m;
-    spread(free, boundary, dim);
-}
-
-void end_off_shifts(const View& to, const View& from, int dim, const View& shifts,
-                    const View& boundary) {
-    const Index n = from.dims[dim].extent;
-    if (n <= 0) return;
-    const Index to_stride = to.dims[dim].stride;
-    const Loops<4> loops = loops_over(without(to, dim), without(from, dim), shifts, boundary);
-    const Index* const step = loops.stride[0];
-    const bool apart = std::abs(step[0]) >= std::abs(to_stride);
-    walk(loops, {to.base, from.base, shifts.base, boundary.base},
-         [&](const std::array<std::byte*, 4>& at, Index count) {
-             for_parts(count, n, apart, [&](Index i, Index k, Index m) {
-                 const Index s =
-                     std::clamp(load_integer(at[2] + i * step[2], shifts.element), -n, n);
-                 push_part(at[0] + i * step[0], to_stride, at[1] + i * step[1],
-                           from.dims[dim].stride, n, s, at[3] + i * step[3], k, m, to.element);
-             });
-         });
 }
 
 Index load_integer(const std::byte* from, Index size) {

@@ -61,6 +61,15 @@ inline void make_contiguous(View& view) {
     }
 }
 
+inline bool is_contiguous(const View& view) {
+    Index step = view.element;
+    for (int d = 0; d < view.rank; ++d) {
+        if (view.dims[d].extent != 1 && view.dims[d].stride != step) return false;
+        step *= view.dims[d].extent;
+    }
+    return true;
+}
+
 // The same elements from the last to the first.
 inline View reversed(View view) {
     for (int d = 0; d < view.rank; ++d) {

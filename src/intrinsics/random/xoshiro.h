@@ -53,7 +53,7 @@ class Stream {
 
   private:
     struct Ahead {
-        static constexpr std::size_t size = 4096;
+        static constexpr std::size_t size = 8192;
         Xoshiro start;     // before the first of them
         std::size_t used;  // of them
         std::uint64_t numbers[size];

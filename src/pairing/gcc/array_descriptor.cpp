@@ -6,19 +6,8 @@
 #include <string>
 
 #include "failure/failure.h"
-#include "fio/gnu/options.h"
 
 namespace tarn::gcc {
-
-View view_of(const ArrayDescriptor& array, Index element) {
-    View view;
-    view.base = reinterpret_cast<std::byte*>(array.base);
-    view.element = element;
-    view.rank = static_cast<unsigned char>(array.rank);
-    for (int d = 0; d < view.rank; ++d)
-        view.dims[d] = {array.dimension[d].extent(), array.dimension[d].stride * element};
-    return view;
-}
 
 GivenMask::GivenMask(const ArrayDescriptor* mask) {
     if (mask == nullptr) return;
@@ -43,30 +32,29 @@ int dim_of(Index dim, int rank, const char* intrinsic) {
     return static_cast<int>(dim) - 1;
 }
 
-View result_for(ArrayDescriptor& result, const View& shape, Index element, const char* intrinsic) {
-    if (result.base != nullptr) {
-        if (result.rank != shape.rank)
-            array_failure(wrong_rank, "The result of %s has rank %d; it should be %d", intrinsic,
-                          result.rank, shape.rank);
-        const View given = view_of(result, element);
-        check_shape(given, shape, "result", intrinsic);
-        return given;
-    }
-    Index extents[arrays::max_rank];
-    for (int d = 0; d < shape.rank; ++d) extents[d] = shape.dims[d].extent;
-    allocate_result(result, shape.rank, extents, element, intrinsic);
-    return view_of(result, element);
+View checked_result_for(ArrayDescriptor& result, const View& shape, Index element,
+                        const char* intrinsic) {
+    if (result.rank != shape.rank)
+        array_failure(wrong_rank, "The result of %s has rank %d; it should be %d", intrinsic,
+                      result.rank, shape.rank);
+    const View given = view_of(result, element);
+    check_shape(given, shape, "result", intrinsic);
+    return given;
 }
 
-void allocate_result(ArrayDescriptor& result, int rank, const Index* extents, Index element,
-                     const char* intrinsic) {
+View make_result(ArrayDescriptor& result, const View& shape, Index element, const char* intrinsic) {
+    View made;
+    made.element = element;
+    made.rank = shape.rank;
     Index elements = 1;
     bool fits = true;
-    for (int d = 0; d < rank; ++d) {
-        result.dimension[d] = {elements, 0, extents[d] - 1};
-        fits &= !__builtin_mul_overflow(elements, extents[d], &elements);
+    for (int d = 0; d < shape.rank; ++d) {
+        const Index extent = shape.dims[d].extent;
+        result.dimension[d] = {elements, 0, extent - 1};
+        made.dims[d] = {extent, elements * element};
+        fits &= !__builtin_mul_overflow(elements, extent, &elements);
     }
-    result.rank = static_cast<std::int8_t>(rank);
+    result.rank = static_cast<std::int8_t>(shape.rank);
     result.offset = 0;
     Index bytes = 0;
     fits &= !__builtin_mul_overflow(elements, element, &bytes);
@@ -77,6 +65,16 @@ void allocate_result(ArrayDescriptor& result, int rank, const Index* extents, In
     if (storage == nullptr)
         array_failure(out_of_storage, "There is no storage for the result of %s", intrinsic);
     result.base = static_cast<char*>(storage);
+    made.base = static_cast<std::byte*>(storage);
+    return made;
+}
+
+void allocate_result(ArrayDescriptor& result, int rank, const Index* extents, Index element,
+                     const char* intrinsic) {
+    View shape;
+    shape.rank = rank;
+    for (int d = 0; d < rank; ++d) shape.dims[d].extent = extents[d];
+    make_result(result, shape, element, intrinsic);
 }
 
 View reduced_result_for(ArrayDescriptor& result, const View& array, int dim, Index element,
@@ -86,10 +84,6 @@ View reduced_result_for(ArrayDescriptor& result, const View& array, int dim, Ind
     View shape = without(array, dim);
     if (result.base == nullptr && shape.count() == 0) shape.dims[0].extent = 0;
     return result_for(result, shape, element, intrinsic);
-}
-
-bool checks_bounds() {
-    return fio::gnu_options().bounds_check;
 }
 
 void check_shape(const View& argument, const View& shape, const char* what, const char* intrinsic) {

@@ -2,6 +2,7 @@
 #include "frame/link_name.h"
 #include "intrinsics/arrays/extremes.h"
 #include "pairing/gcc/array_location.h"
+#include "pairing/gcc/array_reduction.h"
 #include "pairing/gcc/array_types.h"
 
 namespace tarn::gcc {
@@ -17,17 +18,10 @@ struct Location {
     [[gnu::noinline]] static void whole(ArrayDescriptor& to, const View& array, const Mask* mask,
                                         bool back, Index size) {
         if (mask != nullptr) check_shape(mask->view, array, "MASK", name);
-        const View result = positions_for(to, array, size, name);
+        const View result = positions_for(to, array.rank, size, name);
         store_subscripts(array,
                          place_of_extreme<T, largest>(array, mask, worst_value<T, largest>(), back),
                          result);
-    }
-    [[gnu::noinline]] static void along(ArrayDescriptor& to, const View& array, const Mask* mask,
-                                        Index dim_given, bool back, Index size) {
-        const int dim = dim_of(dim_given, array.rank, name);
-        if (mask != nullptr) check_shape(mask->view, array, "MASK", name);
-        const View result = reduced_result_for(to, array, dim, size, name);
-        reduce_along(ExtremePlace<T, largest>(back, size), array, mask, dim, result);
     }
 };
 
@@ -62,21 +56,20 @@ extern "C" {
     TARN_EXPORT void _gfortran_##entry##1_##size##_##type(                                        \
         ArrayDescriptor* to, const ArrayDescriptor* from, const Index* dim, Word back,            \
         Word next) {                                                                              \
-        Location<T, largest>::along(*to, view_of(*from, sizeof(T)), nullptr, *dim,                \
-                                    back_of(back, next).set, size);                               \
+        reduce(ExtremePlace<T, largest>(back_of(back, next).set, size),                           \
+               {*to, *from, nullptr, *dim, sizeof(T), size, Location<T, largest>::name});         \
     }                                                                                             \
     TARN_EXPORT void _gfortran_m##entry##1_##size##_##type(                                       \
         ArrayDescriptor* to, const ArrayDescriptor* from, const Index* dim,                       \
         const ArrayDescriptor* mask, Word back, Word next) {                                      \
-        Location<T, largest>::along(*to, view_of(*from, sizeof(T)), GivenMask(mask).get(), *dim,  \
-                                    back_of(back, next).set, size);                               \
+        reduce(ExtremePlace<T, largest>(back_of(back, next).set, size),                           \
+               {*to, *from, mask, *dim, sizeof(T), size, Location<T, largest>::name});            \
     }                                                                                             \
     TARN_EXPORT void _gfortran_s##entry##1_##size##_##type(                                       \
         ArrayDescriptor* to, const ArrayDescriptor* from, const Index* dim, const Logical* mask,  \
         Word back, Word next) {                                                                   \
-        const View array = view_of(*from, sizeof(T));                                             \
-        Location<T, largest>::along(*to, array, GivenMask(mask, array).get(), *dim,               \
-                                    back_of(back, next).set, size);                               \
+        reduce_if(mask, ExtremePlace<T, largest>(back_of(back, next).set, size),                  \
+                  {*to, *from, nullptr, *dim, sizeof(T), size, Location<T, largest>::name});      \
     }
 #define TARN_LOCATIONS(type, T)              \
     TARN_LOCATION(maxloc, 4, type, T, true)  \

@@ -3,6 +3,7 @@
 #include "frame/link_name.h"
 #include "intrinsics/arrays/find.h"
 #include "pairing/gcc/array_location.h"
+#include "pairing/gcc/array_reduction.h"
 #include "pairing/gcc/array_types.h"
 
 namespace tarn::gcc {
@@ -16,17 +17,13 @@ template <class T>
 [[gnu::noinline]] void find_whole(ArrayDescriptor& to, const View& array, T value, const Mask* mask,
                                   Logical back) {
     if (mask != nullptr) check_shape(mask->view, array, "MASK", "FINDLOC");
-    const View result = positions_for(to, array, position_size, "FINDLOC");
+    const View result = positions_for(to, array.rank, position_size, "FINDLOC");
     store_subscripts(array, place_of_match(Equal<T>{value}, array, mask, back != 0), result);
 }
 
 template <class T>
-[[gnu::noinline]] void find_along(ArrayDescriptor& to, const View& array, T value, Index dim_given,
-                                  const Mask* mask, Logical back) {
-    const int dim = dim_of(dim_given, array.rank, "FINDLOC");
-    if (mask != nullptr) check_shape(mask->view, array, "MASK", "FINDLOC");
-    const View result = reduced_result_for(to, array, dim, position_size, "FINDLOC");
-    reduce_along(MatchPlace<Equal<T>>({value}, back != 0, position_size), array, mask, dim, result);
+MatchPlace<Equal<T>> match_place(T value, Logical back) {
+    return {{value}, back != 0, position_size};
 }
 
 }  // namespace
@@ -55,18 +52,20 @@ extern "C" {
     }                                                                                             \
     TARN_EXPORT void _gfortran_findloc1_##type(ArrayDescriptor* to, const ArrayDescriptor* from,  \
                                                T value, const Index* dim, Logical back) {         \
-        find_along<T>(*to, view_of(*from, sizeof(T)), value, *dim, nullptr, back);                \
+        reduce(match_place<T>(value, back),                                                       \
+               {*to, *from, nullptr, *dim, sizeof(T), position_size, "FINDLOC"});                 \
     }                                                                                             \
     TARN_EXPORT void _gfortran_mfindloc1_##type(ArrayDescriptor* to, const ArrayDescriptor* from, \
                                                 T value, const Index* dim,                        \
                                                 const ArrayDescriptor* mask, Logical back) {      \
-        find_along<T>(*to, view_of(*from, sizeof(T)), value, *dim, GivenMask(mask).get(), back);  \
+        reduce(match_place<T>(value, back),                                                       \
+               {*to, *from, mask, *dim, sizeof(T), position_size, "FINDLOC"});                    \
     }                                                                                             \
     TARN_EXPORT void _gfortran_sfindloc1_##type(ArrayDescriptor* to, const ArrayDescriptor* from, \
                                                 T value, const Index* dim, const Logical* mask,   \
                                                 Logical back) {                                   \
-        const View array = view_of(*from, sizeof(T));                                             \
-        find_along<T>(*to, array, value, *dim, GivenMask(mask, array).get(), back);               \
+        reduce_if(mask, match_place<T>(value, back),                                              \
+                  {*to, *from, nullptr, *dim, sizeof(T), position_size, "FINDLOC"});              \
     }
 TARN_GNU_NUMBERS(TARN_FINDLOC)
 }

@@ -18,21 +18,28 @@ inline Back back_of(std::intptr_t given, std::intptr_t next) {
 }
 
 // The result of a whole array's location: a vector of as many positions as there are dimensions.
-inline View positions_for(ArrayDescriptor& to, const View& array, Index size, const char* name) {
+inline View positions_for(ArrayDescriptor& to, int rank, Index size, const char* name) {
     View shape;
     shape.rank = 1;
-    shape.dims[0].extent = array.rank;
+    shape.dims[0].extent = rank;
     return result_for(to, shape, size, name);
 }
 
 // The subscripts of the element at `place` in array element order; zeros for -1.
 inline void store_subscripts(const View& array, Index place, const View& to) {
-    for (int d = 0; d < array.rank; ++d) {
-        const Index extent = array.dims[d].extent;
-        arrays::store_integer(to.base + d * to.dims[0].stride, to.element,
-                              place < 0 ? 0 : place % extent + 1);
-        if (place >= 0) place /= extent;
+    std::byte* at = to.base;
+    const Index step = to.dims[0].stride;
+    if (place < 0) {
+        for (int d = 0; d < array.rank; ++d, at += step) arrays::store_integer(at, to.element, 0);
+        return;
     }
+    // What is left for the last dimension is its subscript.
+    for (int d = 0; d < array.rank - 1; ++d, at += step) {
+        const Index rest = place / array.dims[d].extent;
+        arrays::store_integer(at, to.element, place - rest * array.dims[d].extent + 1);
+        place = rest;
+    }
+    arrays::store_integer(at, to.element, place + 1);
 }
 
 }  // namespace tarn::gcc

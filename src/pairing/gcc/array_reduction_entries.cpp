@@ -3,7 +3,7 @@
 #include "intrinsics/arrays/extremes.h"
 #include "intrinsics/arrays/fold.h"
 #include "intrinsics/arrays/logical.h"
-#include "pairing/gcc/array_descriptor.h"
+#include "pairing/gcc/array_reduction.h"
 #include "pairing/gcc/array_types.h"
 
 namespace tarn::gcc {
@@ -13,27 +13,17 @@ using arrays::Block;
 using arrays::Flag;
 using arrays::LogicalReduction;
 using arrays::Reduction;
+using arrays::Rows;
 using arrays::Run;
-
-void reduce(const Reduction& reduction, ArrayDescriptor& to, const View& array, const Mask* mask,
-            Index dim_given, const char* name) {
-    const int dim = dim_of(dim_given, array.rank, name);
-    if (mask != nullptr) check_shape(mask->view, array, "MASK", name);
-    const View result = reduced_result_for(to, array, dim, array.element, name);
-    reduce_along(reduction, array, mask, dim, result);
-}
 
 // IALL as gfortran's run-time has it: without an element, or with a scalar mask that is false, it
 // is 0 and not all bits.
 template <class T>
 class GnuIall final : public Reduction {
   public:
-    void one(const Run& run, std::byte* to) const override {
-        if (run.n == 0 || is_hidden(run)) {
-            *reinterpret_cast<T*>(to) = 0;
-        } else {
-            all_.one(run, to);
-        }
+    void rows(const Rows& rows) const override {
+        if (rows.first.n > 0 && !is_hidden(rows.first)) return all_.rows(rows);
+        for_each_row(rows, [](const Run&, std::byte* to) { *reinterpret_cast<T*>(to) = 0; });
     }
     void begin(Block& block, Index n) const override { all_.begin(block, n); }
     void step(Block& block, const std::byte* x, const Flag* flags, Index n,
@@ -54,15 +44,6 @@ class GnuIall final : public Reduction {
     arrays::Fold<arrays::And, T> all_;
 };
 
-void reduce_logical_entry(LogicalReduction what, ArrayDescriptor& to, const ArrayDescriptor& from,
-                          Index dim_given, Index result_size, const char* name) {
-    Mask array;
-    array.view = view_of(from, static_cast<Index>(from.element_length));
-    const int dim = dim_of(dim_given, array.view.rank, name);
-    const View result = reduced_result_for(to, array.view, dim, result_size, name);
-    reduce_logical(what, array, dim, result);
-}
-
 }  // namespace
 }  // namespace tarn::gcc
 
@@ -77,16 +58,15 @@ extern "C" {
 #define TARN_REDUCTION(entry, type, T, name, ...)                                                  \
     TARN_EXPORT void _gfortran_##entry##_##type(ArrayDescriptor* to, const ArrayDescriptor* from,  \
                                                 const Index* dim) {                                \
-        reduce(__VA_ARGS__(), *to, view_of(*from, sizeof(T)), nullptr, *dim, name);                \
+        reduce(__VA_ARGS__(), {*to, *from, nullptr, *dim, sizeof(T), sizeof(T), name});            \
     }                                                                                              \
     TARN_EXPORT void _gfortran_m##entry##_##type(ArrayDescriptor* to, const ArrayDescriptor* from, \
                                                  const Index* dim, const ArrayDescriptor* mask) {  \
-        reduce(__VA_ARGS__(), *to, view_of(*from, sizeof(T)), GivenMask(mask).get(), *dim, name);  \
+        reduce(__VA_ARGS__(), {*to, *from, mask, *dim, sizeof(T), sizeof(T), name});               \
     }                                                                                              \
     TARN_EXPORT void _gfortran_s##entry##_##type(ArrayDescriptor* to, const ArrayDescriptor* from, \
                                                  const Index* dim, const Logical* mask) {          \
-        const View array = view_of(*from, sizeof(T));                                              \
-        reduce(__VA_ARGS__(), *to, array, GivenMask(mask, array).get(), *dim, name);               \
+        reduce_if(mask, __VA_ARGS__(), {*to, *from, nullptr, *dim, sizeof(T), sizeof(T), name});   \
     }
 
 #define TARN_SUMS(type, T)                            \
@@ -108,14 +88,15 @@ TARN_GNU_INTEGERS(TARN_BITS)
 #define TARN_NORM(type, T)                                                                    \
     TARN_EXPORT void _gfortran_norm2_##type(ArrayDescriptor* to, const ArrayDescriptor* from, \
                                             const Index* dim) {                               \
-        reduce(Norm<T>(), *to, view_of(*from, sizeof(T)), nullptr, *dim, "NORM2");            \
+        reduce(Norm<T>(), {*to, *from, nullptr, *dim, sizeof(T), sizeof(T), "NORM2"});        \
     }
 TARN_GNU_REALS(TARN_NORM)
 
-#define TARN_LOGICAL(entry, size, what, name)                                            \
-    TARN_EXPORT void _gfortran_##entry(ArrayDescriptor* to, const ArrayDescriptor* from, \
-                                       const Index* dim) {                               \
-        reduce_logical_entry(LogicalReduction::what, *to, *from, *dim, size, name);      \
+#define TARN_LOGICAL(entry, size, what, name)                                                      \
+    TARN_EXPORT void _gfortran_##entry(ArrayDescriptor* to, const ArrayDescriptor* from,           \
+                                       const Index* dim) {                                         \
+        reduce(LogicalRows(LogicalReduction::what, Truth::low_byte, size),                         \
+               {*to, *from, nullptr, *dim, static_cast<Index>(from->element_length), size, name}); \
     }
 #define TARN_LOGICALS(size)                              \
     TARN_LOGICAL(count_##size##_l, size, count, "COUNT") \

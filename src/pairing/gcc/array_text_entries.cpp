@@ -36,7 +36,7 @@ template <class Character>
 void extreme_whole(ArrayDescriptor& to, const View& array, const Mask* mask, bool largest,
                    bool back, Index size) {
     const char* const name = largest ? "MAXLOC" : "MINLOC";
-    const View result = positions_for(to, array, size, name);
+    const View result = positions_for(to, array.rank, size, name);
     store_subscripts(array, place_of_extreme_text<Character>(array, mask, largest, back), result);
 }
 
@@ -63,7 +63,7 @@ constexpr Index position_size = 8;
 template <class Character>
 void find_whole(ArrayDescriptor& to, const View& array, const Character* value, std::size_t length,
                 const Mask* mask, Logical back) {
-    const View result = positions_for(to, array, position_size, "FINDLOC");
+    const View result = positions_for(to, array.rank, position_size, "FINDLOC");
     store_subscripts(
         array, place_of_text(array, mask, value, static_cast<Index>(length), back != 0), result);
 }

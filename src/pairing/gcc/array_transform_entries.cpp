@@ -26,13 +26,17 @@ Index text_bytes(std::size_t length) {
     return static_cast<Index>(length * sizeof(Character));
 }
 
-// A scalar as an array of the extents of `shape`.
-View everywhere(const void* scalar, Index element, const View& shape) {
-    View view = shape;
+// A scalar as an array of the extents of `shape`, of which `rank` dimensions count.
+View everywhere(const void* scalar, Index element, const View& shape, int rank) {
+    View view;
+    view.rank = rank;
     view.base = static_cast<std::byte*>(const_cast<void*>(scalar));
     view.element = element;
-    for (int d = 0; d < view.rank; ++d) view.dims[d].stride = 0;
+    for (int d = 0; d < rank; ++d) view.dims[d] = {shape.dims[d].extent, 0};
     return view;
+}
+View everywhere(const void* scalar, Index element, const View& shape) {
+    return everywhere(scalar, element, shape, shape.rank);
 }
 
 View vector_shape(Index extent) {
@@ -44,35 +48,46 @@ View vector_shape(Index extent) {
 
 // ---- PACK ----
 
-void pack_into(ArrayDescriptor& to, const View& array, const Mask& mask,
-               const ArrayDescriptor* vector_given, Index wanted) {
-    constexpr int result_is_small = 397;
+constexpr int result_is_small = 397;
+
+void pack_with_vector(ArrayDescriptor& to, const View& array, const Mask& mask,
+                      const ArrayDescriptor& vector_given, Index wanted) {
     const Index element = array.element;
-    View vector;
-    if (vector_given != nullptr) {
-        vector = view_of(*vector_given, element);
-        if (wanted > vector.count())
-            array_failure(result_is_small, "The VECTOR of PACK has %td elements; MASK chooses %td",
-                          vector.count(), wanted);
-        wanted = vector.count();
-    }
-    const View result = result_for(to, vector_shape(wanted), element, "PACK");
+    const View vector = view_of(vector_given, element);
+    if (wanted > vector.count())
+        array_failure(result_is_small, "The VECTOR of PACK has %td elements; MASK chooses %td",
+                      vector.count(), wanted);
+    const View result = result_for(to, vector_shape(vector.count()), element, "PACK");
     const arrays::Dimension along = result.dims[0];
     const Index stored = pack(result.base, along.stride, along.extent, array, mask);
     if (stored > along.extent)
         array_failure(result_is_small, "The result of PACK has only %td elements", along.extent);
-    if (vector_given != nullptr)
-        copy_run(result.base + stored * along.stride, along.stride,
-                 vector.base + stored * vector.dims[0].stride, vector.dims[0].stride,
-                 std::min(along.extent, wanted) - stored, element);
+    copy_run(result.base + stored * along.stride, along.stride,
+             vector.base + stored * vector.dims[0].stride, vector.dims[0].stride,
+             std::min(along.extent, vector.count()) - stored, element);
+}
+
+// `count()` says how many elements the mask chooses.
+template <class Count>
+void pack_into(ArrayDescriptor& to, const View& array, const Mask& mask,
+               const ArrayDescriptor* vector, Count&& count) {
+    if (vector != nullptr) return pack_with_vector(to, array, mask, *vector, count());
+    // Where there is a result to be filled, that shows how many there are.
+    const bool given = to.base != nullptr && to.rank == 1 && !checks_bounds();
+    const View result = given ? view_of(to, array.element)
+                              : result_for(to, vector_shape(count()), array.element, "PACK");
+    const arrays::Dimension along = result.dims[0];
+    if (pack(result.base, along.stride, along.extent, array, mask) > along.extent)
+        array_failure(result_is_small, "The result of PACK has only %td elements", along.extent);
 }
 
 void pack_by_array(ArrayDescriptor& to, const ArrayDescriptor& from, Index element,
                    const ArrayDescriptor& mask_given, const ArrayDescriptor* vector) {
     const View array = view_of(from, element);
-    const GivenMask mask(&mask_given);
-    check_shape(mask.get()->view, array, "MASK", "PACK");
-    pack_into(to, array, *mask.get(), vector, count_true(*mask.get()));
+    Mask mask;
+    mask.view = view_of(mask_given, element_of(mask_given));
+    check_shape(mask.view, array, "MASK", "PACK");
+    pack_into(to, array, mask, vector, [&] { return count_true(mask); });
 }
 
 void pack_by_scalar(ArrayDescriptor& to, const ArrayDescriptor& from, Index element,
@@ -81,7 +96,7 @@ void pack_by_scalar(ArrayDescriptor& to, const ArrayDescriptor& from, Index elem
     const Logical flag = *chosen != 0 ? 1 : 0;
     Mask mask;
     mask.view = everywhere(&flag, sizeof flag, array);
-    pack_into(to, array, mask, vector, flag != 0 ? array.count() : 0);
+    pack_into(to, array, mask, vector, [&] { return flag != 0 ? array.count() : 0; });
 }
 
 // ---- UNPACK ----
@@ -90,15 +105,16 @@ void unpack_into(ArrayDescriptor& to, const ArrayDescriptor& vector_given, Index
                  const ArrayDescriptor& mask_given, const void* field_scalar,
                  const ArrayDescriptor* field_array) {
     constexpr int vector_is_short = 403;
-    const GivenMask mask(&mask_given);
+    Mask mask;
+    mask.view = view_of(mask_given, element_of(mask_given));
     const View vector = view_of(vector_given, element);
-    const View result = result_for(to, mask.get()->view, element, "UNPACK");
+    const View result = result_for(to, mask.view, element, "UNPACK");
     View field = everywhere(field_scalar, element, result);
     if (field_array != nullptr) {
         field = view_of(*field_array, element);
         check_shape(field, result, "FIELD", "UNPACK");
     }
-    if (!unpack(result, vector.base, vector.dims[0].stride, vector.count(), *mask.get(), field))
+    if (!unpack(result, vector.base, vector.dims[0].stride, vector.count(), mask, field))
         array_failure(vector_is_short, "The VECTOR of UNPACK has only %td elements",
                       vector.count());
 }
@@ -123,10 +139,57 @@ void spread_scalar_into(ArrayDescriptor& to, const void* scalar, Index element, 
 
 // ---- RESHAPE ----
 
+// How many elements an array in one piece has; -1: it isn't such a one.
+Index count_in_one_piece(const ArrayDescriptor& array) {
+    Index count = 1;
+    for (int d = 0; d < array.rank; ++d) {
+        const Index extent = array.dimension[d].extent();
+        if (array.dimension[d].stride != count && extent != 1) return -1;
+        count *= extent;
+    }
+    return count;
+}
+
+// A source in one piece that goes into a result in one piece, with neither PAD nor ORDER.
+bool reshape_by_copy(ArrayDescriptor& to, const ArrayDescriptor& from, Index element,
+                     const ArrayDescriptor& shape) {
+    const Index rank = shape.dimension[0].extent();
+    if (rank < 1 || rank > max_rank || checks_bounds()) return false;
+    const bool make = to.base == nullptr;
+    if (!make && to.rank != rank) return false;
+    const auto* extents = reinterpret_cast<const Index*>(shape.base);
+    Index wanted = 1;
+    for (Index d = 0; d < rank; ++d, extents += shape.dimension[0].stride) {
+        const Index extent = std::max<Index>(*extents, 0);
+        if (make) {
+            to.dimension[d] = {wanted, 0, extent - 1};
+        } else if (to.dimension[d].extent() != extent) {
+            return false;
+        }
+        if (__builtin_mul_overflow(wanted, extent, &wanted)) return false;
+    }
+    if (!make && count_in_one_piece(to) != wanted) return false;
+    Index bytes = 0;
+    if (wanted == 0 || count_in_one_piece(from) < wanted ||
+        __builtin_mul_overflow(wanted, element, &bytes))
+        return false;
+    if (make) {
+        to.base = static_cast<char*>(std::malloc(static_cast<std::size_t>(bytes)));
+        if (to.base == nullptr) return false;
+        to.rank = static_cast<std::int8_t>(rank);
+        to.offset = 0;
+    }
+    std::memcpy(to.base, from.base, static_cast<std::size_t>(bytes));
+    return true;
+}
+
 void reshape_into(ArrayDescriptor& to, const ArrayDescriptor& from, Index element,
                   const ArrayDescriptor& shape_given, const ArrayDescriptor* pad_given,
                   const ArrayDescriptor* order_given) {
     constexpr int no_permutation = 395;
+    if (pad_given == nullptr && order_given == nullptr &&
+        reshape_by_copy(to, from, element, shape_given))
+        return;
     const View source = view_of(from, element);
     // SHAPE= and ORDER= come as 8-byte integers.
     const View extents = view_of(shape_given, sizeof(Index));
@@ -190,33 +253,35 @@ void cshift(ArrayDescriptor& to, const ArrayDescriptor& from, Index element, con
         return;
     }
     const View given = view_of(*shifts, sizeof(Integer));
-    check_shape(given, without(array, dim), "SHIFT", "CSHIFT");
+    if (checks_bounds()) check_shape(given, without(array, dim), "SHIFT", "CSHIFT");
     circular_shifts(result, array, dim, given);
 }
 
 // A run of one blank, of any length, as the element that moves in.
 class BlankElement {
   public:
-    BlankElement(Index element, std::uint32_t character, Index character_size) {
-        bytes_ = element <= static_cast<Index>(sizeof few_)
-                     ? few_
-                     : static_cast<std::byte*>(std::malloc(static_cast<std::size_t>(element)));
-        constexpr int out_of_storage = 408;
-        if (bytes_ == nullptr)
-            array_failure(out_of_storage, "There is no storage for a blank of %td bytes", element);
-        for (Index at = 0; at + character_size <= element; at += character_size)
-            std::memcpy(bytes_ + at, &character, static_cast<std::size_t>(character_size));
-    }
-    ~BlankElement() {
-        if (bytes_ != few_) std::free(bytes_);
-    }
+    BlankElement() = default;
+    ~BlankElement() { std::free(made_); }
     BlankElement(const BlankElement&) = delete;
     BlankElement& operator=(const BlankElement&) = delete;
-    const std::byte* bytes() const { return bytes_; }
+
+    const std::byte* of(Index element, std::uint32_t character, Index character_size) {
+        static constexpr std::byte zeros[64] = {};
+        if (character == 0 && element <= static_cast<Index>(sizeof zeros)) return zeros;
+        std::byte* bytes = few_;
+        if (element > static_cast<Index>(sizeof few_))
+            bytes = made_ = static_cast<std::byte*>(std::malloc(static_cast<std::size_t>(element)));
+        constexpr int out_of_storage = 408;
+        if (bytes == nullptr)
+            array_failure(out_of_storage, "There is no storage for a blank of %td bytes", element);
+        for (Index at = 0; at + character_size <= element; at += character_size)
+            std::memcpy(bytes + at, &character, static_cast<std::size_t>(character_size));
+        return bytes;
+    }
 
   private:
-    std::byte few_[256] = {};
-    std::byte* bytes_;
+    std::byte few_[256];
+    std::byte* made_ = nullptr;
 };
 
 template <class Integer>
@@ -225,14 +290,16 @@ void eoshift(ArrayDescriptor& to, const ArrayDescriptor& from, Index element, co
              std::uint32_t blank, Index blank_size) {
     const View array = view_of(from, element);
     const int dim = dim_or_first(dim_given, array, "EOSHIFT");
-    const View outer = without(array, dim);
     const View result = result_for(to, array, element, "EOSHIFT");
-    const BlankElement blanks(element, blank, blank_size);
-    View boundary =
-        everywhere(given.scalar != nullptr ? given.scalar : blanks.bytes(), element, outer);
+    BlankElement blanks;
+    View boundary;
     if (given.array != nullptr) {
         boundary = view_of(*given.array, element);
-        check_shape(boundary, outer, "BOUNDARY", "EOSHIFT");
+        if (checks_bounds()) check_shape(boundary, without(array, dim), "BOUNDARY", "EOSHIFT");
+    } else {
+        const void* const one =
+            given.scalar != nullptr ? given.scalar : blanks.of(element, blank, blank_size);
+        boundary = everywhere(one, element, array, array.rank - 1);
     }
     if (shifts == nullptr) {
         end_off_shift(result, array, dim,
@@ -241,7 +308,7 @@ void eoshift(ArrayDescriptor& to, const ArrayDescriptor& from, Index element, co
         return;
     }
     const View distances = view_of(*shifts, sizeof(Integer));
-    check_shape(distances, outer, "SHIFT", "EOSHIFT");
+    if (checks_bounds()) check_shape(distances, without(array, dim), "SHIFT", "EOSHIFT");
     end_off_shifts(result, array, dim, distances, boundary);
 }
 

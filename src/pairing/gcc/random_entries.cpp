@@ -18,6 +18,10 @@ template <class Real>
 void fill(const ArrayDescriptor& array) {
     constexpr auto unit = static_cast<std::int64_t>(sizeof(Real));
     intrinsics::Stream& stream = thread_stream();
+    const Dimension& first = array.dimension[0];
+    if (array.rank == 1 && first.stride == 1)
+        return stream.fill(reinterpret_cast<Real*>(array.base),
+                           static_cast<std::size_t>(first.extent()));
     for_each_run(array, sizeof(Real), [&](char* at, std::int64_t count, std::int64_t step) {
         if (step == unit) {
             stream.fill(reinterpret_cast<Real*>(at), static_cast<std::size_t>(count));

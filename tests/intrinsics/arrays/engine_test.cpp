@@ -184,6 +184,24 @@ TEST(Engine, CountsPacksAndUnpacks) {
     });
 }
 
+// Nothing is stored of elements without length, which are chosen, counted and shifted all the same.
+TEST(Engine, ElementsOfNoLength) {
+    Section<std::int32_t> mask(3, 2, 1, false);
+    std::fill(mask.elements.begin(), mask.elements.end(), 1);
+    View array = mask.view;
+    array.element = array.dims[0].stride = array.dims[1].stride = 0;
+    std::byte guard{99};
+    EXPECT_EQ(pack(&guard, 0, 6, array, {mask.view}), 6);
+    EXPECT_EQ(pack(&guard, 0, 5, array, {mask.view}), 6);
+    View to = array;
+    to.base = &guard;
+    EXPECT_TRUE(unpack(to, array.base, 0, 6, {mask.view}, array));
+    EXPECT_FALSE(unpack(to, array.base, 0, 5, {mask.view}, array));
+    circular_shift(to, array, 1, 1);
+    end_off_shift(to, array, 0, -2, without(array, 0));
+    EXPECT_EQ(guard, std::byte{99});
+}
+
 TEST(Engine, CopiesInAnyDirection) {
     for_cases([](Case& c, std::mt19937&) {
         Section<double> turned(c.columns, c.rows, 1, false);

@@ -197,7 +197,8 @@ TEST(Engine, ElementsOfNoLength) {
     to.base = &guard;
     EXPECT_TRUE(unpack(to, array.base, 0, 6, {mask.view}, array));
     EXPECT_FALSE(unpack(to, array.base, 0, 5, {mask.view}, array));
-    circular_shift(to, array, 1, 1);
+    const std::int32_t one = 1;
+    circular_shift(to, array, 1, reinterpret_cast<const std::byte*>(&one), sizeof one);
     end_off_shift(to, array, 0, -2, without(array, 0));
     EXPECT_EQ(guard, std::byte{99});
 }

@@ -68,12 +68,13 @@ struct ArrayDescriptor {
     std::int8_t rank;
     std::int8_t type;
     std::int16_t attribute;
-    std::int64_t span;  // bytes from one element to the next for a stride of 1
+    std::int64_t span;  // bytes from one element to the next for a stride of 1; often never set
     Dimension dimension[15];
 
-    std::int64_t unit() const {
-        return span != 0 ? span : static_cast<std::int64_t>(element_length);
-    }
+    // The same where the compiler sets it: pointers, and what is handed to C.
+    std::int64_t unit() const { return span != 0 ? span : element_step(); }
+    // The same of arrays in a statement: what isn't an array of whole elements comes one by one.
+    std::int64_t element_step() const { return static_cast<std::int64_t>(element_length); }
 };
 static_assert(offsetof(ArrayDescriptor, dimension) == 40);
 

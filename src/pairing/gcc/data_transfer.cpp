@@ -56,7 +56,7 @@ void fill_internal(const DataBlock& block, fio::InternalFile& file) {
     file.rank = array->rank;
     for (int i = 0; i < file.rank; ++i) {
         const Dimension& dimension = array->dimension[i];
-        file.dimension[i] = {dimension.extent(), dimension.stride * array->unit(), 0};
+        file.dimension[i] = {dimension.extent(), dimension.stride * array->element_step(), 0};
         file.count *= dimension.extent();
     }
 }
@@ -105,7 +105,8 @@ void walk(DataBlock& block, const ArrayDescriptor& array, ItemType type, int kin
     if (array.rank == 1) {
         const Dimension& only = array.dimension[0];
         const std::int64_t count = only.extent();
-        if (count > 0) row(block, type, array.base, kind, size, only.stride * array.unit(), count);
+        if (count > 0)
+            row(block, type, array.base, kind, size, only.stride * array.element_step(), count);
         return;
     }
     std::int64_t extent[15];
@@ -114,7 +115,7 @@ void walk(DataBlock& block, const ArrayDescriptor& array, ItemType type, int kin
     for (int i = 0; i < array.rank; ++i) {
         const std::int64_t count = array.dimension[i].extent();
         if (count == 0) return;
-        const std::int64_t step = array.dimension[i].stride * array.unit();
+        const std::int64_t step = array.dimension[i].stride * array.element_step();
         if (rank > 0 && step == stride[rank - 1] * extent[rank - 1]) {
             extent[rank - 1] *= count;
         } else {
@@ -310,7 +311,7 @@ void transfer_array(DataBlock& block, const ArrayDescriptor& array, int kind,
     const Owner owner = block.part().owner;
     if (owner == Owner::quick && array.rank == 1) {
         const Dimension& only = array.dimension[0];
-        return quick_row(block, type, array.base, kind, size, only.stride * array.unit(),
+        return quick_row(block, type, array.base, kind, size, only.stride * array.element_step(),
                          only.extent());
     }
     walk(block, array, type, kind, size, row_of(owner));

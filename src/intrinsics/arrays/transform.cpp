@@ -458,7 +458,12 @@ void spread(const View& to, const View& source, int dim) {
     if (loops.extent[0] * copies.extent <= few_elements / 4) {
         with_element_size(element, [&](auto size) {
             walk(loops, {to.base, source.base}, [&](const std::array<std::byte*, 2>& at, Index n) {
-                if (n == 1) return size.fill(at[0], copies.stride, at[1], copies.extent);
+                if (copies.stride == element || n == 1) {
+                    for (Index i = 0; i < n; ++i)
+                        size.fill(at[0] + i * to_step, copies.stride, at[1] + i * step,
+                                  copies.extent);
+                    return;
+                }
                 for (Index c = 0; c < copies.extent; ++c)
                     size.copy(at[0] + c * copies.stride, to_step, at[1], step, n);
             });

@@ -84,15 +84,37 @@ struct CountRule {
     }
 };
 
-// ALL (`wanted`) or ANY of rows of few elements, by their low bytes.
+// Whether eight elements of four bytes, side by side, have the truth `wanted` by their low bytes.
+template <bool wanted>
+bool eight_are(const std::byte* at) {
+    constexpr std::uint64_t low = 0x000000FF000000FF;
+    constexpr std::uint64_t carry =
+        0x0000010000000100;  // of a low byte that isn't zero, plus `low`
+    std::uint64_t met = wanted ? carry : 0;
+    for (int i = 0; i < 4; ++i, at += sizeof met) {
+        std::uint64_t pair;
+        __builtin_memcpy(&pair, at, sizeof pair);
+        met = wanted ? met & ((pair & low) + low) : met | (pair & low);
+    }
+    return met == (wanted ? carry : 0);
+}
+
+// ALL (`wanted`) or ANY of rows of few elements, by their low bytes. Most answers are found at the
+// start of a row.
 template <bool wanted, class Integer>
 void settle_few(const Row& row, Index step, Index n, std::byte* to, Index to_step) {
     const std::byte* at = row.at;
     const Index stride = row.stride;
     const Index length = row.n;
+    const bool side_by_side = stride == 4 && row.size == 4;
     for (; n > 0; --n, at += step, to += to_step) {
+        const auto agrees = [&](Index i) { return (at[i * stride] != std::byte{0}) == wanted; };
+        constexpr Index start = 4;
         Index i = 0;
-        while (i < length && (at[i * stride] != std::byte{0}) == wanted) ++i;
+        while (i < std::min(start, length) && agrees(i)) ++i;
+        if (i == start && side_by_side)
+            while (i + 8 <= length && eight_are<wanted>(at + i * stride)) i += 8;
+        while (i < length && agrees(i)) ++i;
         *reinterpret_cast<Integer*>(to) = static_cast<Integer>((i == length) == wanted);
     }
 }

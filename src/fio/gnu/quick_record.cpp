@@ -166,18 +166,7 @@ bool begin_quick_record(QuickRecord& record, Unit& unit, bool reading, std::int6
 
 Statement* begin_records(Unit& unit, Caller& caller, bool reading, std::int64_t number) {
     caller.has_unit = true;
-    if (unit.status.direct || unit.status.stream) {
-        return begin_unformatted_on(unit, caller, reading, number);
-    }
-    Statement* statement = take_statement();
-    Statement& s = *statement;
-    s.caller = &caller;
-    s.unit = &unit;
-    s.reading = reading;
-    s.unformatted = true;
-    s.raw = UnformattedState{};
-    begin_unformatted(s);
-    return statement;
+    return begin_unformatted_on(unit, caller, reading, number);
 }
 
 bool end_quick_record(QuickRecord& record) {

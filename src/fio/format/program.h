@@ -110,7 +110,7 @@ inline constexpr std::uint32_t max_format_depth = 64;
 // What programs are compiled for decides about some formats.
 struct FormatRules {
     bool natural_widths = false;  // a data edit may come without a width (-fdec-format-defaults)
-    bool legacy = false;          // REAL edits need no point behind their width (-std=legacy)
+    bool legacy = false;          // -std=legacy: REAL edits need no point behind their width
     bool before_f2008 = false;    // the standard chosen (-std=f95, -std=f2003) doesn't have G0
     bool before_f2018 = false;    // it has no zero width of exponential edits
 

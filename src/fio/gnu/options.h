@@ -60,7 +60,7 @@ struct GnuOptions {
     bool sign_zero = true;
     bool bounds_check = false;
     std::int32_t fpe_summary = 0;  // exceptions that STOP and ERROR STOP name
-    FormatRules formats;           // as the words about standards have them
+    FormatRules formats;           // as the words about standards have them; some do more
 
     // GFORTRAN_STDIN_UNIT, GFORTRAN_STDOUT_UNIT, GFORTRAN_STDERR_UNIT.
     std::int32_t stdin_unit = 5;

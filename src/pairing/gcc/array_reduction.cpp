@@ -17,6 +17,18 @@ void reduce_checked(const Reduction& reduction, const ReductionCall& call, int d
     reduce_along(reduction, array, mask, dim, result);
 }
 
+// Storage for a result without one. False: it has no elements, or too many, which have oddities of
+// their own.
+bool give_storage(const ReductionCall& call, Index elements, int rank) {
+    Index bytes = 0;
+    if (elements == 0 || __builtin_mul_overflow(elements, call.result_size, &bytes)) return false;
+    ArrayDescriptor& to = call.to;
+    to.rank = static_cast<std::int8_t>(rank);
+    to.offset = 0;
+    to.base = static_cast<char*>(std::malloc(static_cast<std::size_t>(bytes)));
+    return to.base != nullptr;
+}
+
 // The loops over the rows, straight from the descriptors, which are a good part of the work where
 // the elements are few. A result without storage gets it.
 bool loops_of(const ReductionCall& call, int dim, Loops<3>& loops) {
@@ -38,14 +50,7 @@ bool loops_of(const ReductionCall& call, int dim, Loops<3>& loops) {
                            second.dimension[d].stride * mask_element});
     }
     loops.finish();
-    Index bytes = 0;
-    // Empty results and those that don't fit have oddities of their own.
-    if (elements == 0 || __builtin_mul_overflow(elements, call.result_size, &bytes)) return false;
-    if (!make) return true;
-    to.rank = static_cast<std::int8_t>(r);
-    to.offset = 0;
-    to.base = static_cast<char*>(std::malloc(static_cast<std::size_t>(bytes)));
-    return to.base != nullptr;
+    return make ? give_storage(call, elements, r) : elements != 0;
 }
 
 // The first run, and where its result goes.
@@ -70,12 +75,7 @@ bool reduce_matrix(const Reduction& reduction, const ReductionCall& call, Index 
     Rows rows;
     rows.n = other.extent();
     if (to.base == nullptr) {
-        Index bytes = 0;
-        if (rows.n == 0 || __builtin_mul_overflow(rows.n, call.result_size, &bytes)) return false;
-        to.base = static_cast<char*>(std::malloc(static_cast<std::size_t>(bytes)));
-        if (to.base == nullptr) return false;
-        to.rank = 1;
-        to.offset = 0;
+        if (!give_storage(call, rows.n, 1)) return false;
         to.dimension[0] = {1, 0, rows.n - 1};
         rows.to_step = call.result_size;
     } else {

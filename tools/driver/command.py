@@ -122,15 +122,19 @@ def take_choice(arguments, option, choices):
     return choice, rest
 
 
+def gets_library(command):
+    """Whether the command is a link that takes libraries which aren't named on it."""
+    whole = command.links() and "-r" not in command.modes
+    return whole and not command.has("-nostdlib", "-nodefaultlibs")
+
+
 def link_arguments(command, language, float_rules):
     """What a program needs of us at its link: the start-up object, and the library ahead of the
     compiler's own. With --as-needed the latter are loaded only where something of them is used."""
-    if not command.links() or "-r" in command.modes:
+    if not gets_library(command):
         return []
     if command.has("-static", "-static-pie"):
         raise UserError("-static does not go here: tarnlibc is a shared library")
-    if command.has("-nostdlib", "-nodefaultlibs"):
-        return []
     out = ["-x", "none"] if command.has("-x") else []
     if "-shared" not in command.modes and not command.has("-nostartfiles"):
         rules = "native_" if float_rules == "native" else ""
@@ -167,7 +171,7 @@ def take_strip(command):
 def drop_libraries(command, names):
     """Forgets libraries that the user names and the link has anyway. The compiler's own run-time
     would stand ahead of ours; and where gfortran sees -lm, it puts its run-time there."""
-    if not command.links():
+    if not gets_library(command):
         return
     unwanted = [word for name in names for word in ([f"-l{name}"], ["-l", name])]
     command.items = [item for item in command.items if item[1] not in unwanted]

@@ -311,8 +311,7 @@ def run(arguments):
     if native and any(w[0].startswith("-flto") for k, w, _ in command.items if k == "option"):
         raise UserError("--dialect=native does not go with -flto: it works on finished objects")
     strip = take_strip(command)
-    if not command.has("-nostdlib", "-nodefaultlibs"):
-        drop_libraries(command, ["gfortran", "m"])
+    drop_libraries(command, ["gfortran", "m"])
     if common_blocks:
         command.items += [("option", [word], None) for word in virtual_common.COMPILE]
     added = include_arguments([paths.INCLUDE, paths.MODULES])
